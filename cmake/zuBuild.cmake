@@ -1,0 +1,53 @@
+# How everything in this project is compiled.
+
+# All programs and libraries of a build stand in one directory: a Windows program finds its
+# libraries only beside itself.
+set(CMAKE_RUNTIME_OUTPUT_DIRECTORY "${PROJECT_BINARY_DIR}/bin")
+set(CMAKE_LIBRARY_OUTPUT_DIRECTORY "${PROJECT_BINARY_DIR}/bin")
+set(CMAKE_ARCHIVE_OUTPUT_DIRECTORY "${PROJECT_BINARY_DIR}/lib")
+
+find_package(Threads REQUIRED)
+
+add_library(zuOptions INTERFACE)
+target_compile_features(zuOptions INTERFACE cxx_std_20)
+target_compile_options(
+  zuOptions
+  INTERFACE
+    # Results on time and random numbers are the same on every platform and at every level of
+    # optimisation: no contraction to fused operations.
+    -ffp-contract=off
+    # No path of the building machine in the products.
+    "-ffile-prefix-map=${PROJECT_SOURCE_DIR}/="
+    -Wall
+    -Wextra
+    -Wpedantic
+    -Wconversion
+    -Wshadow
+    -Wnon-virtual-dtor
+    -Woverloaded-virtual
+    $<$<BOOL:${ZU_WARNINGS_AS_ERRORS}>:-Werror>)
+
+if(ZU_SANITIZE)
+  target_compile_options(
+    zuOptions INTERFACE "-fsanitize=${ZU_SANITIZE}" -fno-omit-frame-pointer
+                        -fno-sanitize-recover=all)
+  target_link_options(zuOptions INTERFACE "-fsanitize=${ZU_SANITIZE}")
+endif()
+
+if(WIN32)
+  set(zuPlatform Windows)
+else()
+  set(zuPlatform Linux)
+endif()
+
+# The runtime libraries of the Windows toolchain, beside the programs that need them.
+if(MINGW)
+  file(MAKE_DIRECTORY "${CMAKE_RUNTIME_OUTPUT_DIRECTORY}")
+  foreach(dll libstdc++-6.dll libgcc_s_seh-1.dll libwinpthread-1.dll)
+    execute_process(
+      COMMAND "${CMAKE_CXX_COMPILER}" "-print-file-name=${dll}"
+      OUTPUT_VARIABLE path
+      OUTPUT_STRIP_TRAILING_WHITESPACE)
+    file(COPY_FILE "${path}" "${CMAKE_RUNTIME_OUTPUT_DIRECTORY}/${dll}" ONLY_IF_DIFFERENT)
+  endforeach()
+endif()

@@ -1,0 +1,55 @@
+/// @file
+/// What the sources of the exception families share. Internal to the library.
+
+#ifndef ZU_BASE_EXDEFINE_H
+#define ZU_BASE_EXDEFINE_H
+
+#include "base/exBase.h"
+
+#include <cstdarg>
+#include <cstdio>
+
+/// Defines the two operations that every concrete exception has.
+#define ZU_EX_WHAT_AND_CLONE(Class)                                                                \
+    const char* Class::what() const noexcept                                                       \
+    {                                                                                              \
+        return getReason();                                                                        \
+    }                                                                                              \
+    ::Zu::ExBase* Class::clone() const                                                             \
+    {                                                                                              \
+        return new Class(*this);                                                                   \
+    }
+
+namespace Zu
+{
+
+/// A reason made with a `printf` format, cut to what an exception keeps.
+class ExText
+{
+public:
+    [[gnu::format(printf, 2, 3)]] explicit ExText(const char* format, ...)
+    {
+        std::va_list arguments;
+        va_start(arguments, format);
+        std::vsnprintf(_text, sizeof _text, format, arguments);
+        va_end(arguments);
+    }
+
+    const char* get() const
+    {
+        return _text;
+    }
+
+    /// A text argument as `%s` may take it: null reads as the empty text.
+    static const char* orEmpty(const char* text)
+    {
+        return text ? text : "";
+    }
+
+private:
+    char _text[1024];
+};
+
+} // namespace Zu
+
+#endif

@@ -1,0 +1,49 @@
+/// @file
+/// The collector of all context aliases of one kind. Internal to the library.
+
+#ifndef ZU_BASE_INCONTEXTALIASMGR_H
+#define ZU_BASE_INCONTEXTALIASMGR_H
+
+#include "base/inContextAliasMgrBase.h"
+
+#include <set>
+
+namespace Zu
+{
+
+class InContextAliasBase;
+
+/// Collects the aliases of one kind, `Alias`, as they are built, and gives all of them their values
+/// in one step of start-up. All operations are called by aliases and by the bodies of packages.
+///
+/// Thread-safety: none; everything runs in static construction, start-up and shut-down.
+template <class Alias> class InContextAliasMgr : public InContextAliasMgrBase
+{
+public:
+    /// Adds an alias. Raises InEx::ExNoNewContextAliasAfterInit once the kind was initialised.
+    static void registerAlias(InContextAliasBase* alias);
+
+    /// Removes an alias, which must be present.
+    static void unregisterAlias(InContextAliasBase* alias);
+
+    /// Gives every alias its value. From then on no alias of the kind can be built in the process,
+    /// also after shut-down.
+    static void initializeAll();
+
+    /// Takes every alias out of use.
+    static void finalizeAll();
+
+    /// Writes the aliases with their values to standard error.
+    static void dump();
+
+private:
+    static void assignValues();
+
+    // Ordered by address; null when empty.
+    static std::set<InContextAliasBase*>* _ca;
+    static bool _isInitialized;
+};
+
+} // namespace Zu
+
+#endif

@@ -1,0 +1,16 @@
+/// @file
+/// The switch for start-up diagnostics. Internal to the library.
+
+#ifndef ZU_BASE_INDEBUG_H
+#define ZU_BASE_INDEBUG_H
+
+namespace Zu
+{
+
+/// Whether the environment variable ZU_DEBUG_INITIALIZE is set now, to any value. Start-up and
+/// shut-down then write what they do to standard error.
+bool inDebugInitialize();
+
+} // namespace Zu
+
+#endif

@@ -1,0 +1,43 @@
+/// @file
+/// Who depends on whom, as rows of bits. Internal to the library.
+
+#ifndef ZU_BASE_INDEPENDENCYROWS_H
+#define ZU_BASE_INDEPENDENCYROWS_H
+
+#include <cstdint>
+#include <vector>
+
+namespace Zu
+{
+
+/// A square of bits, packed 32 to a word: bit j of row i says that element i depends on element j,
+/// directly until close() and transitively after it.
+class InDependencyRows
+{
+public:
+    /// `size` rows of `size` bits, all clear.
+    explicit InDependencyRows(int size);
+
+    int size() const;
+    bool test(int row, int bit) const;
+    void set(int row, int bit);
+
+    /// Forms the transitive closure (S. Warshall, "A Theorem on Boolean Matrices", 1962) and adds
+    /// to `counts[j]` the number of elements that j was found to depend on beyond those it had.
+    /// Returns whether there is a cycle, in which case the counts mean nothing.
+    ///
+    /// An element that names itself is deliberately no cycle: its own bit is never passed on.
+    bool close(std::vector<std::int32_t>& counts);
+
+private:
+    std::uint32_t* row(int index);
+    const std::uint32_t* row(int index) const;
+
+    int _size;
+    int _wordsPerRow;
+    std::vector<std::uint32_t> _words;
+};
+
+} // namespace Zu
+
+#endif

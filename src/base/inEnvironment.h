@@ -1,0 +1,35 @@
+/// @file
+/// A snapshot of environment variables. Internal to the library.
+
+#ifndef ZU_BASE_INENVIRONMENT_H
+#define ZU_BASE_INENVIRONMENT_H
+
+#include <iosfwd>
+#include <map>
+#include <string>
+
+namespace Zu
+{
+
+/// Names and values as they were when the object was made.
+class InEnvironment
+{
+public:
+    /// Takes the entries of a null-terminated array, or of none when it is null. Each is split at
+    /// its first "="; a later entry of a name wins. An entry without one is skipped and reported
+    /// to `messages`.
+    InEnvironment(const char* const* entries, std::ostream& messages);
+
+    /// The value of `name`, owned by the snapshot, or null.
+    const char* find(const char* name) const;
+
+private:
+    std::map<std::string, std::string, std::less<>> _values;
+};
+
+/// The entries of this process's environment, a null-terminated array; null when there is none.
+const char* const* inProcessEnvironment();
+
+} // namespace Zu
+
+#endif

@@ -1,0 +1,13 @@
+#include "base/inEnvironment.h"
+
+#include <unistd.h>
+
+namespace Zu
+{
+
+const char* const* inProcessEnvironment()
+{
+    return environ;
+}
+
+} // namespace Zu

@@ -1,0 +1,128 @@
+#include "base/inInitMgr.h"
+
+#include "base/duplicateString.h"
+#include "base/inContextAliasMgrBase.h"
+#include "base/inEnvironment.h"
+#include "base/inInitMgrImpl.h"
+#include "base/inPackageInit.h"
+#include "base/internalAssert.h"
+#include "base/inVariableBase.h"
+
+#include <iostream>
+
+namespace Zu
+{
+
+namespace
+{
+
+// Null before the manager is made and again after static destruction has taken it, when the
+// objects of packages may still follow.
+InInitMgrImpl* theImpl = nullptr;
+
+// Never destroyed: the texts that getEnv() gives out live to the end of the process.
+const InEnvironment& environmentSnapshot()
+{
+    static const InEnvironment* const snapshot =
+        new InEnvironment(inProcessEnvironment(), std::cerr);
+    return *snapshot;
+}
+
+} // namespace
+
+InInitMgr::InInitMgr()
+{
+    // The first package object may be built before any source that prints has set the streams up.
+    static const std::ios_base::Init streams;
+    environmentSnapshot();
+    _impl = std::make_unique<InInitMgrImpl>();
+    theImpl = _impl.get();
+}
+
+InInitMgr::~InInitMgr()
+{
+    theImpl = nullptr;
+}
+
+InInitMgr& InInitMgr::getInstance()
+{
+    static InInitMgr manager;
+    return manager;
+}
+
+void InInitMgr::initialize(int& argc, const char* const*& argv)
+{
+    for (int i = 0; i < argc; ++i)
+    {
+        ArrayPtr<char> word(duplicateString(argv[i]));
+        InContextAliasMgrBase::args().push_back(word.get());
+        word.release();
+    }
+    argc = 0;
+    argv = nullptr;
+    _impl->runPendingPasses();
+}
+
+void InInitMgr::finalize()
+{
+    InVariableBase::clearPendingOverrides();
+    Vector<char*>& args = InContextAliasMgrBase::args();
+    for (; !args.empty(); args.pop_back()) delete[] args.back();
+    ZU_INTERNAL_ASSERT(InContextAliasMgrBase::args().size() == 0);
+    _impl->finalize();
+}
+
+bool InInitMgr::isInitializing() const
+{
+    return _impl->isInitializing();
+}
+
+bool InInitMgr::isFinalizing() const
+{
+    return _impl->isFinalizing();
+}
+
+std::ostream& InInitMgr::dump(std::ostream& os) const
+{
+    return _impl->dump(os);
+}
+
+std::ostream& InInitMgr::reportCycles(std::ostream& os) const
+{
+    return _impl->reportCycles(os);
+}
+
+const char* InInitMgr::getEnv(const char* name)
+{
+    return environmentSnapshot().find(name);
+}
+
+void InInitMgr::incReinitCount()
+{
+    _impl->incReinitCount();
+}
+
+void InInitMgr::decReinitCount()
+{
+    _impl->decReinitCount();
+}
+
+// A package declares itself to the manager and the manager runs packages. The operations that
+// reach for the manager stand here, so that inPackageInit stays below it.
+
+InPackageInit::~InPackageInit()
+{
+    if (theImpl) theImpl->forgetPackage(*this);
+}
+
+void InPackageInit::registerPackage()
+{
+    InInitMgr::getInstance()._impl->registerPackage(*this);
+}
+
+void InPackageInit::addDependency(const std::type_info* type)
+{
+    if (!InInitMgr::getInstance()._impl->isTypeInitialized(*type)) _dependencies.push_back(type);
+}
+
+} // namespace Zu

@@ -1,0 +1,280 @@
+#include "base/inInitMgrImpl.h"
+
+#include "base/inDebug.h"
+#include "base/inEx.h"
+#include "base/inPackageInit.h"
+#include "base/internalAssert.h"
+#include "base/typeName.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <cstring>
+#include <iostream>
+#include <typeindex>
+#include <unordered_map>
+#include <vector>
+
+namespace Zu
+{
+
+namespace
+{
+
+// Sets a flag and puts the old value back on every way out.
+class FlagScope
+{
+public:
+    explicit FlagScope(bool& flag) : _flag(flag), _previous(flag)
+    {
+        _flag = true;
+    }
+    ~FlagScope()
+    {
+        _flag = _previous;
+    }
+    FlagScope(const FlagScope&) = delete;
+    FlagScope& operator=(const FlagScope&) = delete;
+
+private:
+    bool& _flag;
+    const bool _previous;
+};
+
+const std::type_info& typeOf(const InPackageEntry& entry)
+{
+    const InPackageInit& package = *entry._package;
+    return typeid(package);
+}
+
+int indexOf(const Vector<InPackageEntry>& entries, const std::type_info& type)
+{
+    for (std::size_t i = 0; i < entries.size(); ++i)
+        if (typeOf(entries[i]) == type) return static_cast<int>(i);
+    return -1;
+}
+
+void removeObject(Vector<InPackageEntry>& entries, const InPackageInit& package)
+{
+    const auto isObject = [&](const InPackageEntry& entry) { return entry._package == &package; };
+    entries.erase(std::remove_if(entries.begin(), entries.end(), isObject), entries.end());
+}
+
+void writeEntries(std::ostream& os, const Vector<InPackageEntry>& entries)
+{
+    for (const InPackageEntry& entry : entries)
+    {
+        os << "\t'" << entry._package->getName() << "' ";
+        if (entry._initialized)
+            os << "Initialized (" << entry._nbDependencies << " dependencies)" << std::endl;
+        else
+            os << "Not initialized" << std::endl;
+    }
+}
+
+} // namespace
+
+void InInitMgrImpl::registerPackage(InPackageInit& package)
+{
+    if (inDebugInitialize())
+        std::cerr << "Registering Package: InInit<" << package.getName() << ">" << std::endl;
+    if (_isInitialized && _reinitCount == 0) throw InEx::ExReinitWithoutGuard(__FILE__, __LINE__);
+    if (isTypeInitialized(typeid(package))) return;
+    _registered.push_back(InPackageEntry{&package});
+}
+
+void InInitMgrImpl::forgetPackage(const InPackageInit& package)
+{
+    removeObject(_registered, package);
+    removeObject(_savedPackages, package);
+    const std::size_t inPass = _packagesToInit.size();
+    removeObject(_packagesToInit, package);
+    if (_packagesToInit.size() == inPass) return;
+    // A failed pass is kept for its report, which can't be made without all of its packages.
+    _packagesToInit.clear();
+    _dependencyRows.reset();
+    _cycle = false;
+}
+
+bool InInitMgrImpl::isTypeInitialized(const std::type_info& type) const
+{
+    const int index = indexOf(_savedPackages, type);
+    return index != -1 && _savedPackages[static_cast<std::size_t>(index)]._initialized;
+}
+
+void InInitMgrImpl::runPendingPasses()
+{
+    _isInitialized = true;
+    while (!_registered.empty()) runPass();
+}
+
+void InInitMgrImpl::runPass()
+{
+    _packagesToInit = _registered;
+    _registered.clear();
+    collectPackages();
+    buildRows();
+    closeRows();
+    if (_cycle) throw InEx::ExDependencyCycle(__FILE__, __LINE__);
+    runInitialisers();
+}
+
+// Leaves one entry per type, in ascending byte order of the names.
+void InInitMgrImpl::collectPackages()
+{
+    _cycle = false;
+    std::sort(_packagesToInit.begin(), _packagesToInit.end(),
+              [](const InPackageEntry& a, const InPackageEntry& b)
+              { return typeOf(a).before(typeOf(b)); });
+    const auto sameType = [](const InPackageEntry& a, const InPackageEntry& b)
+    { return typeOf(a) == typeOf(b); };
+    _packagesToInit.erase(std::unique(_packagesToInit.begin(), _packagesToInit.end(), sameType),
+                          _packagesToInit.end());
+    std::stable_sort(_packagesToInit.begin(), _packagesToInit.end(),
+                     [](const InPackageEntry& a, const InPackageEntry& b)
+                     { return std::strcmp(a._package->getName(), b._package->getName()) < 0; });
+    _nbPckgs = static_cast<std::int32_t>(_packagesToInit.size());
+    if (inDebugInitialize()) std::cerr << "-->_nbPckgs:" << _nbPckgs << std::endl;
+}
+
+void InInitMgrImpl::buildRows()
+{
+    _dependencyRows = std::make_unique<InDependencyRows>(_nbPckgs);
+    std::unordered_map<std::type_index, int> rowOf;
+    for (int i = 0; i < _nbPckgs; ++i)
+        rowOf.emplace(typeOf(_packagesToInit[static_cast<std::size_t>(i)]), i);
+    for (int i = 0; i < _nbPckgs; ++i)
+    {
+        InPackageEntry& entry = _packagesToInit[static_cast<std::size_t>(i)];
+        if (inDebugInitialize())
+            std::cerr << "_packagesToInit[" << i << "]: " << entry._package->getName() << std::endl;
+        for (const std::type_info* type : entry._package->getDependencies())
+        {
+            const auto found = rowOf.find(*type);
+            if (found == rowOf.end())
+                throw InEx::ExPackageNotRegistered(__FILE__, __LINE__, typeName(*type));
+            _dependencyRows->set(i, found->second);
+            // A dependency that is declared twice counts twice.
+            ++entry._nbDependencies;
+        }
+    }
+}
+
+void InInitMgrImpl::closeRows()
+{
+    ZU_INTERNAL_ASSERT(!_cycle);
+    std::vector<std::int32_t> counts;
+    for (const InPackageEntry& entry : _packagesToInit) counts.push_back(entry._nbDependencies);
+    _cycle = _dependencyRows->close(counts);
+    for (std::size_t i = 0; i < counts.size(); ++i) _packagesToInit[i]._nbDependencies = counts[i];
+}
+
+void InInitMgrImpl::runInitialisers()
+{
+    ZU_INTERNAL_ASSERT(!_cycle);
+    // The list is alphabetical, so equal counts start in ascending order of the names.
+    std::stable_sort(_packagesToInit.begin(), _packagesToInit.end(),
+                     [](const InPackageEntry& a, const InPackageEntry& b)
+                     { return a._nbDependencies < b._nbDependencies; });
+    _dependencyRows.reset();
+    for (const InPackageEntry& entry : _packagesToInit)
+        if (indexOf(_savedPackages, typeOf(entry)) == -1) _savedPackages.push_back(entry);
+
+    const FlagScope initializing(_isInitializing);
+    // A body may load a module under a guard, whose pass then replaces _packagesToInit.
+    const Vector<InPackageEntry> pass = _packagesToInit;
+    for (const InPackageEntry& entry : pass)
+    {
+        entry._package->initialize();
+        const int index = indexOf(_savedPackages, typeOf(entry));
+        ZU_INTERNAL_ASSERT(index != -1);
+        _savedPackages[static_cast<std::size_t>(index)]._initialized = true;
+    }
+    _packagesToInit.clear();
+}
+
+void InInitMgrImpl::finalize()
+{
+    if (!_isInitialized) throw InEx::ExFinaliseBeforeInit(__FILE__, __LINE__);
+    if (_isFinalized) throw InEx::ExDoubleFinalise(__FILE__, __LINE__);
+    // Deliberately without a guard: when a body throws, the flag and the lists stay as they are.
+    _isFinalizing = true;
+    for (std::size_t i = _savedPackages.size(); i-- > 0;)
+        if (_savedPackages[i]._initialized) _savedPackages[i]._package->finalize();
+    _isFinalizing = false;
+    _savedPackages.clear();
+    _isFinalized = true;
+}
+
+void InInitMgrImpl::incReinitCount()
+{
+    ++_reinitCount;
+}
+
+void InInitMgrImpl::decReinitCount()
+{
+    --_reinitCount;
+    ZU_INTERNAL_ASSERT(_reinitCount >= 0);
+    if (_reinitCount == 0) runPendingPasses();
+}
+
+bool InInitMgrImpl::isInitializing() const
+{
+    return _isInitializing;
+}
+
+bool InInitMgrImpl::isFinalizing() const
+{
+    return _isFinalizing;
+}
+
+std::ostream& InInitMgrImpl::dump(std::ostream& os) const
+{
+    if (_registered.empty())
+        os << "No packages waiting to be initialize." << std::endl;
+    else
+        os << _registered.size() << " packages waiting to be initialize:" << std::endl;
+    writeEntries(os, _registered);
+    if (_savedPackages.empty())
+        os << "No packages saved." << std::endl;
+    else
+        os << _savedPackages.size() << " packages currently saved:" << std::endl;
+    writeEntries(os, _savedPackages);
+    if (_cycle)
+    {
+        os << "Dependency cycle(s) detected..." << std::endl;
+        writeCycles(os);
+    }
+    return os;
+}
+
+std::ostream& InInitMgrImpl::reportCycles(std::ostream& os) const
+{
+    if (_cycle)
+        writeCycles(os);
+    else
+        os << "No dependency cycles to report." << std::endl;
+    return os;
+}
+
+void InInitMgrImpl::writeCycles(std::ostream& os) const
+{
+    const auto nameOf = [this](int index)
+    { return _packagesToInit[static_cast<std::size_t>(index)]._package->getName(); };
+    std::vector<int> groups(static_cast<std::size_t>(_nbPckgs), -1);
+    int nextGroup = 0;
+    for (int i = 0; i < _nbPckgs; ++i)
+    {
+        if (groups[static_cast<std::size_t>(i)] != -1 || !_dependencyRows->test(i, i)) continue;
+        groups[static_cast<std::size_t>(i)] = nextGroup;
+        os << "'" << nameOf(i) << "' is in a cycle with:" << std::endl;
+        for (int j = i + 1; j < _nbPckgs; ++j)
+        {
+            if (!_dependencyRows->test(i, j) || !_dependencyRows->test(j, j)) continue;
+            groups[static_cast<std::size_t>(j)] = nextGroup;
+            os << "\t'" << nameOf(j) << "'" << std::endl;
+        }
+        ++nextGroup;
+    }
+}
+
+} // namespace Zu

@@ -1,0 +1,61 @@
+/// @file
+/// The exceptions of singletons that live as long as a package.
+
+#ifndef ZU_BASE_INSINGLETONEX_H
+#define ZU_BASE_INSINGLETONEX_H
+
+#include "base/inEx.h"
+
+#include <stdexcept>
+
+namespace Zu
+{
+
+/// Root of the exceptions of InSingleton. The reason is the type's name, a blank, what is wrong
+/// and a full stop.
+class ZU_BASE_API InSingletonEx : public InEx
+{
+public:
+    class ExNotInitialized;
+    class ExAlreadyInitialized;
+    class ExAlreadyDestroyed;
+
+protected:
+    InSingletonEx(const char* file, int line, const char* name, const char* text);
+};
+
+/// The singleton does not live: "<name> is not initialized."
+class ZU_BASE_API InSingletonEx::ExNotInitialized : public std::runtime_error, public InSingletonEx
+{
+public:
+    ExNotInitialized(const char* file, int line, const char* name);
+
+    const char* what() const noexcept override;
+    ExBase* clone() const override;
+};
+
+/// The singleton lives already: "<name> has already been initialized."
+class ZU_BASE_API InSingletonEx::ExAlreadyInitialized : public std::runtime_error,
+                                                        public InSingletonEx
+{
+public:
+    ExAlreadyInitialized(const char* file, int line, const char* name);
+
+    const char* what() const noexcept override;
+    ExBase* clone() const override;
+};
+
+/// The singleton's life is over: "<name> has already been destroyed."
+class ZU_BASE_API InSingletonEx::ExAlreadyDestroyed : public std::runtime_error,
+                                                      public InSingletonEx
+{
+public:
+    ExAlreadyDestroyed(const char* file, int line, const char* name);
+
+    const char* what() const noexcept override;
+    ExBase* clone() const override;
+};
+
+} // namespace Zu
+
+#endif

@@ -1,0 +1,61 @@
+#include "base/inVariable.h"
+
+#include "base/inVariable.imp"
+
+#include <algorithm>
+#include <cstdlib>
+#include <limits>
+#include <string_view>
+
+namespace Zu
+{
+
+namespace
+{
+
+char lowerCase(char character)
+{
+    return character >= 'A' && character <= 'Z' ? static_cast<char>(character - 'A' + 'a')
+                                                : character;
+}
+
+bool isFalseWord(std::string_view text)
+{
+    constexpr std::string_view word = "false";
+    return std::equal(text.begin(), text.end(), word.begin(), word.end(),
+                      [](char a, char b) { return lowerCase(a) == b; });
+}
+
+} // namespace
+
+template <> struct InValueText<int>
+{
+    static int read(const char* text)
+    {
+        using Limits = std::numeric_limits<int>;
+        const long long number = std::strtoll(text, nullptr, 10);
+        return static_cast<int>(std::clamp<long long>(number, Limits::min(), Limits::max()));
+    }
+};
+
+template <> struct InValueText<bool>
+{
+    static bool read(std::string_view text)
+    {
+        return text != "0" && !isFalseWord(text);
+    }
+};
+
+template <> struct InValueText<const char*>
+{
+    static const char* read(const char* text)
+    {
+        return text;
+    }
+};
+
+template class ZU_BASE_API InVariable<int>;
+template class ZU_BASE_API InVariable<bool>;
+template class ZU_BASE_API InVariable<const char*>;
+
+} // namespace Zu

@@ -1,0 +1,218 @@
+#include "base/inVariableBase.h"
+
+#include "base/duplicateString.h"
+#include "base/inContextAlias.h"
+#include "base/inDebug.h"
+#include "base/inEx.h"
+#include "base/initOrder.h"
+#include "base/inPackageInit.h"
+#include "base/internalAssert.h"
+#include "base/typeName.h"
+
+#include <iostream>
+#include <typeinfo>
+
+namespace Zu
+{
+
+namespace
+{
+
+void writeOverride(const char* title, const char* handle, const char* value,
+                   const char* description)
+{
+    if (!inDebugInitialize()) return;
+    std::cerr << "----" << std::endl;
+    std::cerr << title << " override for handle: " << handle << std::endl;
+    std::cerr << "     With string          : " << value << std::endl;
+    std::cerr << "     Described as         : " << description << std::endl;
+    std::cerr << "----" << std::endl;
+}
+
+const char* orEmpty(const char* text)
+{
+    return text ? text : "";
+}
+
+} // namespace
+
+InVariableBase::InContextAliasDummy InVariableBase::_dummy
+    ZU_INIT_ORDER(ZU_INIT_ORDER_DUMMY)("InVariableBase::_dummy");
+
+InVariableBase::Handles* InVariableBase::_handles = nullptr;
+
+InVariableBase::Overrides* InVariableBase::_pendingOverrides = nullptr;
+
+InVariableBase::InContextAliasDummy::InContextAliasDummy(const char* description)
+    : InContextAliasBase(description)
+{
+}
+
+InContextAliasBase* InVariableBase::InContextAliasDummy::clone() const
+{
+    internalAssertionFailed("InVariableBase::_dummy is not cloned", __FILE__, __LINE__);
+}
+
+std::uint32_t InVariableBase::InContextAliasDummy::getPriority() const
+{
+    internalAssertionFailed("InVariableBase::_dummy has no priority", __FILE__, __LINE__);
+}
+
+const char* InVariableBase::InContextAliasDummy::getKey() const
+{
+    internalAssertionFailed("InVariableBase::_dummy has no key", __FILE__, __LINE__);
+}
+
+bool InVariableBase::HigherPriority::operator()(const std::unique_ptr<InContextAliasBase>& a,
+                                                const std::unique_ptr<InContextAliasBase>& b) const
+{
+    return a->getPriority() > b->getPriority();
+}
+
+InVariableBase::InVariableBase(const char* handle, InPackageInitBase& package,
+                               const InContextAliasBase& a1, const InContextAliasBase& a2,
+                               const InContextAliasBase& a3, const InContextAliasBase& a4,
+                               const InContextAliasBase& a5, const InContextAliasBase& a6,
+                               const InContextAliasBase& a7, const InContextAliasBase& a8,
+                               const InContextAliasBase& a9, const InContextAliasBase& a10)
+    : _contextAlias(nullptr), _package(&package), _handle(duplicateString(handle))
+{
+    if (!_handles) _handles = new Handles;
+    if (!_handles->emplace(_handle.get(), this).second)
+        throw InEx::ExHandleAlreadyInUse(__FILE__, __LINE__, _handle.get());
+    joinPackage({&a1, &a2, &a3, &a4, &a5, &a6, &a7, &a8, &a9, &a10});
+}
+
+InVariableBase::~InVariableBase()
+{
+    removeHandle();
+    _contextAliases.clear();
+    _package->removeDependency(this);
+}
+
+// Also ends the variable's registrations when an alias can't be cloned any more.
+void InVariableBase::joinPackage(const InContextAliasBase* const (&aliases)[10])
+{
+    bool joined = false;
+    try
+    {
+        _package->addDependency(this);
+        joined = true;
+        for (const InContextAliasBase* alias : aliases)
+            if (alias != &_dummy)
+                _contextAliases.insert(std::unique_ptr<InContextAliasBase>(alias->clone()));
+    }
+    catch (...)
+    {
+        removeHandle();
+        if (joined) _package->removeDependency(this);
+        throw;
+    }
+}
+
+void InVariableBase::removeHandle()
+{
+    _handles->erase(_handle.get());
+    if (!_handles->empty()) return;
+    delete _handles;
+    _handles = nullptr;
+}
+
+bool InVariableBase::isValid() const
+{
+    return _contextAlias != nullptr;
+}
+
+const InContextAliasBase* InVariableBase::contextAlias() const
+{
+    return _contextAlias;
+}
+
+const char* InVariableBase::getHandle() const
+{
+    return _handle.get();
+}
+
+const char* InVariableBase::initSource() const
+{
+    if (!_contextAlias) throw InEx::ExUninitializedObject(__FILE__, __LINE__, _handle.get());
+    return typeName(typeid(*_contextAlias));
+}
+
+const char* InVariableBase::valueText() const
+{
+    if (!_contextAlias) throw InEx::ExUninitializedObject(__FILE__, __LINE__, _handle.get());
+    return _contextAlias->getValue();
+}
+
+void InVariableBase::initialize()
+{
+    ZU_INTERNAL_ASSERT_TEXT(!_contextAlias, "_contextAlias == 0");
+    takeOverride();
+    for (const auto& alias : _contextAliases)
+    {
+        if (!alias->isValid()) continue;
+        _contextAlias = alias.get();
+        break;
+    }
+    if (!_contextAlias || !inDebugInitialize()) return;
+    std::cerr << "----" << std::endl;
+    std::cerr << "Initializing variable  : " << _handle.get() << std::endl;
+    std::cerr << "     With string       : " << _contextAlias->getValue() << std::endl;
+    std::cerr << "     From context alias: " << initSource() << std::endl;
+    std::cerr << "     Described as      : " << _contextAlias->getDescription() << std::endl;
+    std::cerr << "----" << std::endl;
+}
+
+void InVariableBase::takeOverride()
+{
+    if (!_pendingOverrides) return;
+    const auto found = _pendingOverrides->find(_handle.get());
+    if (found == _pendingOverrides->end()) return;
+    _contextAliases.insert(std::move(found->second));
+    _pendingOverrides->erase(found);
+    if (!_pendingOverrides->empty()) return;
+    delete _pendingOverrides;
+    _pendingOverrides = nullptr;
+}
+
+void InVariableBase::finalize()
+{
+    _contextAlias = nullptr;
+}
+
+InVariableBase* InVariableBase::queryViaHandle(const char* handle)
+{
+    if (!_handles || !handle) return nullptr;
+    const auto found = _handles->find(handle);
+    return found != _handles->end() ? found->second : nullptr;
+}
+
+void InVariableBase::overrideViaHandle(const char* handle, const char* value,
+                                       const char* description)
+{
+    writeOverride("Adding", orEmpty(handle), orEmpty(value), orEmpty(description));
+    const InVariableBase* const variable = queryViaHandle(handle);
+    if (variable && variable->_contextAlias)
+        throw InEx::ExVariableAlreadyInitialized(__FILE__, __LINE__, variable->getHandle());
+    auto alias = std::make_unique<InOvrAlias>(value, description);
+    if (!_pendingOverrides) _pendingOverrides = new Overrides;
+    (*_pendingOverrides)[orEmpty(handle)] = std::move(alias);
+}
+
+bool InVariableBase::isOverridden(const char* handle)
+{
+    return _pendingOverrides && handle && _pendingOverrides->count(handle) > 0;
+}
+
+void InVariableBase::clearPendingOverrides()
+{
+    if (!_pendingOverrides) return;
+    for (const auto& [handle, alias] : *_pendingOverrides)
+        if (inDebugInitialize())
+            writeOverride("Unused", handle.c_str(), alias->getValue(), alias->getDescription());
+    delete _pendingOverrides;
+    _pendingOverrides = nullptr;
+}
+
+} // namespace Zu

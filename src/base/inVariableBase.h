@@ -1,0 +1,126 @@
+/// @file
+/// What all init variables have in common.
+
+#ifndef ZU_BASE_INVARIABLEBASE_H
+#define ZU_BASE_INVARIABLEBASE_H
+
+#include "base/arrayPtr.h"
+#include "base/baseApi.h"
+#include "base/inContextAliasBase.h"
+
+#include <cstdint>
+#include <map>
+#include <memory>
+#include <set>
+#include <string>
+
+namespace Zu
+{
+
+class InPackageInitBase;
+struct InInitOvr;
+template <class Src, int Unique> class InContextAlias;
+
+/// A named configuration value of a package. It takes the value of its highest-ranking alias that
+/// has one when its package is initialised and loses it when the package is finalised.
+///
+/// Thread-safety: constructors and overrides belong to one thread, before start-up; reading is safe
+/// from any thread while nobody writes, which also means while no module is loaded.
+class ZU_BASE_API InVariableBase
+{
+    friend class InInitMgr;
+
+public:
+    /// Stands for the absence of an alias; not to be used otherwise, its operations abort.
+    class ZU_BASE_API InContextAliasDummy : public InContextAliasBase
+    {
+    public:
+        explicit InContextAliasDummy(const char* description);
+
+        InContextAliasBase* clone() const override;
+        std::uint32_t getPriority() const override;
+        const char* getKey() const override;
+    };
+
+    /// The one dummy. Only its address counts, so it may be named before it is constructed.
+    static InContextAliasDummy _dummy;
+
+    InVariableBase(const InVariableBase&) = delete;
+    InVariableBase& operator=(const InVariableBase&) = delete;
+
+    /// Whether an alias supplied a value.
+    bool isValid() const;
+
+    /// The alias that supplied the value, or null.
+    const InContextAliasBase* contextAlias() const;
+
+    /// The unique name; owned by the variable.
+    const char* getHandle() const;
+
+    /// The run-time type name of the alias that supplied the value. Raises
+    /// InEx::ExUninitializedObject with the handle when there is none.
+    const char* initSource() const;
+
+    /// Takes the value of the first valid alias; without one the variable stays uninitialised,
+    /// silently. For the package.
+    void initialize();
+
+    /// Takes the value away. For the package.
+    void finalize();
+
+    /// The variable with this handle, or null.
+    static InVariableBase* queryViaHandle(const char* handle);
+
+    /// Forces a value on the variable with this handle, which need not exist yet; the last override
+    /// of a handle wins. To be called before start-up. Raises InEx::ExVariableAlreadyInitialized
+    /// for a variable that has its value and InEx::ExNoNewContextAliasAfterInit from the start of
+    /// the first pass on.
+    static void overrideViaHandle(const char* handle, const char* value, const char* description);
+
+    /// Whether an override for the handle waits for its variable to take it.
+    static bool isOverridden(const char* handle);
+
+protected:
+    /// Clones the aliases that are not _dummy. Raises InEx::ExHandleAlreadyInUse.
+    InVariableBase(const char* handle, InPackageInitBase& package, const InContextAliasBase& a1,
+                   const InContextAliasBase& a2, const InContextAliasBase& a3,
+                   const InContextAliasBase& a4, const InContextAliasBase& a5,
+                   const InContextAliasBase& a6, const InContextAliasBase& a7,
+                   const InContextAliasBase& a8, const InContextAliasBase& a9,
+                   const InContextAliasBase& a10);
+    virtual ~InVariableBase();
+
+    /// Drops the overrides that no variable took. For the manager, at shut-down.
+    static void clearPendingOverrides();
+
+    /// The text of the supplying alias. Raises InEx::ExUninitializedObject with the handle when
+    /// there is none.
+    const char* valueText() const;
+
+private:
+    struct HigherPriority
+    {
+        bool operator()(const std::unique_ptr<InContextAliasBase>& a,
+                        const std::unique_ptr<InContextAliasBase>& b) const;
+    };
+
+    using Handles = std::map<std::string, InVariableBase*>;
+    using Overrides = std::map<std::string, std::unique_ptr<InContextAlias<InInitOvr, 0>>>;
+
+    void joinPackage(const InContextAliasBase* const (&aliases)[10]);
+    void removeHandle();
+    void takeOverride();
+
+    const InContextAliasBase* _contextAlias;
+    std::multiset<std::unique_ptr<InContextAliasBase>, HigherPriority> _contextAliases;
+    InPackageInitBase* _package;
+    ArrayPtr<char> _handle;
+
+    // Both are null when empty, so that they are there before any constructor runs.
+    static Handles* _handles;
+    static Overrides* _pendingOverrides;
+};
+
+} // namespace Zu
+
+#endif

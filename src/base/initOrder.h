@@ -1,0 +1,27 @@
+/// @file
+/// The order in which the library's static objects are built. Internal to the library.
+
+#ifndef ZU_BASE_INITORDER_H
+#define ZU_BASE_INITORDER_H
+
+/// Fixes when a static object is built. Without it the order among sources is that of linking on
+/// one platform and its reverse on the other; the reports of ZU_DEBUG_INITIALIZE would differ.
+/// Objects of one number are built in the order of their source.
+#define ZU_INIT_ORDER(priority) __attribute__((init_priority(priority)))
+
+#define ZU_INIT_ORDER_BASE 1010
+#define ZU_INIT_ORDER_BASE_MATH 1020
+#define ZU_INIT_ORDER_DEBUGGING 1030
+#define ZU_INIT_ORDER_DISCRETE_TIME 1040
+#define ZU_INIT_ORDER_HEAP_MGR 1050
+#define ZU_INIT_ORDER_DUMMY 1060
+#define ZU_INIT_ORDER_INIT_ARG 1070
+#define ZU_INIT_ORDER_INITIALIZE 1080
+#define ZU_INIT_ORDER_INIT_VARS 1090
+#define ZU_INIT_ORDER_LOGGER 1100
+#define ZU_INIT_ORDER_OSAL 1110
+#define ZU_INIT_ORDER_PROFILING 1120
+#define ZU_INIT_ORDER_RANDOM 1130
+#define ZU_INIT_ORDER_TESTING 1140
+
+#endif

@@ -1,0 +1,76 @@
+/// @file
+/// Ownership of one object, stated in the type.
+
+#ifndef ZU_BASE_OBJPTR_H
+#define ZU_BASE_OBJPTR_H
+
+#include "base/ownedPtr.h"
+
+namespace Zu
+{
+
+/// Owns one object made with `new`, or none, and deletes it at its end.
+///
+/// A parameter of this type taken by value is a transfer of the object to the callee and leaves
+/// the caller's variable null.
+template <class T> class ObjPtr : public OwnedPtr<T, DisposeObject>
+{
+    using Base = OwnedPtr<T, DisposeObject>;
+
+public:
+    ObjPtr() noexcept = default;
+
+    /// Takes ownership of `object`, which may be null.
+    explicit ObjPtr(T* object) noexcept : Base(object) {}
+
+    /// Takes the object of a carrier or of another owner, which is left null.
+    ObjPtr(Base& source) noexcept : Base(source) {}
+    ObjPtr(Base&& source) noexcept : Base(source) {}
+
+    using Base::operator=;
+
+    T& operator*() const
+    {
+        return *this->get();
+    }
+
+    T* operator->() const noexcept
+    {
+        return this->get();
+    }
+};
+
+/// Carries the ownership of one object out of a function.
+///
+/// A function that gives an object to its caller returns this type by value and the caller takes
+/// the object with an ObjPtr. A carrier that nobody takes deletes its object.
+template <class T> class ObjPtrRet : public OwnedPtr<T, DisposeObject>
+{
+    using Base = OwnedPtr<T, DisposeObject>;
+
+public:
+    ObjPtrRet() noexcept = default;
+
+    /// Takes ownership of `object`, which may be null.
+    explicit ObjPtrRet(T* object) noexcept : Base(object) {}
+
+    /// Takes the object of an owner or of another carrier, which is left null.
+    ObjPtrRet(Base& source) noexcept : Base(source) {}
+    ObjPtrRet(Base&& source) noexcept : Base(source) {}
+
+    using Base::operator=;
+
+    T& operator*() const
+    {
+        return *this->get();
+    }
+
+    T* operator->() const noexcept
+    {
+        return this->get();
+    }
+};
+
+} // namespace Zu
+
+#endif

@@ -1,0 +1,97 @@
+/// @file
+/// What the owning pointers and the carriers of ownership have in common.
+
+#ifndef ZU_BASE_OWNEDPTR_H
+#define ZU_BASE_OWNEDPTR_H
+
+#include <type_traits>
+
+namespace Zu
+{
+
+/// Ends an object made with `new`.
+struct DisposeObject
+{
+    template <class T> static void dispose(T* object) noexcept(std::is_nothrow_destructible_v<T>)
+    {
+        delete object;
+    }
+};
+
+/// Ends an array made with `new[]`.
+struct DisposeArray
+{
+    template <class T> static void dispose(T* array) noexcept(std::is_nothrow_destructible_v<T>)
+    {
+        delete[] array;
+    }
+};
+
+/// One pointer, possibly null, and the duty to end what it points to.
+///
+/// Copying and assigning transfer: the source is left null. Not reference counted; a value of one
+/// thread at a time. Clients use it through ObjPtr, ObjPtrRet, ArrayPtr and ArrayPtrRet, which
+/// take ownership from each other where they dispose in the same way.
+template <class T, class Disposal> class OwnedPtr
+{
+public:
+    /// Ends what is owned and takes the pointer of the source; nothing when it is the same object.
+    OwnedPtr& operator=(OwnedPtr& source)
+    {
+        takeFrom(source);
+        return *this;
+    }
+    OwnedPtr& operator=(OwnedPtr&& source)
+    {
+        takeFrom(source);
+        return *this;
+    }
+
+    /// The pointer; ownership stays here.
+    T* get() const noexcept
+    {
+        return _pointer;
+    }
+
+    /// Whether there is nothing to own.
+    bool isNull() const noexcept
+    {
+        return !_pointer;
+    }
+
+    /// Gives ownership to the caller and leaves null.
+    T* release() noexcept
+    {
+        T* const pointer = _pointer;
+        _pointer = nullptr;
+        return pointer;
+    }
+
+protected:
+    OwnedPtr() noexcept = default;
+    explicit OwnedPtr(T* pointer) noexcept : _pointer(pointer) {}
+    OwnedPtr(OwnedPtr& source) noexcept : _pointer(source.release()) {}
+    OwnedPtr(OwnedPtr&& source) noexcept : _pointer(source.release()) {}
+
+    // An object whose destructor may throw must be able to do so through its owner.
+    ~OwnedPtr() noexcept(std::is_nothrow_destructible_v<T>)
+    {
+        Disposal::dispose(_pointer);
+    }
+
+private:
+    void takeFrom(OwnedPtr& source)
+    {
+        if (this == &source) return;
+        // The new pointer stands before the old object ends, whose destructor may throw.
+        T* const old = _pointer;
+        _pointer = source.release();
+        Disposal::dispose(old);
+    }
+
+    T* _pointer = nullptr;
+};
+
+} // namespace Zu
+
+#endif

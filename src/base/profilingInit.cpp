@@ -1,0 +1,27 @@
+// The package "profiling": the hardware counter.
+
+#include "base/inInit.h"
+#include "base/initOrder.h"
+
+namespace Zu
+{
+
+template <> InInit<ZuInit::profiling>::InInit() : InPackageInit("profiling")
+{
+    registerPackage();
+    addDependency(InInit<ZuInit::osal>::getType());
+    addDependency(InInit<ZuInit::initialize>::getType());
+}
+
+template <> void InInit<ZuInit::profiling>::performInitialize() {}
+
+template <> void InInit<ZuInit::profiling>::performFinalize() {}
+
+namespace
+{
+
+InInit<ZuInit::profiling> thePackage ZU_INIT_ORDER(ZU_INIT_ORDER_PROFILING);
+
+} // namespace
+
+} // namespace Zu

@@ -1,0 +1,46 @@
+// Runs a test program to its end and tells what it did.
+
+#ifndef ZU_TESTS_CHILDPROCESS_H
+#define ZU_TESTS_CHILDPROCESS_H
+
+#include <map>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace support
+{
+
+struct ProgramResult
+{
+    // The exit value; meaningless when the program was aborted.
+    int exitCode = -1;
+    // Whether the program ended by abort() or a like fatal signal.
+    bool aborted = false;
+    // What it wrote, with line feeds alone at the ends of lines.
+    std::string out;
+    std::string err;
+};
+
+// Changes to the environment; nothing removes the variable.
+using Environment = std::map<std::string, std::optional<std::string>>;
+
+// Runs the program of this name from the directory of test programs. Standard input is empty.
+ProgramResult runProgram(const std::string& name, const std::vector<std::string>& arguments = {},
+                         const Environment& environment = {});
+
+// The path of a test program and of a module of this name.
+std::string programPath(const std::string& name);
+std::string modulePath(const std::string& name);
+
+// The lines of a text, without their ends.
+std::vector<std::string> linesOf(const std::string& text);
+
+// Runs a program by its path; the platform's part of runProgram(). The streams go to two files.
+void runToFiles(const std::string& path, const std::vector<std::string>& arguments,
+                const Environment& environment, const std::string& outFile,
+                const std::string& errFile, ProgramResult& result);
+
+} // namespace support
+
+#endif
