@@ -2,6 +2,8 @@
 
 #include "base/inInit.h"
 #include "base/initOrder.h"
+#include "base/osCpuInfo.h"
+#include "base/osMemoryArch.h"
 
 namespace Zu
 {
@@ -12,9 +14,16 @@ template <> InInit<ZuInit::osal>::InInit() : InPackageInit("osal")
     addDependency(InInit<ZuInit::initialize>::getType());
 }
 
-template <> void InInit<ZuInit::osal>::performInitialize() {}
+template <> void InInit<ZuInit::osal>::performInitialize()
+{
+    OsCpuInfo::initialize();
+    OsMemoryArch::getInstance();
+}
 
-template <> void InInit<ZuInit::osal>::performFinalize() {}
+template <> void InInit<ZuInit::osal>::performFinalize()
+{
+    OsCpuInfo::finalize();
+}
 
 namespace
 {

@@ -1,5 +1,6 @@
 // The package "profiling": the hardware counter.
 
+#include "base/hwCounter.h"
 #include "base/inInit.h"
 #include "base/initOrder.h"
 
@@ -13,7 +14,10 @@ template <> InInit<ZuInit::profiling>::InInit() : InPackageInit("profiling")
     addDependency(InInit<ZuInit::initialize>::getType());
 }
 
-template <> void InInit<ZuInit::profiling>::performInitialize() {}
+template <> void InInit<ZuInit::profiling>::performInitialize()
+{
+    HwCounter::_theHwCounter = HwCounterEng::create();
+}
 
 template <> void InInit<ZuInit::profiling>::performFinalize() {}
 

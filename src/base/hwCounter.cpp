@@ -1,0 +1,63 @@
+#include "base/hwCounter.h"
+
+#include "base/hwCounterIA32.h"
+#include "base/osCpuInfo.h"
+
+namespace Zu
+{
+
+HwCounterEng* HwCounter::_theHwCounter = nullptr;
+
+HwCounterEng::~HwCounterEng() = default;
+
+HwCounterEng* HwCounterEng::create()
+{
+    const HwCounterRate rate = hwCounterRate(OsCpuInfo::getHwCounterFrequency());
+    return new HwCounterIA32(rate._numerator, 1, rate._shift);
+}
+
+void HwCounter::init()
+{
+    if (!_theHwCounter) _theHwCounter = HwCounterEng::create();
+}
+
+std::uint64_t HwCounter::timeStamp()
+{
+    init();
+    return timeStampInline();
+}
+
+double HwCounter::seconds()
+{
+    init();
+    return secondsInline();
+}
+
+double HwCounter::seconds(std::uint64_t start, std::uint64_t end)
+{
+    init();
+    return secondsInline(start, end);
+}
+
+void HwCounter::dump(std::ostream& os)
+{
+    init();
+    _theHwCounter->dump(os);
+}
+
+double HwCounter::resolution()
+{
+    return _theHwCounter->resolution();
+}
+
+int HwCounter::getRateNumerator()
+{
+    return _theHwCounter->getRateNumerator();
+}
+
+int HwCounter::getRateDenominator()
+{
+    return _theHwCounter->getRateDenominator();
+}
+
+} // namespace Zu

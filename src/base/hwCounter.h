@@ -1,0 +1,78 @@
+/// @file
+/// The library's source of elapsed time.
+
+#ifndef ZU_BASE_HWCOUNTER_H
+#define ZU_BASE_HWCOUNTER_H
+
+#include "base/baseApi.h"
+#include "base/hwCounterEng.h"
+#include "base/inInit.h"
+
+#include <cstdint>
+#include <iosfwd>
+
+namespace Zu
+{
+
+/// A steadily rising 64-bit tick count of a known rate, which the platform states; the library
+/// never measures it. The package "profiling" brings it up.
+///
+/// Thread-safety: once the engine is made, any thread may read. Two threads that make the first
+/// call together may each make an engine, of which one is lost; init() from one thread settles
+/// that. The engine lives to the end of the process.
+///
+/// Cost: a pointer load, a virtual call and a shift beside the platform's own call.
+class ZU_BASE_API HwCounter
+{
+    friend class InInit<ZuInit::profiling>;
+    friend class HwIntervalTimer;
+
+public:
+    HwCounter() = delete;
+
+    /// Makes the engine if there is none. OsCpuInfo::initialize() must have run before.
+    static void init();
+
+    /// The current tick count. Makes the engine if there is none.
+    static std::uint64_t timeStamp();
+
+    /// The current tick count, in seconds. Makes the engine if there is none.
+    static double seconds();
+
+    /// Seconds from `start` to `end`; negative if `end` is the earlier one. Makes the engine if
+    /// there is none.
+    static double seconds(std::uint64_t start, std::uint64_t end);
+
+    /// Writes the engine's name, rate and cycle. Makes the engine if there is none.
+    static void dump(std::ostream& os);
+
+    /// Seconds per tick. The engine must have been made; so for the two operations below.
+    static double resolution();
+
+    /// Ticks per second are the numerator divided by the denominator.
+    static int getRateNumerator();
+    static int getRateDenominator();
+
+private:
+    // The same for callers that have made sure of the engine.
+    static std::uint64_t timeStampInline()
+    {
+        return _theHwCounter->timeStamp();
+    }
+
+    static double secondsInline()
+    {
+        return _theHwCounter->seconds();
+    }
+
+    static double secondsInline(std::uint64_t start, std::uint64_t end)
+    {
+        return _theHwCounter->seconds(start, end);
+    }
+
+    static HwCounterEng* _theHwCounter;
+};
+
+} // namespace Zu
+
+#endif

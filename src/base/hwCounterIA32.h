@@ -1,0 +1,51 @@
+/// @file
+/// The counter engine of x86 processors.
+
+#ifndef ZU_BASE_HWCOUNTERIA32_H
+#define ZU_BASE_HWCOUNTERIA32_H
+
+#include "base/baseApi.h"
+#include "base/hwCounterEng.h"
+
+#include <cstdint>
+
+namespace Zu
+{
+
+/// The rate of a counter and what its values are shifted right by to be of that rate.
+struct HwCounterRate
+{
+    int _numerator;
+    std::uint32_t _shift;
+};
+
+/// Fits a frequency into a positive 32-bit number, as the rate's numerator must be: from
+/// 2147483648 ticks per second on it is halved until it fits, and each halving is one shift.
+ZU_BASE_API HwCounterRate hwCounterRate(std::uint64_t frequency);
+
+/// Reads OsCpuInfo::getHwCounterValue(), shifted. It bears this name on every x86 target.
+class ZU_BASE_API HwCounterIA32 final : public HwCounterEng
+{
+public:
+    /// Ticks per second, after the shift, and the shift of each value of the counter.
+    HwCounterIA32(int rateNumerator, int rateDenominator, std::uint32_t shift);
+
+    ~HwCounterIA32() override;
+    std::uint64_t timeStamp() const override;
+    double seconds(std::uint64_t start, std::uint64_t end) const override;
+    double seconds() const override;
+    double resolution() const override;
+    int getRateNumerator() const override;
+    int getRateDenominator() const override;
+    void dump(std::ostream& os) const override;
+
+private:
+    int _rateNumerator;
+    int _rateDenominator;
+    std::uint32_t _shift;
+    double _cycle;
+};
+
+} // namespace Zu
+
+#endif

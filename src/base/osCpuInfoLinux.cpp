@@ -1,0 +1,56 @@
+#include "base/osCpuInfo.h"
+
+#include "base/exSysError.h"
+#include "base/osCpuPlatform.h"
+
+#include <ctime>
+#include <unistd.h>
+
+namespace Zu
+{
+
+namespace
+{
+
+// What the clock states of itself: it counts nanoseconds.
+constexpr std::uint64_t TICKS_PER_SECOND = 1'000'000'000;
+
+} // namespace
+
+unsigned int osCpuArchitecture()
+{
+    return 9;
+}
+
+bool osCpuHasMMX()
+{
+    return __builtin_cpu_supports("mmx") != 0;
+}
+
+bool osCpuHasSSE()
+{
+    return __builtin_cpu_supports("sse") != 0;
+}
+
+bool osCounterFrequency(std::uint64_t& frequency)
+{
+    timespec resolution;
+    if (clock_getres(CLOCK_MONOTONIC, &resolution) != 0) return false;
+    frequency = TICKS_PER_SECOND;
+    return true;
+}
+
+int osPageSize()
+{
+    return static_cast<int>(sysconf(_SC_PAGESIZE));
+}
+
+std::uint64_t OsCpuInfo::getHwCounterValue()
+{
+    timespec now;
+    if (clock_gettime(CLOCK_MONOTONIC, &now) != 0) throw ExSysErrorANSI(__FILE__, __LINE__);
+    return static_cast<std::uint64_t>(now.tv_sec) * TICKS_PER_SECOND +
+           static_cast<std::uint64_t>(now.tv_nsec);
+}
+
+} // namespace Zu

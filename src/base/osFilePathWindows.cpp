@@ -1,0 +1,69 @@
+#include "base/osFilePath.h"
+
+#include "base/exSysError.h"
+#include "base/osPathText.h"
+#include "base/osPlatformPath.h"
+
+#include <cstdio>
+#include <direct.h>
+#include <windows.h>
+
+namespace Zu
+{
+
+namespace
+{
+
+// A length beyond the buffer means that the buffer holds no path; the call sets no error then.
+void checkLength(DWORD length, std::size_t size)
+{
+    if (length > 0 && length < size) return;
+    if (length >= size) SetLastError(ERROR_FILENAME_EXCED_RANGE);
+    throw ExSysErrorWindows(__FILE__, __LINE__);
+}
+
+} // namespace
+
+const char* OsPlatformPath::separator()
+{
+    return "\\";
+}
+
+bool OsPlatformPath::isAbsolute(const char* path)
+{
+    return osIsAbsoluteWithDrive(path);
+}
+
+// No resolved path has its only separator in front.
+const char* OsPlatformPath::rootName()
+{
+    return "";
+}
+
+int OsPlatformPath::nameTooLong()
+{
+    return ERROR_FILENAME_EXCED_RANGE;
+}
+
+char* OsFilePath::getRootDir(char* buffer)
+{
+    std::snprintf(buffer, BUFFER_SIZE, "%c:\\", _getdrive() + 64);
+    return buffer;
+}
+
+char* OsFilePath::getTempDir(char* buffer)
+{
+    checkLength(GetTempPathA(BUFFER_SIZE, buffer), BUFFER_SIZE);
+    return buffer;
+}
+
+const char* OsFilePath::performGetFullPath(const char* path, char* buffer)
+{
+    char* lastElement = nullptr;
+    // Of an empty path the call says only that it failed.
+    SetLastError(ERROR_INVALID_NAME);
+    checkLength(GetFullPathNameA(path, BUFFER_SIZE, buffer, &lastElement), BUFFER_SIZE);
+    return lastElement;
+}
+
+} // namespace Zu

@@ -1,0 +1,47 @@
+/// @file
+/// The platform calls under OsFsUtils. Internal to the library.
+
+#ifndef ZU_BASE_OSFSPLATFORM_H
+#define ZU_BASE_OSFSPLATFORM_H
+
+#include "base/osFileTypes.h"
+
+namespace Zu
+{
+
+/// How a platform call went. After everything but Done the system's last error is set.
+enum class OsFsResult
+{
+    Done,
+    /// Something of that name is there already.
+    Exists,
+    /// Nothing of that name is there.
+    Missing,
+    /// It failed and the platform gives no error.
+    NoError,
+    /// It failed with the system's last error.
+    Failed
+};
+
+/// What a path leads to.
+enum class OsFsKind
+{
+    Missing,
+    Directory,
+    Other
+};
+
+OsFsResult osFsCreateDir(const char* path);
+OsFsResult osFsRemoveDir(const char* path);
+OsFsResult osFsCreateFile(const char* path, const OsFileTypes::Permissions& permissions,
+                          bool exclusive);
+OsFsResult osFsDeleteFile(const char* path);
+OsFsKind osFsKindOf(const char* path);
+bool osFsIsSymLink(const char* path);
+
+/// The mode bits of POSIX for `permissions`.
+unsigned int osFsMode(const OsFileTypes::Permissions& permissions);
+
+} // namespace Zu
+
+#endif

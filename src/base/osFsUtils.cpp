@@ -1,0 +1,98 @@
+#include "base/osFsUtils.h"
+
+#include "base/exInternalError.h"
+#include "base/exSysError.h"
+#include "base/osFileEx.h"
+#include "base/osFsPlatform.h"
+
+namespace Zu
+{
+
+namespace
+{
+
+// The three bits of one class of users, which POSIX orders the other way round.
+unsigned int modeBits(int access)
+{
+    unsigned int bits = 0;
+    if (access & OsFileTypes::AccessRead) bits |= 4;
+    if (access & OsFileTypes::AccessWrite) bits |= 2;
+    if (access & OsFileTypes::AccessExecute) bits |= 1;
+    return bits;
+}
+
+// A null name is taken as the empty one, which no platform knows.
+const char* nameOf(const char* path)
+{
+    return path ? path : "";
+}
+
+} // namespace
+
+unsigned int osFsMode(const OsFileTypes::Permissions& permissions)
+{
+    return modeBits(permissions.getUserMode()) << 6 | modeBits(permissions.getGroupMode()) << 3 |
+           modeBits(permissions.getOtherMode());
+}
+
+void OsFsUtils::createDir(const char* path, bool)
+{
+    const OsFsResult result = osFsCreateDir(nameOf(path));
+    if (result == OsFsResult::Done || result == OsFsResult::NoError) return;
+    if (result == OsFsResult::Exists)
+    {
+        const OsFsKind kind = osFsKindOf(nameOf(path));
+        if (kind == OsFsKind::Directory) return;
+        if (kind == OsFsKind::Other)
+            throw ExInternalError(__FILE__, __LINE__,
+                                  "A regular file with the same path name exists.");
+    }
+    throw ExSysErrorWindows(__FILE__, __LINE__);
+}
+
+void OsFsUtils::removeDir(const char* path)
+{
+    if (osFsRemoveDir(nameOf(path)) != OsFsResult::Done)
+        throw ExSysErrorWindows(__FILE__, __LINE__);
+}
+
+bool OsFsUtils::fileExists(const char* path)
+{
+    return osFsKindOf(nameOf(path)) != OsFsKind::Missing;
+}
+
+void OsFsUtils::createFile(const char* path, const OsFileTypes::Permissions& permissions,
+                           bool exclusive)
+{
+    if (*nameOf(path) == '\0') throw OsFileEx::ExNullFilePath(__FILE__, __LINE__);
+    const OsFsResult result = osFsCreateFile(path, permissions, exclusive);
+    if (result == OsFsResult::Done) return;
+    if (result == OsFsResult::Exists && exclusive) throw OsFileEx::ExFileExists(__FILE__, __LINE__);
+    throw ExSysErrorWindows(__FILE__, __LINE__);
+}
+
+void OsFsUtils::deleteFile(const char* path)
+{
+    const OsFsResult result = osFsDeleteFile(nameOf(path));
+    if (result == OsFsResult::Done || result == OsFsResult::Missing ||
+        result == OsFsResult::NoError)
+        return;
+    throw ExSysErrorWindows(__FILE__, __LINE__);
+}
+
+bool OsFsUtils::isDirectory(const char* path)
+{
+    return osFsKindOf(nameOf(path)) == OsFsKind::Directory;
+}
+
+bool OsFsUtils::isFile(const char* path)
+{
+    return !isDirectory(path);
+}
+
+bool OsFsUtils::isSymLink(const char* path)
+{
+    return osFsIsSymLink(nameOf(path));
+}
+
+} // namespace Zu

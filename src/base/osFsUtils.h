@@ -1,0 +1,56 @@
+/// @file
+/// The file-system tool box under the file classes.
+
+#ifndef ZU_BASE_OSFSUTILS_H
+#define ZU_BASE_OSFSUTILS_H
+
+#include "base/baseApi.h"
+#include "base/osFileTypes.h"
+
+namespace Zu
+{
+
+/// Makes, removes and asks about files and directories by name.
+///
+/// Where failures are named, a failed platform call raises ExSysErrorWindows. The questions never
+/// raise; they follow symbolic links, except isSymLink(). All operations may be called by any
+/// thread; what they found can be out of date when they return.
+class ZU_BASE_API OsFsUtils
+{
+public:
+    OsFsUtils() = delete;
+
+    /// Makes the last element of the path. A directory that is there already is no failure; a file
+    /// in its place raises ExInternalError "A regular file with the same path name exists." The
+    /// flag has no effect on any platform: missing parents are never made. On Linux the mode is
+    /// 0777 less the umask.
+    static void createDir(const char* path, bool flag);
+
+    /// Removes an empty directory. Failures raise.
+    static void removeDir(const char* path);
+
+    /// Whether the path leads to anything.
+    static bool fileExists(const char* path);
+
+    /// Makes an empty file, or empties the one that is there; `exclusive` raises
+    /// OsFileEx::ExFileExists instead. A null or empty name raises OsFileEx::ExNullFilePath.
+    static void createFile(const char* path, const OsFileTypes::Permissions& permissions,
+                           bool exclusive);
+
+    /// Removes a file; of a symbolic link, the link. A missing file is no failure.
+    static void deleteFile(const char* path);
+
+    /// Whether the path leads to a directory; a missing one does not.
+    static bool isDirectory(const char* path);
+
+    /// Whether the path does not lead to a directory: deliberately true of a missing one, since
+    /// this only excludes directories.
+    static bool isFile(const char* path);
+
+    /// Whether the path is a symbolic link. Always false on Windows.
+    static bool isSymLink(const char* path);
+};
+
+} // namespace Zu
+
+#endif

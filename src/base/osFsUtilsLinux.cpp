@@ -1,0 +1,74 @@
+#include "base/osFsPlatform.h"
+#include "base/osFsUtils.h"
+
+#include <cerrno>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace Zu
+{
+
+namespace
+{
+
+OsFsResult resultOf(int status)
+{
+    if (status >= 0) return OsFsResult::Done;
+    switch (errno)
+    {
+    case 0:
+        return OsFsResult::NoError;
+    case EEXIST:
+        return OsFsResult::Exists;
+    case ENOENT:
+        return OsFsResult::Missing;
+    default:
+        return OsFsResult::Failed;
+    }
+}
+
+} // namespace
+
+OsFsResult osFsCreateDir(const char* path)
+{
+    return resultOf(mkdir(path, 0777));
+}
+
+OsFsResult osFsRemoveDir(const char* path)
+{
+    return resultOf(rmdir(path));
+}
+
+OsFsResult osFsCreateFile(const char* path, const OsFileTypes::Permissions& permissions,
+                          bool exclusive)
+{
+    const int flags = O_RDWR | O_CREAT | O_CLOEXEC | (exclusive ? O_EXCL : O_TRUNC);
+    int file = -1;
+    do
+    {
+        file = open(path, flags, static_cast<mode_t>(osFsMode(permissions)));
+    } while (file < 0 && errno == EINTR);
+    if (file >= 0) close(file);
+    return resultOf(file);
+}
+
+OsFsResult osFsDeleteFile(const char* path)
+{
+    return resultOf(unlink(path));
+}
+
+OsFsKind osFsKindOf(const char* path)
+{
+    struct stat status;
+    if (stat(path, &status) != 0) return OsFsKind::Missing;
+    return S_ISDIR(status.st_mode) ? OsFsKind::Directory : OsFsKind::Other;
+}
+
+bool osFsIsSymLink(const char* path)
+{
+    struct stat status;
+    return lstat(path, &status) == 0 && S_ISLNK(status.st_mode);
+}
+
+} // namespace Zu

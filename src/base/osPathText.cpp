@@ -1,0 +1,80 @@
+#include "base/osPathText.h"
+
+#include <algorithm>
+#include <vector>
+
+namespace Zu
+{
+
+namespace
+{
+
+// Applies the elements of a path to those that stand already.
+void applyElements(std::vector<std::string_view>& elements, std::string_view path)
+{
+    while (!path.empty())
+    {
+        const std::size_t end = std::min(path.find('/'), path.size());
+        const std::string_view element = path.substr(0, end);
+        path.remove_prefix(std::min(end + 1, path.size()));
+        if (element.empty() || element == ".") continue;
+        if (element != "..")
+            elements.push_back(element);
+        else if (!elements.empty())
+            elements.pop_back();
+    }
+}
+
+} // namespace
+
+bool osIsAbsoluteWithDrive(std::string_view path)
+{
+    return path.size() >= 3 && (path[1] == ':' || (path[0] == '\\' && path[1] == '\\'));
+}
+
+bool osIsAbsoluteWithoutDrive(std::string_view path)
+{
+    return !path.empty() && path[0] == '/';
+}
+
+std::string osConcatenate(std::string_view base, std::string_view element, char separator)
+{
+    std::string path(base);
+    if (!path.empty() && path.back() != separator) path += separator;
+    path += element;
+    return path;
+}
+
+std::string osDirectoryName(std::string_view fullPath, std::string_view given, char separator,
+                            std::string_view root)
+{
+    if (given == "." || given == "..") return std::string(fullPath);
+    const std::size_t end = fullPath.rfind(separator);
+    if (end == std::string_view::npos) return std::string(fullPath);
+    return std::string(end == 0 ? root : fullPath.substr(0, end));
+}
+
+std::string_view osExtension(std::string_view baseName)
+{
+    const std::size_t point = baseName.rfind('.');
+    return point == std::string_view::npos ? std::string_view() : baseName.substr(point + 1);
+}
+
+std::string osLexicalFullPath(std::string_view currentDir, std::string_view path)
+{
+    std::vector<std::string_view> elements;
+    if (!osIsAbsoluteWithoutDrive(path)) applyElements(elements, currentDir);
+    applyElements(elements, path);
+
+    std::string full;
+    for (const std::string_view element : elements)
+    {
+        full += '/';
+        full += element;
+    }
+    const bool endsInSeparator = !path.empty() && path.back() == '/';
+    if (full.empty() || endsInSeparator) full += '/';
+    return full;
+}
+
+} // namespace Zu

@@ -1,0 +1,59 @@
+#include "base/osUtils.h"
+
+#include "base/exSysError.h"
+
+#include <cerrno>
+#include <process.h>
+#include <windows.h>
+
+namespace Zu
+{
+
+namespace
+{
+
+using NameQuery = BOOL(WINAPI*)(char*, DWORD*);
+
+// The calls leave no error of the C runtime, and all of their failures are of the name's length.
+ArrayPtrRet<char> queryName(NameQuery query, DWORD size)
+{
+    ArrayPtrRet<char> name(new char[size]);
+    if (!query(name.get(), &size))
+    {
+        errno = ENAMETOOLONG;
+        throw ExSysErrorANSI(__FILE__, __LINE__);
+    }
+    return name;
+}
+
+} // namespace
+
+void OsUtils::sleep(unsigned int seconds)
+{
+    // The call takes milliseconds, and the largest number means for ever.
+    constexpr unsigned int longest = 4'000'000;
+    for (; seconds > longest; seconds -= longest) Sleep(longest * 1000);
+    Sleep(seconds * 1000);
+}
+
+std::uint32_t OsUtils::getPid()
+{
+    return static_cast<std::uint32_t>(_getpid());
+}
+
+std::uint32_t OsUtils::getThreadId()
+{
+    return GetCurrentThreadId();
+}
+
+ArrayPtrRet<char> OsUtils::getHostName()
+{
+    return queryName(GetComputerNameA, MAX_COMPUTERNAME_LENGTH + 1);
+}
+
+ArrayPtrRet<char> OsUtils::getUserName(bool)
+{
+    return queryName(GetUserNameA, 257);
+}
+
+} // namespace Zu
