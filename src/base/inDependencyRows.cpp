@@ -41,30 +41,37 @@ void InDependencyRows::set(int rowIndex, int bit)
 
 bool InDependencyRows::close(std::vector<std::int32_t>& counts)
 {
-    bool cycle = false;
+    const InDependencyRows direct = *this;
     for (int i = 0; i < _size; ++i)
     {
         if (counts[static_cast<std::size_t>(i)] == 0) continue;
         for (int j = 0; j < _size; ++j)
-        {
-            if (j == i || !test(j, i)) continue;
-            std::int32_t added = 0;
-            for (int word = 0; word < _wordsPerRow; ++word)
-            {
-                std::uint32_t fresh = row(i)[word] & ~row(j)[word];
-                if (word == i / WORD_BITS) fresh &= ~bitMask(i);
-                row(j)[word] |= fresh;
-                if (word == j / WORD_BITS && (fresh & bitMask(j)) != 0)
-                {
-                    cycle = true;
-                    fresh &= ~bitMask(j);
-                }
-                added += std::popcount(fresh);
-            }
-            counts[static_cast<std::size_t>(j)] += added;
-        }
+            if (j != i && test(j, i)) addRow(j, i);
+    }
+    bool cycle = false;
+    for (int i = 0; i < _size; ++i)
+    {
+        // A package that reaches itself through others; what it names itself is no cycle.
+        const bool reachesItself = test(i, i) && !direct.test(i, i);
+        const std::int32_t found = countBits(i) - direct.countBits(i);
+        counts[static_cast<std::size_t>(i)] += reachesItself ? found - 1 : found;
+        cycle = cycle || reachesItself;
     }
     return cycle;
+}
+
+void InDependencyRows::addRow(int target, int source)
+{
+    std::uint32_t* const to = row(target);
+    const std::uint32_t* const from = row(source);
+    for (int word = 0; word < _wordsPerRow; ++word) to[word] |= from[word];
+}
+
+std::int32_t InDependencyRows::countBits(int index) const
+{
+    std::int32_t count = 0;
+    for (int word = 0; word < _wordsPerRow; ++word) count += std::popcount(row(index)[word]);
+    return count;
 }
 
 std::uint32_t* InDependencyRows::row(int index)

@@ -30,6 +30,8 @@ public:
     bool close(std::vector<std::int32_t>& counts);
 
 private:
+    void addRow(int target, int source);
+    std::int32_t countBits(int index) const;
     std::uint32_t* row(int index);
     const std::uint32_t* row(int index) const;
 

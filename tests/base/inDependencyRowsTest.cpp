@@ -130,8 +130,9 @@ TEST(InDependencyRows, RandomGraphsCloseAsTheReferenceDoes)
         ASSERT_EQ(counts, reference._counts);
         for (int i = 0; i < size; ++i)
             for (int j = 0; j < size; ++j)
-                ASSERT_EQ(rows.test(i, j), reference._bits[static_cast<std::size_t>(i)]
-                                                          [static_cast<std::size_t>(j)]);
+                ASSERT_EQ(
+                    rows.test(i, j),
+                    reference._bits[static_cast<std::size_t>(i)][static_cast<std::size_t>(j)]);
         if (acyclic)
         {
             ASSERT_FALSE(reference._cycle);
