@@ -314,6 +314,9 @@ class Sources(PolicyTest):
         self.assertSources(self.changedBuild("    high.h", "    high.h low.h"),
                            "src/base/base.h:1: [umbrella] base/low.h")
 
+    def testUmbrellaThatIsNotPublic(self):
+        self.assertSources(self.changedBuild("    base.h\n", ""), "src/base/base.h:1: [public]")
+
     def testUmbrellaWithAnInternalHeader(self):
         text = header("base", '#include "base/high.h"', '#include "base/low.h"')
         self.assertSources({"src/base/base.h": text}, "src/base/base.h:8: [public]")
