@@ -1,20 +1,9 @@
 #include "base/hwCounter.h"
 
-#include "base/hwCounterIA32.h"
-#include "base/osCpuInfo.h"
-
 namespace Zu
 {
 
 HwCounterEng* HwCounter::_theHwCounter = nullptr;
-
-HwCounterEng::~HwCounterEng() = default;
-
-HwCounterEng* HwCounterEng::create()
-{
-    const HwCounterRate rate = hwCounterRate(OsCpuInfo::getHwCounterFrequency());
-    return new HwCounterIA32(rate._numerator, 1, rate._shift);
-}
 
 void HwCounter::init()
 {

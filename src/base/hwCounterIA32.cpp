@@ -27,6 +27,13 @@ HwCounterRate hwCounterRate(std::uint64_t frequency)
     return {static_cast<int>(frequency), shift};
 }
 
+// The engine of this platform.
+HwCounterEng* HwCounterEng::create()
+{
+    const HwCounterRate rate = hwCounterRate(OsCpuInfo::getHwCounterFrequency());
+    return new HwCounterIA32(rate._numerator, 1, rate._shift);
+}
+
 HwCounterIA32::HwCounterIA32(int rateNumerator, int rateDenominator, std::uint32_t shift)
     : _rateNumerator(rateNumerator), _rateDenominator(rateDenominator), _shift(shift),
       _cycle(static_cast<double>(rateDenominator) / rateNumerator)

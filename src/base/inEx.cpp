@@ -138,9 +138,9 @@ InEx::ExNoNewContextAliasAfterInit::ExNoNewContextAliasAfterInit(const char* fil
                                                                  const char* key)
     : std::logic_error(""), InEx(file, line)
 {
-    const ExText text(
-        "Trying to do post initialization registration of context alias instance: '%.*s' (key: %.*s).",
-        NAME_CUT, ExText::orEmpty(description), NAME_CUT, ExText::orEmpty(key));
+    const ExText text("Trying to do post initialization registration "
+                      "of context alias instance: '%.*s' (key: %.*s).",
+                      NAME_CUT, ExText::orEmpty(description), NAME_CUT, ExText::orEmpty(key));
     setReason(text.get());
 }
 

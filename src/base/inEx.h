@@ -75,8 +75,8 @@ public:
     ExBase* clone() const override;
 };
 
-/// A package object was built after start-up outside an InReinitGuard: "Reinitialize without using the
-/// reinitialize guard."
+/// A package object was built after start-up outside an InReinitGuard: "Reinitialize without using
+/// the reinitialize guard."
 class ZU_BASE_API InEx::ExReinitWithoutGuard : public std::runtime_error, public InEx
 {
 public:
@@ -86,8 +86,8 @@ public:
     ExBase* clone() const override;
 };
 
-/// For the bodies of packages to raise: "Multiple calls to initialize()." A second start itself is no
-/// error.
+/// For the bodies of packages to raise: "Multiple calls to initialize()." A second start itself is
+/// no error.
 class ZU_BASE_API InEx::ExDoubleInit : public std::runtime_error, public InEx
 {
 public:

@@ -68,7 +68,7 @@ void InInitMgr::finalize()
     InVariableBase::clearPendingOverrides();
     Vector<char*>& args = InContextAliasMgrBase::args();
     for (; !args.empty(); args.pop_back()) delete[] args.back();
-    ZU_INTERNAL_ASSERT(InContextAliasMgrBase::args().size() == 0);
+    ZU_INTERNAL_ASSERT_TEXT(args.empty(), "InContextAliasMgrBase::args().size() == 0");
     _impl->finalize();
 }
 

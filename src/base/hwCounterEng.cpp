@@ -1,0 +1,8 @@
+#include "base/hwCounterEng.h"
+
+namespace Zu
+{
+
+HwCounterEng::~HwCounterEng() = default;
+
+} // namespace Zu
