@@ -29,7 +29,16 @@ public:
     ArrayPtr(Base& source) noexcept : Base(source) {}
     ArrayPtr(Base&& source) noexcept : Base(source) {}
 
-    using Base::operator=;
+    ArrayPtr& operator=(Base& source)
+    {
+        Base::operator=(source);
+        return *this;
+    }
+    ArrayPtr& operator=(Base&& source)
+    {
+        Base::operator=(source);
+        return *this;
+    }
 
     /// The element at `index`; no bounds are known, so none are checked.
     T& operator[](std::size_t index) const
@@ -53,7 +62,16 @@ public:
     ArrayPtrRet(Base& source) noexcept : Base(source) {}
     ArrayPtrRet(Base&& source) noexcept : Base(source) {}
 
-    using Base::operator=;
+    ArrayPtrRet& operator=(Base& source)
+    {
+        Base::operator=(source);
+        return *this;
+    }
+    ArrayPtrRet& operator=(Base&& source)
+    {
+        Base::operator=(source);
+        return *this;
+    }
 
     /// The element at `index`; no bounds are known, so none are checked.
     T& operator[](std::size_t index) const

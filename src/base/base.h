@@ -17,6 +17,7 @@
 #include "base/hwCounterIA32.h"
 #include "base/inContextAlias.h"
 #include "base/inContextAliasBase.h"
+#include "base/inContextAliasMgr.h"
 #include "base/inContextAliasMgrBase.h"
 #include "base/inEx.h"
 #include "base/inInit.h"

@@ -4,9 +4,10 @@
 #ifndef ZU_BASE_CONTAINERS_H
 #define ZU_BASE_CONTAINERS_H
 
-#include <cstddef>
+#include <iterator>
 #include <list>
 #include <stdexcept>
+#include <type_traits>
 #include <utility>
 #include <vector>
 
@@ -21,6 +22,9 @@ template <class T> class Vector : public std::vector<T>
 {
     using Base = std::vector<T>;
 
+    template <class Iterator>
+    using IfIterator = typename std::iterator_traits<Iterator>::iterator_category;
+
 public:
     using typename Base::const_iterator;
     using typename Base::iterator;
@@ -33,6 +37,10 @@ public:
     Vector() = default;
     explicit Vector(size_type count) : Base(checkedLength(count)) {}
     Vector(size_type count, const T& value) : Base(checkedLength(count), value) {}
+    template <class Iterator, class = IfIterator<Iterator>>
+    Vector(Iterator first, Iterator last) : Base(checkedBegin(first, last), last)
+    {
+    }
     Vector(const Base& elements) : Base(elements) {}
     Vector(Base&& elements) noexcept : Base(std::move(elements)) {}
 
@@ -56,22 +64,44 @@ public:
         Base::assign(checkedLength(count), value);
     }
 
+    template <class Iterator, class = IfIterator<Iterator>>
+    void assign(Iterator first, Iterator last)
+    {
+        Base::assign(checkedBegin(first, last), last);
+    }
+
     iterator insert(const_iterator position, size_type count, const T& value)
     {
-        if (count > Base().max_size() - this->size()) throwTooLong();
+        checkLength(count, this->size());
         return Base::insert(position, count, value);
     }
 
-private:
-    [[noreturn]] static void throwTooLong()
+    template <class Iterator, class = IfIterator<Iterator>>
+    iterator insert(const_iterator position, Iterator first, Iterator last)
     {
-        throw std::length_error("vector<T> too long");
+        return Base::insert(position, checkedBegin(first, last, this->size()), last);
+    }
+
+private:
+    static void checkLength(size_type count, size_type present = 0)
+    {
+        if (count > Base().max_size() - present) throw std::length_error("vector<T> too long");
     }
 
     static size_type checkedLength(size_type count)
     {
-        if (count > Base().max_size()) throwTooLong();
+        checkLength(count);
         return count;
+    }
+
+    // Where a range can be walked more than once, its length is known before it is taken.
+    template <class Iterator>
+    static Iterator checkedBegin(Iterator first, Iterator last, size_type present = 0)
+    {
+        using Category = typename std::iterator_traits<Iterator>::iterator_category;
+        if constexpr (std::is_base_of_v<std::forward_iterator_tag, Category>)
+            checkLength(static_cast<size_type>(std::distance(first, last)), present);
+        return first;
     }
 };
 

@@ -47,7 +47,7 @@ ExSysErrorWindows::ExSysErrorWindows(const char* file, int line)
     char text[1024];
     systemCodeText(_errorCode, text, sizeof text);
     cutLineEnd(text);
-    setReason(text);
+    setReason(*text ? text : ExText("Unknown error %d", _errorCode).get());
 }
 
 int ExSysErrorWindows::getErrorCode() const

@@ -35,8 +35,8 @@ private:
 };
 
 /// A failed call of the platform: carries the last system error as it was at construction, with
-/// its text. On Windows that is `GetLastError()`, on Linux, where the class keeps its name,
-/// `errno`.
+/// its text, or "Unknown error <code>" where the system has none. On Windows that is
+/// `GetLastError()`, on Linux, where the class keeps its name, `errno`.
 class ZU_BASE_API ExSysErrorWindows : public ExSysError
 {
 public:

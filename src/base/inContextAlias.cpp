@@ -29,27 +29,51 @@ template <> struct InAliasKind<InInitDef>
     static constexpr std::uint32_t PRIORITY = 0;
 };
 
-// The key of a default or an override is its value.
-template <class Alias> void InContextAliasMgr<Alias>::assignValues()
+namespace
 {
-    for (InContextAliasBase* alias : *_ca) alias->initialize(alias->getKey());
-}
+
+using Aliases = std::set<InContextAliasBase*>;
+
+// The key of a default or an override is its value.
+struct ValueIsTheKey
+{
+    static void assign(const Aliases& aliases, const Vector<char*>&)
+    {
+        for (InContextAliasBase* alias : aliases) alias->initialize(alias->getKey());
+    }
+};
+
+} // namespace
+
+template <> struct InAliasValues<InDefAlias> : ValueIsTheKey
+{
+};
+
+template <> struct InAliasValues<InOvrAlias> : ValueIsTheKey
+{
+};
 
 // Deliberately the environment of this moment, not the snapshot of InInitMgr::getEnv().
-template <> void InContextAliasMgr<InEnvAlias>::assignValues()
+template <> struct InAliasValues<InEnvAlias>
 {
-    for (InContextAliasBase* alias : *_ca) alias->initialize(std::getenv(alias->getKey()));
-}
+    static void assign(const Aliases& aliases, const Vector<char*>&)
+    {
+        for (InContextAliasBase* alias : aliases) alias->initialize(std::getenv(alias->getKey()));
+    }
+};
 
-template <> void InContextAliasMgr<InArgAlias>::assignValues()
+template <> struct InAliasValues<InArgAlias>
 {
-    inBindArguments(*_ca, args());
-}
+    static void assign(const Aliases& aliases, Vector<char*>& args)
+    {
+        inBindArguments(aliases, args);
+    }
+};
 
-template class InContextAliasMgr<InArgAlias>;
-template class InContextAliasMgr<InEnvAlias>;
-template class InContextAliasMgr<InDefAlias>;
-template class InContextAliasMgr<InOvrAlias>;
+template class ZU_BASE_API InContextAliasMgr<InArgAlias>;
+template class ZU_BASE_API InContextAliasMgr<InEnvAlias>;
+template class ZU_BASE_API InContextAliasMgr<InDefAlias>;
+template class ZU_BASE_API InContextAliasMgr<InOvrAlias>;
 
 template class ZU_BASE_API InContextAlias<InInitArg, 1>;
 template class ZU_BASE_API InContextAlias<InInitEnv, 1>;

@@ -7,6 +7,7 @@
 #include "base/arrayPtr.h"
 #include "base/baseApi.h"
 #include "base/inContextAliasBase.h"
+#include "base/inContextAliasMgr.h"
 
 #include <cstdint>
 
@@ -47,7 +48,7 @@ template <class Src, int Unique> class ZU_BASE_TEMPLATE InContextAlias : public 
 {
 public:
     /// Copies both texts. Raises InEx::ExContextAliasAlreadyDefined for a unique kind's key in use
-    /// and InEx::ExNoNewContextAliasAfterInit once the kind took its values.
+    /// and, after that check, InEx::ExNoNewContextAliasAfterInit once the kind took its values.
     InContextAlias(const char* key, const char* description);
     InContextAlias& operator=(const InContextAlias&) = delete;
     ~InContextAlias() override;
@@ -78,6 +79,11 @@ extern template class ZU_BASE_API InContextAlias<InInitArg, 1>;
 extern template class ZU_BASE_API InContextAlias<InInitEnv, 1>;
 extern template class ZU_BASE_API InContextAlias<InInitDef, 0>;
 extern template class ZU_BASE_API InContextAlias<InInitOvr, 0>;
+
+extern template class ZU_BASE_API InContextAliasMgr<InArgAlias>;
+extern template class ZU_BASE_API InContextAliasMgr<InEnvAlias>;
+extern template class ZU_BASE_API InContextAliasMgr<InDefAlias>;
+extern template class ZU_BASE_API InContextAliasMgr<InOvrAlias>;
 #endif
 
 } // namespace Zu

@@ -1,9 +1,10 @@
 /// @file
-/// The collector of all context aliases of one kind. Internal to the library.
+/// The collector of all context aliases of one kind.
 
 #ifndef ZU_BASE_INCONTEXTALIASMGR_H
 #define ZU_BASE_INCONTEXTALIASMGR_H
 
+#include "base/baseApi.h"
 #include "base/inContextAliasMgrBase.h"
 
 #include <set>
@@ -17,7 +18,7 @@ class InContextAliasBase;
 /// in one step of start-up. All operations are called by aliases and by the bodies of packages.
 ///
 /// Thread-safety: none; everything runs in static construction, start-up and shut-down.
-template <class Alias> class InContextAliasMgr : public InContextAliasMgrBase
+template <class Alias> class ZU_BASE_TEMPLATE InContextAliasMgr : public InContextAliasMgrBase
 {
 public:
     /// Adds an alias. Raises InEx::ExNoNewContextAliasAfterInit once the kind was initialised.
@@ -37,8 +38,6 @@ public:
     static void dump();
 
 private:
-    static void assignValues();
-
     // Ordered by address; null when empty.
     static std::set<InContextAliasBase*>* _ca;
     static bool _isInitialized;

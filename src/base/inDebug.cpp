@@ -1,6 +1,7 @@
 #include "base/inDebug.h"
 
 #include <cstdlib>
+#include <iostream>
 
 namespace Zu
 {
@@ -8,6 +9,12 @@ namespace Zu
 bool inDebugInitialize()
 {
     return std::getenv("ZU_DEBUG_INITIALIZE") != nullptr;
+}
+
+std::ostream& inDebugStream()
+{
+    static const std::ios_base::Init streams;
+    return std::cerr;
 }
 
 } // namespace Zu

@@ -4,12 +4,18 @@
 #ifndef ZU_BASE_INDEBUG_H
 #define ZU_BASE_INDEBUG_H
 
+#include <iosfwd>
+
 namespace Zu
 {
 
 /// Whether the environment variable ZU_DEBUG_INITIALIZE is set now, to any value. Start-up and
 /// shut-down then write what they do to standard error.
 bool inDebugInitialize();
+
+/// Standard error, also before any source that prints has set it up: packages are declared that
+/// early.
+std::ostream& inDebugStream();
 
 } // namespace Zu
 

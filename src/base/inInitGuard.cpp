@@ -5,6 +5,7 @@
 
 #include <exception>
 #include <iostream>
+#include <vector>
 
 namespace Zu
 {
@@ -28,10 +29,23 @@ void start(int& argc, const char* const*& argv)
     }
 }
 
-// Runs work in a destructor: its exceptions pass, but never into an unwinding stack.
-template <class Work> void runInDestructor(Work work)
+// How many exceptions were under way when each of the present guards was made, the latest last. A
+// guard in the body of a package may live while an older exception unwinds the stack below it, and
+// that is none of its concern.
+constinit std::vector<int> exceptionsAtStart;
+
+void noteStart()
 {
-    if (std::uncaught_exceptions() == 0)
+    exceptionsAtStart.push_back(std::uncaught_exceptions());
+}
+
+// Runs the work of a guard's end: its exceptions pass, but never into a stack that unwinds through
+// the guard.
+template <class Work> void runAtEnd(Work work)
+{
+    const int atStart = exceptionsAtStart.back();
+    exceptionsAtStart.pop_back();
+    if (std::uncaught_exceptions() <= atStart)
     {
         work();
         return;
@@ -46,33 +60,56 @@ template <class Work> void runInDestructor(Work work)
     }
 }
 
+// Starts with words that are not of the manager's type, and takes them from the caller as it does.
+template <class Words> void startWith(int& argc, Words& argv)
+{
+    const char* const* words = argv;
+    try
+    {
+        start(argc, words);
+    }
+    catch (...)
+    {
+        if (!words) argv = nullptr;
+        throw;
+    }
+    argv = nullptr;
+}
+
 } // namespace
 
 InInitGuard::InInitGuard(int& argc, const char* const*& argv)
 {
     start(argc, argv);
+    noteStart();
 }
 
 InInitGuard::InInitGuard(int& argc, char**& argv)
 {
-    const char* const* words = argv;
-    argv = nullptr;
-    start(argc, words);
+    startWith(argc, argv);
+    noteStart();
+}
+
+InInitGuard::InInitGuard(int& argc, const char**& argv)
+{
+    startWith(argc, argv);
+    noteStart();
 }
 
 InInitGuard::~InInitGuard() noexcept(false)
 {
-    runInDestructor([] { InInitMgr::getInstance().finalize(); });
+    runAtEnd([] { InInitMgr::getInstance().finalize(); });
 }
 
 InReinitGuard::InReinitGuard()
 {
     InInitMgr::getInstance().incReinitCount();
+    noteStart();
 }
 
 InReinitGuard::~InReinitGuard() noexcept(false)
 {
-    runInDestructor([] { InInitMgr::getInstance().decReinitCount(); });
+    runAtEnd([] { InInitMgr::getInstance().decReinitCount(); });
 }
 
 } // namespace Zu

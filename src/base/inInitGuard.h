@@ -27,21 +27,28 @@ namespace Zu
 /// failed: ", the reason and the manager's dump to standard output, shuts down what was up and
 /// raises the exception again. Any other exception passes through, and then nothing is shut down.
 ///
-/// The destructor raises what InInitMgr::finalize() raises, unless the stack is being unwound:
-/// then that exception is dropped.
+/// The destructor raises what InInitMgr::finalize() raises, unless an exception unwinds the stack
+/// through the guard: then that of finalize() is dropped.
+///
+/// A program that declares aliases for options must be given at least one word, its name: an empty
+/// command line is then a fatal error.
 class ZU_BASE_API InInitGuard
 {
 public:
     InInitGuard(int& argc, const char* const*& argv);
     InInitGuard(int& argc, char**& argv);
+    InInitGuard(int& argc, const char**& argv);
     InInitGuard(const InInitGuard&) = delete;
     InInitGuard& operator=(const InInitGuard&) = delete;
     ~InInitGuard() noexcept(false);
 };
 
 /// Brackets the loading of code that declares packages after start-up. The new packages are
-/// started when the outermost guard ends; its destructor raises what such a pass raises, unless
-/// the stack is being unwound: then that exception is dropped.
+/// started when the outermost guard ends; its destructor raises what such a pass raises, unless an
+/// exception unwinds the stack through the guard: then that of the pass is dropped.
+///
+/// A guard that ends before start-up runs the first pass itself, with an empty command line. To
+/// load a module before start-up, no guard is needed.
 class ZU_BASE_API InReinitGuard
 {
 public:

@@ -2,13 +2,14 @@
 
 #include "base/duplicateString.h"
 #include "base/inContextAliasMgrBase.h"
+#include "base/inDebug.h"
 #include "base/inEnvironment.h"
 #include "base/inInitMgrImpl.h"
 #include "base/inPackageInit.h"
 #include "base/internalAssert.h"
 #include "base/inVariableBase.h"
 
-#include <iostream>
+#include <ostream>
 
 namespace Zu
 {
@@ -24,7 +25,7 @@ InInitMgrImpl* theImpl = nullptr;
 const InEnvironment& environmentSnapshot()
 {
     static const InEnvironment* const snapshot =
-        new InEnvironment(inProcessEnvironment(), std::cerr);
+        new InEnvironment(inProcessEnvironment(), inDebugStream());
     return *snapshot;
 }
 
@@ -32,8 +33,6 @@ const InEnvironment& environmentSnapshot()
 
 InInitMgr::InInitMgr()
 {
-    // The first package object may be built before any source that prints has set the streams up.
-    static const std::ios_base::Init streams;
     environmentSnapshot();
     _impl = std::make_unique<InInitMgrImpl>();
     theImpl = _impl.get();
@@ -52,7 +51,7 @@ InInitMgr& InInitMgr::getInstance()
 
 void InInitMgr::initialize(int& argc, const char* const*& argv)
 {
-    for (int i = 0; i < argc; ++i)
+    for (int i = 0; argv && i < argc; ++i)
     {
         ArrayPtr<char> word(duplicateString(argv[i]));
         InContextAliasMgrBase::args().push_back(word.get());
@@ -117,6 +116,8 @@ InPackageInit::~InPackageInit()
 
 void InPackageInit::registerPackage()
 {
+    if (inDebugInitialize())
+        inDebugStream() << "Registering Package: InInit<" << getName() << ">" << std::endl;
     InInitMgr::getInstance()._impl->registerPackage(*this);
 }
 

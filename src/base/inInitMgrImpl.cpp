@@ -9,7 +9,8 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstring>
-#include <iostream>
+#include <functional>
+#include <ostream>
 #include <typeindex>
 #include <unordered_map>
 #include <vector>
@@ -40,29 +41,69 @@ private:
     const bool _previous;
 };
 
+// Shows the list of a running pass to those who end packages.
+class RunningPass
+{
+public:
+    RunningPass(Vector<Vector<InPackageEntry>*>& passes, Vector<InPackageEntry>& pass)
+        : _passes(passes)
+    {
+        _passes.push_back(&pass);
+    }
+    ~RunningPass()
+    {
+        _passes.pop_back();
+    }
+    RunningPass(const RunningPass&) = delete;
+    RunningPass& operator=(const RunningPass&) = delete;
+
+private:
+    Vector<Vector<InPackageEntry>*>& _passes;
+};
+
 const std::type_info& typeOf(const InPackageEntry& entry)
 {
     const InPackageInit& package = *entry._package;
     return typeid(package);
 }
 
+// Null is the mark of an object that ended while its list was being walked.
+bool isAlive(const InPackageEntry& entry)
+{
+    return entry._package != nullptr;
+}
+
 int indexOf(const Vector<InPackageEntry>& entries, const std::type_info& type)
 {
     for (std::size_t i = 0; i < entries.size(); ++i)
-        if (typeOf(entries[i]) == type) return static_cast<int>(i);
+        if (isAlive(entries[i]) && typeOf(entries[i]) == type) return static_cast<int>(i);
     return -1;
 }
 
-void removeObject(Vector<InPackageEntry>& entries, const InPackageInit& package)
+// Returns whether the object was in the list.
+bool markEnded(Vector<InPackageEntry>& entries, const InPackageInit& package)
 {
-    const auto isObject = [&](const InPackageEntry& entry) { return entry._package == &package; };
-    entries.erase(std::remove_if(entries.begin(), entries.end(), isObject), entries.end());
+    bool found = false;
+    for (InPackageEntry& entry : entries)
+    {
+        if (entry._package != &package) continue;
+        entry._package = nullptr;
+        found = true;
+    }
+    return found;
+}
+
+void removeEnded(Vector<InPackageEntry>& entries)
+{
+    entries.erase(std::remove_if(entries.begin(), entries.end(), std::not_fn(isAlive)),
+                  entries.end());
 }
 
 void writeEntries(std::ostream& os, const Vector<InPackageEntry>& entries)
 {
     for (const InPackageEntry& entry : entries)
     {
+        if (!isAlive(entry)) continue;
         os << "\t'" << entry._package->getName() << "' ";
         if (entry._initialized)
             os << "Initialized (" << entry._nbDependencies << " dependencies)" << std::endl;
@@ -75,8 +116,6 @@ void writeEntries(std::ostream& os, const Vector<InPackageEntry>& entries)
 
 void InInitMgrImpl::registerPackage(InPackageInit& package)
 {
-    if (inDebugInitialize())
-        std::cerr << "Registering Package: InInit<" << package.getName() << ">" << std::endl;
     if (_isInitialized && _reinitCount == 0) throw InEx::ExReinitWithoutGuard(__FILE__, __LINE__);
     if (isTypeInitialized(typeid(package))) return;
     _registered.push_back(InPackageEntry{&package});
@@ -84,15 +123,14 @@ void InInitMgrImpl::registerPackage(InPackageInit& package)
 
 void InInitMgrImpl::forgetPackage(const InPackageInit& package)
 {
-    removeObject(_registered, package);
-    removeObject(_savedPackages, package);
-    const std::size_t inPass = _packagesToInit.size();
-    removeObject(_packagesToInit, package);
-    if (_packagesToInit.size() == inPass) return;
+    markEnded(_registered, package);
+    removeEnded(_registered);
+    // The bodies of packages may end others; what is being walked keeps its places.
+    markEnded(_savedPackages, package);
+    if (!_isFinalizing) removeEnded(_savedPackages);
+    for (Vector<InPackageEntry>* pass : _runningPasses) markEnded(*pass, package);
     // A failed pass is kept for its report, which can't be made without all of its packages.
-    _packagesToInit.clear();
-    _dependencyRows.reset();
-    _cycle = false;
+    if (markEnded(_packagesToInit, package)) dropPass();
 }
 
 bool InInitMgrImpl::isTypeInitialized(const std::type_info& type) const
@@ -133,7 +171,7 @@ void InInitMgrImpl::collectPackages()
                      [](const InPackageEntry& a, const InPackageEntry& b)
                      { return std::strcmp(a._package->getName(), b._package->getName()) < 0; });
     _nbPckgs = static_cast<std::int32_t>(_packagesToInit.size());
-    if (inDebugInitialize()) std::cerr << "-->_nbPckgs:" << _nbPckgs << std::endl;
+    if (inDebugInitialize()) inDebugStream() << "-->_nbPckgs:" << _nbPckgs << std::endl;
 }
 
 void InInitMgrImpl::buildRows()
@@ -146,7 +184,8 @@ void InInitMgrImpl::buildRows()
     {
         InPackageEntry& entry = _packagesToInit[static_cast<std::size_t>(i)];
         if (inDebugInitialize())
-            std::cerr << "_packagesToInit[" << i << "]: " << entry._package->getName() << std::endl;
+            inDebugStream() << "_packagesToInit[" << i << "]: " << entry._package->getName()
+                            << std::endl;
         for (const std::type_info* type : entry._package->getDependencies())
         {
             const auto found = rowOf.find(*type);
@@ -176,20 +215,43 @@ void InInitMgrImpl::runInitialisers()
                      [](const InPackageEntry& a, const InPackageEntry& b)
                      { return a._nbDependencies < b._nbDependencies; });
     _dependencyRows.reset();
-    for (const InPackageEntry& entry : _packagesToInit)
-        if (indexOf(_savedPackages, typeOf(entry)) == -1) _savedPackages.push_back(entry);
+    savePass();
 
     const FlagScope initializing(_isInitializing);
     // A body may load a module under a guard, whose pass then replaces _packagesToInit.
-    const Vector<InPackageEntry> pass = _packagesToInit;
+    Vector<InPackageEntry> pass = _packagesToInit;
+    const RunningPass running(_runningPasses, pass);
     for (const InPackageEntry& entry : pass)
     {
+        if (!isAlive(entry)) continue;
         entry._package->initialize();
+        if (!isAlive(entry)) continue;
         const int index = indexOf(_savedPackages, typeOf(entry));
         ZU_INTERNAL_ASSERT(index != -1);
         _savedPackages[static_cast<std::size_t>(index)]._initialized = true;
     }
+    dropPass();
+}
+
+// Notes the packages of the pass behind those of earlier ones.
+void InInitMgrImpl::savePass()
+{
+    for (const InPackageEntry& entry : _packagesToInit)
+    {
+        const int index = indexOf(_savedPackages, typeOf(entry));
+        if (index == -1)
+            _savedPackages.push_back(entry);
+        else
+            // The body of an earlier object failed; it keeps its place, but this one is started.
+            _savedPackages[static_cast<std::size_t>(index)]._package = entry._package;
+    }
+}
+
+void InInitMgrImpl::dropPass()
+{
     _packagesToInit.clear();
+    _dependencyRows.reset();
+    _cycle = false;
 }
 
 void InInitMgrImpl::finalize()
@@ -199,7 +261,8 @@ void InInitMgrImpl::finalize()
     // Deliberately without a guard: when a body throws, the flag and the lists stay as they are.
     _isFinalizing = true;
     for (std::size_t i = _savedPackages.size(); i-- > 0;)
-        if (_savedPackages[i]._initialized) _savedPackages[i]._package->finalize();
+        if (isAlive(_savedPackages[i]) && _savedPackages[i]._initialized)
+            _savedPackages[i]._package->finalize();
     _isFinalizing = false;
     _savedPackages.clear();
     _isFinalized = true;

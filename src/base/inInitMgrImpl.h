@@ -20,6 +20,7 @@ class InPackageInit;
 /// A package in one of the manager's lists.
 struct InPackageEntry
 {
+    /// Null once the object has ended, where its place in the list is still needed.
     InPackageInit* _package;
     std::int32_t _nbDependencies = 0;
     bool _initialized = false;
@@ -62,6 +63,8 @@ private:
     void buildRows();
     void closeRows();
     void runInitialisers();
+    void savePass();
+    void dropPass();
     void writeCycles(std::ostream& os) const;
 
     // Declared since the last pass.
@@ -70,6 +73,8 @@ private:
     Vector<InPackageEntry> _packagesToInit;
     // Ever taken into a pass, in the order of the passes.
     Vector<InPackageEntry> _savedPackages;
+    // The lists of the passes whose bodies run; a body may start a pass of its own.
+    Vector<Vector<InPackageEntry>*> _runningPasses;
     bool _cycle = false;
     std::int32_t _nbPckgs = 0;
     // Row order is the alphabetical order of _packagesToInit.

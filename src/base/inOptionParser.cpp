@@ -37,7 +37,7 @@ int InOptionParser::getOption()
     _value = nullptr;
     if (*_cursor == '\0' && !enterNextWord()) return END_OF_OPTIONS;
 
-    const char option = *_cursor;
+    const auto option = static_cast<unsigned char>(*_cursor);
     const char* const known = std::strchr(_options, option);
     if (!known) return UNKNOWN_OPTION;
     if (known[1] != ':') return option;

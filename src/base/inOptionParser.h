@@ -20,8 +20,9 @@ public:
     /// `options` a letter with ":" behind it takes a value.
     InOptionParser(int argc, char* const* argv, const char* options);
 
-    /// The next option's letter; 63, the code of "?", for an unknown letter; -1 where the options
-    /// end, after which it is not to be called again. Several letters may share one word.
+    /// The next option's letter, a number from 1 to 255; 63, the code of "?", for an unknown one;
+    /// -1 where the options end, after which it is not to be called again. Several letters may
+    /// share one word.
     ///
     /// The value of an option is the rest of its word or else the whole next word, whatever that
     /// looks like; an option whose value is missing is returned with a null value.

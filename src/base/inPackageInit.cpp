@@ -6,7 +6,7 @@
 
 #include <algorithm>
 #include <cstdio>
-#include <iostream>
+#include <ostream>
 #include <string>
 
 namespace Zu
@@ -64,8 +64,8 @@ void InPackageInit::finalize()
 void InPackageInit::trace(const char* operation)
 {
     if (!inDebugInitialize()) return;
-    std::cerr << std::string(_dependencies.size(), ' ') << "InInit<" << getName()
-              << ">::" << operation << "()" << std::endl;
+    inDebugStream() << std::string(_dependencies.size(), ' ') << "InInit<" << getName()
+                    << ">::" << operation << "()" << std::endl;
 }
 
 } // namespace Zu

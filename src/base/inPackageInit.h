@@ -32,7 +32,8 @@ public:
 /// depends on; InInitMgr runs performInitialize() and performFinalize() later, in an order computed
 /// from all declarations. Clients derive packages through InInit.
 ///
-/// The manager does not own packages. An object that ends before shut-down is forgotten by it.
+/// The manager does not own packages. An object that ends before shut-down is forgotten by it: its
+/// performFinalize() never runs.
 ///
 /// Thread-safety: none; declaration, start-up and shut-down belong to one thread at a time.
 class ZU_BASE_API InPackageInit : public InPackageInitBase

@@ -3,6 +3,7 @@
 #include "base/inVariable.imp"
 
 #include <algorithm>
+#include <cerrno>
 #include <cstdlib>
 #include <limits>
 #include <string_view>
@@ -33,7 +34,9 @@ template <> struct InValueText<int>
     static int read(const char* text)
     {
         using Limits = std::numeric_limits<int>;
+        const int savedError = errno;
         const long long number = std::strtoll(text, nullptr, 10);
+        errno = savedError;
         return static_cast<int>(std::clamp<long long>(number, Limits::min(), Limits::max()));
     }
 };

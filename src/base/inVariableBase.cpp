@@ -9,7 +9,7 @@
 #include "base/internalAssert.h"
 #include "base/typeName.h"
 
-#include <iostream>
+#include <ostream>
 #include <typeinfo>
 
 namespace Zu
@@ -22,11 +22,11 @@ void writeOverride(const char* title, const char* handle, const char* value,
                    const char* description)
 {
     if (!inDebugInitialize()) return;
-    std::cerr << "----" << std::endl;
-    std::cerr << title << " override for handle: " << handle << std::endl;
-    std::cerr << "     With string          : " << value << std::endl;
-    std::cerr << "     Described as         : " << description << std::endl;
-    std::cerr << "----" << std::endl;
+    inDebugStream() << "----" << std::endl;
+    inDebugStream() << title << " override for handle: " << handle << std::endl;
+    inDebugStream() << "     With string          : " << value << std::endl;
+    inDebugStream() << "     Described as         : " << description << std::endl;
+    inDebugStream() << "----" << std::endl;
 }
 
 const char* orEmpty(const char* text)
@@ -156,12 +156,12 @@ void InVariableBase::initialize()
         break;
     }
     if (!_contextAlias || !inDebugInitialize()) return;
-    std::cerr << "----" << std::endl;
-    std::cerr << "Initializing variable  : " << _handle.get() << std::endl;
-    std::cerr << "     With string       : " << _contextAlias->getValue() << std::endl;
-    std::cerr << "     From context alias: " << initSource() << std::endl;
-    std::cerr << "     Described as      : " << _contextAlias->getDescription() << std::endl;
-    std::cerr << "----" << std::endl;
+    inDebugStream() << "----" << std::endl;
+    inDebugStream() << "Initializing variable  : " << _handle.get() << std::endl;
+    inDebugStream() << "     With string       : " << _contextAlias->getValue() << std::endl;
+    inDebugStream() << "     From context alias: " << initSource() << std::endl;
+    inDebugStream() << "     Described as      : " << _contextAlias->getDescription() << std::endl;
+    inDebugStream() << "----" << std::endl;
 }
 
 void InVariableBase::takeOverride()

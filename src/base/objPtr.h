@@ -27,7 +27,16 @@ public:
     ObjPtr(Base& source) noexcept : Base(source) {}
     ObjPtr(Base&& source) noexcept : Base(source) {}
 
-    using Base::operator=;
+    ObjPtr& operator=(Base& source)
+    {
+        Base::operator=(source);
+        return *this;
+    }
+    ObjPtr& operator=(Base&& source)
+    {
+        Base::operator=(source);
+        return *this;
+    }
 
     T& operator*() const
     {
@@ -58,7 +67,16 @@ public:
     ObjPtrRet(Base& source) noexcept : Base(source) {}
     ObjPtrRet(Base&& source) noexcept : Base(source) {}
 
-    using Base::operator=;
+    ObjPtrRet& operator=(Base& source)
+    {
+        Base::operator=(source);
+        return *this;
+    }
+    ObjPtrRet& operator=(Base&& source)
+    {
+        Base::operator=(source);
+        return *this;
+    }
 
     T& operator*() const
     {

@@ -7,7 +7,7 @@ OsProcessImp::~OsProcessImp() = default;
 
 OsProcess::OsProcess() = default;
 
-OsProcess::~OsProcess() noexcept = default;
+OsProcess::~OsProcess() = default;
 
 void OsProcess::start(const char* const* argv)
 {

@@ -34,7 +34,7 @@ public:
     OsProcess& operator=(const OsProcess&) = delete;
 
     /// Lets go of the child without waiting for it; it runs on.
-    ~OsProcess() noexcept;
+    ~OsProcess();
 
     /// Starts the program named by the first of the words, a null-terminated array, with the
     /// caller's environment and current directory; its name is looked up along the search path.

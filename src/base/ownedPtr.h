@@ -4,16 +4,20 @@
 #ifndef ZU_BASE_OWNEDPTR_H
 #define ZU_BASE_OWNEDPTR_H
 
-#include <type_traits>
-
 namespace Zu
 {
+
+/// Whether the destructor of `T` may throw. An owner must know that without seeing the whole of the
+/// type, so a type whose destructor is `noexcept(false)` says so beside its declaration:
+/// `template <> inline constexpr bool Zu::ownedMayThrow<My> = true;`
+template <class T> inline constexpr bool ownedMayThrow = false;
 
 /// Ends an object made with `new`.
 struct DisposeObject
 {
-    template <class T> static void dispose(T* object) noexcept(std::is_nothrow_destructible_v<T>)
+    template <class T> static void dispose(T* object) noexcept(!ownedMayThrow<T>)
     {
+        static_assert(sizeof(T) > 0, "what is ended must be a complete type");
         delete object;
     }
 };
@@ -21,8 +25,9 @@ struct DisposeObject
 /// Ends an array made with `new[]`.
 struct DisposeArray
 {
-    template <class T> static void dispose(T* array) noexcept(std::is_nothrow_destructible_v<T>)
+    template <class T> static void dispose(T* array) noexcept(!ownedMayThrow<T>)
     {
+        static_assert(sizeof(T) > 0, "what is ended must be a complete type");
         delete[] array;
     }
 };
@@ -31,7 +36,8 @@ struct DisposeArray
 ///
 /// Copying and assigning transfer: the source is left null. Not reference counted; a value of one
 /// thread at a time. Clients use it through ObjPtr, ObjPtrRet, ArrayPtr and ArrayPtrRet, which
-/// take ownership from each other where they dispose in the same way.
+/// take ownership from each other where they dispose in the same way. `T` may be incomplete where
+/// an owner is only declared, as in a class that hides its implementation.
 template <class T, class Disposal> class OwnedPtr
 {
 public:
@@ -74,7 +80,7 @@ protected:
     OwnedPtr(OwnedPtr&& source) noexcept : _pointer(source.release()) {}
 
     // An object whose destructor may throw must be able to do so through its owner.
-    ~OwnedPtr() noexcept(std::is_nothrow_destructible_v<T>)
+    ~OwnedPtr() noexcept(!ownedMayThrow<T>)
     {
         Disposal::dispose(_pointer);
     }

@@ -16,6 +16,7 @@ template <> InInit<ZuInit::profiling>::InInit() : InPackageInit("profiling")
 
 template <> void InInit<ZuInit::profiling>::performInitialize()
 {
+    // Deliberately without a look at an engine that an early reader has made: others may hold it.
     HwCounter::_theHwCounter = HwCounterEng::create();
 }
 

@@ -6,7 +6,7 @@
 #include <memory>
 #include <mutex>
 #include <string>
-#include <typeindex>
+#include <string_view>
 
 namespace Zu
 {
@@ -22,10 +22,11 @@ std::string demangled(const char* name)
     return text ? text.get() : name;
 }
 
+// Keyed by a copy of the runtime's name: a module that is unloaded takes its type_info with it.
 struct NameTable
 {
     std::mutex _lock;
-    std::map<std::type_index, std::string> _names;
+    std::map<std::string, std::string, std::less<>> _names;
 };
 
 // Never destroyed: names are asked for until the last static object of the process is gone.
@@ -35,15 +36,28 @@ NameTable& nameTable()
     return *table;
 }
 
-} // namespace
-
-const char* typeName(const std::type_info& type)
+const char* internedName(const char* name)
 {
     NameTable& table = nameTable();
     const std::lock_guard<std::mutex> guard(table._lock);
-    const auto found = table._names.find(type);
+    const auto found = table._names.find(std::string_view(name));
     if (found != table._names.end()) return found->second.c_str();
-    return table._names.emplace(type, demangled(type.name())).first->second.c_str();
+    return table._names.emplace(name, demangled(name)).first->second.c_str();
+}
+
+} // namespace
+
+const char* typeName(const std::type_info& type) noexcept
+{
+    try
+    {
+        return internedName(type.name());
+    }
+    catch (...)
+    {
+        // Without memory the runtime's own form has to do.
+        return type.name();
+    }
 }
 
 } // namespace Zu

@@ -261,6 +261,16 @@ TEST(InReinitGuard, StartsLaterPackagesAtTheOutermostEndAndStopsThemFirst)
               "end of main\n");
 }
 
+TEST(InReinitGuard, ANestedPassRaisesAlsoBelowAnOlderException)
+{
+    EXPECT_EQ(outputOf("nestedPassWhileUnwinding"), "nested pass: Init Package not registered: "
+                                                    "'(anonymous namespace)::Package<3>'.\n"
+                                                    "Loader up\n"
+                                                    "scope: std of the scope\n"
+                                                    "Loader down\n"
+                                                    "end of main\n");
+}
+
 TEST(InReinitGuard, BeforeStartItRunsTheFirstPassWithoutACommandLine)
 {
     // The program declares options, and there is no word to look for them in.

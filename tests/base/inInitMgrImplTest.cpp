@@ -563,6 +563,79 @@ TEST_F(InInitMgrImplTest, PackagesOfAnotherCycleAreListedWithTheFirst)
     EXPECT_EQ(cycleReport(_impl), "'A' is in a cycle with:\n\t'B'\n\t'C'\n\t'D'\n");
 }
 
+TEST_F(InInitMgrImplTest, ACycleThatABodySurvivesIsNotReportedAfterwards)
+{
+    const PackagePtr d = makePackage(3, "D", _log);
+    _b->dependOn(*_c);
+    _c->dependOn(*_b);
+    _a->_onInitialize = [this]
+    {
+        _impl.incReinitCount();
+        _impl.registerPackage(*_b);
+        _impl.registerPackage(*_c);
+        EXPECT_THROW(_impl.decReinitCount(), InEx::ExDependencyCycle);
+        EXPECT_EQ(cycleReport(_impl), "'B' is in a cycle with:\n\t'C'\n");
+    };
+    d->dependOn(*_a);
+    _impl.registerPackage(*_a);
+    _impl.registerPackage(*d);
+    _impl.runPendingPasses();
+    EXPECT_EQ(_log, (Log{"+A", "+D"}));
+    EXPECT_EQ(cycleReport(_impl), "No dependency cycles to report.\n");
+}
+
+TEST_F(InInitMgrImplTest, AFinaliserMayEndOtherPackages)
+{
+    // B ends A, which stands before it in the walk, and D, which stands behind it.
+    PackagePtr d = makePackage(3, "D", _log);
+    registerAll();
+    _impl.registerPackage(*d);
+    _impl.runPendingPasses();
+    _b->_onFinalize = [&]
+    {
+        _impl.forgetPackage(*_a);
+        _impl.forgetPackage(*d);
+        _a.reset();
+        d.reset();
+    };
+    _impl.finalize();
+    EXPECT_EQ(_log, (Log{"+A", "+B", "+C", "+D", "-D", "-C", "-B"}));
+}
+
+TEST_F(InInitMgrImplTest, ABodyMayEndPackagesOfItsPass)
+{
+    _b->_onInitialize = [this]
+    {
+        for (PackagePtr* package : {&_a, &_c})
+        {
+            _impl.forgetPackage(**package);
+            package->reset();
+        }
+    };
+    registerAll();
+    _impl.runPendingPasses();
+    EXPECT_EQ(_log, (Log{"+A", "+B"}));
+    EXPECT_EQ(dumpOf(_impl), "No packages waiting to be initialize.\n"
+                             "1 packages currently saved:\n"
+                             "\t'B' Initialized (0 dependencies)\n");
+    _impl.finalize();
+    EXPECT_EQ(_log, (Log{"+A", "+B", "-B"}));
+}
+
+TEST_F(InInitMgrImplTest, ANewObjectTakesThePlaceOfOneWhoseBodyFailed)
+{
+    _a->_onInitialize = [] { throw std::domain_error("body"); };
+    _impl.registerPackage(*_a);
+    EXPECT_THROW(_impl.runPendingPasses(), std::domain_error);
+    const PackagePtr second = makePackage(0, "A", _log);
+    _impl.incReinitCount();
+    _impl.registerPackage(*second);
+    _impl.decReinitCount();
+    _a->_onFinalize = [] { FAIL() << "it never was up"; };
+    _impl.finalize();
+    EXPECT_EQ(_log, (Log{"+A", "-A"}));
+}
+
 TEST_F(InInitMgrImplTest, APassAfterOneWithACycleStartsAfresh)
 {
     _a->dependOn(*_b);

@@ -296,6 +296,31 @@ void packagesAfterStart()
            });
 }
 
+// A guard that ends while an exception unwinds the stack runs a pass, in which a body loads more:
+// what that raises is none of the older exception's concern.
+void nestedPassWhileUnwinding()
+{
+    const Zu::InInitGuard guard(theArgc, theArgv);
+    static std::vector<std::unique_ptr<Scripted>> late;
+    saying("scope",
+           []
+           {
+               const Zu::InReinitGuard outer;
+               late.push_back(std::make_unique<Package<1>>("Loader", Types{baseType}));
+               late.back()->_onInitialize = []
+               {
+                   saying("nested pass",
+                          []
+                          {
+                              const Zu::InReinitGuard inner;
+                              late.push_back(std::make_unique<Package<2>>(
+                                  "Loaded", Types{Package<3>::getType()}));
+                          });
+               };
+               throw std::range_error("of the scope");
+           });
+}
+
 void guardAlone()
 {
     {
@@ -374,6 +399,7 @@ int main(int argc, char** argv)
         {"finaliserThrows", finaliserThrows},
         {"exitInScope", exitInScope},
         {"packagesAfterStart", packagesAfterStart},
+        {"nestedPassWhileUnwinding", nestedPassWhileUnwinding},
         {"guardAlone", guardAlone},
         {"overrides", overrides},
         {"aliasesAfterStart", aliasesAfterStart},
