@@ -3,6 +3,7 @@
 #include "base/exSysError.h"
 #include "base/osCpuPlatform.h"
 
+#include <cerrno>
 #include <windows.h>
 
 namespace Zu
@@ -28,7 +29,11 @@ bool osCpuHasSSE()
 bool osCounterFrequency(std::uint64_t& frequency)
 {
     LARGE_INTEGER value;
-    if (!QueryPerformanceFrequency(&value)) return false;
+    if (!QueryPerformanceFrequency(&value))
+    {
+        errno = ENOSYS;
+        return false;
+    }
     frequency = static_cast<std::uint64_t>(value.QuadPart);
     return true;
 }
@@ -43,7 +48,11 @@ int osPageSize()
 std::uint64_t OsCpuInfo::getHwCounterValue()
 {
     LARGE_INTEGER value;
-    if (!QueryPerformanceCounter(&value)) throw ExSysErrorANSI(__FILE__, __LINE__);
+    if (!QueryPerformanceCounter(&value))
+    {
+        errno = ENOSYS;
+        throw ExSysErrorANSI(__FILE__, __LINE__);
+    }
     return static_cast<std::uint64_t>(value.QuadPart);
 }
 
