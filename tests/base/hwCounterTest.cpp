@@ -89,7 +89,7 @@ TEST(HwCounter, TheFirstCallOfEachKindMakesTheEngine)
     const std::pair<const char*, const char*> rows[] = {
         {"timeStamp", "timeStamp 1\nend\n"},
         {"seconds", "seconds 1\nend\n"},
-        {"interval", "interval 0\nend\n"},
+        {"interval", "interval 1\nend\n"},
         {"init", "end\n"},
     };
     for (const auto& [action, out] : rows)

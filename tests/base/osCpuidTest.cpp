@@ -384,6 +384,20 @@ TEST(OsCpuid, WithoutTheByte255TheDeterministicCacheLeafIsNotRead)
     EXPECT_EQ(caches._pageSize, 0);
 }
 
+TEST(OsCpuid, AMissingDeterministicCacheLeafIsNotRead)
+{
+    // Beyond its highest leaf a processor answers with anything.
+    for (const std::uint32_t highest : {2U, 3U})
+    {
+        Processor processor = modernProcessor();
+        processor._highestLeaf = highest;
+        const Caches caches = processor.decode();
+        expectAbsent(caches._l1Data);
+        expectAbsent(caches._l1Instruction);
+        expectAbsent(caches._l2Unified);
+    }
+}
+
 TEST(OsCpuid, PartitionsCountIntoTheSize)
 {
     Processor processor = modernProcessor();

@@ -357,6 +357,8 @@ TEST(OsFilePath, AFullPathOfMoreThan1023CharactersRaises)
 
 TEST(OsFilePath, AFullPathOf1023CharactersIsResolved)
 {
+    if (!support::resolvesLongPaths())
+        GTEST_SKIP() << "The platform's own call does not resolve so long a path.";
     const std::string root = absolute("/");
     const std::string name(1023 - root.size(), 'x');
     EXPECT_EQ(pathOf(root + name).getBaseName().getChars(), name);
@@ -364,6 +366,8 @@ TEST(OsFilePath, AFullPathOf1023CharactersIsResolved)
 
 TEST(OsFilePath, ALongTextThatResolvesToAShortPathIsResolved)
 {
+    if (!support::resolvesLongPaths())
+        GTEST_SKIP() << "The platform's own call does not resolve so long a path.";
     std::string detour;
     for (int i = 0; i < 400; ++i) detour += "/a/..";
     EXPECT_STREQ(pathOf(absolute(detour + "/b")).getBaseName().getChars(), "b");

@@ -244,6 +244,19 @@ TEST_F(OsFsUtilsTest, DeletingAMissingFileIsNoFailure)
     EXPECT_NO_THROW(OsFsUtils::deleteFile(file("missing").c_str()));
 }
 
+TEST_F(OsFsUtilsTest, AMissingDirectoryOnTheWayToAFileIsAFailureOnWindowsOnly)
+{
+    // Linux has one code for both, and it stands for a missing file.
+    if (onWindows)
+    {
+        EXPECT_THROW(OsFsUtils::deleteFile(file("no/f").c_str()), ExSysErrorWindows);
+    }
+    else
+    {
+        EXPECT_NO_THROW(OsFsUtils::deleteFile(file("no/f").c_str()));
+    }
+}
+
 TEST_F(OsFsUtilsTest, ADirectoryIsNotDeletedAsAFile)
 {
     std::filesystem::create_directory(file("d"));

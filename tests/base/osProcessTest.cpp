@@ -132,6 +132,21 @@ TEST(OsProcess, AnUnknownProgramIsNotStarted)
     EXPECT_THROW(process.start(argvOfDirectory), ExSysErrorWindows);
 }
 
+TEST(OsProcess, TheFailureOfAStartHasTheCodeOfTheSystem)
+{
+    OsProcess process;
+    try
+    {
+        startUnknown(process);
+        FAIL();
+    }
+    catch (const ExSysErrorWindows& ex)
+    {
+        // Both systems give this number to a missing file.
+        EXPECT_EQ(ex.getErrorCode(), 2);
+    }
+}
+
 TEST(OsProcess, AFailedStartKeepsTheEarlierChild)
 {
     const support::TempDir dir;

@@ -26,13 +26,25 @@ void showType()
     std::cout << "type " << type << std::endl;
 }
 
+// The value is known before anything is written: what has no value leaves no trace.
+void show(const char* what, bool value)
+{
+    std::cout << what << ' ' << value << std::endl;
+}
+
 // Whether the counter's time lies where its ticks do.
-void showSeconds()
+bool secondsFollowTicks()
 {
     const double before = HwCounter::seconds();
     const double ticks = static_cast<double>(HwCounter::timeStamp()) * HwCounter::resolution();
     const double after = HwCounter::seconds();
-    std::cout << "seconds " << (before <= ticks && ticks <= after) << std::endl;
+    return before <= ticks && ticks <= after;
+}
+
+void showName()
+{
+    const std::string name = OsCpuInfo::getTypeName();
+    std::cout << "name " << name << std::endl;
 }
 
 const std::map<std::string, std::function<void()>> actions{
@@ -40,13 +52,12 @@ const std::map<std::string, std::function<void()>> actions{
     {"finalize", [] { OsCpuInfo::finalize(); }},
     {"features", showFeatures},
     {"type", showType},
-    {"name", [] { std::cout << "name " << OsCpuInfo::getTypeName() << std::endl; }},
-    {"frequency",
-     [] { std::cout << "frequency " << (OsCpuInfo::getHwCounterFrequency() > 0) << std::endl; }},
+    {"name", showName},
+    {"frequency", [] { show("frequency", OsCpuInfo::getHwCounterFrequency() > 0); }},
     {"init", [] { HwCounter::init(); }},
-    {"timeStamp", [] { std::cout << "timeStamp " << (HwCounter::timeStamp() > 0) << std::endl; }},
-    {"seconds", showSeconds},
-    {"interval", [] { std::cout << "interval " << HwCounter::seconds(7, 7) << std::endl; }},
+    {"timeStamp", [] { show("timeStamp", HwCounter::timeStamp() > 0); }},
+    {"seconds", [] { show("seconds", secondsFollowTicks()); }},
+    {"interval", [] { show("interval", HwCounter::seconds(7, 7) == 0); }},
     {"dump", [] { HwCounter::dump(std::cout); }},
 };
 

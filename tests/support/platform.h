@@ -22,6 +22,10 @@ std::uint32_t threadId();
 // has no such modes: nothing happens there.
 unsigned int setModeMask(unsigned int mask);
 
+// Whether the platform's own call resolves paths of up to 1,023 characters, as Windows does and Wine
+// does not.
+bool resolvesLongPaths();
+
 // Waits until a child of this process has ended, and leaves it as it is; returns at once if there
 // is no child, and on Windows.
 void awaitEndOfAnyChild();

@@ -24,6 +24,11 @@ unsigned int setModeMask(unsigned int mask)
     return umask(mask);
 }
 
+bool resolvesLongPaths()
+{
+    return true;
+}
+
 void awaitEndOfAnyChild()
 {
     siginfo_t info{};

@@ -1,5 +1,6 @@
 #include "support/platform.h"
 
+#include <string>
 #include <windows.h>
 
 namespace support
@@ -18,6 +19,13 @@ std::uint32_t threadId()
 unsigned int setModeMask(unsigned int)
 {
     return 0;
+}
+
+bool resolvesLongPaths()
+{
+    char buffer[1024];
+    const std::string path = "C:\\" + std::string(1020, 'x');
+    return GetFullPathNameA(path.c_str(), sizeof buffer, buffer, nullptr) == path.size();
 }
 
 void awaitEndOfAnyChild() {}
