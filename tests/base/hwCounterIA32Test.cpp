@@ -5,7 +5,6 @@
 #include <cstdint>
 #include <gtest/gtest.h>
 #include <iomanip>
-#include <limits>
 #include <memory>
 #include <random>
 #include <sstream>

@@ -7,6 +7,7 @@
 #include <cpuid.h>
 #include <cstdint>
 #include <gtest/gtest.h>
+#include <string>
 
 namespace
 {

@@ -3,7 +3,6 @@
 #include <cstdint>
 #include <gtest/gtest.h>
 #include <map>
-#include <string>
 #include <utility>
 #include <vector>
 

@@ -404,6 +404,18 @@ TEST(OsFilePath, WithoutAVariableTheTempDirIsThePlatformsOwn)
     }
 }
 
+TEST(OsFilePath, ATempDirOfMoreThan1023CharactersRaisesOnLinux)
+{
+    if (onWindows) GTEST_SKIP() << "Windows itself decides what to do with such a variable.";
+    const support::VariableGuard variable("TMPDIR");
+    // With the separator that is added.
+    const std::string longest = "/" + std::string(1021, 't');
+    variable.set(longest);
+    EXPECT_EQ(OsFilePath::getTempDir().getChars(), longest + "/");
+    variable.set(longest + "t");
+    EXPECT_THROW(OsFilePath::getTempDir(), Zu::ExSysErrorWindows);
+}
+
 TEST(OsFilePath, HomeDirIsTheVariableWithTheSeparatorOfThePlatform)
 {
     const support::VariableGuard home("HOME");

@@ -96,6 +96,22 @@ TEST(OsProcess, TheChildHasTheEnvironmentAndTheDirectoryOfItsParent)
               "some value\n" + std::filesystem::current_path().string() + "\n");
 }
 
+TEST(OsProcess, TheChildDoesNotInheritTheFilesOfItsParent)
+{
+    if (onWindows) GTEST_SKIP() << "Only on Linux does a process list its open files.";
+    const support::TempDir dir;
+    const std::string file = std::filesystem::canonical(dir.path()).string() + "/file";
+    const std::ofstream open(file);
+    ASSERT_TRUE(open.is_open());
+    EXPECT_EQ(echoOf({"--open=" + file}), "closed\n");
+    // The child does see what it has open itself: its answers.
+    const std::string answers = std::filesystem::canonical(dir.path()).string() + "/answers";
+    OsProcess process;
+    startEcho(process, answers, {"--open=" + answers + ".part"});
+    process.wait();
+    EXPECT_EQ(read(answers), "open\n");
+}
+
 TEST(OsProcess, WaitReturnsAfterTheEndOfTheChild)
 {
     const support::TempDir dir;

@@ -4,6 +4,7 @@
 //   --await=FILE      waits until the file is there, and writes nothing
 //   --variable=NAME   the value of the environment variable
 //   --directory       the current directory
+//   --open=FILE       whether the process has the file open; on Linux only
 
 #include "base/osEnv.h"
 
@@ -23,6 +24,16 @@ bool isOption(const std::string& word, const std::string& option, std::string& v
     return true;
 }
 
+bool isOpen(const std::string& file)
+{
+    for (const auto& entry : std::filesystem::directory_iterator("/proc/self/fd"))
+    {
+        std::error_code ignored;
+        if (std::filesystem::read_symlink(entry, ignored) == file) return true;
+    }
+    return false;
+}
+
 void answer(const std::string& word, std::ostream& os)
 {
     std::string value;
@@ -36,6 +47,8 @@ void answer(const std::string& word, std::ostream& os)
         const char* const text = Zu::OsEnv::getVariable(value.c_str());
         os << (text ? text : "(unset)");
     }
+    else if (isOption(word, "--open=", value))
+        os << (isOpen(value) ? "open" : "closed");
     else if (word == "--directory")
         os << std::filesystem::current_path().string();
     else
