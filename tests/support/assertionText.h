@@ -53,7 +53,7 @@ public:
     }
 
 private:
-    // Standard error is a text stream, whose line feeds some platforms write with a carriage return.
+    // Standard error is a text stream: some platforms end its lines with a carriage return too.
     bool endsWell(const std::string& rest) const
     {
         return !_wholeLine || rest.rfind("\n", 0) == 0 || rest.rfind("\r\n", 0) == 0;

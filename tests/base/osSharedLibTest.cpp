@@ -1,0 +1,164 @@
+#include "base/osSharedLib.h"
+
+#include "base/osSharedLibEx.h"
+#include "support/childProcess.h"
+#include "support/platform.h"
+#include "support/tempDir.h"
+
+#include <fstream>
+#include <gtest/gtest.h>
+#include <memory>
+#include <stdexcept>
+#include <string>
+
+namespace
+{
+
+using support::onWindows;
+using Zu::ExBase;
+using Zu::ObjPtr;
+using Zu::OsFilePath;
+using Zu::OsSharedLib;
+using Zu::OsSharedLibEx;
+
+ObjPtr<OsSharedLib> openSample()
+{
+    return OsSharedLib::open(OsFilePath(support::modulePath("sampleModule").c_str()));
+}
+
+// The reason with which a library can't be opened; empty if it can.
+std::string refusalToOpen(const std::string& path)
+{
+    try
+    {
+        const ObjPtr<OsSharedLib> library(OsSharedLib::open(OsFilePath(path.c_str())));
+    }
+    catch (const OsSharedLibEx::ExCantOpenLib& ex)
+    {
+        return ex.what();
+    }
+    return "";
+}
+
+TEST(OsSharedLib, SuffixIsThatOfThePlatform)
+{
+    EXPECT_STREQ(OsSharedLib::getSuffix(), onWindows ? ".dll" : ".so");
+}
+
+TEST(OsSharedLib, AFunctionOfALibraryIsCalled)
+{
+    const ObjPtr<OsSharedLib> library = openSample();
+    const auto product = reinterpret_cast<int (*)(int, int)>(library->getFunction("sampleProduct"));
+    EXPECT_EQ(product(6, 7), 42);
+    EXPECT_EQ(library->getFunction("sampleProduct"), library->getFunction("sampleProduct"));
+    EXPECT_NE(library->getFunction("sampleProduct"), library->getFunction("sampleCount"));
+}
+
+TEST(OsSharedLib, PathIsTheTextThatWasOpened)
+{
+    EXPECT_EQ(openSample()->getPath().getChars(), support::modulePath("sampleModule"));
+}
+
+TEST(OsSharedLib, ALibraryStaysLoadedWhenItsObjectEnds)
+{
+    int (*count)() = nullptr;
+    {
+        const ObjPtr<OsSharedLib> library = openSample();
+        count = reinterpret_cast<int (*)()>(library->getFunction("sampleCount"));
+    }
+    const int before = count();
+    const ObjPtr<OsSharedLib> again = openSample();
+    EXPECT_EQ(reinterpret_cast<int (*)()>(again->getFunction("sampleCount"))(), before + 1);
+}
+
+TEST(OsSharedLib, AMissingFileIsToldWithItsPathAndTheMessageOfTheSystem)
+{
+    const support::TempDir dir;
+    const std::string path = dir.file("missing") + OsSharedLib::getSuffix();
+    const std::string reason = refusalToOpen(path);
+    const std::string start = "Can't open dynamic library '" + path + "': ";
+    ASSERT_EQ(reason.substr(0, start.size()), start);
+    EXPECT_GT(reason.size(), start.size() + 1);
+    EXPECT_EQ(reason.back(), '.');
+    if (!onWindows)
+    {
+        EXPECT_NE(reason.find("No such file or directory", start.size()), std::string::npos);
+    }
+}
+
+TEST(OsSharedLib, TheMessageOfTheSystemTellsReasonsApart)
+{
+    const support::TempDir dir;
+    const std::string path = dir.file("text") + OsSharedLib::getSuffix();
+    const std::string missing = refusalToOpen(path);
+    std::ofstream(path) << "This is not a library, whatever its name says.\n";
+    const std::string invalid = refusalToOpen(path);
+    EXPECT_NE(missing, "");
+    EXPECT_NE(invalid, "");
+    EXPECT_NE(missing, invalid);
+}
+
+TEST(OsSharedLib, ALongPathIsCutInTheReason)
+{
+    const support::TempDir dir;
+    std::string path = dir.path();
+    while (path.size() < 300) path += "/missing";
+    const std::string start = "Can't open dynamic library '" + path.substr(0, 256) + "': ";
+    EXPECT_EQ(refusalToOpen(path).substr(0, start.size()), start);
+}
+
+TEST(OsSharedLib, TheEmptyPathIsNotOpened)
+{
+    const std::string start = "Can't open dynamic library '': ";
+    EXPECT_EQ(refusalToOpen("").substr(0, start.size()), start);
+}
+
+TEST(OsSharedLib, AMissingFunctionIsToldWithItsNameAndThePath)
+{
+    const ObjPtr<OsSharedLib> library = openSample();
+    const std::string name(70, 'f');
+    try
+    {
+        library->getFunction(name.c_str());
+        FAIL();
+    }
+    catch (const OsSharedLibEx::ExFunctionNotFound& ex)
+    {
+        EXPECT_EQ(ex.what(), "Function '" + name.substr(0, 64) +
+                                 "' not found in dynamic library '" +
+                                 support::modulePath("sampleModule").substr(0, 256) + "'.");
+    }
+    // The library is as good as before.
+    EXPECT_NE(library->getFunction("sampleCount"), nullptr);
+}
+
+template <class Exception> void checkReason(const Exception& exception, const std::string& reason)
+{
+    EXPECT_EQ(exception.what(), reason);
+    EXPECT_EQ(static_cast<const std::runtime_error&>(exception).what(), reason);
+    EXPECT_EQ(static_cast<const OsSharedLibEx&>(exception).getReason(), reason);
+    const std::unique_ptr<ExBase> clone(exception.clone());
+    EXPECT_NE(dynamic_cast<const Exception*>(clone.get()), nullptr);
+    EXPECT_EQ(clone->getReason(), reason);
+}
+
+TEST(OsSharedLibEx, TextsInReasonsAreCut)
+{
+    const std::string path(256, 'p');
+    const std::string message(512, 'm');
+    const std::string name(64, 'n');
+    checkReason(OsSharedLibEx::ExCantOpenLib("source.cpp", 7, "p", "m"),
+                "Can't open dynamic library 'p': m.");
+    checkReason(OsSharedLibEx::ExCantOpenLib("source.cpp", 7, path.c_str(), message.c_str()),
+                "Can't open dynamic library '" + path + "': " + message + ".");
+    checkReason(OsSharedLibEx::ExCantOpenLib("source.cpp", 7, (path + "q").c_str(),
+                                             (message + "q").c_str()),
+                "Can't open dynamic library '" + path + "': " + message + ".");
+    checkReason(OsSharedLibEx::ExFunctionNotFound("source.cpp", 7, "p", "n"),
+                "Function 'n' not found in dynamic library 'p'.");
+    checkReason(OsSharedLibEx::ExFunctionNotFound("source.cpp", 7, (path + "q").c_str(),
+                                                  (name + "q").c_str()),
+                "Function '" + name + "' not found in dynamic library '" + path + "'.");
+}
+
+} // namespace

@@ -1,0 +1,22 @@
+// A shared library without ties to any other, for tests of loading one.
+
+#if defined(_WIN32)
+#define SAMPLE_EXPORT extern "C" __declspec(dllexport)
+#else
+#define SAMPLE_EXPORT extern "C" __attribute__((visibility("default")))
+#endif
+
+SAMPLE_EXPORT int sampleProduct(int a, int b);
+SAMPLE_EXPORT int sampleCount();
+
+int sampleProduct(int a, int b)
+{
+    return a * b;
+}
+
+// How often it was called since the library was loaded.
+int sampleCount()
+{
+    static int count = 0;
+    return ++count;
+}

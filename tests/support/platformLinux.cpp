@@ -1,0 +1,44 @@
+#include "support/platform.h"
+
+#include <cerrno>
+#include <sys/stat.h>
+#include <sys/syscall.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace support
+{
+
+std::uint32_t processId()
+{
+    return static_cast<std::uint32_t>(getpid());
+}
+
+std::uint32_t threadId()
+{
+    return static_cast<std::uint32_t>(syscall(SYS_gettid));
+}
+
+unsigned int setModeMask(unsigned int mask)
+{
+    return umask(mask);
+}
+
+bool resolvesLongPaths()
+{
+    return true;
+}
+
+void awaitEndOfAnyChild()
+{
+    siginfo_t info{};
+    while (waitid(P_ALL, 0, &info, WEXITED | WNOWAIT) < 0 && errno == EINTR) continue;
+}
+
+bool hasUnreapedChild()
+{
+    siginfo_t info{};
+    return waitid(P_ALL, 0, &info, WEXITED | WNOHANG | WNOWAIT) == 0 && info.si_pid != 0;
+}
+
+} // namespace support
