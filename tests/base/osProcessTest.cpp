@@ -55,11 +55,12 @@ std::string echoOf(const std::vector<std::string>& words)
     return read(dir.file("out"));
 }
 
-// Waits until the file is there; the patience only bounds a hang.
+// Waits until the file can be read, which may be a little after its name is there; the patience
+// only bounds a hang.
 bool appears(const std::string& file)
 {
     const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(120);
-    while (!std::filesystem::exists(file))
+    while (!std::ifstream(file).is_open())
     {
         if (std::chrono::steady_clock::now() > end) return false;
         std::this_thread::yield();
