@@ -15,22 +15,22 @@ namespace Zu
 {
 
 /// The kind of alias whose value is an option of the command line.
-struct InInitArg
+struct ZU_BASE_VISIBLE InInitArg
 {
 };
 
 /// The kind of alias whose value is an environment variable.
-struct InInitEnv
+struct ZU_BASE_VISIBLE InInitEnv
 {
 };
 
 /// The kind of alias whose value is compiled in.
-struct InInitDef
+struct ZU_BASE_VISIBLE InInitDef
 {
 };
 
 /// The kind of alias whose value was forced by the program.
-struct InInitOvr
+struct ZU_BASE_VISIBLE InInitOvr
 {
 };
 
@@ -44,7 +44,7 @@ struct InInitOvr
 /// | InArgAlias | 15 | an option letter, with ":" behind it when the option takes a value | from the command line |
 /// | InEnvAlias | 10 | the name of a variable | from the environment at start-up |
 /// | InDefAlias | 0 | the value | the key |
-template <class Src, int Unique> class ZU_BASE_TEMPLATE InContextAlias : public InContextAliasBase
+template <class Src, int Unique> class ZU_BASE_VISIBLE InContextAlias : public InContextAliasBase
 {
 public:
     /// Copies both texts. Raises InEx::ExContextAliasAlreadyDefined for a unique kind's key in use

@@ -18,7 +18,7 @@ class InContextAliasBase;
 /// in one step of start-up. All operations are called by aliases and by the bodies of packages.
 ///
 /// Thread-safety: none; everything runs in static construction, start-up and shut-down.
-template <class Alias> class ZU_BASE_TEMPLATE InContextAliasMgr : public InContextAliasMgrBase
+template <class Alias> class ZU_BASE_VISIBLE InContextAliasMgr : public InContextAliasMgrBase
 {
 public:
     /// Adds an alias. Raises InEx::ExNoNewContextAliasAfterInit once the kind was initialised.

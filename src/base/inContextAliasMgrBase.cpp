@@ -6,6 +6,23 @@ namespace Zu
 // There before any constructor runs.
 constinit Vector<char*> InContextAliasMgrBase::_args;
 
+namespace
+{
+
+// Ends the words of a process that exits without a shut-down. It is built after the list, so it
+// ends before it.
+class WordsEnd : public InContextAliasMgrBase
+{
+public:
+    ~WordsEnd() override
+    {
+        for (char* word : args()) delete[] word;
+        args().clear();
+    }
+} theWordsEnd;
+
+} // namespace
+
 InContextAliasMgrBase::InContextAliasMgrBase() = default;
 
 InContextAliasMgrBase::~InContextAliasMgrBase() = default;

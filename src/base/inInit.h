@@ -30,7 +30,7 @@ namespace Zu
 ///
 /// Packages are told apart by the run-time type of their InInit alone, never by pointer or name,
 /// and types are compared by value: each module has its own `type_info` of one type.
-template <class T> class ZU_BASE_TEMPLATE InInit : public InPackageInit
+template <class T> class ZU_BASE_VISIBLE InInit : public InPackageInit
 {
 public:
     /// Written per package: names it, registers it and declares its dependencies.

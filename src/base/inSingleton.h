@@ -22,7 +22,7 @@ namespace Zu
 ///
 /// Thread-safety: create() and destroy() belong to the thread that runs start-up and shut-down;
 /// getInstance() only reads, and any thread may call it between the two.
-template <class T> class ZU_BASE_TEMPLATE InSingleton
+template <class T> class ZU_BASE_VISIBLE InSingleton
 {
 public:
     InSingleton() = delete;

@@ -19,7 +19,7 @@ namespace Zu
 /// static Zu::InDefAlias portDefault("8080", "usual port");
 /// static Zu::InVariable<int> port("my::app::port", thePackage, portEnv, portDefault);
 /// @endcode
-template <class T> class ZU_BASE_TEMPLATE InVariable : public InVariableBase
+template <class T> class ZU_BASE_VISIBLE InVariable : public InVariableBase
 {
 public:
     /// `handle` must be unique in the process, else InEx::ExHandleAlreadyInUse; `package` must

@@ -4,73 +4,75 @@
 #ifndef ZU_BASE_ZUINIT_H
 #define ZU_BASE_ZUINIT_H
 
+#include "base/baseApi.h"
+
 /// The empty classes that identify packages: `Zu::InInit<ZuInit::logger>` is the package "logger".
 /// A client puts its tags here or into a namespace of its own.
 namespace ZuInit
 {
 
 /// Everything else of the library; client packages depend on it.
-struct base
+struct ZU_BASE_VISIBLE base
 {
 };
 
 /// Numerics.
-struct baseMath
+struct ZU_BASE_VISIBLE baseMath
 {
 };
 
 /// Tracing and build records.
-struct debugging
+struct ZU_BASE_VISIBLE debugging
 {
 };
 
 /// Discrete time.
-struct discreteTime
+struct ZU_BASE_VISIBLE discreteTime
 {
 };
 
 /// Heap settings.
-struct heapMgr
+struct ZU_BASE_VISIBLE heapMgr
 {
 };
 
 /// The command line.
-struct initArg
+struct ZU_BASE_VISIBLE initArg
 {
 };
 
 /// Init variables.
-struct initVars
+struct ZU_BASE_VISIBLE initVars
 {
 };
 
 /// Defaults, environment and overrides; what everything depends on.
-struct initialize
+struct ZU_BASE_VISIBLE initialize
 {
 };
 
 /// The event logger.
-struct logger
+struct ZU_BASE_VISIBLE logger
 {
 };
 
 /// The operating-system layer.
-struct osal
+struct ZU_BASE_VISIBLE osal
 {
 };
 
 /// The hardware counter and what is built on it.
-struct profiling
+struct ZU_BASE_VISIBLE profiling
 {
 };
 
 /// Random numbers.
-struct random
+struct ZU_BASE_VISIBLE random
 {
 };
 
 /// The test framework.
-struct testing
+struct ZU_BASE_VISIBLE testing
 {
 };
 
