@@ -5,6 +5,7 @@ import unittest
 from pathlib import Path
 
 import checkLayers
+import checkSnippets
 import checkSources
 
 LAYERS = """\
@@ -352,6 +353,35 @@ class Sources(PolicyTest):
     def testWideRowsOfTablesPass(self):
         wide = "    /// | " + 100 * "x" + "\n// " + 97 * "x" + "\n"
         self.assertSources({"src/base/high.cpp": own("high") + wide})
+
+
+class SnippetsTest(unittest.TestCase):
+    """What checkSnippets says about a document with one snippet of a program."""
+
+    def findingsFor(self, document, program="int i;\n"):
+        with tempfile.TemporaryDirectory() as name:
+            root = Path(name)
+            (root / "docs").mkdir()
+            (root / "docs/page.md").write_text(document, encoding="utf-8")
+            (root / "a.cpp").write_text(program, encoding="utf-8")
+            return checkSnippets.findings(root)
+
+    def testTheProgramItselfPasses(self):
+        self.assertEqual(self.findingsFor("Text\n\n<!-- a.cpp -->\n```cpp\nint i;\n```\n"), [])
+
+    def testAnotherTextFails(self):
+        for text in ("int j;\n", "int i;\n\n", ""):
+            with self.subTest(text=text):
+                self.assertEqual(self.findingsFor(f"\n<!-- a.cpp -->\n```cpp\n{text}```\n"),
+                                 ["docs/page.md:2: the snippet is not a.cpp"])
+
+    def testAMissingProgramFails(self):
+        self.assertEqual(self.findingsFor("<!-- b.cpp -->\n```cpp\nint i;\n```\n"),
+                         ["docs/page.md:1: there is no b.cpp"])
+
+    def testNoSnippetAtAllFails(self):
+        self.assertEqual(self.findingsFor("Text\n```cpp\nint i;\n```\n"),
+                         ["no document has a snippet"])
 
 
 if __name__ == "__main__":
