@@ -66,6 +66,9 @@ protected:
     InContextAlias(const InContextAlias& other);
 
 private:
+    void joinKind();
+    void releaseKey();
+
     ArrayPtr<char> _key;
 };
 

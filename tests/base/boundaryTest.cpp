@@ -36,4 +36,14 @@ TEST(Boundary, PackagesVariablesSingletonsAndExceptionsCrossModules)
               "client down, ledger early;program;late;main;\n");
 }
 
+TEST(Boundary, TheNameOfATypeOutlivesItsModule)
+{
+    const support::ProgramResult result =
+        support::runProgram("unloadProgram", {support::modulePath("sampleModule")});
+    EXPECT_EQ(result.exitCode, 0);
+    EXPECT_EQ(result.out, "unloaded\n"
+                          "sample::Type\n"
+                          "int\n");
+}
+
 } // namespace

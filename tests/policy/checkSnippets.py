@@ -7,7 +7,8 @@ import pathlib
 import re
 import sys
 
-SNIPPET = re.compile(r"^<!-- (?P<path>\S+) -->\n```\w*\n(?P<text>.*?)^```$", re.MULTILINE | re.DOTALL)
+SNIPPET = re.compile(r"^<!-- (?P<path>\S+) -->\n```\w*\n(?P<text>.*?)^```$",
+                     re.MULTILINE | re.DOTALL)
 
 
 def documents(root):

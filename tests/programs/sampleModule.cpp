@@ -1,5 +1,7 @@
 // A shared library without ties to any other, for tests of loading one.
 
+#include <typeinfo>
+
 #if defined(_WIN32)
 #define SAMPLE_EXPORT extern "C" __declspec(dllexport)
 #else
@@ -8,6 +10,14 @@
 
 SAMPLE_EXPORT int sampleProduct(int a, int b);
 SAMPLE_EXPORT int sampleCount();
+SAMPLE_EXPORT const std::type_info* sampleType();
+
+namespace sample
+{
+struct Type
+{
+};
+} // namespace sample
 
 int sampleProduct(int a, int b)
 {
@@ -19,4 +29,10 @@ int sampleCount()
 {
     static int count = 0;
     return ++count;
+}
+
+// A type that goes with the library.
+const std::type_info* sampleType()
+{
+    return &typeid(sample::Type);
 }

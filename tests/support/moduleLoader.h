@@ -8,7 +8,7 @@
 namespace support
 {
 
-// A loaded module; it stays loaded to the end of the process.
+// A loaded module; it stays loaded to the end of the process, unless it is unloaded.
 class Module
 {
 public:
@@ -17,6 +17,9 @@ public:
 
     // The address of an exported symbol; null when there is none.
     void* symbol(const char* name) const;
+
+    // Takes the module out of the process; returns whether it is gone, with it the symbol.
+    bool unload(const char* anySymbol);
 
 private:
     explicit Module(void* handle) : _handle(handle) {}

@@ -20,4 +20,12 @@ void* Module::symbol(const char* name) const
     return dlsym(_handle, name);
 }
 
+bool Module::unload(const char* anySymbol)
+{
+    void* const code = symbol(anySymbol);
+    Dl_info info;
+    dlclose(_handle);
+    return dladdr(code, &info) == 0;
+}
+
 } // namespace support
