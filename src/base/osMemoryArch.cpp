@@ -7,8 +7,6 @@ namespace Zu
 
 OsMemoryArch::OsMemoryArch() = default;
 
-OsMemoryArch::~OsMemoryArch() = default;
-
 const OsMemoryArch& OsMemoryArch::getInstance()
 {
     static const OsMemoryArchImp* const instance = new OsMemoryArchImp;

@@ -52,7 +52,7 @@ public:
 
 protected:
     // Instances are never destroyed, so the destructor has no place among the virtual operations.
-    ~OsMemoryArch();
+    ~OsMemoryArch() = default;
 };
 
 } // namespace Zu
