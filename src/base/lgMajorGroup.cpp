@@ -1,0 +1,173 @@
+#include "base/lgMajorGroup.h"
+
+#include "base/assertions.h"
+#include "base/duplicateString.h"
+#include "base/lgEx.h"
+
+#include <algorithm>
+#include <cstring>
+#include <iomanip>
+#include <iostream>
+#include <list>
+#include <map>
+
+namespace Zu
+{
+
+namespace
+{
+
+struct ByBytes
+{
+    bool operator()(const char* a, const char* b) const
+    {
+        return std::strcmp(a, b) < 0;
+    }
+};
+
+// Copies of the groups' names, in order of first use, and the groups by those copies. Both are
+// there from initialize() to finalize().
+using Names = std::list<ArrayPtr<char>>;
+using MajorGroups = std::map<const char*, LgMajorGroup, ByBytes>;
+
+Names* names = nullptr;
+MajorGroups* majorGroups = nullptr;
+
+const char* nameCopy(const char* name)
+{
+    for (const ArrayPtr<char>& copy : *names)
+        if (std::strcmp(copy.get(), name) == 0) return copy.get();
+    names->emplace_back(duplicateString(name));
+    return names->back().get();
+}
+
+// The next piece of the text up to the delimiter, which is overwritten; delimiters in front of it
+// are passed over. Null when there is none.
+char* nextToken(char*& position, char delimiter)
+{
+    while (*position == delimiter) ++position;
+    if (*position == '\0') return nullptr;
+    char* const token = position;
+    while (*position != delimiter && *position != '\0') ++position;
+    if (*position == delimiter) *position++ = '\0';
+    return token;
+}
+
+LgTypes::Level atLeastFatal(LgTypes::Level level)
+{
+    return std::max(level, LgTypes::FatalError);
+}
+
+} // namespace
+
+LgTypes::Level LgMajorGroup::_defaultThreshold = LgTypes::Warning;
+
+const std::uint32_t LgMajorGroup::_levelMask[] = {0x80, 0xC0, 0xE0, 0xF0, 0xF8, 0xFC, 0x02};
+
+LgMajorGroup::LgMajorGroup() : _levels(_levelMask[_defaultThreshold]) {}
+
+LgMajorGroup::LgMajorGroup(const LgMajorGroup& other) : _levels(other.getLogLevels()) {}
+
+LgMajorGroup& LgMajorGroup::operator=(const LgMajorGroup& other)
+{
+    _levels.store(other.getLogLevels(), std::memory_order_relaxed);
+    return *this;
+}
+
+void LgMajorGroup::setLogThreshold(LgTypes::Level level, bool clearProfiling)
+{
+    ZU_ASSERT_TEXT(level >= 0 && level < LgTypes::NUM_LEVELS, "l < NUM_LEVELS");
+    const std::uint32_t profiling = LgTypes::levelBit[LgTypes::Profiling];
+    std::uint32_t mask = getLogLevels();
+    if (level == LgTypes::Profiling)
+        mask |= profiling;
+    else
+        mask = _levelMask[atLeastFatal(level)] | (clearProfiling ? 0 : mask & profiling);
+    _levels.store(mask, std::memory_order_relaxed);
+}
+
+LgTypes::Level LgMajorGroup::getDefaultThreshold()
+{
+    return _defaultThreshold;
+}
+
+void LgMajorGroup::setDefaultThreshold(LgTypes::Level level)
+{
+    ZU_ASSERT_TEXT(level >= 0 && level < LgTypes::NUM_LEVELS, "l < NUM_LEVELS");
+    _defaultThreshold = atLeastFatal(level);
+}
+
+std::uint32_t LgMajorGroup::getLevelMask(LgTypes::Level level)
+{
+    return _levelMask[level];
+}
+
+LgMajorGroup& LgMajorGroup::getInstanceForName(const char* name)
+{
+    ZU_ASSERT(names);
+    ZU_ASSERT(majorGroups);
+    return (*majorGroups)[nameCopy(name)];
+}
+
+void LgMajorGroup::parse(const char* text)
+{
+    ZU_ASSERT(names);
+    ZU_ASSERT(majorGroups);
+    const ArrayPtr<char> copy(duplicateString(text));
+    char* position = copy.get();
+    while (const char* const name = nextToken(position, '='))
+    {
+        try
+        {
+            // The level comes first: a bad pair makes no group.
+            const LgTypes::Level level = LgTypes::stringToLevel(nextToken(position, ','));
+            getInstanceForName(name).setLogThreshold(level, false);
+        }
+        catch (const LgEx::InvalidLevelString& exception)
+        {
+            std::cout << exception.getReason() << std::endl;
+        }
+    }
+}
+
+void LgMajorGroup::initialize(const char* text)
+{
+    ZU_ASSERT(!names);
+    ZU_ASSERT(!majorGroups);
+    names = new Names;
+    majorGroups = new MajorGroups;
+    if (text) parse(text);
+}
+
+void LgMajorGroup::finalize()
+{
+    ZU_ASSERT(names);
+    ZU_ASSERT(majorGroups);
+    delete majorGroups;
+    majorGroups = nullptr;
+    delete names;
+    names = nullptr;
+}
+
+void LgMajorGroup::printAll(std::ostream& out)
+{
+    ZU_ASSERT(majorGroups);
+    out << "Major Groups:\n";
+    for (const auto& [name, group] : *majorGroups)
+    {
+        const std::uint32_t mask = group.getLogLevels();
+        out << std::setw(24) << name << " ";
+        for (int level = LgTypes::Tracing; level >= LgTypes::FatalError; --level)
+        {
+            if ((mask & _levelMask[level]) == 0) continue;
+            out << LgTypes::levelToString(static_cast<LgTypes::Level>(level));
+            break;
+        }
+        if (mask & LgTypes::levelBit[LgTypes::Profiling])
+            out << ", "
+                << "Profiling";
+        out << "\n";
+    }
+}
+
+} // namespace Zu

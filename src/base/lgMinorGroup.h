@@ -1,0 +1,40 @@
+/// @file
+/// The handle that call sites of the logger test.
+
+#ifndef ZU_BASE_LGMINORGROUP_H
+#define ZU_BASE_LGMINORGROUP_H
+
+#include "base/baseApi.h"
+#include "base/lgMajorGroup.h"
+#include "base/lgTypes.h"
+
+namespace Zu
+{
+
+/// A subsystem's own handle on a major group, with the short name that stands before its messages.
+/// Changes of the major group take effect at once. Any thread may ask it.
+class ZU_BASE_API LgMinorGroup
+{
+public:
+    /// Both must outlive the handle; the name is kept as a pointer. Raises ExInternalError
+    /// "Assertion 'n' failed." for a null name.
+    LgMinorGroup(const LgMajorGroup& group, const char* n);
+
+    /// Whether events of this level are produced at all; `level` is not checked. One load, one AND
+    /// and one branch: no text is made before it returned true.
+    bool isLevelEnabled(LgTypes::Level level) const
+    {
+        return (_group->getLogLevels() & LgTypes::levelBit[level]) != 0;
+    }
+
+    /// The name.
+    const char* getName() const;
+
+private:
+    const LgMajorGroup* _group;
+    const char* _name;
+};
+
+} // namespace Zu
+
+#endif

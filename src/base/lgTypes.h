@@ -1,0 +1,49 @@
+/// @file
+/// The severity levels of the logger.
+
+#ifndef ZU_BASE_LGTYPES_H
+#define ZU_BASE_LGTYPES_H
+
+#include "base/baseApi.h"
+
+#include <cstdint>
+
+namespace Zu
+{
+
+/// What all of the logger speaks of.
+namespace LgTypes
+{
+
+/// How severe an event is, from the most severe one to Tracing. Profiling is not on that scale: it
+/// is a switch of its own.
+enum Level : std::int32_t
+{
+    InternalError,
+    FatalError,
+    Error,
+    Warning,
+    Informational,
+    Tracing,
+    Profiling,
+    /// How many levels there are.
+    NUM_LEVELS
+};
+
+/// The bit of each level in the masks of groups. The last belongs to no level.
+inline constexpr std::uint32_t levelBit[] = {0x80, 0x40, 0x20, 0x10, 0x08, 0x04, 0x02, 0x01};
+
+/// The level's text, as it stands in lines of the log: "Internal Error", "Fatal Error", "Error",
+/// "Warning", "Informational", "Tracing" or "Profiling". Raises ExInternalError
+/// "Assertion 'l < NUM_LEVELS' failed." for what is no level.
+ZU_BASE_API const char* levelToString(Level l);
+
+/// The level with this text; letter case and every blank count. Raises LgEx::InvalidLevelString for
+/// any other text and ExInternalError "Assertion 's' failed." for null.
+ZU_BASE_API Level stringToLevel(const char* s);
+
+} // namespace LgTypes
+
+} // namespace Zu
+
+#endif

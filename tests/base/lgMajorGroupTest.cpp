@@ -1,0 +1,221 @@
+#include "base/lgMajorGroup.h"
+
+#include "base/exInternalError.h"
+
+#include <gtest/gtest.h>
+#include <sstream>
+#include <string>
+
+namespace
+{
+
+using Zu::LgMajorGroup;
+namespace LgTypes = Zu::LgTypes;
+
+// The groups of the process are made and ended around each test.
+class LgMajorGroupTest : public testing::Test
+{
+protected:
+    ~LgMajorGroupTest() override
+    {
+        LgMajorGroup::setDefaultThreshold(LgTypes::Warning);
+        if (_initialized) LgMajorGroup::finalize();
+    }
+
+    void initialize(const char* text = nullptr)
+    {
+        LgMajorGroup::initialize(text);
+        _initialized = true;
+    }
+
+    static std::uint32_t levelsOf(const char* name)
+    {
+        return LgMajorGroup::getInstanceForName(name).getLogLevels();
+    }
+
+    static std::string printed()
+    {
+        std::ostringstream out;
+        LgMajorGroup::printAll(out);
+        return out.str();
+    }
+
+    template <class Act> static std::string assertionOf(Act act)
+    {
+        try
+        {
+            act();
+        }
+        catch (const Zu::ExInternalError& exception)
+        {
+            return exception.getReason();
+        }
+        return "nothing raised";
+    }
+
+    bool _initialized = false;
+};
+
+TEST_F(LgMajorGroupTest, MasksOfThresholds)
+{
+    const std::uint32_t masks[] = {0x80, 0xC0, 0xE0, 0xF0, 0xF8, 0xFC, 0x02};
+    for (int level = 0; level < LgTypes::NUM_LEVELS; ++level)
+        EXPECT_EQ(LgMajorGroup::getLevelMask(static_cast<LgTypes::Level>(level)), masks[level]);
+}
+
+TEST_F(LgMajorGroupTest, AGroupThatNobodyConfiguresLogsWarningsAndAbove)
+{
+    EXPECT_EQ(LgMajorGroup::getDefaultThreshold(), LgTypes::Warning);
+    EXPECT_EQ(LgMajorGroup().getLogLevels(), 0xF0U);
+}
+
+TEST_F(LgMajorGroupTest, TheDefaultThresholdIsAtLeastFatalErrorAndIsForNewGroups)
+{
+    const LgMajorGroup before;
+    LgMajorGroup::setDefaultThreshold(LgTypes::InternalError);
+    EXPECT_EQ(LgMajorGroup::getDefaultThreshold(), LgTypes::FatalError);
+    EXPECT_EQ(LgMajorGroup().getLogLevels(), 0xC0U);
+    LgMajorGroup::setDefaultThreshold(LgTypes::Profiling);
+    EXPECT_EQ(LgMajorGroup::getDefaultThreshold(), LgTypes::Profiling);
+    EXPECT_EQ(LgMajorGroup().getLogLevels(), 0x02U);
+    EXPECT_EQ(before.getLogLevels(), 0xF0U);
+    EXPECT_EQ(assertionOf([] { LgMajorGroup::setDefaultThreshold(LgTypes::NUM_LEVELS); }),
+              "Assertion 'l < NUM_LEVELS' failed.");
+}
+
+TEST_F(LgMajorGroupTest, SettingAThreshold)
+{
+    const struct
+    {
+        bool _hadProfiling;
+        LgTypes::Level _level;
+        bool _clearProfiling;
+        std::uint32_t _mask;
+    } cases[] = {
+        {false, LgTypes::InternalError, false, 0xC0}, {true, LgTypes::InternalError, false, 0xC2},
+        {true, LgTypes::InternalError, true, 0xC0},   {true, LgTypes::FatalError, true, 0xC0},
+        {false, LgTypes::Error, true, 0xE0},          {true, LgTypes::Error, false, 0xE2},
+        {true, LgTypes::Warning, false, 0xF2},        {false, LgTypes::Informational, false, 0xF8},
+        {true, LgTypes::Tracing, true, 0xFC},         {true, LgTypes::Tracing, false, 0xFE},
+        {false, LgTypes::Profiling, true, 0xF2},      {true, LgTypes::Profiling, true, 0xF2},
+        {false, LgTypes::Profiling, false, 0xF2},
+    };
+    for (const auto& row : cases)
+    {
+        LgMajorGroup group;
+        if (row._hadProfiling) group.setLogThreshold(LgTypes::Profiling, false);
+        group.setLogThreshold(row._level, row._clearProfiling);
+        EXPECT_EQ(group.getLogLevels(), row._mask) << row._level << row._clearProfiling;
+    }
+    EXPECT_EQ(
+        assertionOf([] { LgMajorGroup().setLogThreshold(static_cast<LgTypes::Level>(9), true); }),
+        "Assertion 'l < NUM_LEVELS' failed.");
+}
+
+TEST_F(LgMajorGroupTest, ACopyHasTheMaskOfItsSource)
+{
+    LgMajorGroup source;
+    source.setLogThreshold(LgTypes::Tracing, true);
+    const LgMajorGroup copy(source);
+    LgMajorGroup assigned;
+    assigned = source;
+    EXPECT_EQ(copy.getLogLevels(), 0xFCU);
+    EXPECT_EQ(assigned.getLogLevels(), 0xFCU);
+}
+
+TEST_F(LgMajorGroupTest, NamingAGroupMakesItOnce)
+{
+    initialize();
+    char name[] = "UI";
+    LgMajorGroup& group = LgMajorGroup::getInstanceForName(name);
+    name[0] = 'X';
+    EXPECT_EQ(&LgMajorGroup::getInstanceForName("UI"), &group);
+    EXPECT_NE(&LgMajorGroup::getInstanceForName("ui"), &group);
+    EXPECT_EQ(group.getLogLevels(), 0xF0U);
+}
+
+TEST_F(LgMajorGroupTest, ParsesWhatTheEnvironmentSays)
+{
+    const struct
+    {
+        const char* _text;
+        const char* _name;
+        std::uint32_t _mask;
+    } cases[] = {
+        {"Group=Warning", "Group", 0xF0},
+        {"A=Error,Group=Informational,B=Error", "Group", 0xF8},
+        {"Group=Fatal Error", "Group", 0xC0},
+        {"Group=Internal Error", "Group", 0xC0},
+        {"Group=Profiling", "Group", 0xF2},
+        {"Group=Profiling,Group=Warning", "Group", 0xF2},
+        {"Group=Profiling,Group=Internal Error", "Group", 0xC2},
+        {"Group=Tracing,Group=Error", "Group", 0xE0},
+        {"a name=Tracing", "a name", 0xFC},
+        {"==Group==Tracing", "Group", 0xF0},
+        {"Group=,,Tracing", "Group", 0xFC},
+        {",Group=Tracing", ",Group", 0xFC},
+    };
+    for (const auto& row : cases)
+    {
+        testing::internal::CaptureStdout();
+        LgMajorGroup::initialize(row._text);
+        EXPECT_EQ(levelsOf(row._name), row._mask) << row._text;
+        LgMajorGroup::finalize();
+        testing::internal::GetCapturedStdout();
+    }
+}
+
+TEST_F(LgMajorGroupTest, AnUnknownLevelIsToldAndMakesNoGroup)
+{
+    testing::internal::CaptureStdout();
+    initialize("Group=Bogus,Other=Tracing");
+    std::string output = testing::internal::GetCapturedStdout();
+    std::erase(output, '\r');
+    EXPECT_EQ(output, "Invalid level string specified: Bogus\n");
+    EXPECT_EQ(printed(), "Major Groups:\n"
+                         "                   Other Tracing\n");
+}
+
+TEST_F(LgMajorGroupTest, AnEmptyTextMakesNoGroup)
+{
+    initialize("");
+    EXPECT_EQ(printed(), "Major Groups:\n");
+}
+
+TEST_F(LgMajorGroupTest, APairWithoutALevelBreaksARule)
+{
+    initialize();
+    for (const char* const text : {"Group", "Group=", "A=Error,Group", "Group=,"})
+        EXPECT_EQ(assertionOf([=] { LgMajorGroup::parse(text); }), "Assertion 's' failed.") << text;
+}
+
+TEST_F(LgMajorGroupTest, PrintsGroupsInByteOrder)
+{
+    LgMajorGroup::setDefaultThreshold(LgTypes::InternalError);
+    initialize("b=Error,B=Profiling,a=Tracing");
+    LgMajorGroup::setDefaultThreshold(LgTypes::Profiling);
+    LgMajorGroup::getInstanceForName("c");
+    LgMajorGroup::getInstanceForName("a name of more than twenty-four characters");
+    // The word for the threshold is always the same, but for a group without any.
+    EXPECT_EQ(printed(), "Major Groups:\n"
+                         "                       B Tracing, Profiling\n"
+                         "                       a Tracing\n"
+                         "a name of more than twenty-four characters , Profiling\n"
+                         "                       b Tracing\n"
+                         "                       c , Profiling\n");
+}
+
+TEST_F(LgMajorGroupTest, GroupsExistFromInitializeToFinalizeOnly)
+{
+    EXPECT_EQ(assertionOf([] { LgMajorGroup::getInstanceForName("UI"); }),
+              "Assertion 'names' failed.");
+    EXPECT_EQ(assertionOf([] { LgMajorGroup::parse("UI=Error"); }), "Assertion 'names' failed.");
+    EXPECT_EQ(assertionOf([] { LgMajorGroup::finalize(); }), "Assertion 'names' failed.");
+    initialize("UI=Error");
+    EXPECT_EQ(assertionOf([] { LgMajorGroup::initialize(nullptr); }), "Assertion '!names' failed.");
+    LgMajorGroup::finalize();
+    LgMajorGroup::initialize(nullptr);
+    EXPECT_EQ(levelsOf("UI"), 0xF0U);
+}
+
+} // namespace
