@@ -159,11 +159,23 @@ void printCounter()
               << " s apart" << std::endl;
 }
 
+// In a container the user may have no name.
+std::string userName()
+{
+    try
+    {
+        return Zu::OsUtils::getUserName(false).get();
+    }
+    catch (const Zu::ExSysErrorANSI&)
+    {
+        return "without a name";
+    }
+}
+
 void printPlace()
 {
-    std::cout << "  host " << Zu::OsUtils::getHostName().get() << ", user "
-              << Zu::OsUtils::getUserName(false).get() << ", process " << Zu::OsUtils::getPid()
-              << std::endl;
+    std::cout << "  host " << Zu::OsUtils::getHostName().get() << ", user " << userName()
+              << ", process " << Zu::OsUtils::getPid() << std::endl;
     std::cout << "  temporary files go to " << Zu::OsFilePath::getTempDir().getChars() << std::endl;
 }
 

@@ -39,7 +39,7 @@ const char* OsCpuInfo::getTypeName()
     case X64:
         break;
     }
-    internalAssertionFailed("_type has a name", __FILE__, __LINE__);
+    internalAssertionFailed("_type != X64", __FILE__, __LINE__);
 }
 
 void OsCpuInfo::getDetailedType(Type* type, int* family, int* model, int* stepping)

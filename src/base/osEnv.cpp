@@ -11,7 +11,7 @@ namespace Zu
 
 const char* OsEnv::getVariable(const char* name)
 {
-    return std::getenv(name);
+    return name ? std::getenv(name) : nullptr;
 }
 
 void OsEnv::putVariable(const char* assignment)

@@ -16,7 +16,8 @@ class ZU_BASE_API OsEnv
 public:
     OsEnv() = delete;
 
-    /// The value, owned by the environment and good until the next change of it; null if unset.
+    /// The value, owned by the environment and good until the next change of it; null if unset, and
+    /// for a null name.
     static const char* getVariable(const char* name);
 
     /// Sets a variable from a text "NAME=value", of which a copy is taken; "NAME=" removes the

@@ -26,7 +26,8 @@ namespace Zu
 /// | root directory | of the current drive, "C:\" | "/" |
 ///
 /// Text parameters must not be null unless it is said otherwise. An operation that raises leaves
-/// its object as it was. Paths are values without shared state.
+/// its object as it was. Paths are values without shared state; what asks the platform reads the
+/// environment or the current directory, and must not race with a change of those.
 class ZU_BASE_API OsFilePath
 {
 public:

@@ -28,8 +28,8 @@ public:
     class Permissions
     {
     public:
-        explicit Permissions(int user = AccessRead | AccessWrite, int group = AccessRead,
-                             int other = AccessRead)
+        Permissions(int user = AccessRead | AccessWrite, int group = AccessRead,
+                    int other = AccessRead)
             : _userMode(user), _groupMode(group), _otherMode(other)
         {
         }

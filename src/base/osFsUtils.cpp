@@ -74,9 +74,9 @@ void OsFsUtils::createFile(const char* path, const OsFileTypes::Permissions& per
 void OsFsUtils::deleteFile(const char* path)
 {
     const OsFsResult result = osFsDeleteFile(nameOf(path));
-    if (result == OsFsResult::Done || result == OsFsResult::Missing ||
-        result == OsFsResult::NoError)
-        return;
+    if (result == OsFsResult::Done || result == OsFsResult::NoError) return;
+    // What has no name is not a file that is missing.
+    if (result == OsFsResult::Missing && *nameOf(path) != '\0') return;
     throw ExSysErrorWindows(__FILE__, __LINE__);
 }
 

@@ -12,7 +12,8 @@ namespace Zu
 
 /// Makes, removes and asks about files and directories by name.
 ///
-/// Where failures are named, a failed platform call raises ExSysErrorWindows. The questions never
+/// Where failures are named, a failed platform call raises ExSysErrorWindows. A null name is taken
+/// as the empty one, which leads nowhere. The questions never
 /// raise; they follow symbolic links, except isSymLink(). All operations may be called by any
 /// thread; what they found can be out of date when they return.
 class ZU_BASE_API OsFsUtils
@@ -37,7 +38,8 @@ public:
     static void createFile(const char* path, const OsFileTypes::Permissions& permissions,
                            bool exclusive);
 
-    /// Removes a file; of a symbolic link, the link. A missing file is no failure.
+    /// Removes a file; of a symbolic link, the link. A missing file is no failure; other failures
+    /// raise, a null or empty name among them.
     static void deleteFile(const char* path);
 
     /// Whether the path leads to a directory; a missing one does not.

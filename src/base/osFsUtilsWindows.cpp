@@ -16,9 +16,6 @@ OsFsResult resultOf(BOOL succeeded)
     {
     case ERROR_SUCCESS:
         return OsFsResult::NoError;
-    case ERROR_ALREADY_EXISTS:
-    case ERROR_FILE_EXISTS:
-        return OsFsResult::Exists;
     case ERROR_FILE_NOT_FOUND:
         return OsFsResult::Missing;
     default:
@@ -26,11 +23,18 @@ OsFsResult resultOf(BOOL succeeded)
     }
 }
 
+// The code for something that is there already differs from call to call.
+OsFsResult resultOf(BOOL succeeded, DWORD existsCode)
+{
+    if (!succeeded && GetLastError() == existsCode) return OsFsResult::Exists;
+    return resultOf(succeeded);
+}
+
 } // namespace
 
 OsFsResult osFsCreateDir(const char* path)
 {
-    return resultOf(CreateDirectoryA(path, nullptr));
+    return resultOf(CreateDirectoryA(path, nullptr), ERROR_ALREADY_EXISTS);
 }
 
 OsFsResult osFsRemoveDir(const char* path)
@@ -44,7 +48,7 @@ OsFsResult osFsCreateFile(const char* path, const OsFileTypes::Permissions&, boo
     const HANDLE file =
         CreateFileA(path, GENERIC_READ | GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
                     exclusive ? CREATE_NEW : CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr);
-    if (file == INVALID_HANDLE_VALUE) return resultOf(FALSE);
+    if (file == INVALID_HANDLE_VALUE) return resultOf(FALSE, ERROR_FILE_EXISTS);
     CloseHandle(file);
     return OsFsResult::Done;
 }

@@ -11,9 +11,6 @@
 namespace Zu
 {
 
-/// How long a path may be that the platform resolves, with its terminator.
-constexpr std::size_t OS_PATH_SIZE = 1024;
-
 /// With drive letters: at least three characters, of which the second is ":" or the first two are
 /// backslashes. Deliberately "C:x" is absolute, and "C:" and "\x\y" are not.
 bool osIsAbsoluteWithDrive(std::string_view path);

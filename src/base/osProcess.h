@@ -25,6 +25,9 @@ public:
 
 /// Starts child processes, one at a time, and waits for them. The exit value is not reported. An
 /// object belongs to one thread at a time.
+///
+/// On Linux a child that was let go of is reaped when the next one is started or let go of, and a
+/// program must not take the ends of all of its children itself (`waitpid` with -1).
 class ZU_BASE_API OsProcess
 {
 public:
@@ -37,7 +40,7 @@ public:
     ~OsProcess();
 
     /// Starts the program named by the first of the words, a null-terminated array, with the
-    /// caller's environment and current directory; its name is looked up along the search path.
+    /// caller's environment and current directory; its name is looked up as the system does.
     /// The child inherits no files but the standard ones. An earlier child is let go of once the
     /// new one runs.
     ///

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <cstddef>
 #include <mutex>
 #include <spawn.h>
 #include <sys/wait.h>
@@ -21,17 +22,27 @@ namespace
 class DroppedChildren
 {
 public:
-    void add(pid_t child)
+    // Reaps those that have ended, and makes sure that one more can be added.
+    void prepare()
     {
         const std::lock_guard<std::mutex> guard(_lock);
+        reapEnded();
+        ++_running;
+        _children.reserve(_children.size() + _running);
+    }
+
+    // Of a child that was prepared for: it is let go of, or it has ended or was never started.
+    void add(pid_t child) noexcept
+    {
+        const std::lock_guard<std::mutex> guard(_lock);
+        --_running;
         _children.push_back(child);
         reapEnded();
     }
-
-    void reap()
+    void forget() noexcept
     {
         const std::lock_guard<std::mutex> guard(_lock);
-        reapEnded();
+        --_running;
     }
 
 private:
@@ -44,6 +55,8 @@ private:
 
     std::mutex _lock;
     std::vector<pid_t> _children;
+    // How many children may yet be added.
+    std::size_t _running = 0;
 };
 
 // Never destroyed: static objects of clients may let go of children at the very end.
@@ -53,50 +66,80 @@ DroppedChildren& droppedChildren()
     return *children;
 }
 
-class OsProcessLinux final : public OsProcessImp
+// The files that a child does not inherit: all but the standard ones. Raises the error of a call.
+class FileActions
 {
 public:
-    explicit OsProcessLinux(pid_t child) : _child(child), _ended(false) {}
-
-    ~OsProcessLinux() override
+    FileActions()
     {
-        if (!_ended) droppedChildren().add(_child);
+        check(posix_spawn_file_actions_init(&_actions));
+        const int error = posix_spawn_file_actions_addclosefrom_np(&_actions, STDERR_FILENO + 1);
+        if (error != 0) posix_spawn_file_actions_destroy(&_actions);
+        check(error);
+    }
+    ~FileActions()
+    {
+        posix_spawn_file_actions_destroy(&_actions);
+    }
+    FileActions(const FileActions&) = delete;
+    FileActions& operator=(const FileActions&) = delete;
+
+    static void check(int error)
+    {
+        if (error == 0) return;
+        errno = error;
+        throw ExSysErrorWindows(__FILE__, __LINE__);
     }
 
-    void wait() override
-    {
-        if (_ended) return;
-        while (waitpid(_child, nullptr, 0) < 0 && errno == EINTR) continue;
-        _ended = true;
-    }
-
-private:
-    const pid_t _child;
-    bool _ended;
+    posix_spawn_file_actions_t _actions;
 };
 
 } // namespace
 
+class OsProcessLinux final : public OsProcessImp
+{
+public:
+    OsProcessLinux()
+    {
+        droppedChildren().prepare();
+    }
+
+    ~OsProcessLinux() override
+    {
+        if (_runs)
+            droppedChildren().add(_child);
+        else
+            droppedChildren().forget();
+    }
+
+    void start(const char* const* argv)
+    {
+        const FileActions files;
+        FileActions::check(argv[0] ? posix_spawnp(&_child, argv[0], &files._actions, nullptr,
+                                                  const_cast<char* const*>(argv), environ)
+                                   : ENOENT);
+        _runs = true;
+    }
+
+    void wait() override
+    {
+        if (!_runs) return;
+        while (waitpid(_child, nullptr, 0) < 0 && errno == EINTR) continue;
+        _runs = false;
+    }
+
+private:
+    pid_t _child = 0;
+    // From the start to the end that was waited for.
+    bool _runs = false;
+};
+
 ObjPtrRet<OsProcessImp> OsProcess::performStart(const char* const* argv)
 {
-    droppedChildren().reap();
-    pid_t child = 0;
-    int error = ENOENT;
-    if (argv[0])
-    {
-        posix_spawn_file_actions_t actions;
-        posix_spawn_file_actions_init(&actions);
-        posix_spawn_file_actions_addclosefrom_np(&actions, STDERR_FILENO + 1);
-        error = posix_spawnp(&child, argv[0], &actions, nullptr, const_cast<char* const*>(argv),
-                             environ);
-        posix_spawn_file_actions_destroy(&actions);
-    }
-    if (error != 0)
-    {
-        errno = error;
-        throw ExSysErrorWindows(__FILE__, __LINE__);
-    }
-    return ObjPtrRet<OsProcessImp>(new OsProcessLinux(child));
+    // Made before the child, so that no child runs of which there is no record.
+    ObjPtr<OsProcessLinux> child(new OsProcessLinux);
+    child->start(argv);
+    return ObjPtrRet<OsProcessImp>(child.release());
 }
 
 } // namespace Zu

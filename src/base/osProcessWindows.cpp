@@ -9,18 +9,13 @@
 namespace Zu
 {
 
-namespace
-{
-
 class OsProcessWindows final : public OsProcessImp
 {
 public:
-    explicit OsProcessWindows(const PROCESS_INFORMATION& process) : _process(process) {}
-
     ~OsProcessWindows() override
     {
-        CloseHandle(_process.hThread);
-        CloseHandle(_process.hProcess);
+        if (_process.hThread) CloseHandle(_process.hThread);
+        if (_process.hProcess) CloseHandle(_process.hProcess);
     }
 
     void wait() override
@@ -28,23 +23,21 @@ public:
         WaitForSingleObject(_process.hProcess, INFINITE);
     }
 
-private:
-    PROCESS_INFORMATION _process;
+    PROCESS_INFORMATION _process{};
 };
-
-} // namespace
 
 ObjPtrRet<OsProcessImp> OsProcess::performStart(const char* const* argv)
 {
+    // Made before the child, so that no child runs of which there is no record.
+    ObjPtr<OsProcessWindows> child(new OsProcessWindows);
     // The call may write into the line.
     std::string line = osCommandLine(argv);
     STARTUPINFOA startup{};
     startup.cb = sizeof startup;
-    PROCESS_INFORMATION process{};
     if (!CreateProcessA(nullptr, line.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr,
-                        &startup, &process))
+                        &startup, &child->_process))
         throw ExSysErrorWindows(__FILE__, __LINE__);
-    return ObjPtrRet<OsProcessImp>(new OsProcessWindows(process));
+    return ObjPtrRet<OsProcessImp>(child.release());
 }
 
 } // namespace Zu

@@ -23,8 +23,9 @@ public:
     OsSharedLib& operator=(const OsSharedLib&) = delete;
     virtual ~OsSharedLib();
 
-    /// The address of the function of this name; the caller casts it to its type. Raises
-    /// OsSharedLibEx::ExFunctionNotFound.
+    /// The address of the library's own function of this name; the caller casts it to its type.
+    /// Functions of the libraries that it needs are not found. Raises
+    /// OsSharedLibEx::ExFunctionNotFound, also for null.
     virtual void* getFunction(const char* name) = 0;
 
     /// The path that was opened.

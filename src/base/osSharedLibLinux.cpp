@@ -5,6 +5,7 @@
 
 #include <cerrno>
 #include <dlfcn.h>
+#include <link.h>
 
 namespace Zu
 {
@@ -19,13 +20,25 @@ public:
 
     void* getFunction(const char* name) override
     {
-        void* const function = dlsym(_module, name);
-        if (!function)
+        void* const function = name ? dlsym(_module, name) : nullptr;
+        if (!function || !isOwn(function))
             throw OsSharedLibEx::ExFunctionNotFound(__FILE__, __LINE__, getPath().getChars(), name);
         return function;
     }
 
 private:
+    // The loader also looks into the libraries that this one needs; those have functions of their
+    // own.
+    bool isOwn(void* function) const
+    {
+        link_map* own = nullptr;
+        link_map* found = nullptr;
+        Dl_info info;
+        return dlinfo(_module, RTLD_DI_LINKMAP, &own) == 0 &&
+               dladdr1(function, &info, reinterpret_cast<void**>(&found), RTLD_DL_LINKMAP) != 0 &&
+               found == own;
+    }
+
     void* const _module;
 };
 

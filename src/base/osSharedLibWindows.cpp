@@ -20,7 +20,8 @@ public:
 
     void* getFunction(const char* name) override
     {
-        void* const function = reinterpret_cast<void*>(GetProcAddress(_module, name));
+        void* const function =
+            name ? reinterpret_cast<void*>(GetProcAddress(_module, name)) : nullptr;
         if (!function)
             throw OsSharedLibEx::ExFunctionNotFound(__FILE__, __LINE__, getPath().getChars(), name);
         return function;

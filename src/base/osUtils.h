@@ -30,8 +30,9 @@ public:
     /// The host's name, on Windows of at most 15 characters. Raises ExSysErrorANSI.
     static ArrayPtrRet<char> getHostName();
 
-    /// The name of the user that the process runs as, at most 256 characters. The flag has no
-    /// effect. Raises ExSysErrorANSI, also if the user has no name.
+    /// The name of the user that the process runs as, on Windows of at most 256 characters. The
+    /// flag has no effect. Raises ExSysErrorANSI, also if the user has no name, as it may be in a
+    /// container.
     static ArrayPtrRet<char> getUserName(bool flag);
 };
 

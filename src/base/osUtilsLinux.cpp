@@ -42,8 +42,11 @@ ArrayPtrRet<char> OsUtils::getUserName(bool)
     passwd record;
     passwd* found = nullptr;
     int error = 0;
-    while ((error = getpwuid_r(geteuid(), &record, buffer.data(), buffer.size(), &found)) == ERANGE)
-        buffer.resize(2 * buffer.size());
+    do
+    {
+        if (error == ERANGE) buffer.resize(2 * buffer.size());
+        error = getpwuid_r(geteuid(), &record, buffer.data(), buffer.size(), &found);
+    } while (error == ERANGE || error == EINTR);
     if (!found)
     {
         errno = error != 0 ? error : ENOENT;

@@ -14,13 +14,15 @@ namespace
 
 using NameQuery = BOOL(WINAPI*)(char*, DWORD*);
 
-// The calls leave no error of the C runtime, and all of their failures are of the name's length.
+// The calls leave no error of the C runtime.
 ArrayPtrRet<char> queryName(NameQuery query, DWORD size)
 {
     ArrayPtrRet<char> name(new char[size]);
     if (!query(name.get(), &size))
     {
-        errno = ENAMETOOLONG;
+        const bool isTooLong =
+            GetLastError() == ERROR_BUFFER_OVERFLOW || GetLastError() == ERROR_INSUFFICIENT_BUFFER;
+        errno = isTooLong ? ENAMETOOLONG : ENOENT;
         throw ExSysErrorANSI(__FILE__, __LINE__);
     }
     return name;

@@ -218,4 +218,14 @@ TEST(InInitMgr, GetEnvGivesTheEnvironmentOfTheBeginning)
                           "end of main\n");
 }
 
+TEST(InInitMgr, TheBodiesOfThePackagesMakeProcessorFactsAndCounterReady)
+{
+    const ProgramResult result = support::runProgram("bodiesProgram");
+    EXPECT_EQ(result.exitCode, 0);
+    // Every 64-bit x86 processor is of type 3 and has SSE.
+    EXPECT_EQ(result.out, "type 3\n"
+                          "SSE 1\n"
+                          "denominator 1\n");
+}
+
 } // namespace

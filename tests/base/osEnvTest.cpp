@@ -68,4 +68,10 @@ TEST(OsEnv, ATextWithoutNameOrEqualsSignIsRefused)
     EXPECT_EQ(OsEnv::getVariable("ZU_TEST_NO_SIGN"), nullptr);
 }
 
+TEST(OsEnv, NullIsNoAssignmentAndNoName)
+{
+    EXPECT_EQ(refusalOf(nullptr), "Could not set environment variable");
+    EXPECT_EQ(OsEnv::getVariable(nullptr), nullptr);
+}
+
 } // namespace

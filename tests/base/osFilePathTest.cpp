@@ -444,4 +444,26 @@ TEST(OsFilePath, AHomeOfMoreThan1023CharactersRaises)
     EXPECT_THROW(OsFilePath::getHomeDir(), Zu::ExSysErrorWindows);
 }
 
+template <class Act> int codeOf(Act act)
+{
+    try
+    {
+        act();
+    }
+    catch (const Zu::ExSysErrorWindows& exception)
+    {
+        return exception.getErrorCode();
+    }
+    return 0;
+}
+
+TEST(OsFilePath, WhatCanNotBeResolvedCarriesTheCodeOfTheSystem)
+{
+    // An invalid name or a missing one, and a name that is too long.
+    EXPECT_EQ(codeOf([] { OsFilePath().getBaseName(); }), onWindows ? 123 : 2);
+    EXPECT_EQ(codeOf([] { OsFilePath().getDirectoryName(); }), onWindows ? 123 : 2);
+    EXPECT_EQ(codeOf([] { OsFilePath(std::string(5000, 'x').c_str()).getBaseName(); }),
+              onWindows ? 206 : 36);
+}
+
 } // namespace

@@ -378,4 +378,49 @@ TEST(OsFileTypes, AccessBitsHaveFixedValues)
     EXPECT_EQ(OsFileTypes::AccessExecute, 4);
 }
 
+// The system's code of what an operation raises; 0 if it raises nothing.
+template <class Act> int codeOf(Act act)
+{
+    try
+    {
+        act();
+    }
+    catch (const Zu::ExSysErrorWindows& exception)
+    {
+        return exception.getErrorCode();
+    }
+    return 0;
+}
+
+TEST_F(OsFsUtilsTest, FailuresCarryTheCodeOfTheSystem)
+{
+    const std::string deep = file("missing/x");
+    const std::string full = file("full");
+    OsFsUtils::createDir(full.c_str(), false);
+    std::ofstream(file("full/inside")) << "x";
+    // No such file or directory; Windows tells a missing directory on the way from that.
+    const int missing = 2;
+    const int missingOnTheWay = onWindows ? 3 : 2;
+    const int notEmpty = onWindows ? 145 : 39;
+    EXPECT_EQ(codeOf([&] { OsFsUtils::createDir(deep.c_str(), true); }), missingOnTheWay);
+    EXPECT_EQ(codeOf([&] { OsFsUtils::removeDir(file("missing").c_str()); }), missing);
+    EXPECT_EQ(codeOf([&] { OsFsUtils::removeDir(full.c_str()); }), notEmpty);
+    EXPECT_EQ(codeOf([&] { OsFsUtils::createFile(deep.c_str(), {}, true); }), missingOnTheWay);
+    EXPECT_EQ(codeOf([&] { OsFsUtils::createFile(deep.c_str(), {}, false); }), missingOnTheWay);
+}
+
+TEST_F(OsFsUtilsTest, NullIsANameThatLeadsNowhere)
+{
+    for (const char* const name : {static_cast<const char*>(nullptr), ""})
+    {
+        EXPECT_NE(codeOf([=] { OsFsUtils::createDir(name, false); }), 0);
+        EXPECT_NE(codeOf([=] { OsFsUtils::removeDir(name); }), 0);
+        EXPECT_NE(codeOf([=] { OsFsUtils::deleteFile(name); }), 0);
+        EXPECT_FALSE(OsFsUtils::fileExists(name));
+        EXPECT_FALSE(OsFsUtils::isDirectory(name));
+        EXPECT_FALSE(OsFsUtils::isSymLink(name));
+        EXPECT_TRUE(OsFsUtils::isFile(name));
+    }
+}
+
 } // namespace

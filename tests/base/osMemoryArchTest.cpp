@@ -1,11 +1,8 @@
 #include "base/osMemoryArch.h"
 
-#include "base/osMemoryArchEx.h"
 #include "base/osMemoryArchImp.h"
 
 #include <gtest/gtest.h>
-#include <memory>
-#include <stdexcept>
 
 namespace
 {
@@ -57,25 +54,6 @@ TEST(OsMemoryArch, TheInstanceHasTheFiguresOfThisMachine)
     EXPECT_GE(instance.getL1DataSize(), instance.getL1DataWaySize());
     EXPECT_GE(instance.getL2Size(), instance.getL2WaySize());
     EXPECT_TRUE(instance.getPageSize() == 0 || instance.getPageSize() == 4096);
-}
-
-template <class Exception> void checkReason(const char* reason)
-{
-    const Exception exception("source.cpp", 7);
-    EXPECT_STREQ(exception.what(), reason);
-    EXPECT_STREQ(static_cast<const std::runtime_error&>(exception).what(), reason);
-    EXPECT_STREQ(static_cast<const OsMemoryArchEx&>(exception).getReason(), reason);
-    const std::unique_ptr<ExBase> clone(exception.clone());
-    EXPECT_NE(dynamic_cast<const Exception*>(clone.get()), nullptr);
-    EXPECT_STREQ(clone->getReason(), reason);
-}
-
-TEST(OsMemoryArchEx, TheExceptionsHaveTheirReasons)
-{
-    checkReason<OsMemoryArchEx::ExUnknownCPU>(
-        "Unknown CPU Type: Can not compute memory architecture parameters.");
-    checkReason<OsMemoryArchEx::ExUnknownCPUBoard>(
-        "Unknown CPU Board Type: Can not compute memory architecture parameters.");
 }
 
 } // namespace

@@ -218,4 +218,12 @@ TEST(OsProcess, ChildrenThatWereLetGoOfAreReapedLater)
     EXPECT_FALSE(support::hasUnreapedChild());
 }
 
+TEST(OsProcess, WithoutAWordThereIsNothingToStart)
+{
+    OsProcess process;
+    const char* const argv[] = {nullptr};
+    EXPECT_THROW(process.start(argv), ExSysErrorWindows);
+    process.wait();
+}
+
 } // namespace

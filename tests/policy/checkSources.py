@@ -167,8 +167,8 @@ def checkTests(root, sources, errors):
         if source.isHeader or source.platform or isPackage(source, sources):
             continue
         wanted = source.name.removesuffix(".cpp")
-        if not any(test.startswith(wanted) for test in tests):
-            errors.add(source.shown, 1, "tests", f"there is no tests/{wanted}*Test.cpp")
+        if f"{wanted}Test.cpp" not in tests:
+            errors.add(source.shown, 1, "tests", f"there is no tests/{wanted}Test.cpp")
 
 
 def checkText(root, errors):

@@ -61,7 +61,7 @@ GOOD = {
     "src/base/high.cpp": own("high", '#include "base/middle.h"'),
     "src/base/highInit.cpp": '#include "base/high.h"\n',
     "tests/base/middleTest.cpp": "\n",
-    "tests/base/highOtherTest.cpp": "\n",
+    "tests/base/highTest.cpp": "\n",
 }
 
 
@@ -328,6 +328,9 @@ class Sources(PolicyTest):
 
     def testSourceWithoutTests(self):
         self.assertSources({"tests/base/middleTest.cpp": None}, "src/base/middle.cpp:1: [tests]")
+        self.assertSources({"tests/base/middleTest.cpp": None,
+                            "tests/base/middlePartsTest.cpp": "\n"},
+                           "src/base/middle.cpp:1: [tests]")
 
     def testNamesOfTestsKeepTheCase(self):
         self.assertSources({"tests/base/middleTest.cpp": None, "tests/base/MiddleTest.cpp": "\n"},
