@@ -33,6 +33,8 @@
 #include "base/lgEx.h"
 #include "base/lgMajorGroup.h"
 #include "base/lgMinorGroup.h"
+#include "base/lgRingIndex.h"
+#include "base/lgStream.h"
 #include "base/lgTypes.h"
 #include "base/objPtr.h"
 #include "base/osCpuInfo.h"

@@ -1,0 +1,140 @@
+/// @file
+/// The ring of text from one thread to another.
+
+#ifndef ZU_BASE_LGSTREAM_H
+#define ZU_BASE_LGSTREAM_H
+
+#include "base/baseApi.h"
+#include "base/lgRingIndex.h"
+
+#include <atomic>
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <string_view>
+
+namespace Zu
+{
+
+/// A ring of 32,768 characters into which one thread writes strings with insertion operators and
+/// from which another one takes them when they are finished. It never allocates, blocks or raises
+/// after its construction: a piece of text that does not fit becomes "#", and what finds no room at
+/// all is dropped.
+///
+/// It has no state of formatting. Integers are decimal; `float`, `double` and `long double` have
+/// six decimals; a NaN is "nan" without a sign; `bool` is "true" or "false"; the three character
+/// types are characters; pointers have the platform's form; a null text is "(null)". A number is
+/// never shortened, however long.
+///
+/// Thread-safety: one writer and one reader, without a lock. hasOverflowed() is a hint only. Copies
+/// share the ring; streams are not meant to be copied on their own.
+class ZU_BASE_API LgStream
+{
+public:
+    LgStream();
+    LgStream(const LgStream& other);
+    LgStream& operator=(const LgStream& other);
+    ~LgStream();
+
+    // What the writer calls.
+
+    LgStream& operator<<(const char* text);
+    LgStream& operator<<(char* text);
+    LgStream& operator<<(std::string_view text);
+    LgStream& operator<<(const std::string& text);
+    LgStream& operator<<(char character);
+    LgStream& operator<<(signed char character);
+    LgStream& operator<<(unsigned char character);
+    LgStream& operator<<(bool value);
+    LgStream& operator<<(short value);
+    LgStream& operator<<(unsigned short value);
+    LgStream& operator<<(int value);
+    LgStream& operator<<(unsigned int value);
+    LgStream& operator<<(long value);
+    LgStream& operator<<(unsigned long value);
+    LgStream& operator<<(long long value);
+    LgStream& operator<<(unsigned long long value);
+    LgStream& operator<<(float value);
+    LgStream& operator<<(double value);
+    LgStream& operator<<(long double value);
+    LgStream& operator<<(void* pointer);
+    LgStream& operator<<(const void* pointer);
+
+    /// Applies a manipulator, of which there is one: ends().
+    LgStream& operator<<(LgStream& (*manipulator)(LgStream&));
+
+    /// Ends the string: from here on the reader can take it.
+    void completeString();
+
+    /// Clears the output flags, for a new string.
+    void resetOutputFlags()
+    {
+        _outputFlags = 0;
+    }
+
+    /// Bit 0: text was inserted since the last reset, be it empty. Bit 1: the string is closed.
+    unsigned int getOutputFlags() const
+    {
+        return _outputFlags;
+    }
+
+    /// Whether no character finds room.
+    bool isFull() const;
+
+    /// Whether text was lost since the reader last took a string.
+    bool hasOverflowed() const
+    {
+        return _overflowed.load(std::memory_order_relaxed);
+    }
+
+    /// How many characters find room.
+    unsigned int getNumCharacters() const;
+
+    /// How long the longest string is that the ring can hold.
+    static unsigned int getMaxSize();
+
+    // What the reader calls.
+
+    /// The length of the next string, without terminator; 0 if there is none.
+    unsigned int getNextSize() const;
+
+    /// Takes the next string, or the empty one if there is none. `destination` has room for 32,768
+    /// characters.
+    LgStream& operator>>(char* destination);
+
+protected:
+    /// A ring of another size, a power of two from 4 on, for tests.
+    explicit LgStream(std::uint32_t size);
+
+private:
+    static constexpr std::uint32_t BufSize = 32768;
+
+    // The writer's data stand on a cache line of their own, so that the reader's moves do not take
+    // it away.
+    static constexpr std::size_t CACHE_LINE = 64;
+
+    LgStream& insert(const char* text, std::size_t length);
+    LgStream& insertCharacter(char character);
+    template <class Integer> LgStream& insertInteger(Integer value);
+    bool makeRoom();
+    std::uint32_t room(std::uint32_t readPos) const;
+    void overflow();
+
+    std::shared_ptr<char[]> _buffer;
+    alignas(CACHE_LINE) LgRingIndex _readPos;
+    alignas(CACHE_LINE) LgRingIndex _writePos;
+    LgRingIndex _lastComplete;
+    std::atomic<bool> _overflowed;
+    bool _terminatorPending;
+    unsigned char _outputFlags;
+    // Where the reader was when the writer last looked; it can only have moved on since.
+    std::uint32_t _readPosSeen;
+};
+
+/// Ends the string that is being inserted.
+ZU_BASE_API LgStream& ends(LgStream& stream);
+
+} // namespace Zu
+
+#endif

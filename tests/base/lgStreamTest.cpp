@@ -1,0 +1,395 @@
+#include "base/lgStream.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <cstdint>
+#include <cstdio>
+#include <deque>
+#include <gtest/gtest.h>
+#include <limits>
+#include <random>
+#include <string>
+#include <thread>
+
+namespace
+{
+
+using Zu::LgStream;
+
+constexpr unsigned int TEXT_INSERTED = 1;
+constexpr unsigned int STRING_CLOSED = 2;
+
+// A stream whose ring is so small that it is always full or about to wrap.
+class SmallStream : public LgStream
+{
+public:
+    explicit SmallStream(std::uint32_t size) : LgStream(size) {}
+};
+
+std::string take(LgStream& stream)
+{
+    std::array<char, 32768> text;
+    stream >> text.data();
+    return text.data();
+}
+
+// What comes out when the value goes in.
+template <class T> std::string textOf(const T& value)
+{
+    LgStream stream;
+    stream << value << Zu::ends;
+    return take(stream);
+}
+
+template <class... Arguments> std::string printed(const char* format, Arguments... arguments)
+{
+    char text[400];
+    std::snprintf(text, sizeof text, format, arguments...);
+    return text;
+}
+
+TEST(LgStream, IsEmptyAtFirst)
+{
+    LgStream stream;
+    EXPECT_EQ(stream.getNextSize(), 0U);
+    EXPECT_EQ(take(stream), "");
+    EXPECT_FALSE(stream.isFull());
+    EXPECT_FALSE(stream.hasOverflowed());
+    EXPECT_EQ(stream.getOutputFlags(), 0U);
+    EXPECT_EQ(stream.getNumCharacters(), 32767U);
+    EXPECT_EQ(LgStream::getMaxSize(), 32766U);
+}
+
+TEST(LgStream, EveryTypeHasOneForm)
+{
+    char text[] = "text";
+    EXPECT_EQ(textOf("literal"), "literal");
+    EXPECT_EQ(textOf(static_cast<char*>(text)), "text");
+    EXPECT_EQ(textOf(static_cast<const char*>(nullptr)), "(null)");
+    EXPECT_EQ(textOf(static_cast<char*>(nullptr)), "(null)");
+    EXPECT_EQ(textOf(std::string("string")), "string");
+    EXPECT_EQ(textOf(std::string_view("viewed on", 6)), "viewed");
+    EXPECT_EQ(textOf(std::string_view("cut\0off", 7)), "cut");
+    EXPECT_EQ(textOf(true), "true");
+    EXPECT_EQ(textOf(false), "false");
+    EXPECT_EQ(textOf('A'), "A");
+    EXPECT_EQ(textOf(static_cast<signed char>('A')), "A");
+    EXPECT_EQ(textOf(static_cast<unsigned char>('A')), "A");
+    EXPECT_EQ(textOf(1.5F), "1.500000");
+    EXPECT_EQ(textOf(-0.25), "-0.250000");
+    EXPECT_EQ(textOf(0.1L), "0.100000");
+    EXPECT_EQ(textOf(std::numeric_limits<float>::quiet_NaN()), "nan");
+    EXPECT_EQ(textOf(-std::numeric_limits<double>::quiet_NaN()), "nan");
+    EXPECT_EQ(textOf(-std::numeric_limits<long double>::quiet_NaN()), "nan");
+    int target = 0;
+    EXPECT_EQ(textOf(static_cast<void*>(&target)), printed("%p", static_cast<void*>(&target)));
+    EXPECT_EQ(textOf(static_cast<const void*>(nullptr)),
+              printed("%p", static_cast<const void*>(nullptr)));
+}
+
+TEST(LgStream, LongNumbersKeepAllDigits)
+{
+    EXPECT_EQ(textOf(1e300), printed("%f", 1e300));
+    EXPECT_EQ(textOf(-std::numeric_limits<double>::max()),
+              printed("%f", -std::numeric_limits<double>::max()));
+    EXPECT_EQ(textOf(std::numeric_limits<long double>::max()).size(), 4933U + 7U);
+}
+
+template <class Integer> void checkIntegers(const char* format)
+{
+    using Limits = std::numeric_limits<Integer>;
+    std::mt19937_64 random(5);
+    LgStream stream;
+    for (int i = 0; i < 100000; ++i)
+    {
+        // Numbers of all lengths, and the bounds.
+        auto value = static_cast<Integer>(random() >> random() % 64);
+        if (i == 0) value = Limits::min();
+        if (i == 1) value = Limits::max();
+        if (i == 2) value = 0;
+        stream << value << Zu::ends;
+        ASSERT_EQ(take(stream), printed(format, value));
+    }
+}
+
+TEST(LgStream, IntegersAreThoseOfPrintf)
+{
+    checkIntegers<short>("%hd");
+    checkIntegers<unsigned short>("%hu");
+    checkIntegers<int>("%d");
+    checkIntegers<unsigned int>("%u");
+    checkIntegers<long>("%ld");
+    checkIntegers<unsigned long>("%lu");
+    checkIntegers<long long>("%lld");
+    checkIntegers<unsigned long long>("%llu");
+}
+
+TEST(LgStream, StringsComeOutOneByOne)
+{
+    LgStream stream;
+    stream << "first" << Zu::ends << "second " << 2 << Zu::ends;
+    EXPECT_EQ(stream.getNextSize(), 5U);
+    EXPECT_EQ(take(stream), "first");
+    EXPECT_EQ(stream.getNextSize(), 8U);
+    EXPECT_EQ(take(stream), "second 2");
+    EXPECT_EQ(stream.getNextSize(), 0U);
+    EXPECT_EQ(take(stream), "");
+}
+
+TEST(LgStream, AnUnfinishedStringIsNotSeen)
+{
+    LgStream stream;
+    stream << "text";
+    EXPECT_EQ(stream.getNextSize(), 0U);
+    EXPECT_EQ(take(stream), "");
+    stream.completeString();
+    EXPECT_EQ(take(stream), "text");
+}
+
+TEST(LgStream, OutputFlagsTellTextAndEnd)
+{
+    LgStream stream;
+    stream << "";
+    EXPECT_EQ(stream.getOutputFlags(), TEXT_INSERTED);
+    stream << Zu::ends;
+    EXPECT_EQ(stream.getOutputFlags(), TEXT_INSERTED | STRING_CLOSED);
+    stream.resetOutputFlags();
+    EXPECT_EQ(stream.getOutputFlags(), 0U);
+    stream << 'x';
+    EXPECT_EQ(stream.getOutputFlags(), TEXT_INSERTED);
+}
+
+TEST(LgStream, EmptyStringsAreStringsToo)
+{
+    LgStream stream;
+    // Also as the very first, and whether or not the reader looks in between.
+    stream << "" << Zu::ends << "a" << Zu::ends << "" << Zu::ends << "b" << Zu::ends;
+    for (const char* const text : {"", "a", "", "b"}) EXPECT_EQ(take(stream), text);
+    LgStream other;
+    other << "" << Zu::ends;
+    EXPECT_EQ(take(other), "");
+    other << "c" << Zu::ends;
+    EXPECT_EQ(take(other), "c");
+}
+
+TEST(LgStream, APieceThatFillsTheRingIsTakenAndItsTerminatorStaysPending)
+{
+    LgStream stream;
+    const std::string whole(stream.getNumCharacters(), 'x');
+    stream << whole << Zu::ends;
+    EXPECT_TRUE(stream.isFull());
+    EXPECT_EQ(stream.getNumCharacters(), 0U);
+    EXPECT_FALSE(stream.hasOverflowed());
+    EXPECT_EQ(take(stream), whole);
+    // One place is the reader's, one more that of the terminator.
+    EXPECT_EQ(stream.getNumCharacters(), 32766U);
+    const std::string next(32766, 'y');
+    stream << next << Zu::ends;
+    EXPECT_EQ(take(stream), next);
+}
+
+TEST(LgStream, APieceThatDoesNotFitBecomesAMark)
+{
+    LgStream stream;
+    stream << "first" << std::string(32767, 'x') << "third" << Zu::ends;
+    EXPECT_TRUE(stream.hasOverflowed());
+    EXPECT_EQ(take(stream), "first#third");
+    EXPECT_FALSE(stream.hasOverflowed());
+}
+
+TEST(LgStream, AFullRingDropsWhatFollows)
+{
+    SmallStream stream(16);
+    stream << "0123456789abcde";
+    EXPECT_TRUE(stream.isFull());
+    stream.resetOutputFlags();
+    stream << "dropped" << 'x';
+    EXPECT_EQ(stream.getOutputFlags(), STRING_CLOSED);
+    EXPECT_TRUE(stream.hasOverflowed());
+    stream << Zu::ends;
+    EXPECT_EQ(take(stream), "0123456789abcde");
+}
+
+TEST(LgStream, TakingNothingChangesNothing)
+{
+    SmallStream stream(16);
+    stream << "0123456789abcde"
+           << "dropped";
+    EXPECT_EQ(take(stream), "");
+    EXPECT_TRUE(stream.hasOverflowed());
+    stream << Zu::ends;
+    EXPECT_EQ(take(stream), "0123456789abcde");
+}
+
+TEST(LgStream, CopiesShareTheRing)
+{
+    LgStream stream;
+    stream << "text" << Zu::ends;
+    LgStream copy(stream);
+    LgStream assigned;
+    assigned = stream;
+    EXPECT_EQ(take(copy), "text");
+    EXPECT_EQ(take(assigned), "text");
+    EXPECT_EQ(take(stream), "text");
+}
+
+// The stream as a queue of texts that knows how many characters it has left.
+class Model
+{
+public:
+    explicit Model(int size) : _left(size - 1) {}
+
+    int room() const
+    {
+        return std::max(_left, 0);
+    }
+
+    void insert(const std::string& text)
+    {
+        if (room() == 0)
+        {
+            _overflowed = true;
+            return;
+        }
+        const bool fits = static_cast<int>(text.size()) <= room();
+        if (!fits) _overflowed = true;
+        append(fits ? text : "#");
+    }
+
+    void insertCharacter(char character)
+    {
+        if (room() == 0)
+            _overflowed = true;
+        else
+            append(std::string(1, character));
+    }
+
+    void complete()
+    {
+        // A string was left on its terminator, and nothing found room since.
+        if (_left < 0 && _current.empty()) return;
+        if (!_everUsed) --_left;
+        _everUsed = true;
+        _finished.push_back(_current);
+        _current.clear();
+        --_left;
+    }
+
+    std::string take()
+    {
+        if (_finished.empty()) return "";
+        const std::string text = _finished.front();
+        _finished.pop_front();
+        // The terminator of the text before becomes free, and this one's takes its place.
+        _left += static_cast<int>(text.size()) + (_everTaken ? 1 : _startedEmpty ? 1 : 0);
+        _everTaken = true;
+        _overflowed = false;
+        return text;
+    }
+
+    std::size_t nextSize() const
+    {
+        return _finished.empty() ? 0 : _finished.front().size();
+    }
+
+    bool overflowed() const
+    {
+        return _overflowed;
+    }
+
+private:
+    void append(const std::string& text)
+    {
+        if (!_everUsed && !text.empty()) _everUsed = true;
+        _current += text;
+        _left -= static_cast<int>(text.size());
+    }
+
+    int _left;
+    bool _overflowed = false;
+    bool _everUsed = false;
+    bool _everTaken = false;
+    bool _startedEmpty = false;
+    std::string _current;
+    std::deque<std::string> _finished;
+
+public:
+    // To be called before complete() of the first string, if it is empty.
+    void noteEmptyStart()
+    {
+        if (!_everUsed) _startedEmpty = true;
+    }
+};
+
+TEST(LgStream, RandomOperationsFollowTheModel)
+{
+    std::mt19937 random(3);
+    for (const int size : {4, 8, 16, 32, 64})
+    {
+        for (int round = 0; round < 300; ++round)
+        {
+            SmallStream stream(static_cast<std::uint32_t>(size));
+            Model model(size);
+            for (int step = 0; step < 200; ++step)
+            {
+                const auto operation = random() % 8;
+                if (operation < 3)
+                {
+                    const std::string text(random() % (static_cast<unsigned int>(size) / 2),
+                                           static_cast<char>('a' + step % 26));
+                    stream << text;
+                    model.insert(text);
+                }
+                else if (operation == 3)
+                {
+                    stream << 'z';
+                    model.insertCharacter('z');
+                }
+                else if (operation < 6)
+                {
+                    model.noteEmptyStart();
+                    stream << Zu::ends;
+                    model.complete();
+                }
+                else
+                {
+                    ASSERT_EQ(stream.getNextSize(), model.nextSize());
+                    ASSERT_EQ(take(stream), model.take()) << size << " " << round << " " << step;
+                }
+                ASSERT_EQ(stream.getNumCharacters(), static_cast<unsigned int>(model.room()))
+                    << size << " " << round << " " << step << " " << operation;
+                ASSERT_EQ(stream.isFull(), model.room() == 0);
+                ASSERT_EQ(stream.hasOverflowed(), model.overflowed());
+            }
+        }
+    }
+}
+
+TEST(LgStream, OneThreadWritesWhileAnotherReads)
+{
+    for (const std::uint32_t size : {64U, 256U})
+    {
+        constexpr int strings = 20000;
+        SmallStream stream(size);
+        std::thread writer(
+            [&]
+            {
+                for (int i = 0; i < strings; ++i)
+                {
+                    while (stream.getNumCharacters() < 40) std::this_thread::yield();
+                    stream << i << ' ' << std::string(static_cast<std::size_t>(i % 23), 'x')
+                           << Zu::ends;
+                }
+            });
+        for (int i = 0; i < strings; ++i)
+        {
+            while (stream.getNextSize() == 0) std::this_thread::yield();
+            ASSERT_EQ(take(stream),
+                      std::to_string(i) + " " + std::string(static_cast<std::size_t>(i % 23), 'x'));
+        }
+        writer.join();
+    }
+}
+
+} // namespace
