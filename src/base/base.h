@@ -33,6 +33,7 @@
 #include "base/lgEx.h"
 #include "base/lgMajorGroup.h"
 #include "base/lgMinorGroup.h"
+#include "base/lgQueue.h"
 #include "base/lgRingIndex.h"
 #include "base/lgStream.h"
 #include "base/lgTypes.h"

@@ -280,6 +280,18 @@ void LgStream::completeString()
         ++_writePos;
 }
 
+LgStream::Mark LgStream::getMark() const
+{
+    return {_writePos, _lastComplete, _terminatorPending};
+}
+
+void LgStream::resetTo(const Mark& mark)
+{
+    _writePos = mark._writePos;
+    _lastComplete = mark._lastComplete;
+    _terminatorPending = mark._terminatorPending;
+}
+
 bool LgStream::isFull() const
 {
     return room(_readPos) == 0;

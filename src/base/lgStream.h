@@ -31,6 +31,8 @@ namespace Zu
 /// share the ring; streams are not meant to be copied on their own.
 class ZU_BASE_API LgStream
 {
+    friend class LgQueue;
+
 public:
     LgStream();
     LgStream(const LgStream& other);
@@ -113,6 +115,17 @@ private:
     // The writer's data stand on a cache line of their own, so that the reader's moves do not take
     // it away.
     static constexpr std::size_t CACHE_LINE = 64;
+
+    // Where a string begins, so that it can be taken back while no reader may look at it.
+    struct Mark
+    {
+        std::uint32_t _writePos;
+        std::uint32_t _lastComplete;
+        bool _terminatorPending;
+    };
+
+    Mark getMark() const;
+    void resetTo(const Mark& mark);
 
     LgStream& insert(const char* text, std::size_t length);
     LgStream& insertCharacter(char character);

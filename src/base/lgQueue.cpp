@@ -1,0 +1,237 @@
+#include "base/lgQueue.h"
+
+#include "base/hwCounter.h"
+#include "base/internalAssert.h"
+
+namespace Zu
+{
+
+namespace
+{
+
+constexpr unsigned int TEXT_INSERTED = 1;
+constexpr unsigned int STRING_CLOSED = 2;
+
+} // namespace
+
+std::int32_t LgQueue::Entry::getOverflowCount() const
+{
+    ZU_INTERNAL_ASSERT(_oflow);
+    return _value.load(std::memory_order_relaxed);
+}
+
+LgTypes::Level LgQueue::Entry::getLevel() const
+{
+    ZU_INTERNAL_ASSERT(!_oflow);
+    return static_cast<LgTypes::Level>(_value.load(std::memory_order_relaxed));
+}
+
+void LgQueue::Entry::setOverflowEntry(bool oflow)
+{
+    if (_oflow == oflow) return;
+    _oflow = oflow;
+    _value.store(oflow ? 1 : static_cast<std::int32_t>(LgTypes::Tracing),
+                 std::memory_order_relaxed);
+}
+
+void LgQueue::Entry::incOverflowCount()
+{
+    ZU_INTERNAL_ASSERT(_oflow);
+    // One writer: a load and a store do, and a locked instruction would cost more.
+    _value.store(_value.load(std::memory_order_relaxed) + 1, std::memory_order_relaxed);
+}
+
+void LgQueue::Entry::setLevel(LgTypes::Level level)
+{
+    ZU_INTERNAL_ASSERT(!_oflow);
+    _value.store(level, std::memory_order_relaxed);
+}
+
+LgQueue::Observer::~Observer() = default;
+
+LgQueue::SuppressGuard::SuppressGuard(LgQueue& queue) : _queue(queue)
+{
+    ++_queue._suppress;
+}
+
+LgQueue::SuppressGuard::~SuppressGuard()
+{
+    --_queue._suppress;
+}
+
+LgQueue::LgQueue(std::uint32_t threadId)
+    : _entries(new Entry[NUM_ENTRIES]), _beg(NUM_ENTRIES), _end(NUM_ENTRIES), _creatorAlive(true),
+      _reserved(false), _threadId(threadId), _suppress(0), _lost(0), _begSeen(0), _mark{}
+{
+}
+
+LgQueue::LgQueue(std::uint32_t threadId, std::uint32_t entries, std::uint32_t characters)
+    : _stream(characters), _entries(new Entry[entries]), _beg(entries), _end(entries),
+      _creatorAlive(true), _reserved(false), _threadId(threadId), _suppress(0), _lost(0),
+      _begSeen(0), _mark{}
+{
+}
+
+LgQueue::LgQueue(LgQueue& source)
+    : _stream(source._stream), _entries(source._entries), _beg(source._beg), _end(source._end),
+      _creatorAlive(source.isCreatorAlive()), _reserved(source._reserved),
+      _threadId(source._threadId), _observer(source._observer), _suppress(source._suppress),
+      _lost(source.getLostCount()), _begSeen(source._begSeen), _mark(source._mark)
+{
+}
+
+LgQueue& LgQueue::operator=(LgQueue& source)
+{
+    if (this == &source) return *this;
+    _stream = source._stream;
+    _entries = source._entries;
+    _beg = source._beg;
+    _end = source._end;
+    _creatorAlive = source.isCreatorAlive();
+    _reserved = source._reserved;
+    _threadId = source._threadId;
+    _observer = source._observer;
+    _suppress = source._suppress;
+    _lost = source.getLostCount();
+    _begSeen = source._begSeen;
+    _mark = source._mark;
+    return *this;
+}
+
+LgQueue::~LgQueue()
+{
+    ZU_INTERNAL_ASSERT_TEXT(_beg.get() == _end.get(), "_beg == _end");
+}
+
+bool LgQueue::reserveEntry(LgTypes::Level level)
+{
+    if (_suppress != 0) return false;
+    if (!hasRoom() || _stream.isFull())
+    {
+        countLoss();
+        return false;
+    }
+    Entry& entry = _entries[_end];
+    entry.setTimeStamp(HwCounter::timeStamp());
+    // The slot may still bear the mark of an earlier use.
+    entry.setOverflowEntry(false);
+    entry.setLevel(level);
+    _stream.resetOutputFlags();
+    _mark = _stream.getMark();
+    _reserved = true;
+    return true;
+}
+
+// Two free slots: one for the event, and one that stays for lost ones.
+bool LgQueue::hasRoom()
+{
+    const auto isFree = [this] { return _end.plus(1) != _begSeen && _end.plus(2) != _begSeen; };
+    if (isFree()) return true;
+    _begSeen = _beg;
+    return isFree();
+}
+
+void LgQueue::countLoss()
+{
+    _lost.store(getLostCount() + 1, std::memory_order_relaxed);
+    Entry& last = _entries[_end.minus(1)];
+    if (last.isOverflowEntry())
+    {
+        // The reader may have taken this entry already; then the loss shows in no entry.
+        last.incOverflowCount();
+        return;
+    }
+    Entry& entry = _entries[_end];
+    entry.setTimeStamp(HwCounter::timeStamp());
+    entry.setOverflowEntry(true);
+    ++_end;
+}
+
+void LgQueue::addEntry()
+{
+    if (!_reserved) return;
+    _reserved = false;
+    const unsigned int flags = _stream.getOutputFlags();
+    if ((flags & TEXT_INSERTED) == 0)
+    {
+        // A bare end has stored an empty string, which no entry would ever take.
+        _stream.resetTo(_mark);
+        return;
+    }
+    if ((flags & STRING_CLOSED) == 0) _stream << ends;
+    ZU_INTERNAL_ASSERT_TEXT(_end.plus(1) != _begSeen, "_end+1U != _beg");
+    ZU_INTERNAL_ASSERT_TEXT(_end.plus(2) != _begSeen, "_end+2U != _beg");
+    // Pairs with the reader's look at it: entry and text are complete.
+    ++_end;
+    if (!_observer.isNull()) _observer->entryAdded(*this);
+}
+
+void LgQueue::waitForSpace(int size) const
+{
+    if (!_observer.isNull()) _observer->waitForSpace(*this, size);
+}
+
+void LgQueue::creatorExit()
+{
+    _creatorAlive.store(false, std::memory_order_release);
+}
+
+const LgQueue::Entry& LgQueue::readEntry() const
+{
+    ZU_INTERNAL_ASSERT_TEXT(_beg.get() != _end.get(), "_beg != _end");
+    return _entries[_beg];
+}
+
+void LgQueue::removeEntry()
+{
+    ZU_INTERNAL_ASSERT_TEXT(_beg.get() != _end.get(), "_beg != _end");
+    // Pairs with the producer's look at it: the slot is done with.
+    ++_beg;
+    if (!_observer.isNull()) _observer->entryRemoved(*this);
+}
+
+bool LgQueue::isCreatorAlive() const
+{
+    return _creatorAlive.load(std::memory_order_acquire);
+}
+
+bool LgQueue::isEmpty() const
+{
+    return _end.get() == _beg.get();
+}
+
+bool LgQueue::isFull() const
+{
+    const std::uint32_t beg = _beg;
+    return _end.plus(1) == beg || _end.plus(2) == beg;
+}
+
+unsigned int LgQueue::getMaxSize()
+{
+    return NUM_ENTRIES - 1;
+}
+
+LgStream& LgQueue::getStream()
+{
+    return _stream;
+}
+
+const LgStream& LgQueue::getStream() const
+{
+    return _stream;
+}
+
+std::uint32_t LgQueue::getThreadId() const
+{
+    return _threadId;
+}
+
+ObjPtrRet<LgQueue::Observer> LgQueue::changeObserver(ObjPtr<Observer> observer)
+{
+    ZU_INTERNAL_ASSERT(_observer.isNull());
+    ObjPtrRet<Observer> former(_observer);
+    _observer = observer;
+    return former;
+}
+
+} // namespace Zu

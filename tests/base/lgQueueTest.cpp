@@ -1,0 +1,447 @@
+#include "base/lgQueue.h"
+
+#include "base/hwCounter.h"
+#include "base/osCpuInfo.h"
+
+#include <array>
+#include <cstdint>
+#include <deque>
+#include <gtest/gtest.h>
+#include <random>
+#include <string>
+#include <thread>
+#include <vector>
+
+namespace
+{
+
+using Zu::LgQueue;
+namespace LgTypes = Zu::LgTypes;
+
+// A queue whose rings are so small that they are always full or about to wrap.
+class SmallQueue : public LgQueue
+{
+public:
+    SmallQueue(std::uint32_t entries, std::uint32_t characters) : LgQueue(7, entries, characters) {}
+};
+
+class LgQueueTest : public testing::Test
+{
+protected:
+    LgQueueTest()
+    {
+        Zu::OsCpuInfo::initialize();
+    }
+
+    static bool add(LgQueue& queue, const std::string& text,
+                    LgTypes::Level level = LgTypes::Warning)
+    {
+        if (!queue.reserveEntry(level)) return false;
+        queue.getStream() << text << Zu::ends;
+        queue.addEntry();
+        return true;
+    }
+
+    // The text of the oldest entry, which is removed; "lost N" for one of lost events.
+    static std::string take(LgQueue& queue)
+    {
+        std::array<char, 32768> text{};
+        if (queue.readEntry().isOverflowEntry())
+        {
+            const std::string lost = "lost " + std::to_string(queue.readEntry().getOverflowCount());
+            queue.removeEntry();
+            return lost;
+        }
+        queue.getStream() >> text.data();
+        queue.removeEntry();
+        return text.data();
+    }
+
+    static void drain(LgQueue& queue)
+    {
+        while (!queue.isEmpty()) take(queue);
+    }
+};
+
+TEST_F(LgQueueTest, IsEmptyAtFirst)
+{
+    const LgQueue queue(42);
+    EXPECT_TRUE(queue.isEmpty());
+    EXPECT_FALSE(queue.isFull());
+    EXPECT_TRUE(queue.isCreatorAlive());
+    EXPECT_EQ(queue.getThreadId(), 42U);
+    EXPECT_EQ(queue.getLostCount(), 0U);
+    EXPECT_EQ(LgQueue::getMaxSize(), 1023U);
+    EXPECT_EQ(LgQueue().getThreadId(), 0U);
+}
+
+TEST_F(LgQueueTest, AnEventComesOutWithItsLevelAndTheTimeOfItsReservation)
+{
+    LgQueue queue;
+    const std::uint64_t before = Zu::HwCounter::timeStamp();
+    ASSERT_TRUE(queue.reserveEntry(LgTypes::Error));
+    const std::uint64_t after = Zu::HwCounter::timeStamp();
+    EXPECT_TRUE(queue.isEmpty());
+    queue.getStream() << "text" << Zu::ends;
+    queue.addEntry();
+    EXPECT_FALSE(queue.isEmpty());
+    EXPECT_FALSE(queue.readEntry().isOverflowEntry());
+    EXPECT_EQ(queue.readEntry().getLevel(), LgTypes::Error);
+    EXPECT_GE(queue.readEntry().getTimeStamp(), before);
+    EXPECT_LE(queue.readEntry().getTimeStamp(), after);
+    EXPECT_EQ(take(queue), "text");
+    EXPECT_TRUE(queue.isEmpty());
+}
+
+TEST_F(LgQueueTest, AcceptsTwoFewerThanItsSlotsAndCountsWhatFollows)
+{
+    LgQueue queue;
+    for (int i = 0; i < 1022; ++i) ASSERT_TRUE(add(queue, std::to_string(i))) << i;
+    EXPECT_TRUE(queue.isFull());
+    EXPECT_FALSE(add(queue, "lost"));
+    EXPECT_TRUE(queue.isFull());
+    EXPECT_FALSE(queue.isEmpty());
+    EXPECT_FALSE(add(queue, "lost too"));
+    EXPECT_EQ(queue.getLostCount(), 2U);
+    for (int i = 0; i < 1022; ++i) ASSERT_EQ(take(queue), std::to_string(i));
+    ASSERT_TRUE(add(queue, "next"));
+    EXPECT_EQ(take(queue), "lost 2");
+    EXPECT_EQ(take(queue), "next");
+    EXPECT_TRUE(queue.isEmpty());
+}
+
+TEST_F(LgQueueTest, SecondLossInARowRaisesTheCountOfTheSameEntryAlsoAcrossTheWrap)
+{
+    // The overflow entry is put into every slot of the ring, the last one among them.
+    for (int offset = 0; offset < 8; ++offset)
+    {
+        SmallQueue queue(8, 4096);
+        for (int i = 0; i < offset; ++i)
+        {
+            ASSERT_TRUE(add(queue, "x"));
+            take(queue);
+        }
+        for (int i = 0; i < 6; ++i) ASSERT_TRUE(add(queue, std::to_string(i)));
+        for (int i = 0; i < 5; ++i) EXPECT_FALSE(add(queue, "lost"));
+        for (int i = 0; i < 6; ++i) EXPECT_EQ(take(queue), std::to_string(i));
+        EXPECT_EQ(take(queue), "lost 5");
+        EXPECT_TRUE(queue.isEmpty());
+    }
+}
+
+TEST_F(LgQueueTest, LossesThatAnEventSeparatesAreTwoEntries)
+{
+    SmallQueue queue(8, 4096);
+    for (int i = 0; i < 6; ++i) ASSERT_TRUE(add(queue, "x"));
+    EXPECT_FALSE(add(queue, "lost"));
+    for (int i = 0; i < 3; ++i) take(queue);
+    for (int i = 0; i < 2; ++i) ASSERT_TRUE(add(queue, "between"));
+    EXPECT_FALSE(add(queue, "lost"));
+    EXPECT_FALSE(add(queue, "lost"));
+    for (int i = 0; i < 3; ++i) EXPECT_EQ(take(queue), "x");
+    EXPECT_EQ(take(queue), "lost 1");
+    for (int i = 0; i < 2; ++i) EXPECT_EQ(take(queue), "between");
+    EXPECT_EQ(take(queue), "lost 2");
+}
+
+TEST_F(LgQueueTest, AFullStreamLosesEventsToo)
+{
+    SmallQueue queue(64, 16);
+    ASSERT_TRUE(add(queue, "0123456789abcde"));
+    EXPECT_FALSE(queue.isFull());
+    EXPECT_FALSE(add(queue, "lost"));
+    EXPECT_FALSE(add(queue, "lost"));
+    EXPECT_EQ(take(queue), "0123456789abcde");
+    EXPECT_EQ(take(queue), "lost 2");
+    EXPECT_TRUE(add(queue, "fits"));
+    EXPECT_EQ(take(queue), "fits");
+}
+
+TEST_F(LgQueueTest, AnEventWithoutTextIsDropped)
+{
+    class Counting : public LgQueue::Observer
+    {
+    public:
+        explicit Counting(int& calls) : _calls(calls) {}
+        void entryAdded(LgQueue&) override
+        {
+            ++_calls;
+        }
+        void entryRemoved(LgQueue&) override
+        {
+            ++_calls;
+        }
+        void waitForSpace(const LgQueue&, int) override {}
+
+    private:
+        int& _calls;
+    };
+    int calls = 0;
+    LgQueue queue;
+    queue.changeObserver(Zu::ObjPtr<LgQueue::Observer>(new Counting(calls)));
+    ASSERT_TRUE(queue.reserveEntry(LgTypes::Warning));
+    queue.addEntry();
+    // A bare end is no text either, and leaves nothing in the stream.
+    ASSERT_TRUE(queue.reserveEntry(LgTypes::Warning));
+    queue.getStream() << Zu::ends;
+    queue.addEntry();
+    EXPECT_TRUE(queue.isEmpty());
+    EXPECT_EQ(calls, 0);
+    ASSERT_TRUE(add(queue, "text"));
+    EXPECT_EQ(take(queue), "text");
+    EXPECT_EQ(calls, 2);
+}
+
+TEST_F(LgQueueTest, AnEmptyTextIsAnEvent)
+{
+    LgQueue queue;
+    ASSERT_TRUE(add(queue, ""));
+    ASSERT_TRUE(add(queue, "next"));
+    EXPECT_EQ(take(queue), "");
+    EXPECT_EQ(take(queue), "next");
+}
+
+TEST_F(LgQueueTest, ATextThatWasNotEndedIsEnded)
+{
+    LgQueue queue;
+    ASSERT_TRUE(queue.reserveEntry(LgTypes::Warning));
+    queue.getStream() << "open";
+    queue.addEntry();
+    ASSERT_TRUE(add(queue, "next"));
+    EXPECT_EQ(take(queue), "open");
+    EXPECT_EQ(take(queue), "next");
+}
+
+TEST_F(LgQueueTest, ASecondAddOrOneAfterARefusalDoesNothing)
+{
+    SmallQueue queue(8, 4096);
+    ASSERT_TRUE(add(queue, "one"));
+    queue.addEntry();
+    EXPECT_EQ(take(queue), "one");
+    EXPECT_TRUE(queue.isEmpty());
+    for (int i = 0; i < 6; ++i) ASSERT_TRUE(add(queue, "x"));
+    ASSERT_FALSE(queue.reserveEntry(LgTypes::Warning));
+    queue.addEntry();
+    for (int i = 0; i < 6; ++i) EXPECT_EQ(take(queue), "x");
+    EXPECT_EQ(take(queue), "lost 1");
+    EXPECT_TRUE(queue.isEmpty());
+}
+
+TEST_F(LgQueueTest, SuppressedEventsVanishUncounted)
+{
+    LgQueue queue;
+    {
+        const LgQueue::SuppressGuard outer(queue);
+        {
+            const LgQueue::SuppressGuard inner(queue);
+            EXPECT_FALSE(add(queue, "x"));
+        }
+        EXPECT_FALSE(add(queue, "x"));
+    }
+    EXPECT_TRUE(queue.isEmpty());
+    EXPECT_EQ(queue.getLostCount(), 0U);
+    EXPECT_TRUE(add(queue, "seen"));
+    drain(queue);
+}
+
+TEST_F(LgQueueTest, ALossBehindAConsumedOverflowEntryShowsInNoEntry)
+{
+    SmallQueue queue(8, 16);
+    ASSERT_TRUE(add(queue, "0123456789abcde"));
+    EXPECT_FALSE(add(queue, "lost"));
+    EXPECT_EQ(take(queue), "0123456789abcde");
+    ASSERT_TRUE(queue.reserveEntry(LgTypes::Warning));
+    queue.getStream() << "0123456789abcd";
+    // Taken while the next event is being written, the entry keeps its mark.
+    EXPECT_EQ(take(queue), "lost 1");
+    EXPECT_FALSE(queue.reserveEntry(LgTypes::Warning));
+    EXPECT_TRUE(queue.isEmpty());
+    EXPECT_EQ(queue.getLostCount(), 2U);
+    queue.addEntry();
+    EXPECT_EQ(take(queue), "0123456789abcd");
+}
+
+TEST_F(LgQueueTest, TheObserverIsToldAndAsked)
+{
+    class Noting : public LgQueue::Observer
+    {
+    public:
+        explicit Noting(std::vector<std::string>& notes) : _notes(notes) {}
+        void entryAdded(LgQueue& queue) override
+        {
+            _notes.push_back("added " + std::to_string(queue.getThreadId()));
+        }
+        void entryRemoved(LgQueue& queue) override
+        {
+            _notes.push_back("removed " + std::to_string(queue.getThreadId()));
+        }
+        void waitForSpace(const LgQueue& queue, int size) override
+        {
+            _notes.push_back("wait " + std::to_string(queue.getThreadId()) + " " +
+                             std::to_string(size));
+        }
+
+    private:
+        std::vector<std::string>& _notes;
+    };
+    std::vector<std::string> notes;
+    LgQueue queue(3);
+    queue.waitForSpace(1);
+    EXPECT_TRUE(queue.changeObserver(Zu::ObjPtr<LgQueue::Observer>(new Noting(notes))).isNull());
+    add(queue, "x");
+    take(queue);
+    queue.waitForSpace(9);
+    EXPECT_EQ(notes, (std::vector<std::string>{"added 3", "removed 3", "wait 3 9"}));
+}
+
+TEST_F(LgQueueTest, TheCreatorsEndIsNoted)
+{
+    LgQueue queue;
+    queue.creatorExit();
+    EXPECT_FALSE(queue.isCreatorAlive());
+}
+
+TEST_F(LgQueueTest, ACopySharesTheRings)
+{
+    LgQueue source(5);
+    add(source, "text");
+    LgQueue copy(source);
+    LgQueue assigned;
+    assigned = source;
+    EXPECT_EQ(copy.getThreadId(), 5U);
+    EXPECT_EQ(take(copy), "text");
+    EXPECT_EQ(take(assigned), "text");
+    EXPECT_EQ(take(source), "text");
+}
+
+TEST(LgQueueEntry, BecomesAnOverflowEntryAndBack)
+{
+    LgQueue::Entry entry;
+    EXPECT_FALSE(entry.isOverflowEntry());
+    EXPECT_EQ(entry.getLevel(), LgTypes::InternalError);
+    EXPECT_EQ(entry.getTimeStamp(), 0U);
+    entry.setOverflowEntry(true);
+    EXPECT_EQ(entry.getOverflowCount(), 1);
+    entry.incOverflowCount();
+    entry.setOverflowEntry(true);
+    EXPECT_EQ(entry.getOverflowCount(), 2);
+    entry.setOverflowEntry(false);
+    EXPECT_EQ(entry.getLevel(), LgTypes::Tracing);
+    entry.setLevel(LgTypes::Error);
+    entry.setOverflowEntry(false);
+    EXPECT_EQ(entry.getLevel(), LgTypes::Error);
+}
+
+using LgQueueDeathTest = LgQueueTest;
+
+TEST_F(LgQueueDeathTest, BrokenRulesAreFatal)
+{
+    EXPECT_DEATH(LgQueue().readEntry(), "Assertion failed: _beg != _end, file");
+    EXPECT_DEATH(LgQueue().removeEntry(), "Assertion failed: _beg != _end, file");
+    EXPECT_DEATH(
+        {
+            LgQueue queue;
+            add(queue, "x");
+        },
+        "Assertion failed: _beg == _end, file");
+    EXPECT_DEATH(LgQueue::Entry().getOverflowCount(), "Assertion failed: _oflow, file");
+    EXPECT_DEATH(LgQueue::Entry().incOverflowCount(), "Assertion failed: _oflow, file");
+    EXPECT_DEATH(
+        {
+            LgQueue::Entry entry;
+            entry.setOverflowEntry(true);
+            entry.setLevel(LgTypes::Error);
+        },
+        "Assertion failed: !_oflow, file");
+}
+
+// Attempts are events that came out and events that were counted as lost, in any schedule.
+TEST_F(LgQueueTest, RandomOperationsKeepTheAccountAndTheOrder)
+{
+    std::mt19937 random(9);
+    for (int round = 0; round < 400; ++round)
+    {
+        SmallQueue queue(4U << random() % 4, 16U << random() % 4);
+        std::uint64_t attempted = 0;
+        std::uint64_t taken = 0;
+        std::deque<std::string> accepted;
+        for (int step = 0; step < 300; ++step)
+        {
+            if (random() % 5 < 3)
+            {
+                ++attempted;
+                const std::string text = std::to_string(random() % 1000);
+                if (!queue.reserveEntry(LgTypes::Warning)) continue;
+                const unsigned int room = queue.getStream().getNumCharacters();
+                queue.getStream() << text << Zu::ends;
+                queue.addEntry();
+                accepted.push_back(text.size() <= room ? text : "#");
+            }
+            else if (!queue.isEmpty())
+            {
+                const bool isLoss = queue.readEntry().isOverflowEntry();
+                const std::string text = take(queue);
+                if (isLoss) continue;
+                ASSERT_EQ(text, accepted.front());
+                accepted.pop_front();
+                ++taken;
+            }
+        }
+        taken += accepted.size();
+        drain(queue);
+        ASSERT_EQ(attempted, taken + queue.getLostCount());
+    }
+}
+
+TEST_F(LgQueueTest, OneThreadProducesWhileAnotherReads)
+{
+    constexpr int attempts = 30000;
+    SmallQueue queue(16, 256);
+    int accepted = 0;
+    std::thread producer(
+        [&]
+        {
+            for (int i = 0; i < attempts; ++i)
+            {
+                if (add(queue, std::to_string(i)))
+                    ++accepted;
+                else
+                    std::this_thread::yield();
+            }
+            queue.creatorExit();
+        });
+    int taken = 0;
+    int last = -1;
+    std::int64_t countedInEntries = 0;
+    while (queue.isCreatorAlive() || !queue.isEmpty())
+    {
+        if (queue.isEmpty())
+        {
+            std::this_thread::yield();
+            continue;
+        }
+        if (queue.readEntry().isOverflowEntry())
+        {
+            countedInEntries += queue.readEntry().getOverflowCount();
+            queue.removeEntry();
+            continue;
+        }
+        const std::string text = take(queue);
+        if (text == "#")
+            ++last;
+        else
+        {
+            const int number = std::stoi(text);
+            ASSERT_GT(number, last);
+            last = number;
+        }
+        ++taken;
+    }
+    producer.join();
+    EXPECT_EQ(taken, accepted);
+    EXPECT_EQ(static_cast<std::uint64_t>(attempts - accepted), queue.getLostCount());
+    // Entries may be short of losses that met the reader, never the other way round.
+    EXPECT_LE(countedInEntries, attempts - accepted);
+}
+
+} // namespace
