@@ -44,7 +44,9 @@ public:
             return _oflow;
         }
 
-        /// How many events were lost; may be short of some of the last. Asserts "_oflow".
+        /// How many events were lost, as far as the entry knows: losses that meet the reader are
+        /// missing, and a slot that bears the mark of an earlier use keeps its count. The exact
+        /// total is LgQueue::getLostCount(). Asserts "_oflow".
         std::int32_t getOverflowCount() const;
 
         /// The event's level. Asserts "!_oflow".
