@@ -1,10 +1,11 @@
 #include "base/lgNumberText.h"
 
+#include <algorithm>
 #include <bit>
 #include <charconv>
 #include <cmath>
 #include <cstdint>
-#include <cstring>
+#include <string_view>
 
 namespace Zu
 {
@@ -55,11 +56,9 @@ char* writeMicros(char* to, const Micros& micros)
     return to + 1 + digits;
 }
 
-char* writeText(char* to, const char* text)
+char* writeText(char* to, std::string_view text)
 {
-    const std::size_t length = std::strlen(text);
-    std::memcpy(to, text, length);
-    return to + length;
+    return std::copy(text.begin(), text.end(), to);
 }
 
 } // namespace

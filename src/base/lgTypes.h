@@ -8,11 +8,8 @@
 
 #include <cstdint>
 
-namespace Zu
-{
-
 /// What all of the logger speaks of.
-namespace LgTypes
+namespace Zu::LgTypes
 {
 
 /// How severe an event is, from the most severe one to Tracing. Profiling is not on that scale: it
@@ -42,8 +39,6 @@ ZU_BASE_API const char* levelToString(Level l);
 /// any other text and ExInternalError "Assertion 's' failed." for null.
 ZU_BASE_API Level stringToLevel(const char* s);
 
-} // namespace LgTypes
-
-} // namespace Zu
+} // namespace Zu::LgTypes
 
 #endif

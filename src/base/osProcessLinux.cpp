@@ -91,6 +91,12 @@ public:
         throw ExSysErrorWindows(__FILE__, __LINE__);
     }
 
+    const posix_spawn_file_actions_t* get() const
+    {
+        return &_actions;
+    }
+
+private:
     posix_spawn_file_actions_t _actions;
 };
 
@@ -115,7 +121,7 @@ public:
     void start(const char* const* argv)
     {
         const FileActions files;
-        FileActions::check(argv[0] ? posix_spawnp(&_child, argv[0], &files._actions, nullptr,
+        FileActions::check(argv[0] ? posix_spawnp(&_child, argv[0], files.get(), nullptr,
                                                   const_cast<char* const*>(argv), environ)
                                    : ENOENT);
         _runs = true;
