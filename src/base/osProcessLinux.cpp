@@ -27,8 +27,8 @@ public:
     {
         const std::lock_guard<std::mutex> guard(_lock);
         reapEnded();
+        _children.reserve(_children.size() + _running + 1);
         ++_running;
-        _children.reserve(_children.size() + _running);
     }
 
     // Of a child that was prepared for: it is let go of, or it has ended or was never started.

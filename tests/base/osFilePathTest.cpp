@@ -2,6 +2,7 @@
 
 #include "base/exSysError.h"
 #include "base/osFileEx.h"
+#include "support/errorCode.h"
 #include "support/platform.h"
 #include "support/variableGuard.h"
 
@@ -13,6 +14,7 @@
 namespace
 {
 
+using support::codeOf;
 using support::onWindows;
 using Zu::OsFileEx;
 using Zu::OsFilePath;
@@ -442,19 +444,6 @@ TEST(OsFilePath, AHomeOfMoreThan1023CharactersRaises)
     EXPECT_EQ(OsFilePath::getHomeDir().getChars(), longest);
     home.set(longest + "h");
     EXPECT_THROW(OsFilePath::getHomeDir(), Zu::ExSysErrorWindows);
-}
-
-template <class Act> int codeOf(Act act)
-{
-    try
-    {
-        act();
-    }
-    catch (const Zu::ExSysErrorWindows& exception)
-    {
-        return exception.getErrorCode();
-    }
-    return 0;
 }
 
 TEST(OsFilePath, WhatCanNotBeResolvedCarriesTheCodeOfTheSystem)

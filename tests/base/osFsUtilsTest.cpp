@@ -3,6 +3,7 @@
 #include "base/exInternalError.h"
 #include "base/exSysError.h"
 #include "base/osFileEx.h"
+#include "support/errorCode.h"
 #include "support/platform.h"
 #include "support/tempDir.h"
 
@@ -15,6 +16,7 @@
 namespace
 {
 
+using support::codeOf;
 using support::onWindows;
 using Zu::ExSysErrorWindows;
 using Zu::OsFileEx;
@@ -376,20 +378,6 @@ TEST(OsFileTypes, AccessBitsHaveFixedValues)
     EXPECT_EQ(OsFileTypes::AccessRead, 1);
     EXPECT_EQ(OsFileTypes::AccessWrite, 2);
     EXPECT_EQ(OsFileTypes::AccessExecute, 4);
-}
-
-// The system's code of what an operation raises; 0 if it raises nothing.
-template <class Act> int codeOf(Act act)
-{
-    try
-    {
-        act();
-    }
-    catch (const Zu::ExSysErrorWindows& exception)
-    {
-        return exception.getErrorCode();
-    }
-    return 0;
 }
 
 TEST_F(OsFsUtilsTest, FailuresCarryTheCodeOfTheSystem)
