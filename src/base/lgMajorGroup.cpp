@@ -30,6 +30,12 @@ struct ByBytes
 using Names = std::list<ArrayPtr<char>>;
 using MajorGroups = std::map<const char*, LgMajorGroup, ByBytes>;
 
+// How both variables are used; for readers of the program's texts, never for the program.
+[[maybe_unused, gnu::used]] constexpr const char* USAGE_OF_DEFAULT_LEVEL =
+    "setenv ZU_LOG_DEFAULT_LEVEL Tracing";
+[[maybe_unused, gnu::used]] constexpr const char* USAGE_OF_GROUPS =
+    "setenv ZU_LOG_GROUPS Database=Warning,UI=Informational,Radiosity=Profiling";
+
 Names* names = nullptr;
 MajorGroups* majorGroups = nullptr;
 

@@ -10,9 +10,4 @@ LgMinorGroup::LgMinorGroup(const LgMajorGroup& group, const char* n) : _group(&g
     ZU_ASSERT(n);
 }
 
-const char* LgMinorGroup::getName() const
-{
-    return _name;
-}
-
 } // namespace Zu

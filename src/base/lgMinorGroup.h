@@ -28,7 +28,10 @@ public:
     }
 
     /// The name.
-    const char* getName() const;
+    const char* getName() const
+    {
+        return _name;
+    }
 
 private:
     const LgMajorGroup* _group;

@@ -61,22 +61,24 @@ LgQueue::SuppressGuard::~SuppressGuard()
 
 LgQueue::LgQueue(std::uint32_t threadId)
     : _entries(new Entry[NUM_ENTRIES]), _beg(NUM_ENTRIES), _end(NUM_ENTRIES), _creatorAlive(true),
-      _reserved(false), _threadId(threadId), _suppress(0), _lost(0), _begSeen(0), _mark{}
+      _reserved(false), _inserting(false), _threadId(threadId), _suppress(0), _lost(0),
+      _begSeen(0), _mark{}
 {
 }
 
 LgQueue::LgQueue(std::uint32_t threadId, std::uint32_t entries, std::uint32_t characters)
     : _stream(characters), _entries(new Entry[entries]), _beg(entries), _end(entries),
-      _creatorAlive(true), _reserved(false), _threadId(threadId), _suppress(0), _lost(0),
-      _begSeen(0), _mark{}
+      _creatorAlive(true), _reserved(false), _inserting(false), _threadId(threadId), _suppress(0),
+      _lost(0), _begSeen(0), _mark{}
 {
 }
 
 LgQueue::LgQueue(LgQueue& source)
     : _stream(source._stream), _entries(source._entries), _beg(source._beg), _end(source._end),
       _creatorAlive(source.isCreatorAlive()), _reserved(source._reserved),
-      _threadId(source._threadId), _observer(source._observer), _suppress(source._suppress),
-      _lost(source.getLostCount()), _begSeen(source._begSeen), _mark(source._mark)
+      _inserting(source._inserting), _threadId(source._threadId), _observer(source._observer),
+      _suppress(source._suppress), _lost(source.getLostCount()), _begSeen(source._begSeen),
+      _mark(source._mark)
 {
 }
 
@@ -89,6 +91,7 @@ LgQueue& LgQueue::operator=(LgQueue& source)
     _end = source._end;
     _creatorAlive = source.isCreatorAlive();
     _reserved = source._reserved;
+    _inserting = source._inserting;
     _threadId = source._threadId;
     _observer = source._observer;
     _suppress = source._suppress;
@@ -105,13 +108,9 @@ LgQueue::~LgQueue()
 
 bool LgQueue::reserveEntry(LgTypes::Level level)
 {
-    if (_suppress != 0) return false;
-    if (!hasRoom() || _stream.isFull())
-    {
-        countLoss();
-        return false;
-    }
-    Entry& entry = _entries[_end];
+    if (_suppress != 0 || _inserting) return refuse();
+    if (!hasRoom() || _stream.isFullForWriter()) return countLoss();
+    Entry& entry = _entries[_end.own()];
     entry.setTimeStamp(HwCounter::timeStamp());
     // The slot may still bear the mark of an earlier use.
     entry.setOverflowEntry(false);
@@ -122,16 +121,22 @@ bool LgQueue::reserveEntry(LgTypes::Level level)
     return true;
 }
 
-// Two free slots: one for the event, and one that stays for lost ones.
-bool LgQueue::hasRoom()
+bool LgQueue::isFreeNow()
 {
-    const auto isFree = [this] { return _end.plus(1) != _begSeen && _end.plus(2) != _begSeen; };
-    if (isFree()) return true;
+    // Pairs with the reader's step: it is done with the slots before.
     _begSeen = _beg;
     return isFree();
 }
 
-void LgQueue::countLoss()
+// An event that is suppressed leaves no trace; one from inside another's insertion is lost, and has
+// no slot in which that could show.
+bool LgQueue::refuse()
+{
+    if (_suppress == 0) _lost.store(getLostCount() + 1, std::memory_order_relaxed);
+    return false;
+}
+
+bool LgQueue::countLoss()
 {
     _lost.store(getLostCount() + 1, std::memory_order_relaxed);
     Entry& last = _entries[_end.minus(1)];
@@ -139,17 +144,18 @@ void LgQueue::countLoss()
     {
         // The reader may have taken this entry already; then the loss shows in no entry.
         last.incOverflowCount();
-        return;
+        return false;
     }
-    Entry& entry = _entries[_end];
+    Entry& entry = _entries[_end.own()];
     entry.setTimeStamp(HwCounter::timeStamp());
     entry.setOverflowEntry(true);
     ++_end;
+    return false;
 }
 
 void LgQueue::addEntry()
 {
-    if (!_reserved) return;
+    if (!_reserved || _inserting) return;
     _reserved = false;
     const unsigned int flags = _stream.getOutputFlags();
     if ((flags & TEXT_INSERTED) == 0)
@@ -158,12 +164,19 @@ void LgQueue::addEntry()
         _stream.resetTo(_mark);
         return;
     }
-    if ((flags & STRING_CLOSED) == 0) _stream << ends;
+    if ((flags & STRING_CLOSED) == 0) _stream.completeString();
     ZU_INTERNAL_ASSERT_TEXT(_end.plus(1) != _begSeen, "_end+1U != _beg");
     ZU_INTERNAL_ASSERT_TEXT(_end.plus(2) != _begSeen, "_end+2U != _beg");
     // Pairs with the reader's look at it: entry and text are complete.
     ++_end;
     if (!_observer.isNull()) _observer->entryAdded(*this);
+}
+
+void LgQueue::cancelInsertion()
+{
+    _inserting = false;
+    _reserved = false;
+    _stream.resetTo(_mark);
 }
 
 void LgQueue::waitForSpace(int size) const

@@ -138,6 +138,24 @@ public:
         return _lost.load(std::memory_order_relaxed);
     }
 
+    /// What the call-site macros put around the insertion of a reserved event's text. Between them
+    /// every further event of the same thread, from inside an insertion operator, would mix its
+    /// text into that of the first: it is refused, and counted in getLostCount() alone.
+    void beginInsertion()
+    {
+        _inserting = true;
+    }
+
+    /// Publishes the event whose text was inserted.
+    void endInsertion()
+    {
+        _inserting = false;
+        addEntry();
+    }
+
+    /// Takes the event back with what there is of its text, because an insertion failed.
+    void cancelInsertion();
+
     /// Asks the observer to wait until there is room for `size` characters; without an observer it
     /// returns at once.
     void waitForSpace(int size) const;
@@ -187,8 +205,20 @@ private:
     static constexpr std::uint32_t NUM_ENTRIES = 1024;
     static constexpr std::size_t CACHE_LINE = 64;
 
-    bool hasRoom();
-    void countLoss();
+    bool hasRoom()
+    {
+        return isFree() || isFreeNow();
+    }
+
+    // Two free slots: one for the event, and one that stays for lost ones.
+    bool isFree() const
+    {
+        return _end.distanceTo(_begSeen) - 1 >= 2;
+    }
+
+    bool isFreeNow();
+    bool refuse();
+    bool countLoss();
 
     LgStream _stream;
     std::shared_ptr<Entry[]> _entries;
@@ -196,6 +226,7 @@ private:
     alignas(CACHE_LINE) LgRingIndex _end;
     std::atomic<bool> _creatorAlive;
     bool _reserved;
+    bool _inserting;
     std::uint32_t _threadId;
     ObjPtr<Observer> _observer;
     std::int32_t _suppress;

@@ -41,6 +41,12 @@ public:
         return _value.load(std::memory_order_acquire);
     }
 
+    /// The same for the thread that writes it, which need not wait for anything.
+    std::uint32_t own() const noexcept
+    {
+        return _value.load(std::memory_order_relaxed);
+    }
+
     operator std::uint32_t() const noexcept
     {
         return get();

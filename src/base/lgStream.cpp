@@ -15,9 +15,6 @@ namespace Zu
 namespace
 {
 
-constexpr unsigned char TEXT_INSERTED = 1;
-constexpr unsigned char STRING_CLOSED = 2;
-
 constexpr char LOST_TEXT = '#';
 
 } // namespace
@@ -26,7 +23,8 @@ LgStream::LgStream() : LgStream(BufSize) {}
 
 LgStream::LgStream(std::uint32_t size)
     : _buffer(new char[size]), _readPos(size), _writePos(size), _lastComplete(size),
-      _overflowed(false), _terminatorPending(false), _outputFlags(0), _readPosSeen(0)
+      _overflowed(false), _terminatorPending(false), _outputFlags(0), _readPosSeen(0),
+      _straightEnd(0)
 {
     _buffer[0] = '\0';
 }
@@ -35,7 +33,7 @@ LgStream::LgStream(const LgStream& other)
     : _buffer(other._buffer), _readPos(other._readPos), _writePos(other._writePos),
       _lastComplete(other._lastComplete), _overflowed(other.hasOverflowed()),
       _terminatorPending(other._terminatorPending), _outputFlags(other._outputFlags),
-      _readPosSeen(other._readPosSeen)
+      _readPosSeen(other._readPosSeen), _straightEnd(other._straightEnd)
 {
 }
 
@@ -50,21 +48,11 @@ LgStream& LgStream::operator=(const LgStream& other)
     _terminatorPending = other._terminatorPending;
     _outputFlags = other._outputFlags;
     _readPosSeen = other._readPosSeen;
+    _straightEnd = other._straightEnd;
     return *this;
 }
 
 LgStream::~LgStream() = default;
-
-LgStream& LgStream::operator<<(const char* text)
-{
-    if (!text) text = "(null)";
-    return insert(text, std::strlen(text));
-}
-
-LgStream& LgStream::operator<<(char* text)
-{
-    return *this << static_cast<const char*>(text);
-}
 
 LgStream& LgStream::operator<<(std::string_view text)
 {
@@ -77,19 +65,14 @@ LgStream& LgStream::operator<<(const std::string& text)
     return *this << std::string_view(text);
 }
 
-LgStream& LgStream::operator<<(char character)
-{
-    return insertCharacter(character);
-}
-
 LgStream& LgStream::operator<<(signed char character)
 {
-    return insertCharacter(static_cast<char>(character));
+    return *this << static_cast<char>(character);
 }
 
 LgStream& LgStream::operator<<(unsigned char character)
 {
-    return insertCharacter(static_cast<char>(character));
+    return *this << static_cast<char>(character);
 }
 
 LgStream& LgStream::operator<<(bool value)
@@ -99,8 +82,19 @@ LgStream& LgStream::operator<<(bool value)
 
 template <class Integer> LgStream& LgStream::insertInteger(Integer value)
 {
-    char text[std::numeric_limits<Integer>::digits10 + 3];
-    const char* const end = std::to_chars(text, text + sizeof text, value).ptr;
+    // The digits go straight into the ring where they are sure to fit.
+    constexpr std::uint32_t LENGTH = std::numeric_limits<Integer>::digits10 + 2;
+    const std::uint32_t position = _writePos.own();
+    if (position + LENGTH < _straightEnd)
+    {
+        char* const place = _buffer.get() + position;
+        const char* const end = std::to_chars(place, place + LENGTH, value).ptr;
+        _outputFlags |= TEXT_INSERTED;
+        _writePos = position + static_cast<std::uint32_t>(end - place);
+        return *this;
+    }
+    char text[LENGTH];
+    const char* const end = std::to_chars(text, text + LENGTH, value).ptr;
     return insert(text, static_cast<std::size_t>(end - text));
 }
 
@@ -188,49 +182,57 @@ LgStream& ends(LgStream& stream)
     return stream;
 }
 
-LgStream& LgStream::insert(const char* text, std::size_t length)
+// What insert() leaves: a piece that wraps, that may find no room, or that is a single character.
+LgStream& LgStream::insertAtEdge(const char* text, std::size_t length)
 {
     if (!makeRoom()) return *this;
     _outputFlags |= TEXT_INSERTED;
+    if (length > room(_readPosSeen)) lookForRoom();
     if (length > room(_readPosSeen))
-    {
-        _readPosSeen = _readPos;
-        if (length > room(_readPosSeen))
-        {
-            overflow();
-            return *this;
-        }
-    }
-    const std::uint32_t position = _writePos;
+        overflow();
+    else
+        insertWrapping(text, length);
+    findStraightEnd();
+    return *this;
+}
+
+void LgStream::insertWrapping(const char* text, std::size_t length)
+{
+    const std::uint32_t position = _writePos.own();
     const std::size_t tillWrap = std::min<std::size_t>(length, _writePos.size() - position);
     std::memcpy(_buffer.get() + position, text, tillWrap);
     std::memcpy(_buffer.get(), text + tillWrap, length - tillWrap);
     _writePos = static_cast<std::uint32_t>(position + length);
-    return *this;
 }
 
-LgStream& LgStream::insertCharacter(char character)
+void LgStream::lookForRoom()
 {
-    if (!makeRoom()) return *this;
-    _outputFlags |= TEXT_INSERTED;
-    _buffer[_writePos++] = character;
-    return *this;
+    // Pairs with the release in operator>>: the reader has copied what stood before its place.
+    _readPosSeen = _readPos;
+    findStraightEnd();
+}
+
+void LgStream::findStraightEnd()
+{
+    const std::uint32_t size = _writePos.size();
+    if (_terminatorPending)
+        _straightEnd = 0;
+    else if (_readPosSeen > _writePos.own())
+        _straightEnd = _readPosSeen - 1;
+    else
+        _straightEnd = _readPosSeen == 0 ? size - 1 : size;
 }
 
 // Steps past a terminator on which the last string was left; false, and the string is closed where
 // it stands, if there is no room for a character.
 bool LgStream::makeRoom()
 {
-    if (room(_readPosSeen) == 0)
+    if (isFullAtEdge())
     {
-        _readPosSeen = _readPos;
-        if (room(_readPosSeen) == 0)
-        {
-            _overflowed.store(true, std::memory_order_relaxed);
-            _buffer[_writePos] = '\0';
-            _outputFlags |= STRING_CLOSED;
-            return false;
-        }
+        _overflowed.store(true, std::memory_order_relaxed);
+        _buffer[_writePos.own()] = '\0';
+        _outputFlags |= STRING_CLOSED;
+        return false;
     }
     if (_terminatorPending)
     {
@@ -238,6 +240,12 @@ bool LgStream::makeRoom()
         _terminatorPending = false;
     }
     return true;
+}
+
+bool LgStream::isFullAtEdge()
+{
+    if (room(_readPosSeen) == 0) lookForRoom();
+    return room(_readPosSeen) == 0;
 }
 
 // The characters that find room before a reader at this position; one place stays free, and one
@@ -253,10 +261,12 @@ void LgStream::overflow()
 {
     _overflowed.store(true, std::memory_order_relaxed);
     _buffer[_writePos++] = LOST_TEXT;
-    _buffer[_writePos] = '\0';
+    _buffer[_writePos.own()] = '\0';
 }
 
-void LgStream::completeString()
+// What completeString() leaves: the end of the ring, a ring that is nearly full, an empty string at
+// the very beginning.
+void LgStream::completeAtEdge()
 {
     _outputFlags |= STRING_CLOSED;
     // The position below is stepped past, which must never lead past the reader that was seen.
@@ -270,19 +280,15 @@ void LgStream::completeString()
     }
     // An empty string at the very beginning would leave no trace: it is put behind the first NUL,
     // which then counts as read.
-    if (_writePos == _lastComplete) ++_writePos;
-    _buffer[_writePos] = '\0';
+    if (_writePos.own() == _lastComplete.own()) ++_writePos;
+    _buffer[_writePos.own()] = '\0';
     // From this store on the reader sees the string.
-    _lastComplete = _writePos;
+    _lastComplete = _writePos.own();
     if (_writePos.plus(1) == _readPosSeen)
         _terminatorPending = true;
     else
         ++_writePos;
-}
-
-LgStream::Mark LgStream::getMark() const
-{
-    return {_writePos, _lastComplete, _terminatorPending};
+    findStraightEnd();
 }
 
 void LgStream::resetTo(const Mark& mark)
@@ -290,6 +296,9 @@ void LgStream::resetTo(const Mark& mark)
     _writePos = mark._writePos;
     _lastComplete = mark._lastComplete;
     _terminatorPending = mark._terminatorPending;
+    // A text that began on the NUL of a fresh ring has overwritten it.
+    _buffer[mark._writePos] = '\0';
+    findStraightEnd();
 }
 
 bool LgStream::isFull() const
@@ -309,33 +318,40 @@ unsigned int LgStream::getMaxSize()
 
 unsigned int LgStream::getNextSize() const
 {
+    Next next{};
+    return findNext(next) ? next._length : 0;
+}
+
+bool LgStream::findNext(Next& next) const
+{
+    // Pairs with the release in completeString(): the characters up to there are complete.
     const std::uint32_t complete = _lastComplete;
-    const std::uint32_t position = _readPos;
-    if (complete == position) return 0;
-    const std::uint32_t mask = _readPos.size() - 1;
-    std::uint32_t first = position;
-    if (_buffer[first] == '\0') first = (first + 1) & mask;
-    std::uint32_t length = 0;
-    while (_buffer[(first + length) & mask] != '\0') ++length;
-    return length;
+    const std::uint32_t position = _readPos.own();
+    if (complete == position) return false;
+    // The reader rests on the terminator of the string before, but at the very beginning.
+    const std::uint32_t size = _readPos.size();
+    next._begin = _buffer[position] == '\0' ? (position + 1) & (size - 1) : position;
+    const char* const begin = _buffer.get() + next._begin;
+    const std::uint32_t tillWrap = size - next._begin;
+    const void* const end = std::memchr(begin, '\0', tillWrap);
+    next._length = end ? static_cast<std::uint32_t>(static_cast<const char*>(end) - begin)
+                       : tillWrap + static_cast<std::uint32_t>(std::strlen(_buffer.get()));
+    return true;
 }
 
 LgStream& LgStream::operator>>(char* destination)
 {
-    // Pairs with the release in completeString(): the characters up to there are complete.
-    const std::uint32_t complete = _lastComplete;
-    std::uint32_t position = _readPos;
-    if (complete == position)
+    Next next{};
+    if (!findNext(next))
     {
         *destination = '\0';
         return *this;
     }
-    const std::uint32_t mask = _readPos.size() - 1;
-    if (_buffer[position] == '\0') position = (position + 1) & mask;
-    for (; _buffer[position] != '\0'; position = (position + 1) & mask)
-        *destination++ = _buffer[position];
-    *destination = '\0';
-    _readPos = position;
+    const std::uint32_t tillWrap = std::min(next._length, _readPos.size() - next._begin);
+    std::memcpy(destination, _buffer.get() + next._begin, tillWrap);
+    std::memcpy(destination + tillWrap, _buffer.get(), next._length - tillWrap);
+    destination[next._length] = '\0';
+    _readPos = next._begin + next._length;
     _overflowed.store(false, std::memory_order_relaxed);
     return *this;
 }

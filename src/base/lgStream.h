@@ -10,6 +10,7 @@
 #include <atomic>
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -41,11 +42,24 @@ public:
 
     // What the writer calls.
 
-    LgStream& operator<<(const char* text);
-    LgStream& operator<<(char* text);
+    LgStream& operator<<(const char* text)
+    {
+        if (!text) text = "(null)";
+        return insert(text, std::strlen(text));
+    }
+
+    LgStream& operator<<(char* text)
+    {
+        return *this << static_cast<const char*>(text);
+    }
+
     LgStream& operator<<(std::string_view text);
     LgStream& operator<<(const std::string& text);
-    LgStream& operator<<(char character);
+    LgStream& operator<<(char character)
+    {
+        return insert(&character, 1);
+    }
+
     LgStream& operator<<(signed char character);
     LgStream& operator<<(unsigned char character);
     LgStream& operator<<(bool value);
@@ -67,7 +81,17 @@ public:
     LgStream& operator<<(LgStream& (*manipulator)(LgStream&));
 
     /// Ends the string: from here on the reader can take it.
-    void completeString();
+    void completeString()
+    {
+        const std::uint32_t position = _writePos.own();
+        if (position + 1 >= _straightEnd || position == _lastComplete.own())
+            return completeAtEdge();
+        _outputFlags |= STRING_CLOSED;
+        _buffer[position] = '\0';
+        // From this store on the reader sees the string.
+        _lastComplete = position;
+        _writePos = position + 1;
+    }
 
     /// Clears the output flags, for a new string.
     void resetOutputFlags()
@@ -124,13 +148,49 @@ private:
         bool _terminatorPending;
     };
 
-    Mark getMark() const;
+    static constexpr unsigned char TEXT_INSERTED = 1;
+    static constexpr unsigned char STRING_CLOSED = 2;
+
+    Mark getMark() const
+    {
+        return {_writePos.own(), _lastComplete.own(), _terminatorPending};
+    }
+
     void resetTo(const Mark& mark);
 
-    LgStream& insert(const char* text, std::size_t length);
-    LgStream& insertCharacter(char character);
+    // The same as isFull(), for the writer.
+    bool isFullForWriter()
+    {
+        return _writePos.own() >= _straightEnd && isFullAtEdge();
+    }
+
+    // Inline for what is copied in one piece, with places to spare: nearly always so.
+    LgStream& insert(const char* text, std::size_t length)
+    {
+        const std::uint32_t position = _writePos.own();
+        if (position + length >= _straightEnd) return insertAtEdge(text, length);
+        _outputFlags |= TEXT_INSERTED;
+        std::memcpy(_buffer.get() + position, text, length);
+        _writePos = static_cast<std::uint32_t>(position + length);
+        return *this;
+    }
+
+    // Where the next string begins and how long it is; false if there is none.
+    struct Next
+    {
+        std::uint32_t _begin;
+        std::uint32_t _length;
+    };
+    bool findNext(Next& next) const;
+
+    LgStream& insertAtEdge(const char* text, std::size_t length);
+    void completeAtEdge();
+    bool isFullAtEdge();
     template <class Integer> LgStream& insertInteger(Integer value);
+    void lookForRoom();
+    void findStraightEnd();
     bool makeRoom();
+    void insertWrapping(const char* text, std::size_t length);
     std::uint32_t room(std::uint32_t readPos) const;
     void overflow();
 
@@ -143,6 +203,9 @@ private:
     unsigned char _outputFlags;
     // Where the reader was when the writer last looked; it can only have moved on since.
     std::uint32_t _readPosSeen;
+    // Up to here, but not on it, the writer may go on without a look at the reader or a wrap; 0
+    // while it has to look first.
+    std::uint32_t _straightEnd;
 };
 
 /// Ends the string that is being inserted.

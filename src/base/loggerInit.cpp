@@ -2,6 +2,7 @@
 
 #include "base/inInit.h"
 #include "base/initOrder.h"
+#include "base/lgLog.h"
 
 namespace Zu
 {
@@ -14,9 +15,15 @@ template <> InInit<ZuInit::logger>::InInit() : InPackageInit("logger")
     addDependency(InInit<ZuInit::initialize>::getType());
 }
 
-template <> void InInit<ZuInit::logger>::performInitialize() {}
+template <> void InInit<ZuInit::logger>::performInitialize()
+{
+    LgLog::init();
+}
 
-template <> void InInit<ZuInit::logger>::performFinalize() {}
+template <> void InInit<ZuInit::logger>::performFinalize()
+{
+    LgLog::destroy();
+}
 
 namespace
 {

@@ -125,6 +125,27 @@ TEST(LgStream, IntegersAreThoseOfPrintf)
     checkIntegers<unsigned long long>("%llu");
 }
 
+template <class Float> void checkFloats(const char* format)
+{
+    std::mt19937_64 random(6);
+    LgStream stream;
+    for (int i = 0; i < 150000; ++i)
+    {
+        // Numbers of all sizes that leave some digits, and some that do not.
+        const auto digits = static_cast<Float>(static_cast<std::int64_t>(random()));
+        const Float value = std::ldexp(digits, static_cast<int>(random() % 130) - 110);
+        stream << value << Zu::ends;
+        ASSERT_EQ(take(stream), printed(format, value));
+    }
+}
+
+TEST(LgStream, FloatingPointNumbersAreThoseOfPrintf)
+{
+    checkFloats<float>("%f");
+    checkFloats<double>("%f");
+    checkFloats<long double>("%Lf");
+}
+
 TEST(LgStream, StringsComeOutOneByOne)
 {
     LgStream stream;

@@ -26,8 +26,10 @@ ProgramResult runProgram(const std::string& name, const std::vector<std::string>
                          const Environment& environment)
 {
     const TempDir dir;
+    Environment changes{{"B7Q_TEST_DIR", dir.file("logs")}};
+    for (const auto& [variable, value] : environment) changes[variable] = value;
     ProgramResult result;
-    runToFiles(programPath(name), arguments, environment, dir.file("out"), dir.file("err"), result);
+    runToFiles(programPath(name), arguments, changes, dir.file("out"), dir.file("err"), result);
     result.out = readText(dir.file("out"));
     result.err = readText(dir.file("err"));
     return result;

@@ -25,7 +25,8 @@ struct ProgramResult
 // Changes to the environment; nothing removes the variable.
 using Environment = std::map<std::string, std::optional<std::string>>;
 
-// Runs the program of this name from the directory of test programs. Standard input is empty.
+// Runs the program of this name from the directory of test programs. Standard input is empty. Its
+// log files go to a directory of its own, unless the environment names one.
 ProgramResult runProgram(const std::string& name, const std::vector<std::string>& arguments = {},
                          const Environment& environment = {});
 

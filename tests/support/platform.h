@@ -14,6 +14,13 @@ constexpr bool onWindows = true;
 constexpr bool onWindows = false;
 #endif
 
+// Whether a sanitizer has taken the place of the runtime's own allocator and threads.
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+constexpr bool underSanitizer = true;
+#else
+constexpr bool underSanitizer = false;
+#endif
+
 // The ids of the process and of the calling thread.
 std::uint32_t processId();
 std::uint32_t threadId();
@@ -29,6 +36,21 @@ bool resolvesLongPaths();
 // Waits until a child of this process has ended, and leaves it as it is; returns at once if there
 // is no child, and on Windows.
 void awaitEndOfAnyChild();
+
+// A copy of this process that goes on from here beside it, with the calling thread alone; a child
+// that does not end within minutes is ended by a signal.
+enum class Side
+{
+    PARENT,
+    CHILD,
+    // Windows has no such thing.
+    NEITHER
+};
+Side forkProcess();
+
+// Waits for the end of the one child that forkProcess() made; its exit value, or -1 if a signal
+// ended it.
+int awaitForkedChild();
 
 // Whether a child has ended that nobody has asked for its end; never so on Windows.
 bool hasUnreapedChild();

@@ -35,6 +35,21 @@ void awaitEndOfAnyChild()
     while (waitid(P_ALL, 0, &info, WEXITED | WNOWAIT) < 0 && errno == EINTR) continue;
 }
 
+Side forkProcess()
+{
+    constexpr unsigned int PATIENCE = 120;
+    if (fork() != 0) return Side::PARENT;
+    alarm(PATIENCE);
+    return Side::CHILD;
+}
+
+int awaitForkedChild()
+{
+    int status = 0;
+    while (wait(&status) < 0 && errno == EINTR) continue;
+    return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+}
+
 bool hasUnreapedChild()
 {
     siginfo_t info{};

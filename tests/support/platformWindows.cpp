@@ -30,6 +30,16 @@ bool resolvesLongPaths()
 
 void awaitEndOfAnyChild() {}
 
+Side forkProcess()
+{
+    return Side::NEITHER;
+}
+
+int awaitForkedChild()
+{
+    return -1;
+}
+
 bool hasUnreapedChild()
 {
     return false;

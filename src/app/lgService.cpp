@@ -1,0 +1,66 @@
+#include "app/lgService.h"
+
+#include "app/lgServiceEx.h"
+#include "app/lgServiceReader.h"
+#include "app/lgServiceThreads.h"
+#include "base/lgLog.h"
+
+#include <atomic>
+
+namespace Zu
+{
+
+namespace
+{
+
+std::atomic<bool> there{false};
+
+// What a child can't end; named here so that nobody takes it for a leak.
+[[maybe_unused]] LgServiceReader* leftToTheParent = nullptr;
+
+} // namespace
+
+LgService::LgService()
+{
+    if (!LgLog::getRegistry()) throw LgServiceEx::ExLoggerNotStarted(__FILE__, __LINE__);
+    if (there.exchange(true)) throw LgServiceEx::ExAlreadyRunning(__FILE__, __LINE__);
+    try
+    {
+        LgServiceThreads& threads = LgServiceThreads::instance();
+        _lostBefore = threads.getLostCount();
+        threads.start();
+        LgLog::setQueueFunction(&LgServiceThreads::queueOfThread);
+        _reader = std::make_unique<LgServiceReader>(threads);
+    }
+    catch (...)
+    {
+        LgServiceThreads::instance().stop();
+        there = false;
+        throw;
+    }
+    LgLog::setLoggerActivation(true);
+}
+
+LgService::~LgService()
+{
+    LgServiceThreads& threads = LgServiceThreads::instance();
+    if (threads.isRunning())
+    {
+        LgLog::setLoggerActivation(false);
+        _reader.reset();
+        threads.stop();
+    }
+    else
+    {
+        // The child of a fork: the thread is not here, and nothing may wait for it.
+        leftToTheParent = _reader.release();
+    }
+    there = false;
+}
+
+std::uint64_t LgService::getLostCount() const
+{
+    return LgServiceThreads::instance().getLostCount() - _lostBefore;
+}
+
+} // namespace Zu

@@ -1,0 +1,95 @@
+#include "app/lgServicePlatform.h"
+
+#include <csignal>
+#include <ctime>
+#include <linux/membarrier.h>
+#include <pthread.h>
+#include <sys/syscall.h>
+#include <system_error>
+#include <unistd.h>
+
+namespace Zu::LgServicePlatform
+{
+
+namespace
+{
+
+// Read for every event, so it stands beside the key, whose one use is that its end is told.
+constinit thread_local void* valueOfThread = nullptr;
+
+pthread_key_t key;
+ThreadEnded threadEnded = nullptr;
+
+void keyEnded(void* value)
+{
+    valueOfThread = nullptr;
+    threadEnded(value);
+}
+
+bool callBarrier(int command)
+{
+    return syscall(SYS_membarrier, command, 0, 0) == 0;
+}
+
+} // namespace
+
+void setThreadEnded(ThreadEnded ended)
+{
+    threadEnded = ended;
+    const int code = pthread_key_create(&key, &keyEnded);
+    if (code != 0) throw std::system_error(code, std::generic_category(), "pthread_key_create");
+}
+
+void* threadValue()
+{
+    return valueOfThread;
+}
+
+void setThreadValue(void* value)
+{
+    const int code = pthread_setspecific(key, value);
+    if (code != 0) throw std::system_error(code, std::generic_category(), "pthread_setspecific");
+    valueOfThread = value;
+}
+
+bool prepareBarrier()
+{
+    return callBarrier(MEMBARRIER_CMD_REGISTER_PRIVATE_EXPEDITED);
+}
+
+void barrier()
+{
+    callBarrier(MEMBARRIER_CMD_PRIVATE_EXPEDITED);
+}
+
+bool nap()
+{
+    const timespec length{0, 100000};
+    nanosleep(&length, nullptr);
+    return true;
+}
+
+void onFork(void (*prepare)(), void (*parent)(), void (*child)())
+{
+    const int code = pthread_atfork(prepare, parent, child);
+    if (code != 0) throw std::system_error(code, std::generic_category(), "pthread_atfork");
+}
+
+struct SignalBlock::Saved
+{
+    sigset_t _signals;
+};
+
+SignalBlock::SignalBlock() : _saved(new Saved)
+{
+    sigset_t all;
+    sigfillset(&all);
+    pthread_sigmask(SIG_SETMASK, &all, &_saved->_signals);
+}
+
+SignalBlock::~SignalBlock()
+{
+    pthread_sigmask(SIG_SETMASK, &_saved->_signals, nullptr);
+}
+
+} // namespace Zu::LgServicePlatform

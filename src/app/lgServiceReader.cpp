@@ -1,0 +1,101 @@
+#include "app/lgServiceReader.h"
+
+#include "app/lgServicePlatform.h"
+#include "base/exBase.h"
+#include "base/lgReader.h"
+
+#include <chrono>
+#include <iostream>
+#include <mutex>
+
+namespace Zu
+{
+
+namespace
+{
+
+// After so many events a fork may have its turn.
+constexpr int EVENTS_IN_A_ROW = 256;
+
+// How long a failing lock is left alone, and how often it is tried when the service ends.
+constexpr std::chrono::milliseconds PAUSE{20};
+constexpr int LAST_TRIES = 50;
+
+// A queue does not fill in so many naps, unless events come faster than they can be written.
+constexpr int NAPS = 5;
+
+// A look around without cause, should a wake-up ever get lost.
+constexpr std::chrono::milliseconds PATIENCE{250};
+
+} // namespace
+
+LgServiceReader::LgServiceReader(LgServiceThreads& threads) : _threads(threads)
+{
+    const LgServicePlatform::SignalBlock block;
+    _thread = std::thread([this] { run(); });
+}
+
+LgServiceReader::~LgServiceReader()
+{
+    _stop.store(true, std::memory_order_release);
+    _threads.news().ring();
+    _thread.join();
+}
+
+// Sleeps until there is news: first in naps, so that a steady stream of events need not wake it for
+// each, then until it is rung.
+void LgServiceReader::rest(int& naps)
+{
+    if (naps < NAPS && LgServicePlatform::nap())
+    {
+        ++naps;
+        return;
+    }
+    _threads.news().listen([this] { return _stop || LgReader().eventsPending(); }, PATIENCE);
+}
+
+void LgServiceReader::run()
+{
+    int failures = 0;
+    int naps = 0;
+    while (true)
+    {
+        // Asked first: what was published before the stop is seen by the look that follows.
+        const bool stop = _stop.load(std::memory_order_acquire);
+        const Outcome outcome = writeSome();
+        if (outcome == Outcome::WROTE) naps = 0;
+        failures = outcome == Outcome::FAILED ? failures + 1 : 0;
+        if (outcome == Outcome::FAILED)
+            std::this_thread::sleep_for(PAUSE);
+        else if (outcome == Outcome::NOTHING && !stop)
+            rest(naps);
+        if (stop && (outcome == Outcome::NOTHING || failures == LAST_TRIES)) break;
+    }
+    if (failures > 0) std::cerr << "The log service ends with events that it could not write.\n";
+}
+
+LgServiceReader::Outcome LgServiceReader::writeSome()
+{
+    const std::lock_guard guard(_threads.reading());
+    try
+    {
+        LgReader reader;
+        for (int i = 0; i < EVENTS_IN_A_ROW; ++i)
+            if (!reader.flushEarliest()) return i > 0 ? Outcome::WROTE : Outcome::NOTHING;
+        return Outcome::WROTE;
+    }
+    catch (const ExBase& exception)
+    {
+        report(exception.getReason());
+        return Outcome::FAILED;
+    }
+}
+
+void LgServiceReader::report(const char* reason)
+{
+    if (_reported) return;
+    _reported = true;
+    std::cerr << "The log service can't write an event and tries again: " << reason << std::endl;
+}
+
+} // namespace Zu

@@ -1,0 +1,49 @@
+/// @file
+/// The thread that writes what is logged. Internal to the application kit.
+
+#ifndef ZU_APP_LGSERVICEREADER_H
+#define ZU_APP_LGSERVICEREADER_H
+
+#include "app/lgServiceThreads.h"
+
+#include <atomic>
+#include <thread>
+
+namespace Zu
+{
+
+/// A thread that writes events as they come and sleeps while there are none. A lock between
+/// processes that fails is told once, on standard error; the event is kept and tried again.
+class LgServiceReader
+{
+public:
+    /// Starts the thread. Raises std::system_error if the platform has none.
+    explicit LgServiceReader(LgServiceThreads& threads);
+    LgServiceReader(const LgServiceReader&) = delete;
+    LgServiceReader& operator=(const LgServiceReader&) = delete;
+
+    /// Writes what waits, and ends the thread.
+    ~LgServiceReader();
+
+private:
+    enum class Outcome
+    {
+        WROTE,
+        NOTHING,
+        FAILED
+    };
+
+    void run();
+    void rest(int& naps);
+    Outcome writeSome();
+    void report(const char* reason);
+
+    LgServiceThreads& _threads;
+    std::atomic<bool> _stop{false};
+    bool _reported = false;
+    std::thread _thread;
+};
+
+} // namespace Zu
+
+#endif

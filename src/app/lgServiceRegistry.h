@@ -1,0 +1,33 @@
+/// @file
+/// The registry of queues of threads that come and go. Internal to the application kit.
+
+#ifndef ZU_APP_LGSERVICEREGISTRY_H
+#define ZU_APP_LGSERVICEREGISTRY_H
+
+#include "base/containers.h"
+#include "base/lgRegistry.h"
+
+#include <mutex>
+
+namespace Zu
+{
+
+/// A registry whose operations any thread may call at any time.
+class LgServiceRegistry : public LgRegistry
+{
+public:
+    void registerQueue(LgQueue* queue) override;
+    void deregisterQueue(LgQueue* queue) override;
+    List<LgQueue*> getQueueList() const override;
+
+    /// What guards all objects of this class, for a fork, which must find it free. It lives as long
+    /// as the process.
+    static std::mutex& mutex();
+
+private:
+    List<LgQueue*> _queues;
+};
+
+} // namespace Zu
+
+#endif

@@ -1,0 +1,186 @@
+#include "app/lgServiceThreads.h"
+
+#include "app/lgServicePlatform.h"
+#include "app/lgServiceRegistry.h"
+#include "base/lgLog.h"
+#include "base/lgReader.h"
+#include "base/osUtils.h"
+
+#include <algorithm>
+#include <chrono>
+#include <memory>
+
+namespace Zu
+{
+
+namespace
+{
+
+// Nothing is known that would lose a wake-up; if something does, this is how long it lasts.
+constexpr std::chrono::milliseconds PATIENCE{250};
+
+class ServiceObserver : public LgQueue::Observer
+{
+public:
+    explicit ServiceObserver(LgServiceThreads& threads) : _threads(threads) {}
+
+    void entryAdded(LgQueue&) override
+    {
+        _threads.news().ring();
+    }
+
+    void entryRemoved(LgQueue&) override
+    {
+        _threads.room().ring();
+    }
+
+    void waitForSpace(const LgQueue& queue, int size) override
+    {
+        _threads.waitForSpace(queue, size);
+    }
+
+private:
+    LgServiceThreads& _threads;
+};
+
+bool hasSpace(const LgQueue& queue, int size)
+{
+    return !queue.isFull() && queue.getStream().getNumCharacters() >= static_cast<unsigned>(size);
+}
+
+// The logger's registry if a service has put it there; the logger's own takes no queues beside a
+// reader.
+LgServiceRegistry* serviceRegistry()
+{
+    return dynamic_cast<LgServiceRegistry*>(LgLog::getRegistry());
+}
+
+bool isEntered(const LgQueue* queue)
+{
+    const LgServiceRegistry* const registry = serviceRegistry();
+    if (!registry) return false;
+    const List<LgQueue*> queues = registry->getQueueList();
+    return std::find(queues.begin(), queues.end(), queue) != queues.end();
+}
+
+} // namespace
+
+LgServiceThreads& LgServiceThreads::instance()
+{
+    static LgServiceThreads* const theInstance = new LgServiceThreads;
+    return *theInstance;
+}
+
+LgServiceThreads::LgServiceThreads()
+    : _news(LgServicePlatform::prepareBarrier()), _room(LgServicePlatform::prepareBarrier())
+{
+    LgServicePlatform::setThreadEnded([](void* queue)
+                                      { instance().threadEnded(static_cast<LgQueue*>(queue)); });
+    LgServicePlatform::onFork([] { instance().lockForFork(); },
+                              [] { instance().unlockAfterFork(); },
+                              [] { instance().goOnInChild(); });
+}
+
+LgServiceThreads::~LgServiceThreads() = default;
+
+LgQueue* LgServiceThreads::queueOfThread()
+{
+    if (void* const queue = LgServicePlatform::threadValue()) return static_cast<LgQueue*>(queue);
+    return instance().makeQueue();
+}
+
+LgQueue* LgServiceThreads::makeQueue()
+{
+    auto queue = std::make_unique<LgQueue>(OsUtils::getThreadId());
+    queue->changeObserver(ObjPtr<LgQueue::Observer>(new ServiceObserver(*this)));
+    const std::lock_guard guard(_mutex);
+    _queues.push_back(queue.get());
+    if (LgServiceRegistry* const registry = serviceRegistry()) registry->registerQueue(queue.get());
+    LgServicePlatform::setThreadValue(queue.get());
+    return queue.release();
+}
+
+void LgServiceThreads::threadEnded(LgQueue* queue)
+{
+    {
+        const std::lock_guard guard(_mutex);
+        _queues.remove(queue);
+        _lostOfEnded += queue->getLostCount();
+        if (!isEntered(queue)) _unknown.push_back(queue);
+        // From here on the queue is the reader's, which deletes it. Without a service it waits for
+        // the next one.
+        queue->creatorExit();
+    }
+    if (isRunning()) _news.ring();
+}
+
+void LgServiceThreads::start()
+{
+    const std::lock_guard guard(_mutex);
+    if (!serviceRegistry()) LgLog::setRegistry(ObjPtr<LgRegistry>(new LgServiceRegistry));
+    // Threads that logged before the logger was started anew are not in its registry.
+    enter(_queues);
+    enter(_unknown);
+    _unknown.clear();
+    _running.store(true, std::memory_order_release);
+}
+
+void LgServiceThreads::enter(const std::list<LgQueue*>& queues)
+{
+    for (LgQueue* const queue : queues)
+        if (!isEntered(queue)) serviceRegistry()->registerQueue(queue);
+}
+
+void LgServiceThreads::stop()
+{
+    _running.store(false, std::memory_order_release);
+    _room.ring();
+}
+
+std::uint64_t LgServiceThreads::getLostCount()
+{
+    const std::lock_guard guard(_mutex);
+    std::uint64_t count = _lostOfEnded;
+    for (const LgQueue* const queue : _queues) count += queue->getLostCount();
+    return count;
+}
+
+void LgServiceThreads::waitForSpace(const LgQueue& queue, int size)
+{
+    while (!hasSpace(queue, size))
+    {
+        if (isRunning())
+        {
+            _room.listen([&] { return hasSpace(queue, size) || !isRunning(); }, PATIENCE);
+            continue;
+        }
+        // The service has ended between the caller's look and its event: nobody else will read.
+        const std::lock_guard guard(_reading);
+        if (!LgReader().flushEarliest()) return;
+    }
+}
+
+void LgServiceThreads::lockForFork()
+{
+    _reading.lock();
+    _mutex.lock();
+    LgServiceRegistry::mutex().lock();
+}
+
+void LgServiceThreads::unlockAfterFork()
+{
+    LgServiceRegistry::mutex().unlock();
+    _mutex.unlock();
+    _reading.unlock();
+}
+
+// The child has no reader, and none of the threads whose queues it has a copy of: what it logs goes
+// to standard output.
+void LgServiceThreads::goOnInChild()
+{
+    LgLog::setLoggerActivation(false);
+    _running.store(false, std::memory_order_release);
+    unlockAfterFork();
+}
+
+} // namespace Zu

@@ -1,0 +1,93 @@
+/// @file
+/// The queues of the threads that log. Internal to the application kit.
+
+#ifndef ZU_APP_LGSERVICETHREADS_H
+#define ZU_APP_LGSERVICETHREADS_H
+
+#include "app/lgBell.h"
+#include "base/lgQueue.h"
+
+#include <atomic>
+#include <cstdint>
+#include <list>
+#include <mutex>
+
+namespace Zu
+{
+
+/// Gives every thread a queue of its own, from its first event to its end; so it does not matter
+/// what comes first, a thread or a service. There is one object, which lives as long as the
+/// process: threads may log and end at any time, also when no service runs any more.
+class LgServiceThreads
+{
+public:
+    static LgServiceThreads& instance();
+
+    LgServiceThreads(const LgServiceThreads&) = delete;
+    LgServiceThreads& operator=(const LgServiceThreads&) = delete;
+
+    /// The calling thread's queue; the logger's queue function while a service runs and after it.
+    static LgQueue* queueOfThread();
+
+    /// Begins a service: the logger gets a registry that is safe for it, with the queues of all
+    /// threads in it.
+    void start();
+
+    /// Ends a service: from here on a producer that waits for room makes it itself.
+    void stop();
+
+    bool isRunning() const
+    {
+        return _running.load(std::memory_order_acquire);
+    }
+
+    /// How many events all threads of the process have lost.
+    std::uint64_t getLostCount();
+
+    /// Rung when an event was published or a thread has ended.
+    LgBell& news()
+    {
+        return _news;
+    }
+
+    /// Rung when an event was taken from a queue.
+    LgBell& room()
+    {
+        return _room;
+    }
+
+    /// Held by who reads events; a fork waits until it is free.
+    std::mutex& reading()
+    {
+        return _reading;
+    }
+
+    /// Waits until the queue has room for `size` characters; the producer's.
+    void waitForSpace(const LgQueue& queue, int size);
+
+private:
+    LgServiceThreads();
+    ~LgServiceThreads();
+
+    LgQueue* makeQueue();
+    void enter(const std::list<LgQueue*>& queues);
+    void threadEnded(LgQueue* queue);
+    void lockForFork();
+    void unlockAfterFork();
+    void goOnInChild();
+
+    std::mutex _mutex;
+    // The queues of living threads, and those of ended ones that no reader has come to know. A
+    // reader deletes all others.
+    std::list<LgQueue*> _queues;
+    std::list<LgQueue*> _unknown;
+    std::uint64_t _lostOfEnded = 0;
+    std::atomic<bool> _running{false};
+    std::mutex _reading;
+    LgBell _news;
+    LgBell _room;
+};
+
+} // namespace Zu
+
+#endif

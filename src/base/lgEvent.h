@@ -1,0 +1,239 @@
+/// @file
+/// Log statements, and the groups that they belong to.
+
+#ifndef ZU_BASE_LGEVENT_H
+#define ZU_BASE_LGEVENT_H
+
+#include "base/assertions.h"
+#include "base/baseApi.h"
+#include "base/lgLog.h"
+#include "base/lgMajorGroup.h"
+#include "base/lgMinorGroup.h"
+#include "base/lgQueue.h"
+#include "base/lgStream.h"
+#include "base/lgTypes.h"
+
+#include <type_traits>
+
+namespace Zu
+{
+
+/// The operands of a log statement, `LgParts() << "text" << number`, kept by reference to be
+/// inserted later: an operand that logs something itself, such as a call of a function, has done so
+/// before the event is begun. Lives no longer than the statement.
+class LgParts
+{
+public:
+    void insertInto(LgStream&) const {}
+};
+
+/// The parts before one operand, and that operand.
+template <class Before, class Part> class LgMoreParts
+{
+public:
+    LgMoreParts(const Before& before, Part part) : _before(before), _part(part) {}
+
+    void insertInto(LgStream& stream) const
+    {
+        _before.insertInto(stream);
+        stream << _part;
+    }
+
+private:
+    Before _before;
+    Part _part;
+};
+
+template <class T> inline constexpr bool lgIsParts = false;
+template <> inline constexpr bool lgIsParts<LgParts> = true;
+template <class Before, class Part>
+inline constexpr bool lgIsParts<LgMoreParts<Before, Part>> = true;
+
+/// Numbers are kept as values, so that a constant that has a value and no place will do.
+template <class T>
+using LgKeptPart =
+    std::conditional_t<std::is_arithmetic_v<T> || std::is_enum_v<T>, const T, const T&>;
+
+template <class Before, class T, class = std::enable_if_t<lgIsParts<Before>>,
+          class = std::enable_if_t<!std::is_arithmetic_v<T> && !std::is_enum_v<T>>>
+LgMoreParts<Before, LgKeptPart<T>> operator<<(const Before& before, const T& part)
+{
+    static_assert(!std::is_function_v<T>, "a log statement takes no manipulators: it ends its text "
+                                          "itself");
+    return {before, part};
+}
+
+template <class Before, class T, class = std::enable_if_t<lgIsParts<Before>>,
+          class = std::enable_if_t<std::is_arithmetic_v<T> || std::is_enum_v<T>>, class = void>
+LgMoreParts<Before, LgKeptPart<T>> operator<<(const Before& before, T part)
+{
+    return {before, part};
+}
+
+/// The insertion of one event's text into its queue. If it ends early, by an exception of an
+/// operand's insertion operator, the event is taken back.
+class LgInsertion
+{
+public:
+    explicit LgInsertion(LgQueue& queue) : _queue(&queue)
+    {
+        _queue->beginInsertion();
+    }
+
+    LgInsertion(const LgInsertion&) = delete;
+    LgInsertion& operator=(const LgInsertion&) = delete;
+
+    ~LgInsertion()
+    {
+        if (_queue) _queue->cancelInsertion();
+    }
+
+    /// Publishes the event.
+    void complete()
+    {
+        _queue->getStream().completeString();
+        _queue->endInsertion();
+        _queue = nullptr;
+    }
+
+private:
+    LgQueue* _queue;
+};
+
+/// One line for standard output, of the same bytes as an event's text.
+class ZU_BASE_API LgDirectLine
+{
+public:
+    LgStream& getStream();
+
+    /// Writes the line.
+    void write();
+
+private:
+    LgStream _stream;
+};
+
+/// One log statement under way; see ZU_LOG.
+class LgEvent
+{
+public:
+    /// Raises ExInternalError "Assertion 'minor' failed." for a group that was not started.
+    LgEvent(const LgMinorGroup* minor, LgTypes::Level level) : _minor(minor), _level(level)
+    {
+        ZU_ASSERT(minor);
+    }
+
+    /// Whether the group lets the level through.
+    bool isEnabled() const
+    {
+        return _minor->isLevelEnabled(_level);
+    }
+
+    /// Logs the group's name, a blank and the parts.
+    template <class Parts> void write(const Parts& parts) const
+    {
+        if (LgLog::isLoggerActive())
+            writeToQueue(LgLog::getQueue(), parts);
+        else if (LgLog::isInactiveOutputAllowed(_level))
+            writeDirectly(parts);
+    }
+
+private:
+    template <class Parts> void writeToQueue(LgQueue& queue, const Parts& parts) const
+    {
+        if (!queue.reserveEntry(_level)) return;
+        LgInsertion insertion(queue);
+        insertInto(queue.getStream(), parts);
+        insertion.complete();
+    }
+
+    template <class Parts> void writeDirectly(const Parts& parts) const
+    {
+        LgDirectLine line;
+        insertInto(line.getStream(), parts);
+        line.write();
+    }
+
+    template <class Parts> void insertInto(LgStream& stream, const Parts& parts) const
+    {
+        stream << _minor->getName() << ' ';
+        parts.insertInto(stream);
+    }
+
+    const LgMinorGroup* _minor;
+    LgTypes::Level _level;
+};
+
+} // namespace Zu
+
+/// One word of two, which may be macros.
+#define ZU_XGLUE(a, b) ZU_XGLUE_EXPANDED(a, b)
+#define ZU_XGLUE_EXPANDED(a, b) a##b
+
+/// Declares a minor group, in a header, so that several sources can log into it. This one and the
+/// next stand outside of functions, in the namespace of the subsystem.
+#define ZU_DECLARE_LOG_GROUP(name)                                                                 \
+    namespace LgGroups                                                                             \
+    {                                                                                              \
+    extern ::Zu::LgMinorGroup* ZU_XGLUE(MinorLevel, name);                                         \
+    }                                                                                              \
+    static_assert(true)
+
+/// Defines a minor group, in one source. A group that only this source logs into needs no
+/// declaration.
+#define ZU_DEFINE_LOG_GROUP(name)                                                                  \
+    ZU_DECLARE_LOG_GROUP(name);                                                                    \
+    namespace LgGroups                                                                             \
+    {                                                                                              \
+    ::Zu::LgMinorGroup* ZU_XGLUE(MinorLevel, name) = nullptr;                                      \
+    }                                                                                              \
+    static_assert(true)
+
+/// Starts a minor group below the major group with the name `major`, a text; for the start-up of
+/// the subsystem's package, which depends on "logger". A group that stands already raises
+/// ExInternalError "Assertion 'LgGroups::ZU_XGLUE( MinorLevel, <name> ) == 0' failed."
+#define ZU_START_LOG_GROUP(major, name)                                                            \
+    (ZU_ASSERT_TEXT(LgGroups::ZU_XGLUE(MinorLevel, name) == nullptr,                               \
+                    "LgGroups::ZU_XGLUE( MinorLevel, " #name " ) == 0"),                           \
+     static_cast<void>(LgGroups::ZU_XGLUE(MinorLevel, name) = new ::Zu::LgMinorGroup(              \
+                           ::Zu::LgMajorGroup::getInstanceForName(major), #name)))
+
+/// Ends a minor group, in the shut-down of the subsystem's package. A group that was not started
+/// raises ExInternalError "Assertion 'LgGroups::ZU_XGLUE( MinorLevel, <name> ) != 0' failed."
+#define ZU_STOP_LOG_GROUP(name)                                                                    \
+    (ZU_ASSERT_TEXT(LgGroups::ZU_XGLUE(MinorLevel, name) != nullptr,                               \
+                    "LgGroups::ZU_XGLUE( MinorLevel, " #name " ) != 0"),                           \
+     delete LgGroups::ZU_XGLUE(MinorLevel, name),                                                  \
+     static_cast<void>(LgGroups::ZU_XGLUE(MinorLevel, name) = nullptr))
+
+/// Logs an event of a level into a minor group: ZU_LOG(Query, level, "took " << seconds << " s").
+/// When the group does not let the level through, nothing of the operands is evaluated. While the
+/// logger is inactive the text goes to standard output, but for that of level Profiling.
+///
+/// An operand may be whatever LgStream has an insertion operator for; one of a client's own is
+/// found in the namespace of its type. An event that such an operator logs itself is lost while
+/// the logger is active; one that is logged while an operand is evaluated is not. An exception
+/// leaves no part of the event.
+///
+/// A group that was not started raises ExInternalError "Assertion 'minor' failed."
+#define ZU_LOG(group, level, ...)                                                                  \
+    ZU_LOG_NAMED(ZU_XGLUE(zuEvent, __COUNTER__), group, level, __VA_ARGS__)
+
+// Each statement has a name of its own: one may stand inside an operand of another.
+#define ZU_LOG_NAMED(event, group, level, ...)                                                     \
+    do                                                                                             \
+    {                                                                                              \
+        const ::Zu::LgEvent event(LgGroups::ZU_XGLUE(MinorLevel, group), level);                   \
+        if (event.isEnabled()) event.write(::Zu::LgParts() << __VA_ARGS__);                        \
+    } while (false)
+
+/// The same for one level each: ZU_LOG_WARNING(Query, "took " << seconds << " s").
+#define ZU_LOG_INTERNAL_ERROR(group, ...) ZU_LOG(group, ::Zu::LgTypes::InternalError, __VA_ARGS__)
+#define ZU_LOG_FATAL_ERROR(group, ...) ZU_LOG(group, ::Zu::LgTypes::FatalError, __VA_ARGS__)
+#define ZU_LOG_ERROR(group, ...) ZU_LOG(group, ::Zu::LgTypes::Error, __VA_ARGS__)
+#define ZU_LOG_WARNING(group, ...) ZU_LOG(group, ::Zu::LgTypes::Warning, __VA_ARGS__)
+#define ZU_LOG_INFORMATIONAL(group, ...) ZU_LOG(group, ::Zu::LgTypes::Informational, __VA_ARGS__)
+#define ZU_LOG_TRACING(group, ...) ZU_LOG(group, ::Zu::LgTypes::Tracing, __VA_ARGS__)
+#define ZU_LOG_PROFILING(group, ...) ZU_LOG(group, ::Zu::LgTypes::Profiling, __VA_ARGS__)
+
+#endif

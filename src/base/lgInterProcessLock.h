@@ -1,0 +1,62 @@
+/// @file
+/// The lock that keeps lines of several processes apart in one log file.
+
+#ifndef ZU_BASE_LGINTERPROCESSLOCK_H
+#define ZU_BASE_LGINTERPROCESSLOCK_H
+
+#include "base/baseApi.h"
+#include "base/ownedPtr.h"
+
+namespace Zu
+{
+
+/// A lock that processes find by its name. The thread that holds it may take it again, and releases
+/// it as often.
+///
+/// Processes that share a log file must also all append to it (a `+` before its name): otherwise
+/// each truncates it and writes at a place of its own.
+///
+/// Every failure raises ExSysErrorWindows with the platform's code. A holder that died is one,
+/// deliberately: whoever takes the lock next is told once that a line may have been left
+/// unfinished, and does not hold the lock then; from there on it works again.
+class ZU_BASE_API LgInterProcessLock
+{
+public:
+    LgInterProcessLock() = default;
+    LgInterProcessLock(const LgInterProcessLock&) = delete;
+    LgInterProcessLock& operator=(const LgInterProcessLock&) = delete;
+    virtual ~LgInterProcessLock() noexcept(false);
+
+    /// Waits for the lock, without a limit.
+    virtual void lock() = 0;
+
+    /// Releases it; for the thread that holds it.
+    virtual void unlock() = 0;
+
+    /// A new object for the lock of this name, which is made if no process has it; the caller owns
+    /// it. The lock ends with its last user. Without a name (null) it is a lock of this process
+    /// alone.
+    static LgInterProcessLock* create(const char* name);
+};
+
+template <> inline constexpr bool ownedMayThrow<LgInterProcessLock> = true;
+
+/// Holds a lock for the time of a scope; a null one costs nothing, which is the normal case of a
+/// process that shares no file. What unlock() raises leaves the destructor, unless another
+/// exception is under way.
+class ZU_BASE_API LgInterProcessLockGuard
+{
+public:
+    explicit LgInterProcessLockGuard(LgInterProcessLock* l);
+    LgInterProcessLockGuard(const LgInterProcessLockGuard&) = delete;
+    LgInterProcessLockGuard& operator=(const LgInterProcessLockGuard&) = delete;
+    ~LgInterProcessLockGuard() noexcept(false);
+
+private:
+    LgInterProcessLock* _lock;
+    int _exceptions;
+};
+
+} // namespace Zu
+
+#endif

@@ -1,0 +1,473 @@
+#include "app/lgService.h"
+
+#include "app/lgServiceEx.h"
+#include "base/lgEvent.h"
+#include "base/lgInterProcessLock.h"
+#include "base/lgTrace.h"
+#include "support/childProcess.h"
+#include "support/platform.h"
+#include "support/runningLogger.h"
+#include "support/tempDir.h"
+
+#include <algorithm>
+#include <atomic>
+#include <fstream>
+#include <future>
+#include <gtest/gtest.h>
+#include <iostream>
+#include <memory>
+#include <optional>
+#include <random>
+#include <sstream>
+#include <string>
+#include <thread>
+#include <vector>
+
+ZU_DEFINE_LOG_GROUP(Kit);
+
+namespace
+{
+
+using Zu::LgQueue;
+using Zu::LgService;
+using Zu::LgServiceEx;
+namespace LgTypes = Zu::LgTypes;
+using Texts = std::vector<std::string>;
+
+// Standard error of the library, as far as it goes through std::cerr.
+class CapturedErrors
+{
+public:
+    CapturedErrors() : _former(std::cerr.rdbuf(_text.rdbuf())) {}
+    CapturedErrors(const CapturedErrors&) = delete;
+    CapturedErrors& operator=(const CapturedErrors&) = delete;
+
+    ~CapturedErrors()
+    {
+        std::cerr.rdbuf(_former);
+    }
+
+    std::string text() const
+    {
+        return _text.str();
+    }
+
+private:
+    std::ostringstream _text;
+    std::streambuf* _former;
+};
+
+class LgServiceTest : public testing::Test
+{
+protected:
+    LgServiceTest() : _lockVariable("ZU_INTERNAL_INTERPROCESS_LOG_LOCK")
+    {
+        start();
+    }
+
+    ~LgServiceTest() override
+    {
+        stop();
+    }
+
+    void start()
+    {
+        _logger.emplace();
+        ZU_START_LOG_GROUP("Kit", Kit);
+    }
+
+    void stop()
+    {
+        if (!_logger) return;
+        ZU_STOP_LOG_GROUP(Kit);
+        _logger.reset();
+    }
+
+    // Starts the logger again with a lock between processes, which is returned: while the test
+    // holds it, the service can't write.
+    std::unique_ptr<Zu::LgInterProcessLock> startWithLock()
+    {
+        stop();
+        _lockName = "zuServiceTest" + std::to_string(support::processId());
+        _lockVariable.set(_lockName);
+        std::unique_ptr<Zu::LgInterProcessLock> lock(
+            Zu::LgInterProcessLock::create(_lockName.c_str()));
+        start();
+        return lock;
+    }
+
+    static std::size_t numberOfQueues()
+    {
+        return Zu::LgLog::getRegistry()->getQueueList().size();
+    }
+
+    Texts texts(const std::string& file = "events.log") const
+    {
+        return _logger->textsOf(file);
+    }
+
+    support::VariableGuard _lockVariable;
+    std::string _lockName;
+    std::optional<support::RunningLogger> _logger;
+};
+
+TEST_F(LgServiceTest, WritesTheEventsOfAllThreadsEachInItsOrder)
+{
+    constexpr int THREADS = 4;
+    constexpr int EVENTS = 200;
+    {
+        const LgService service;
+        std::vector<std::thread> threads;
+        for (int thread = 0; thread < THREADS; ++thread)
+            threads.emplace_back(
+                [thread]
+                {
+                    for (int i = 0; i < EVENTS; ++i) ZU_LOG_WARNING(Kit, thread << ' ' << i);
+                });
+        for (std::thread& thread : threads) thread.join();
+        EXPECT_EQ(service.getLostCount(), 0U);
+    }
+    const Texts written = texts();
+    for (int thread = 0; thread < THREADS; ++thread)
+    {
+        Texts expected;
+        for (int i = 0; i < EVENTS; ++i)
+            expected.push_back("Kit " + std::to_string(thread) + " " + std::to_string(i));
+        const std::string own = "Kit " + std::to_string(thread) + " ";
+        Texts found;
+        std::copy_if(written.begin(), written.end(), std::back_inserter(found),
+                     [&own](const std::string& text) { return text.rfind(own, 0) == 0; });
+        EXPECT_EQ(found, expected);
+    }
+    EXPECT_EQ(written.size(), static_cast<std::size_t>(THREADS * EVENTS));
+}
+
+TEST_F(LgServiceTest, ActivatesTheLoggerForItsLifeAlone)
+{
+    EXPECT_FALSE(Zu::LgLog::isLoggerActive());
+    {
+        const LgService service;
+        EXPECT_TRUE(Zu::LgLog::isLoggerActive());
+    }
+    EXPECT_FALSE(Zu::LgLog::isLoggerActive());
+}
+
+TEST_F(LgServiceTest, ServesThreadsFromBeforeIt)
+{
+    std::promise<void> go;
+    std::promise<void> done;
+    std::promise<void> end;
+    std::thread early(
+        [&]
+        {
+            go.get_future().wait();
+            ZU_LOG_WARNING(Kit, "from an old thread");
+            done.set_value();
+            end.get_future().wait();
+        });
+    {
+        const LgService service;
+        go.set_value();
+        done.get_future().wait();
+    }
+    EXPECT_EQ(texts(), Texts{"Kit from an old thread"});
+    {
+        const LgService second;
+        end.set_value();
+        early.join();
+    }
+    EXPECT_EQ(texts().size(), 1U);
+}
+
+TEST_F(LgServiceTest, WritesWithoutBeingEnded)
+{
+    const LgService service;
+    for (int i = 0; i < 10; ++i)
+    {
+        ZU_LOG_WARNING(Kit, i);
+        while (texts().size() < static_cast<std::size_t>(i + 1)) std::this_thread::yield();
+    }
+}
+
+TEST_F(LgServiceTest, DeletesTheQueueOfAThreadThatHasEnded)
+{
+    const LgService service;
+    ZU_LOG_WARNING(Kit, "own");
+    const std::size_t before = numberOfQueues();
+    for (int i = 0; i < 20; ++i)
+    {
+        std::thread([] { ZU_LOG_WARNING(Kit, "short"); }).join();
+        while (numberOfQueues() > before) std::this_thread::yield();
+    }
+    while (texts().size() < 21) std::this_thread::yield();
+}
+
+TEST_F(LgServiceTest, OverflowShowsInTheLogAndAsACount)
+{
+    constexpr std::uint64_t ATTEMPTED = 3000;
+    const auto lock = startWithLock();
+    {
+        const LgService service;
+        lock->lock();
+        for (std::uint64_t i = 0; i < ATTEMPTED; ++i) ZU_LOG_WARNING(Kit, i);
+        lock->unlock();
+        EXPECT_GE(service.getLostCount(), ATTEMPTED - 1023);
+    }
+    std::uint64_t written = 0;
+    std::uint64_t told = 0;
+    for (const std::string& text : texts())
+    {
+        const std::string mark = "Event overflow [";
+        if (text.rfind(mark, 0) == 0)
+            told += std::stoull(text.substr(mark.size()));
+        else
+            ++written;
+    }
+    EXPECT_GT(told, 0U);
+    EXPECT_LE(told, ATTEMPTED - written);
+    const LgService next;
+    EXPECT_EQ(next.getLostCount(), 0U);
+}
+
+TEST_F(LgServiceTest, WhatWasAttemptedIsWrittenOrCounted)
+{
+    constexpr std::uint64_t ATTEMPTED = 5000;
+    const auto lock = startWithLock();
+    std::uint64_t lost = 0;
+    {
+        const LgService service;
+        for (std::uint64_t i = 0; i < ATTEMPTED; ++i)
+        {
+            // Now and then nobody reads.
+            if (i % 1500 == 0) lock->lock();
+            ZU_LOG_WARNING(Kit, i);
+            if (i % 1500 == 1300) lock->unlock();
+        }
+        lost = service.getLostCount();
+        // The last round took the lock and did not release it.
+        lock->unlock();
+    }
+    std::uint64_t written = 0;
+    for (const std::string& text : texts())
+        if (text.rfind("Kit ", 0) == 0) ++written;
+    EXPECT_GT(lost, 0U);
+    EXPECT_EQ(written + lost, ATTEMPTED);
+}
+
+// Producers that come in bursts, with pauses in which the reader falls asleep.
+TEST_F(LgServiceTest, ALongRunKeepsEveryProducersOrderAndTheAccount)
+{
+    constexpr unsigned int PRODUCERS = 3;
+    constexpr int EVENTS = 20000;
+    std::uint64_t lost = 0;
+    {
+        const LgService service;
+        std::vector<std::thread> producers;
+        for (unsigned int producer = 0; producer < PRODUCERS; ++producer)
+            producers.emplace_back(
+                [producer]
+                {
+                    std::mt19937 random(producer);
+                    for (int i = 0; i < EVENTS; ++i)
+                    {
+                        ZU_LOG_WARNING(Kit, producer << ' ' << i);
+                        if (random() % 500 != 0) continue;
+                        const LgQueue& own = Zu::LgLog::getQueue();
+                        while (!own.isEmpty()) std::this_thread::yield();
+                    }
+                });
+        for (std::thread& producer : producers) producer.join();
+        lost = service.getLostCount();
+    }
+    std::vector<int> last(PRODUCERS, -1);
+    std::uint64_t written = 0;
+    for (const std::string& text : texts())
+    {
+        if (text.rfind("Kit ", 0) != 0) continue;
+        std::istringstream words(text.substr(4));
+        std::size_t producer = 0;
+        int number = 0;
+        words >> producer >> number;
+        ASSERT_LT(producer, PRODUCERS);
+        ASSERT_GT(number, last[producer]);
+        last[producer] = number;
+        ++written;
+    }
+    EXPECT_EQ(written + lost, PRODUCERS * EVENTS);
+}
+
+TEST_F(LgServiceTest, BlockingTraceLosesNothing)
+{
+    constexpr int LINES = 3000;
+    const auto lock = startWithLock();
+    Zu::LgLog::setBlockingTrace(true);
+    std::ostringstream out;
+    std::streambuf* const former = std::cout.rdbuf(out.rdbuf());
+    {
+        const LgService service;
+        lock->lock();
+        std::atomic<int> printed{0};
+        std::thread producer(
+            [&printed]
+            {
+                for (int i = 0; i < LINES; ++i, ++printed)
+                    Zu::LgTrace::print(std::to_string(i).c_str());
+            });
+        // As many as wait at most: the producer now has to wait for the reader.
+        while (printed < 1022) std::this_thread::yield();
+        lock->unlock();
+        producer.join();
+        EXPECT_EQ(service.getLostCount(), 0U);
+    }
+    std::cout.rdbuf(former);
+    Zu::LgLog::setBlockingTrace(false);
+    const Texts lines = support::linesOf(out.str());
+    ASSERT_EQ(lines.size(), static_cast<std::size_t>(LINES));
+    for (int i = 0; i < LINES; ++i)
+    {
+        const std::string& line = lines[static_cast<std::size_t>(i)];
+        EXPECT_EQ(line.substr(line.find("Tracing: ")), "Tracing: " + std::to_string(i));
+    }
+}
+
+TEST_F(LgServiceTest, ASecondOneIsRefusedWhileTheFirstLives)
+{
+    {
+        const LgService service;
+        EXPECT_THROW(LgService(), LgServiceEx::ExAlreadyRunning);
+        EXPECT_TRUE(Zu::LgLog::isLoggerActive());
+        ZU_LOG_WARNING(Kit, "still there");
+    }
+    const LgService next;
+    EXPECT_EQ(texts(), Texts{"Kit still there"});
+}
+
+TEST_F(LgServiceTest, AnEventThatComesLateIsWrittenByTheNextService)
+{
+    {
+        const LgService service;
+        ZU_LOG_WARNING(Kit, "in time");
+    }
+    // As a thread does that looked at the activity just before the end.
+    LgQueue& queue = Zu::LgLog::getQueue();
+    ASSERT_TRUE(queue.reserveEntry(LgTypes::Warning));
+    queue.getStream() << "late" << Zu::ends;
+    queue.addEntry();
+    EXPECT_EQ(texts(), Texts{"Kit in time"});
+    {
+        const LgService next;
+    }
+    EXPECT_EQ(texts(), (Texts{"Kit in time", "late"}));
+}
+
+TEST_F(LgServiceTest, ALoggerThatIsStartedAnewServesTheThreadsThatAreThere)
+{
+    {
+        const LgService service;
+        ZU_LOG_WARNING(Kit, "first");
+    }
+    EXPECT_EQ(texts(), Texts{"Kit first"});
+    stop();
+    start();
+    {
+        const LgService service;
+        ZU_LOG_WARNING(Kit, "second");
+    }
+    EXPECT_EQ(texts(), Texts{"Kit second"});
+}
+
+TEST_F(LgServiceTest, TheReaderSurvivesALockWhoseHolderHasDied)
+{
+    const CapturedErrors errors;
+    const auto lock = startWithLock();
+    const support::ProgramResult holder = support::runProgram("serviceProgram", {"die", _lockName});
+    ASSERT_EQ(holder.exitCode, 0);
+    {
+        const LgService service;
+        for (int i = 0; i < 10; ++i) ZU_LOG_WARNING(Kit, i);
+    }
+    EXPECT_EQ(texts().size(), 10U);
+    const Texts told = support::linesOf(errors.text());
+    ASSERT_EQ(told.size(), 1U);
+    EXPECT_EQ(told[0].rfind("The log service can't write an event and tries again: ", 0), 0U)
+        << told[0];
+}
+
+TEST_F(LgServiceTest, AStatementInsideTheEndOfAThreadIsWritten)
+{
+    {
+        const LgService service;
+        std::thread(
+            []
+            {
+                struct Logging
+                {
+                    ~Logging()
+                    {
+                        ZU_LOG_WARNING(Kit, "at the end of the thread");
+                    }
+                };
+                static thread_local const Logging logging;
+                static_cast<void>(&logging);
+                ZU_LOG_WARNING(Kit, "in the thread");
+            })
+            .join();
+    }
+    EXPECT_EQ(texts(), (Texts{"Kit in the thread", "Kit at the end of the thread"}));
+}
+
+// The lines of a log file of a program, without banners and up to their level's text.
+Texts fileTexts(const std::string& path)
+{
+    Texts result;
+    std::ifstream file(path, std::ios::binary);
+    for (std::string line; std::getline(file, line);)
+        if (line.find(": Service ") != std::string::npos)
+            result.push_back(line.substr(line.find(": Service ") + 2));
+    return result;
+}
+
+TEST(LgServiceProgram, IsRefusedBeforeTheStartOfTheLogger)
+{
+    const support::ProgramResult result = support::runProgram("serviceProgram", {"early"});
+    EXPECT_EQ(result.exitCode, 0);
+    EXPECT_EQ(result.out, "The package 'logger' is not started.\n");
+}
+
+TEST(LgServiceProgram, WritesAllBeforeAnOrderlyEnd)
+{
+    const support::TempDir dir;
+    const support::ProgramResult result =
+        support::runProgram("serviceProgram", {"threads"}, {{"B7Q_TEST_DIR", dir.path()}});
+    EXPECT_EQ(result.exitCode, 0);
+    EXPECT_EQ(result.out, "");
+    EXPECT_EQ(result.err, "");
+    EXPECT_EQ(fileTexts(dir.file("events.log")).size(), 300U);
+}
+
+TEST(LgServiceProgram, MayExitWhileTheServiceLivesAndAThreadLogs)
+{
+    const support::ProgramResult result = support::runProgram("serviceProgram", {"exit"});
+    EXPECT_FALSE(result.aborted);
+    EXPECT_EQ(result.exitCode, 7);
+    EXPECT_EQ(result.out, "lost some: 0\n");
+}
+
+TEST(LgServiceProgram, AChildOfAForkEndsAndLogsToStandardOutput)
+{
+    if (support::onWindows) GTEST_SKIP() << "Windows has no fork";
+    if (support::underSanitizer)
+        GTEST_SKIP() << "what the sanitizers lock does not survive a fork beside other threads";
+    const support::TempDir dir;
+    const support::ProgramResult result = support::runProgram(
+        "serviceProgram", {"fork"},
+        {{"B7Q_TEST_DIR", dir.path()}, {"ZU_LOG_GROUPS", "Test=Informational"}});
+    EXPECT_EQ(result.exitCode, 0);
+    EXPECT_EQ(result.err, "");
+    EXPECT_EQ(result.out, "Service in the child\nService in a thread of the child\n");
+    Texts events = fileTexts(dir.file("events.log"));
+    events.erase(std::remove(events.begin(), events.end(), "Service busy"), events.end());
+    EXPECT_EQ(events, (Texts{"Service before the fork", "Service child ended with 3"}));
+}
+
+} // namespace

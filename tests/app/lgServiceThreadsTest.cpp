@@ -1,0 +1,141 @@
+#include "app/lgServiceThreads.h"
+
+#include "base/lgLog.h"
+#include "base/lgReader.h"
+#include "support/platform.h"
+#include "support/runningLogger.h"
+
+#include <gtest/gtest.h>
+#include <string>
+#include <thread>
+#include <vector>
+
+namespace
+{
+
+using Zu::LgQueue;
+using Zu::LgServiceThreads;
+namespace LgTypes = Zu::LgTypes;
+
+class LgServiceThreadsTest : public testing::Test
+{
+protected:
+    ~LgServiceThreadsTest() override
+    {
+        _threads.stop();
+        Zu::LgReader().flushAll();
+    }
+
+    static bool add(LgQueue& queue, const std::string& text)
+    {
+        if (!queue.reserveEntry(LgTypes::Warning)) return false;
+        queue.getStream() << text << Zu::ends;
+        queue.addEntry();
+        return true;
+    }
+
+    static std::size_t registered(const LgQueue* queue)
+    {
+        std::size_t count = 0;
+        for (const LgQueue* const entry : Zu::LgLog::getRegistry()->getQueueList())
+            if (entry == queue) ++count;
+        return count;
+    }
+
+    support::RunningLogger _logger;
+    LgServiceThreads& _threads = LgServiceThreads::instance();
+};
+
+TEST_F(LgServiceThreadsTest, EveryThreadHasOneQueueOfItsOwn)
+{
+    LgQueue* const mine = LgServiceThreads::queueOfThread();
+    EXPECT_EQ(LgServiceThreads::queueOfThread(), mine);
+    EXPECT_EQ(mine->getThreadId(), support::threadId());
+    std::thread(
+        [mine]
+        {
+            LgQueue* const other = LgServiceThreads::queueOfThread();
+            EXPECT_NE(other, mine);
+            EXPECT_EQ(LgServiceThreads::queueOfThread(), other);
+            EXPECT_EQ(other->getThreadId(), support::threadId());
+        })
+        .join();
+}
+
+TEST_F(LgServiceThreadsTest, QueuesFromBeforeAndDuringAServiceAreRegisteredOnce)
+{
+    LgQueue* const before = LgServiceThreads::queueOfThread();
+    EXPECT_EQ(registered(before), 0U);
+    _threads.start();
+    EXPECT_TRUE(_threads.isRunning());
+    EXPECT_EQ(registered(before), 1U);
+    std::thread([] { EXPECT_EQ(registered(LgServiceThreads::queueOfThread()), 1U); }).join();
+    _threads.stop();
+    EXPECT_FALSE(_threads.isRunning());
+    EXPECT_EQ(registered(before), 1U);
+    _threads.start();
+    EXPECT_EQ(registered(before), 1U);
+}
+
+TEST_F(LgServiceThreadsTest, AQueueIsTheReadersWhenItsThreadHasEnded)
+{
+    _threads.start();
+    LgQueue* queue = nullptr;
+    std::thread(
+        [&queue]
+        {
+            queue = LgServiceThreads::queueOfThread();
+            EXPECT_TRUE(queue->isCreatorAlive());
+            add(*queue, "last words");
+        })
+        .join();
+    EXPECT_EQ(registered(queue), 1U);
+    EXPECT_FALSE(queue->isCreatorAlive());
+    Zu::LgReader().flushAll();
+    EXPECT_EQ(registered(queue), 0U);
+    EXPECT_EQ(_logger.textsOf("events.log"), std::vector<std::string>{"last words"});
+}
+
+TEST_F(LgServiceThreadsTest, CountsTheLossesOfLivingAndOfEndedThreads)
+{
+    _threads.start();
+    const std::uint64_t before = _threads.getLostCount();
+    const auto loseThree = []
+    {
+        LgQueue& queue = *LgServiceThreads::queueOfThread();
+        while (add(queue, "kept")) continue;
+        EXPECT_FALSE(add(queue, "lost"));
+        EXPECT_FALSE(add(queue, "lost"));
+    };
+    loseThree();
+    EXPECT_EQ(_threads.getLostCount() - before, 3U);
+    std::thread(loseThree).join();
+    EXPECT_EQ(_threads.getLostCount() - before, 6U);
+    Zu::LgReader().flushAll();
+    EXPECT_EQ(_threads.getLostCount() - before, 6U);
+}
+
+TEST_F(LgServiceThreadsTest, AProducerMakesRoomItselfWhenNoServiceRuns)
+{
+    _threads.start();
+    LgQueue& queue = *LgServiceThreads::queueOfThread();
+    while (add(queue, "kept")) continue;
+    _threads.stop();
+    EXPECT_TRUE(queue.isFull());
+    queue.waitForSpace(100);
+    EXPECT_FALSE(queue.isFull());
+    EXPECT_TRUE(add(queue, "further"));
+}
+
+TEST_F(LgServiceThreadsTest, AProducerThatWaitsForRoomGoesOnWhenAnEventIsTaken)
+{
+    _threads.start();
+    LgQueue& queue = *LgServiceThreads::queueOfThread();
+    while (add(queue, "kept")) continue;
+    std::thread reader([] { Zu::LgReader().flushAll(); });
+    queue.waitForSpace(30000);
+    EXPECT_GE(queue.getStream().getNumCharacters(), 30000U);
+    reader.join();
+}
+
+} // namespace

@@ -1,0 +1,124 @@
+// A client of the log service, for what only a whole process shows. The first word says what to do.
+
+#include "app/lgService.h"
+#include "app/lgServiceEx.h"
+#include "base/base.h"
+
+#include "support/platform.h"
+
+#include <atomic>
+#include <cstdlib>
+#include <iostream>
+#include <memory>
+#include <string>
+#include <thread>
+#include <vector>
+
+ZU_DEFINE_LOG_GROUP(Service);
+
+namespace
+{
+
+// Takes the lock between processes of this name and dies with it.
+void dieWithLock(const char* name)
+{
+    Zu::LgInterProcessLock::create(name)->lock();
+    std::_Exit(0);
+}
+
+void makeServiceTooEarly()
+{
+    try
+    {
+        const Zu::LgService service;
+    }
+    catch (const Zu::LgServiceEx& exception)
+    {
+        std::cout << exception.getReason() << "\n";
+    }
+}
+
+// Threads that log while the process ends orderly around them.
+void logFromThreads()
+{
+    const Zu::LgService service;
+    std::vector<std::thread> threads;
+    for (int thread = 0; thread < 3; ++thread)
+        threads.emplace_back(
+            [thread]
+            {
+                for (int i = 0; i < 100; ++i)
+                    ZU_LOG_WARNING(Service, "thread " << thread << " event " << i);
+            });
+    for (std::thread& thread : threads) thread.join();
+}
+
+// The process ends while the service lives and a thread logs.
+[[noreturn]] void exitInTheMiddle()
+{
+    static const Zu::LgService* const service = new Zu::LgService;
+    static std::atomic<int> events{0};
+    static const std::thread* const endless = new std::thread(
+        []
+        {
+            while (true)
+            {
+                ZU_LOG_WARNING(Service, "event " << events.load());
+                ++events;
+            }
+        });
+    while (endless && events < 100) std::this_thread::yield();
+    std::cout << "lost some: " << (service->getLostCount() > 1000000000) << "\n";
+    std::exit(7);
+}
+
+// A child of a fork goes on beside threads that it does not have. Its exit value says where it is.
+int forkInTheMiddle()
+{
+    const Zu::LgService service;
+    std::atomic<bool> stop{false};
+    auto producer = std::make_unique<std::thread>(
+        [&stop]
+        {
+            // Not without end: how long the child takes is not known.
+            for (int i = 0; i < 20000 && !stop; ++i) ZU_LOG_INFORMATIONAL(Service, "busy");
+        });
+    ZU_LOG_WARNING(Service, "before the fork");
+    const support::Side side = support::forkProcess();
+    if (side == support::Side::CHILD)
+    {
+        static const std::thread* const ofTheParent = producer.release();
+        if (!ofTheParent) return 4;
+        ZU_LOG_WARNING(Service, "in the child");
+        // A thread of the child logs and ends, too.
+        std::thread([] { ZU_LOG_WARNING(Service, "in a thread of the child"); }).join();
+        return 3;
+    }
+    const int child = support::awaitForkedChild();
+    stop = true;
+    producer->join();
+    ZU_LOG_WARNING(Service, "child ended with " << child);
+    return 0;
+}
+
+int run(const std::string& what, char** words)
+{
+    if (what == "die") dieWithLock(words[2]);
+    if (what == "early") makeServiceTooEarly();
+    int count = 1;
+    const Zu::InInitGuard guard(count, words);
+    ZU_START_LOG_GROUP("Test", Service);
+    int result = 0;
+    if (what == "threads") logFromThreads();
+    if (what == "exit") exitInTheMiddle();
+    if (what == "fork") result = forkInTheMiddle();
+    ZU_STOP_LOG_GROUP(Service);
+    return result;
+}
+
+} // namespace
+
+int main(int, char** words)
+{
+    return run(words[1], words);
+}
