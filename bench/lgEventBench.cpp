@@ -1,0 +1,257 @@
+// One event from the level test to its publication: on a bare queue, through the log service, and
+// beside them a hand-written floor with the same counter read, and spdlog. Events come in batches
+// that no ring is too small for; between batches, off the clock, everything is written.
+
+#include "app/lgService.h"
+#include "base/lgEvent.h"
+#include "benchLogger.h"
+
+#include <algorithm>
+#include <array>
+#include <atomic>
+#include <benchmark/benchmark.h>
+#include <charconv>
+#include <chrono>
+#include <cstdint>
+#include <cstring>
+#include <memory>
+#include <spdlog/async.h>
+#include <spdlog/sinks/basic_file_sink.h>
+#include <spdlog/spdlog.h>
+#include <thread>
+
+ZU_DEFINE_LOG_GROUP(Bench);
+
+namespace
+{
+
+using bench::LITERAL;
+using bench::Shape;
+using bench::TEXT_AND_DOUBLE;
+using bench::TEXT_AND_INTEGERS;
+using bench::WORD;
+namespace LgTypes = Zu::LgTypes;
+
+constexpr int BATCH = 256;
+
+// Times batches of one piece of work, with another one after each that is not timed.
+template <class Event, class Settle>
+void runBatches(benchmark::State& state, Event event, Settle settle)
+{
+    int number = -12345;
+    for (auto _ : state)
+    {
+        const auto start = std::chrono::steady_clock::now();
+        for (int i = 0; i < BATCH; ++i)
+        {
+            benchmark::DoNotOptimize(number);
+            event(number);
+        }
+        const std::chrono::duration<double> time = std::chrono::steady_clock::now() - start;
+        state.SetIterationTime(time.count());
+        settle();
+    }
+    state.counters["perEvent"] =
+        benchmark::Counter(static_cast<double>(state.iterations()) * BATCH,
+                           benchmark::Counter::kIsRate | benchmark::Counter::kInvert);
+}
+
+// The floor's ring of characters.
+class Ring
+{
+public:
+    void put(const char* text, std::size_t length)
+    {
+        const std::size_t position = _end & (_characters.size() - 1);
+        const std::size_t tillWrap = std::min(length, _characters.size() - position);
+        std::memcpy(_characters.data() + position, text, tillWrap);
+        std::memcpy(_characters.data(), text + tillWrap, length - tillWrap);
+        _end += length;
+    }
+
+    template <class Number> void putNumber(Number number)
+    {
+        char text[32];
+        put(text,
+            static_cast<std::size_t>(std::to_chars(text, text + sizeof text, number).ptr - text));
+    }
+
+    void putFixed(double number)
+    {
+        char text[330];
+        const char* const end =
+            std::to_chars(text, text + sizeof text, number, std::chars_format::fixed, 6).ptr;
+        put(text, static_cast<std::size_t>(end - text));
+    }
+
+    void publish(std::uint64_t time)
+    {
+        put(reinterpret_cast<const char*>(&time), sizeof time);
+        _published.store(_end, std::memory_order_release);
+    }
+
+private:
+    std::array<char, 32768> _characters{};
+    std::size_t _end = 0;
+    std::atomic<std::size_t> _published{0};
+};
+
+void floorOf(benchmark::State& state, Shape shape)
+{
+    Zu::OsCpuInfo::initialize();
+    Zu::HwCounter::init();
+    const auto ring = std::make_unique<Ring>();
+    const auto event = [&](int number)
+    {
+        const std::uint64_t time = Zu::HwCounter::timeStamp();
+        ring->put("Bench ", 6);
+        ring->put("a text of some words ", 21);
+        if (shape != LITERAL) ring->putNumber(number);
+        if (shape == TEXT_AND_INTEGERS) ring->putNumber(static_cast<unsigned int>(-number));
+        if (shape == TEXT_AND_DOUBLE)
+        {
+            ring->putFixed(number * 0.37);
+            ring->put(WORD, std::strlen(WORD));
+        }
+        ring->publish(time);
+    };
+    runBatches(state, event, [] {});
+}
+
+// The statement; its operands are those of the shape.
+void logEvent(Shape shape, int number)
+{
+    if (shape == LITERAL)
+        ZU_LOG_WARNING(Bench, "a text of some words ");
+    else if (shape == TEXT_AND_INTEGERS)
+        ZU_LOG_WARNING(Bench,
+                       "a text of some words " << number << static_cast<unsigned int>(-number));
+    else
+        ZU_LOG_WARNING(Bench, "a text of some words " << number << number * 0.37 << WORD);
+}
+
+void queue(benchmark::State& state, Shape shape)
+{
+    const bench::Logger logger;
+    static Zu::LgQueue* theQueue = nullptr;
+    Zu::LgQueue bare;
+    theQueue = &bare;
+    ZU_START_LOG_GROUP("Bench", Bench);
+    Zu::LgLog::setQueueFunction([] { return theQueue; });
+    Zu::LgLog::setLoggerActivation(true);
+    std::array<char, 32768> text;
+    const auto settle = [&]
+    {
+        for (; !bare.isEmpty(); bare.removeEntry()) bare.getStream() >> text.data();
+    };
+    runBatches(
+        state, [&](int number) { logEvent(shape, number); }, settle);
+    Zu::LgLog::setLoggerActivation(false);
+    Zu::LgLog::setQueueFunction(nullptr);
+    ZU_STOP_LOG_GROUP(Bench);
+    state.counters["lost"] = static_cast<double>(bare.getLostCount());
+}
+
+void service(benchmark::State& state, Shape shape)
+{
+    const bench::Logger logger;
+    ZU_START_LOG_GROUP("Bench", Bench);
+    {
+        const Zu::LgService theService;
+        const Zu::LgQueue& own = Zu::LgLog::getQueue();
+        const auto settle = [&]
+        {
+            while (!own.isEmpty()) std::this_thread::yield();
+        };
+        runBatches(
+            state, [&](int number) { logEvent(shape, number); }, settle);
+        state.counters["lost"] = static_cast<double>(theService.getLostCount());
+    }
+    ZU_STOP_LOG_GROUP(Bench);
+}
+
+void logToPeer(spdlog::logger& peer, Shape shape, int number)
+{
+    if (shape == LITERAL)
+        peer.warn("Bench a text of some words ");
+    else if (shape == TEXT_AND_INTEGERS)
+        peer.warn("Bench a text of some words {}{}", number, static_cast<unsigned int>(-number));
+    else
+        peer.warn("Bench a text of some words {}{:.6f}{}", number, number * 0.37, WORD);
+}
+
+void spdlogAsync(benchmark::State& state, Shape shape)
+{
+    const bench::Logger logger;
+    spdlog::init_thread_pool(8192, 1);
+    {
+        const auto peer =
+            spdlog::basic_logger_mt<spdlog::async_factory>("async", logger.file("peer.log"));
+        const auto settle = []
+        {
+            while (spdlog::thread_pool()->queue_size() > 0) std::this_thread::yield();
+        };
+        runBatches(
+            state, [&](int number) { logToPeer(*peer, shape, number); }, settle);
+    }
+    spdlog::drop_all();
+}
+
+void spdlogSync(benchmark::State& state, Shape shape)
+{
+    const bench::Logger logger;
+    {
+        const auto peer = spdlog::basic_logger_st("sync", logger.file("peer.log"));
+        runBatches(
+            state, [&](int number) { logToPeer(*peer, shape, number); }, [] {});
+    }
+    spdlog::drop_all();
+}
+
+void disabledStatement(benchmark::State& state)
+{
+    const bench::Logger logger;
+    ZU_START_LOG_GROUP("Bench", Bench);
+    int number = 0;
+    for (auto _ : state)
+    {
+        ZU_LOG_TRACING(Bench, "not evaluated " << ++number);
+        benchmark::ClobberMemory();
+    }
+    ZU_STOP_LOG_GROUP(Bench);
+    if (number != 0) state.SkipWithError("the statement was not disabled");
+}
+
+void emptyLoop(benchmark::State& state)
+{
+    for (auto _ : state) benchmark::ClobberMemory();
+}
+
+void registerShape(const std::string& name, Shape shape)
+{
+    const struct
+    {
+        const char* _name;
+        void (*_run)(benchmark::State&, Shape);
+    } works[] = {{"floor", floorOf},
+                 {"queue", queue},
+                 {"service", service},
+                 {"spdlogAsync", spdlogAsync},
+                 {"spdlogSync", spdlogSync}};
+    for (const auto& work : works)
+        benchmark::RegisterBenchmark(("event/" + name + "/" + work._name).c_str(), work._run, shape)
+            ->UseManualTime();
+}
+
+const bool registered = []
+{
+    registerShape("a", LITERAL);
+    registerShape("b", TEXT_AND_INTEGERS);
+    registerShape("c", TEXT_AND_DOUBLE);
+    return true;
+}();
+
+BENCHMARK(disabledStatement);
+BENCHMARK(emptyLoop);
+
+} // namespace
