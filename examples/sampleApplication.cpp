@@ -1,6 +1,7 @@
-// A sample application of the family: it starts, tells what the library found, and stops.
+// A sample application of the family: it starts, tells what the library found, logs, and stops.
 
 #include "base/base.h"
+#include "sampleLogging.h"
 
 #include <cstdlib>
 #include <cstring>
@@ -75,10 +76,12 @@ template <> Zu::InInit<sample::service>::InInit() : InPackageInit("sampleService
 template <> void Zu::InInit<sample::service>::performInitialize()
 {
     InSingleton<sample::Store>::getInstance().put("(from start-up)");
+    sample::startLogGroups();
 }
 
 template <> void Zu::InInit<sample::service>::performFinalize()
 {
+    sample::stopLogGroups();
     InSingleton<sample::Store>::getInstance().put("(from shut-down)");
 }
 
@@ -104,6 +107,11 @@ Zu::InEnvAlias quietEnv("SAMPLE_QUIET", "environment variable SAMPLE_QUIET");
 Zu::InDefAlias quietDefault("0", "default");
 Zu::InVariable<bool> quiet("sample::service::quiet", theService, quietOption, quietEnv,
                            quietDefault);
+
+// The application starts itself a second time with this option, to share its log files.
+Zu::InArgAlias secondOption("s", "option -s");
+Zu::InDefAlias secondDefault("0", "default");
+Zu::InVariable<bool> second("sample::service::second", theService, secondOption, secondDefault);
 
 constexpr int WRONG_USE = 2;
 
@@ -193,7 +201,7 @@ std::string wrongUse()
     return "";
 }
 
-int run()
+int run(const char* program)
 {
     const std::string mistake = wrongUse();
     if (!mistake.empty())
@@ -201,6 +209,11 @@ int run()
         std::cerr << "sampleApplication: " << mistake << std::endl
                   << "usage: sampleApplication [-q] [-p port] [-n name] [file ...]" << std::endl;
         return WRONG_USE;
+    }
+    if (second.getValue())
+    {
+        sample::logAsSecondProcess();
+        return 0;
     }
     if (quiet.getValue()) return 0;
 
@@ -220,6 +233,8 @@ int run()
     printCounter();
     printHeading("Place:");
     printPlace();
+    printHeading("Log, by several threads and a second process:");
+    sample::showLogging(program);
     printHeading("Shut-down, as ZU_DEBUG_INITIALIZE shows it on standard error:");
     Zu::InSingleton<sample::Store>::getInstance()._isTalking = true;
     Zu::OsEnv::putVariable("ZU_DEBUG_INITIALIZE=1");
@@ -232,8 +247,10 @@ int main(int argc, char** argv)
 {
     try
     {
+        const std::string program = argv[0];
+        sample::prepareLogging();
         const Zu::InInitGuard guard(argc, argv);
-        return run();
+        return run(program.c_str());
     }
     catch (const std::exception& exception)
     {

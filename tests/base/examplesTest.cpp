@@ -1,8 +1,12 @@
 // The example programs do what their readers are told.
 
 #include "support/childProcess.h"
+#include "support/tempDir.h"
 
+#include <algorithm>
+#include <fstream>
 #include <gtest/gtest.h>
+#include <iterator>
 #include <string>
 #include <vector>
 
@@ -36,6 +40,70 @@ TEST(Examples, TheGreetingTakesItsNameFromTheBestSource)
               "Hello, environment! (Zu::InContextAlias<Zu::InInitEnv, 1>)\n");
     EXPECT_EQ(support::runProgram("greeting", {}, none).out,
               "Hello, world! (Zu::InContextAlias<Zu::InInitDef, 0>)\n");
+}
+
+std::string textOf(const std::string& file)
+{
+    std::ifstream stream(file, std::ios::binary);
+    return {std::istreambuf_iterator<char>(stream), std::istreambuf_iterator<char>()};
+}
+
+// A file's lines that are events, from their level on.
+std::vector<std::string> eventsOf(const std::string& file)
+{
+    std::vector<std::string> events;
+    for (const std::string& line : support::linesOf(textOf(file)))
+        if (line.find(") ") != std::string::npos)
+            events.push_back(line.substr(line.find(") ") + 2));
+    return events;
+}
+
+TEST(Examples, LoggingGoesToStandardOutputFirstAndThenToTheFile)
+{
+    const support::TempDir dir;
+    const ProgramResult result = support::runProgram(
+        "logging", {}, {{"B7Q_TEST_DIR", dir.path()}, {"ZU_LOG_GROUPS", std::nullopt}});
+    EXPECT_EQ(result.exitCode, 0);
+    EXPECT_EQ(result.out, "Orders goes to standard output: no service runs yet\n");
+    EXPECT_EQ(eventsOf(dir.file("events.log")),
+              (std::vector<std::string>{"Warning: Orders order 1 is late by 0.500000 days",
+                                        "Warning: Orders order 2 is late by 1.000000 days",
+                                        "Warning: Orders order 3 is late by 1.500000 days"}));
+}
+
+TEST(Examples, TheSampleApplicationKeepsAccountOfItsEvents)
+{
+    const support::TempDir dir;
+    const ProgramResult result = support::runProgram(
+        "sampleApplication", {}, {{"B7Q_TEST_DIR", dir.path()}, {"SAMPLE_QUIET", std::nullopt}});
+    EXPECT_EQ(result.exitCode, 0);
+    const std::vector<std::string> events = eventsOf(dir.file("events.log"));
+    const auto count = [&events](const std::string& beginning)
+    {
+        return std::count_if(events.begin(), events.end(),
+                             [&beginning](const std::string& event)
+                             { return event.rfind(beginning, 0) == 0; });
+    };
+    EXPECT_GE(count("Informational: Event overflow ["), 1);
+    EXPECT_EQ(count("Warning: Query from the second process, "), 50);
+    // Three producers of forty rounds; the losses are all in the burst of another thread.
+    for (const char* const beginning :
+         {"Internal Error: Query index broken, producer ",
+          "Fatal Error: Query disk gone, producer ", "Error: Query no answer in round ",
+          "Warning: Query took ", "Informational: Window opened by producer ",
+          "Tracing: Window draw "})
+        EXPECT_EQ(count(beginning), 120) << beginning;
+    EXPECT_EQ(count("Tracing: Query"), 0);
+    const std::vector<std::string> profile = eventsOf(dir.file("prof.log"));
+    EXPECT_EQ(profile.size(), 120U);
+    // Attempted: the producers' seven levels, the burst and the second process.
+    const auto written = events.size() + profile.size() -
+                         static_cast<std::size_t>(count("Informational: Event overflow ["));
+    const std::size_t attempted = 3 * 40 * 7 + 2000 + 50;
+    EXPECT_TRUE(hasLine(result.out, "  account: " + std::to_string(attempted) +
+                                        " attempted = " + std::to_string(written) + " written + " +
+                                        std::to_string(attempted - written) + " lost"))
+        << result.out;
 }
 
 TEST(Examples, TheSampleApplicationShowsWhatItDid)
