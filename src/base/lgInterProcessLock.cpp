@@ -7,15 +7,14 @@ namespace Zu
 
 LgInterProcessLock::~LgInterProcessLock() noexcept(false) = default;
 
-LgInterProcessLockGuard::LgInterProcessLockGuard(LgInterProcessLock* l)
-    : _lock(l), _exceptions(std::uncaught_exceptions())
+void LgInterProcessLockGuard::lock()
 {
-    if (_lock) _lock->lock();
+    _exceptions = std::uncaught_exceptions();
+    _lock->lock();
 }
 
-LgInterProcessLockGuard::~LgInterProcessLockGuard() noexcept(false)
+void LgInterProcessLockGuard::unlock()
 {
-    if (!_lock) return;
     try
     {
         _lock->unlock();

@@ -47,14 +47,26 @@ template <> inline constexpr bool ownedMayThrow<LgInterProcessLock> = true;
 class ZU_BASE_API LgInterProcessLockGuard
 {
 public:
-    explicit LgInterProcessLockGuard(LgInterProcessLock* l);
+    explicit LgInterProcessLockGuard(LgInterProcessLock* l) : _lock(l)
+    {
+        if (_lock) lock();
+    }
+
     LgInterProcessLockGuard(const LgInterProcessLockGuard&) = delete;
     LgInterProcessLockGuard& operator=(const LgInterProcessLockGuard&) = delete;
-    ~LgInterProcessLockGuard() noexcept(false);
+
+    ~LgInterProcessLockGuard() noexcept(false)
+    {
+        if (_lock) unlock();
+    }
 
 private:
+    void lock();
+    void unlock();
+
     LgInterProcessLock* _lock;
-    int _exceptions;
+    // How many exceptions were under way when the scope began.
+    int _exceptions = 0;
 };
 
 } // namespace Zu

@@ -169,7 +169,17 @@ void LgQueue::addEntry()
     ZU_INTERNAL_ASSERT_TEXT(_end.plus(2) != _begSeen, "_end+2U != _beg");
     // Pairs with the reader's look at it: entry and text are complete.
     ++_end;
+    fetchAhead();
     if (!_observer.isNull()) _observer->entryAdded(*this);
+}
+
+// The reader had the places of events to come in its cache; they are on their way back when their
+// turn comes.
+[[gnu::target("prfchw")]] void LgQueue::fetchAhead()
+{
+    constexpr std::uint32_t ENTRIES = 4;
+    __builtin_prefetch(&_entries[_end.plus(ENTRIES)], 1);
+    _stream.fetchAhead();
 }
 
 void LgQueue::cancelInsertion()
@@ -203,16 +213,6 @@ void LgQueue::removeEntry()
     if (!_observer.isNull()) _observer->entryRemoved(*this);
 }
 
-bool LgQueue::isCreatorAlive() const
-{
-    return _creatorAlive.load(std::memory_order_acquire);
-}
-
-bool LgQueue::isEmpty() const
-{
-    return _end.get() == _beg.get();
-}
-
 bool LgQueue::isFull() const
 {
     const std::uint32_t beg = _beg;
@@ -222,21 +222,6 @@ bool LgQueue::isFull() const
 unsigned int LgQueue::getMaxSize()
 {
     return NUM_ENTRIES - 1;
-}
-
-LgStream& LgQueue::getStream()
-{
-    return _stream;
-}
-
-const LgStream& LgQueue::getStream() const
-{
-    return _stream;
-}
-
-std::uint32_t LgQueue::getThreadId() const
-{
-    return _threadId;
 }
 
 ObjPtrRet<LgQueue::Observer> LgQueue::changeObserver(ObjPtr<Observer> observer)

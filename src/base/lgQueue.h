@@ -173,12 +173,18 @@ public:
     void removeEntry();
 
     /// Whether the producer's thread lives.
-    bool isCreatorAlive() const;
+    bool isCreatorAlive() const
+    {
+        return _creatorAlive.load(std::memory_order_acquire);
+    }
 
     // What both may call.
 
     /// Whether no entry waits.
-    bool isEmpty() const;
+    bool isEmpty() const
+    {
+        return _end.get() == _beg.get();
+    }
 
     /// Whether the next event will be lost for want of an entry.
     bool isFull() const;
@@ -187,11 +193,21 @@ public:
     static unsigned int getMaxSize();
 
     /// The texts; insertion is the producer's, extraction the reader's.
-    LgStream& getStream();
-    const LgStream& getStream() const;
+    LgStream& getStream()
+    {
+        return _stream;
+    }
+
+    const LgStream& getStream() const
+    {
+        return _stream;
+    }
 
     /// The id that the constructor was given.
-    std::uint32_t getThreadId() const;
+    std::uint32_t getThreadId() const
+    {
+        return _threadId;
+    }
 
     /// Installs the observer, once, before the queue is used by two threads; returns null. Asserts
     /// "_observer.isNull()".
@@ -217,6 +233,7 @@ private:
     }
 
     bool isFreeNow();
+    void fetchAhead();
     bool refuse();
     bool countLoss();
 

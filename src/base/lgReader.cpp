@@ -20,35 +20,30 @@ namespace
 // As many characters as the ring of an LgStream has.
 constexpr unsigned int BufSize = 32768;
 
-constexpr int TIME_WIDTH = 10;
-constexpr int THREAD_WIDTH = 8;
 constexpr std::size_t PREFIX_SIZE = 80;
 
-char* append(char* place, const char* text)
+inline char* append(char* place, const char* text)
 {
     const std::size_t length = std::strlen(text);
     std::memcpy(place, text, length);
     return place + length;
 }
 
-char* appendFilled(char* place, std::uint32_t value, int base, int width)
+// All digits of a number, with zeros in front.
+template <std::uint32_t BASE, int WIDTH> char* appendFilled(char* place, std::uint32_t value)
 {
-    char digits[std::numeric_limits<std::uint32_t>::digits10 + 1];
-    const char* const end = std::to_chars(digits, digits + sizeof digits, value, base).ptr;
-    const auto length = static_cast<int>(end - digits);
-    std::memset(place, '0', static_cast<std::size_t>(width));
-    std::memcpy(place + (width - length), digits, static_cast<std::size_t>(length));
-    return place + width;
+    for (int i = WIDTH; i > 0; --i, value /= BASE) place[i - 1] = "0123456789abcdef"[value % BASE];
+    return place + WIDTH;
 }
 
 char* appendPrefix(char* place, const LgQueue& q, const LgQueue::Entry& e, LgTypes::Level level)
 {
     const std::uint64_t delta = e.getTimeStamp() - LgLog::getStart();
-    place = appendFilled(place, static_cast<std::uint32_t>(delta >> 32), 10, TIME_WIDTH);
+    place = appendFilled<10, 10>(place, static_cast<std::uint32_t>(delta >> 32));
     place = append(place, " ");
-    place = appendFilled(place, static_cast<std::uint32_t>(delta), 10, TIME_WIDTH);
+    place = appendFilled<10, 10>(place, static_cast<std::uint32_t>(delta));
     place = append(place, " (0x");
-    place = appendFilled(place, q.getThreadId(), 16, THREAD_WIDTH);
+    place = appendFilled<16, 8>(place, q.getThreadId());
     place = append(place, ") ");
     place = append(place, LgTypes::levelToString(level));
     return append(place, ": ");
@@ -62,9 +57,8 @@ char* appendText(char* place, LgQueue& q, const LgQueue::Entry& e)
         *std::to_chars(count, count + sizeof count - 1, e.getOverflowCount()).ptr = '\0';
         return append(append(append(place, "Event overflow ["), count), "]");
     }
-    const unsigned int length = q.getStream().getNextSize();
+    const unsigned int length = q.getStream().take(place);
     ZU_INTERNAL_ASSERT_TEXT(length < BufSize, "q->getStream().getNextSize() < BufSize");
-    q.getStream() >> place;
     return place + length;
 }
 
@@ -77,7 +71,12 @@ void writeLine(std::ostream& out, const char* line, std::size_t length)
         out.fill(' ');
         out.setf(std::ios::dec, std::ios::basefield);
     }
-    out.write(line, static_cast<std::streamsize>(length)).flush();
+    // What write() and flush() do, with the stream's preparations for output made once.
+    const std::ostream::sentry prepared(out);
+    if (!prepared) return;
+    const auto size = static_cast<std::streamsize>(length);
+    const bool isWritten = out.rdbuf()->sputn(line, size) == size;
+    if (!isWritten || out.rdbuf()->pubsync() != 0) out.setstate(std::ios::badbit);
 }
 
 } // namespace

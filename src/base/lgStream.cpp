@@ -339,13 +339,13 @@ bool LgStream::findNext(Next& next) const
     return true;
 }
 
-LgStream& LgStream::operator>>(char* destination)
+unsigned int LgStream::take(char* destination)
 {
     Next next{};
     if (!findNext(next))
     {
         *destination = '\0';
-        return *this;
+        return 0;
     }
     const std::uint32_t tillWrap = std::min(next._length, _readPos.size() - next._begin);
     std::memcpy(destination, _buffer.get() + next._begin, tillWrap);
@@ -353,7 +353,7 @@ LgStream& LgStream::operator>>(char* destination)
     destination[next._length] = '\0';
     _readPos = next._begin + next._length;
     _overflowed.store(false, std::memory_order_relaxed);
-    return *this;
+    return next._length;
 }
 
 } // namespace Zu

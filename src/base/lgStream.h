@@ -127,7 +127,14 @@ public:
 
     /// Takes the next string, or the empty one if there is none. `destination` has room for 32,768
     /// characters.
-    LgStream& operator>>(char* destination);
+    LgStream& operator>>(char* destination)
+    {
+        take(destination);
+        return *this;
+    }
+
+    /// The same; returns the length of the string.
+    unsigned int take(char* destination);
 
 protected:
     /// A ring of another size, a power of two from 4 on, for tests.
@@ -182,6 +189,13 @@ private:
         std::uint32_t _length;
     };
     bool findNext(Next& next) const;
+
+    // Asks for a place that will be written soon.
+    void fetchAhead() const
+    {
+        constexpr std::uint32_t CHARACTERS = 256;
+        __builtin_prefetch(_buffer.get() + _writePos.plus(CHARACTERS), 1);
+    }
 
     LgStream& insertAtEdge(const char* text, std::size_t length);
     void completeAtEdge();
