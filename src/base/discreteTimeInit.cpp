@@ -1,5 +1,6 @@
 // The package "discreteTime": discrete time.
 
+#include "base/dtRefTime.h"
 #include "base/inInit.h"
 #include "base/initOrder.h"
 
@@ -16,7 +17,11 @@ template <> InInit<ZuInit::discreteTime>::InInit() : InPackageInit("discreteTime
     addDependency(InInit<ZuInit::initialize>::getType());
 }
 
-template <> void InInit<ZuInit::discreteTime>::performInitialize() {}
+template <> void InInit<ZuInit::discreteTime>::performInitialize()
+{
+    // The counts of the reference clock begin here, and no later first use pays for it.
+    DtRefTimeFactory::getInstance();
+}
 
 template <> void InInit<ZuInit::discreteTime>::performFinalize() {}
 

@@ -1,11 +1,8 @@
 #include "base/inVariable.h"
 
 #include "base/inVariable.imp"
+#include "base/textToInt.h"
 
-#include <algorithm>
-#include <cerrno>
-#include <cstdlib>
-#include <limits>
 #include <string_view>
 
 namespace Zu
@@ -33,11 +30,7 @@ template <> struct InValueText<int>
 {
     static int read(const char* text)
     {
-        using Limits = std::numeric_limits<int>;
-        const int savedError = errno;
-        const long long number = std::strtoll(text, nullptr, 10);
-        errno = savedError;
-        return static_cast<int>(std::clamp<long long>(number, Limits::min(), Limits::max()));
+        return textToInt(text);
     }
 };
 

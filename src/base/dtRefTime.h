@@ -1,0 +1,85 @@
+/// @file
+/// When something happened, on the one clock of the system.
+
+#ifndef ZU_BASE_DTREFTIME_H
+#define ZU_BASE_DTREFTIME_H
+
+#include "base/baseApi.h"
+#include "base/dtRefClockSource.h"
+#include "base/dtTime.h"
+#include "base/objPtr.h"
+
+#include <iosfwd>
+
+namespace Zu
+{
+
+/// A count of the reference clock. It is deliberately a type of its own, without arithmetic and
+/// comparison: only the factory makes one, so all of them have the clock's rate, and their counts
+/// can be compared and subtracted as they are.
+class DtRefTime
+{
+    friend class DtRefTimeFactory;
+
+public:
+    /// 0 at the rate 0/1, which marks a time that was never set.
+    constexpr DtRefTime() noexcept : _rate(0, 1) {}
+
+    constexpr DtTimeIndex getCount() const noexcept
+    {
+        return _index;
+    }
+
+    constexpr Rational getRate() const noexcept
+    {
+        return _rate;
+    }
+
+    /// Writes "(0 @ (0/1=0))".
+    ZU_BASE_API std::ostream& dump(std::ostream& os) const;
+
+private:
+    constexpr DtRefTime(DtTimeIndex index, Rational rate) noexcept : _index(index), _rate(rate) {}
+
+    DtTimeIndex _index;
+    Rational _rate;
+};
+
+/// As DtRefTime::dump().
+ZU_BASE_API std::ostream& operator<<(std::ostream& os, const DtRefTime& time);
+
+/// Makes reference times. The package "discreteTime" makes the one factory when it starts, and with
+/// it the clock, whose counts begin there; they live to the end of the process.
+///
+/// Thread-safety: the first getInstance() belongs to one thread; everything else is for any.
+class ZU_BASE_API DtRefTimeFactory
+{
+public:
+    static DtRefTimeFactory& getInstance();
+
+    DtRefTimeFactory(const DtRefTimeFactory&) = delete;
+    DtRefTimeFactory& operator=(const DtRefTimeFactory&) = delete;
+    ~DtRefTimeFactory();
+
+    const DtRefClockSource& getClockSource() const;
+
+    /// Now.
+    DtRefTime create() const;
+
+    /// The time of a stored count. Raises DtRefClockEx::SourceMismatch unless `sourceName` is the
+    /// clock's.
+    DtRefTime create(const DtTimeIndex& count, const char* sourceName) const;
+
+    /// The time that lies `delta` ticks of `rate` behind `base`, truncated toward zero. The rate of
+    /// `base` is not looked at. Raises RationalEx::ExDenominatorZero if `rate` is 0.
+    DtRefTime create(const DtRefTime& base, const DtTimeIndex& delta, const Rational& rate) const;
+
+private:
+    DtRefTimeFactory();
+
+    ObjPtr<DtRefClockSource> _source;
+};
+
+} // namespace Zu
+
+#endif

@@ -1,0 +1,601 @@
+/// @file
+/// Time as a count of ticks at a stated rate.
+
+#ifndef ZU_BASE_DTTIME_H
+#define ZU_BASE_DTTIME_H
+
+#include "base/baseApi.h"
+#include "base/dtArithmetic.h"
+#include "base/dtEx.h"
+#include "base/ieeeDivide.h"
+#include "base/rational.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <functional>
+#include <iosfwd>
+#include <limits>
+#include <type_traits>
+
+namespace Zu
+{
+
+/// A count of ticks. All arithmetic is that of 64 bits: it wraps, `/` and `%` truncate toward zero,
+/// and a divisor of 0 is a fault of the caller. Compares as the integer that it converts to.
+class DtTimeIndex
+{
+    friend class DtTime;
+
+    template <class T> using IfInteger = std::enable_if_t<std::is_integral_v<T>>;
+
+public:
+    /// 0.
+    constexpr DtTimeIndex() noexcept = default;
+    constexpr DtTimeIndex(std::int64_t count) noexcept : _count(count) {}
+
+    constexpr operator long long() const noexcept
+    {
+        return _count;
+    }
+
+    constexpr DtTimeIndex& operator+=(std::int64_t count) noexcept
+    {
+        _count = DtArithmetic::add(_count, count);
+        return *this;
+    }
+
+    constexpr DtTimeIndex& operator-=(std::int64_t count) noexcept
+    {
+        _count = DtArithmetic::subtract(_count, count);
+        return *this;
+    }
+
+    constexpr DtTimeIndex& operator*=(std::int64_t factor) noexcept
+    {
+        _count = DtArithmetic::multiply(_count, factor);
+        return *this;
+    }
+
+    constexpr DtTimeIndex& operator/=(std::int64_t divisor) noexcept
+    {
+        _count = DtArithmetic::divide(_count, divisor);
+        return *this;
+    }
+
+    constexpr DtTimeIndex& operator%=(std::int64_t divisor) noexcept
+    {
+        _count = DtArithmetic::remainder(_count, divisor);
+        return *this;
+    }
+
+    friend constexpr DtTimeIndex operator+(DtTimeIndex a, const DtTimeIndex& b) noexcept
+    {
+        return a += b._count;
+    }
+
+    friend constexpr DtTimeIndex operator-(DtTimeIndex a, const DtTimeIndex& b) noexcept
+    {
+        return a -= b._count;
+    }
+
+    friend constexpr DtTimeIndex operator*(DtTimeIndex a, const DtTimeIndex& b) noexcept
+    {
+        return a *= b._count;
+    }
+
+    friend constexpr DtTimeIndex operator/(DtTimeIndex a, const DtTimeIndex& b) noexcept
+    {
+        return a /= b._count;
+    }
+
+    friend constexpr DtTimeIndex operator%(DtTimeIndex a, const DtTimeIndex& b) noexcept
+    {
+        return a %= b._count;
+    }
+
+    // With an integer on either side: without these it would be open whether the index becomes an
+    // integer or the integer an index.
+
+    template <class T, class = IfInteger<T>>
+    friend constexpr DtTimeIndex operator+(DtTimeIndex a, T b) noexcept
+    {
+        return a += static_cast<std::int64_t>(b);
+    }
+
+    template <class T, class = IfInteger<T>>
+    friend constexpr DtTimeIndex operator+(T a, DtTimeIndex b) noexcept
+    {
+        return b += static_cast<std::int64_t>(a);
+    }
+
+    template <class T, class = IfInteger<T>>
+    friend constexpr DtTimeIndex operator-(DtTimeIndex a, T b) noexcept
+    {
+        return a -= static_cast<std::int64_t>(b);
+    }
+
+    template <class T, class = IfInteger<T>>
+    friend constexpr DtTimeIndex operator-(T a, DtTimeIndex b) noexcept
+    {
+        return DtTimeIndex(static_cast<std::int64_t>(a)) - b;
+    }
+
+    template <class T, class = IfInteger<T>>
+    friend constexpr DtTimeIndex operator*(DtTimeIndex a, T b) noexcept
+    {
+        return a *= static_cast<std::int64_t>(b);
+    }
+
+    template <class T, class = IfInteger<T>>
+    friend constexpr DtTimeIndex operator*(T a, DtTimeIndex b) noexcept
+    {
+        return b *= static_cast<std::int64_t>(a);
+    }
+
+    template <class T, class = IfInteger<T>>
+    friend constexpr DtTimeIndex operator/(DtTimeIndex a, T b) noexcept
+    {
+        return a /= static_cast<std::int64_t>(b);
+    }
+
+    template <class T, class = IfInteger<T>>
+    friend constexpr DtTimeIndex operator/(T a, DtTimeIndex b) noexcept
+    {
+        return DtTimeIndex(static_cast<std::int64_t>(a)) / b;
+    }
+
+    template <class T, class = IfInteger<T>>
+    friend constexpr DtTimeIndex operator%(DtTimeIndex a, T b) noexcept
+    {
+        return a %= static_cast<std::int64_t>(b);
+    }
+
+    template <class T, class = IfInteger<T>>
+    friend constexpr DtTimeIndex operator%(T a, DtTimeIndex b) noexcept
+    {
+        return DtTimeIndex(static_cast<std::int64_t>(a)) % b;
+    }
+
+    constexpr DtTimeIndex& operator++() noexcept
+    {
+        return *this += 1;
+    }
+
+    constexpr DtTimeIndex& operator--() noexcept
+    {
+        return *this -= 1;
+    }
+
+    constexpr DtTimeIndex operator++(int) noexcept
+    {
+        const DtTimeIndex before = *this;
+        ++*this;
+        return before;
+    }
+
+    constexpr DtTimeIndex operator--(int) noexcept
+    {
+        const DtTimeIndex before = *this;
+        --*this;
+        return before;
+    }
+
+    /// The count, rounded to the floating type.
+    constexpr float getFloat() const noexcept
+    {
+        return static_cast<float>(_count);
+    }
+
+    constexpr double getDouble() const noexcept
+    {
+        return static_cast<double>(_count);
+    }
+
+    // The three fields of a clock, of ticks at a rate that is not 0. They rest on the whole seconds
+    // since tick 0, denominator * count / numerator; the product wraps.
+
+    /// The whole hours.
+    constexpr long long getHours(const Rational& rate) const noexcept
+    {
+        return wholeSeconds(rate) / 3600;
+    }
+
+    /// The whole minutes of the hour, -59 to 59.
+    constexpr long long getMinutes(const Rational& rate) const noexcept
+    {
+        const std::int64_t seconds = wholeSeconds(rate);
+        return (seconds - seconds / 3600 * 3600) / 60;
+    }
+
+    /// The seconds of the minute, with their fraction.
+    constexpr double getSeconds(const Rational& rate) const noexcept
+    {
+        const std::int64_t seconds = wholeSeconds(rate);
+        const double exact = static_cast<double>(_count) *
+                             static_cast<double>(rate.getDenominator()) /
+                             static_cast<double>(rate.getNumerator());
+        return static_cast<double>(seconds - seconds / 60 * 60) +
+               (exact - static_cast<double>(seconds));
+    }
+
+    /// The same instant, counted at another rate.
+    ///
+    /// std::round_toward_zero is computed in integers: the quotient of the rates is reduced, and
+    /// the result is exact as long as its numerator times the count fits 64 bits; beyond, that
+    /// product wraps. The rates' own products are of 32 bits and wrap. Raises
+    /// RationalEx::ExDenominatorZero if `from` is 0 or the divisor wraps to 0; 0 for `to` gives 0.
+    ///
+    /// All other styles are computed in `double`: std::round_to_nearest (halves up, also below 0),
+    /// std::round_toward_infinity, std::round_toward_neg_infinity, std::round_indeterminate (away
+    /// from zero). What does not fit gives the smallest 64-bit integer. A value that is no style
+    /// gives 0.
+    constexpr DtTimeIndex convert(const Rational& from, const Rational& to,
+                                  std::float_round_style style) const
+    {
+        if (style == std::round_toward_zero) return convertTruncated(from, to);
+        const double ticks = static_cast<double>(_count);
+        const double seconds = ieeeDivide(ticks * static_cast<double>(from.getDenominator()),
+                                          static_cast<double>(from.getNumerator()));
+        const double y = seconds * static_cast<double>(to.getNumerator()) /
+                         static_cast<double>(to.getDenominator());
+        switch (static_cast<int>(style))
+        {
+        case std::round_to_nearest:
+            return DtArithmetic::floor(y + 0.5);
+        case std::round_toward_infinity:
+            return DtArithmetic::ceil(y);
+        case std::round_toward_neg_infinity:
+            return DtArithmetic::floor(y);
+        case std::round_indeterminate:
+            return y >= 0 ? DtArithmetic::ceil(y) : DtArithmetic::floor(y);
+        default:
+            return 0;
+        }
+    }
+
+private:
+    constexpr std::int64_t wholeSeconds(const Rational& rate) const noexcept
+    {
+        return DtArithmetic::divide(DtArithmetic::multiply(rate.getDenominator(), _count),
+                                    rate.getNumerator());
+    }
+
+    constexpr DtTimeIndex convertTruncated(const Rational& from, const Rational& to) const
+    {
+        return scaled(Rational(DtArithmetic::multiply32(from.getDenominator(), to.getNumerator()),
+                               DtArithmetic::multiply32(to.getDenominator(), from.getNumerator())));
+    }
+
+    // Times a ratio, truncated toward zero.
+    constexpr DtTimeIndex scaled(const Rational& ratio) const noexcept
+    {
+        return DtArithmetic::divide(DtArithmetic::multiply(ratio.getNumerator(), _count),
+                                    ratio.getDenominator());
+    }
+
+    std::int64_t _count = 0;
+};
+
+/// A count of ticks and their rate, which is never 0 and may be negative.
+///
+/// Times of different rates are compared exactly, by instant: 1 at 1/1 equals 30 at 30/1. They are
+/// calculated with at a common rate, the product of both, capped at a million per second (and at
+/// one per million seconds): deliberately, as that bounds the products, also where it loses ticks.
+/// Products of rates are of 32 bits, all others of 64, and wrap. So comparisons hold as long as
+/// denominator times numerator times count of either side fits 64 bits: at 48000/1 that is
+/// 1.9e14 ticks.
+class DtTime
+{
+public:
+    /// 0 at 1/1.
+    constexpr DtTime() noexcept = default;
+
+    /// Raises DtEx::BadRate if the rate is 0.
+    constexpr DtTime(const DtTimeIndex& index, const Rational& rate) : _index(index), _rate(rate)
+    {
+        if (rate.getNumerator() == 0) DtEx::throwBadRate(__FILE__, __LINE__);
+    }
+
+    /// The same; a zero denominator raises RationalEx::ExDenominatorZero before.
+    constexpr DtTime(const DtTimeIndex& index, std::int32_t numerator, std::int32_t denominator)
+        : DtTime(index, Rational(numerator, denominator))
+    {
+    }
+
+    constexpr DtTimeIndex getCount() const noexcept
+    {
+        return _index;
+    }
+
+    constexpr Rational getRate() const noexcept
+    {
+        return _rate;
+    }
+
+    /// Whether the rates are equal, exactly.
+    constexpr bool isRateEqual(const DtTime& other) const noexcept
+    {
+        return _rate == other._rate;
+    }
+
+    /// The same instant at another rate, truncated toward zero as DtTimeIndex::convert() does.
+    /// Raises DtEx::BadRate if the rate is 0.
+    constexpr DtTime convertRate(const Rational& rate) const
+    {
+        if (rate == _rate) return *this;
+        return DtTime(_index.convert(_rate, rate, std::round_toward_zero), rate);
+    }
+
+    // With a count: the rate stays.
+
+    constexpr DtTime& operator+=(const DtTimeIndex& count) noexcept
+    {
+        _index += count;
+        return *this;
+    }
+
+    constexpr DtTime& operator-=(const DtTimeIndex& count) noexcept
+    {
+        _index -= count;
+        return *this;
+    }
+
+    constexpr DtTime& operator*=(const DtTimeIndex& factor) noexcept
+    {
+        _index *= factor;
+        return *this;
+    }
+
+    constexpr DtTime& operator/=(const DtTimeIndex& divisor) noexcept
+    {
+        _index /= divisor;
+        return *this;
+    }
+
+    constexpr DtTime& operator%=(const DtTimeIndex& divisor) noexcept
+    {
+        _index %= divisor;
+        return *this;
+    }
+
+    // With a time: at equal rates the counts are calculated with, and the rate stays. Otherwise
+    // both are converted to the common rate, which is that of the result. `*`, `/` and `%` take the
+    // counts as plain numbers. Raises RationalEx::ExDenominatorZero or DtEx::BadRate if a product
+    // of the rates wraps to 0.
+
+    constexpr DtTime& operator+=(const DtTime& other)
+    {
+        const DtTime right = meet(other);
+        return *this += right._index;
+    }
+
+    constexpr DtTime& operator-=(const DtTime& other)
+    {
+        const DtTime right = meet(other);
+        return *this -= right._index;
+    }
+
+    constexpr DtTime& operator*=(const DtTime& other)
+    {
+        const DtTime right = meet(other);
+        return *this *= right._index;
+    }
+
+    constexpr DtTime& operator/=(const DtTime& other)
+    {
+        const DtTime right = meet(other);
+        return *this /= right._index;
+    }
+
+    constexpr DtTime& operator%=(const DtTime& other)
+    {
+        const DtTime right = meet(other);
+        return *this %= right._index;
+    }
+
+    friend constexpr DtTime operator+(DtTime a, const DtTimeIndex& b) noexcept
+    {
+        return a += b;
+    }
+
+    friend constexpr DtTime operator-(DtTime a, const DtTimeIndex& b) noexcept
+    {
+        return a -= b;
+    }
+
+    friend constexpr DtTime operator*(DtTime a, const DtTimeIndex& b) noexcept
+    {
+        return a *= b;
+    }
+
+    friend constexpr DtTime operator/(DtTime a, const DtTimeIndex& b) noexcept
+    {
+        return a /= b;
+    }
+
+    friend constexpr DtTime operator%(DtTime a, const DtTimeIndex& b) noexcept
+    {
+        return a %= b;
+    }
+
+    friend constexpr DtTime operator+(DtTime a, const DtTime& b)
+    {
+        return a += b;
+    }
+
+    friend constexpr DtTime operator-(DtTime a, const DtTime& b)
+    {
+        return a -= b;
+    }
+
+    friend constexpr DtTime operator*(DtTime a, const DtTime& b)
+    {
+        return a *= b;
+    }
+
+    friend constexpr DtTime operator/(DtTime a, const DtTime& b)
+    {
+        return a /= b;
+    }
+
+    friend constexpr DtTime operator%(DtTime a, const DtTime& b)
+    {
+        return a %= b;
+    }
+
+    constexpr DtTime& operator++() noexcept
+    {
+        ++_index;
+        return *this;
+    }
+
+    constexpr DtTime& operator--() noexcept
+    {
+        --_index;
+        return *this;
+    }
+
+    constexpr DtTime operator++(int) noexcept
+    {
+        const DtTime before = *this;
+        ++_index;
+        return before;
+    }
+
+    constexpr DtTime operator--(int) noexcept
+    {
+        const DtTime before = *this;
+        --_index;
+        return before;
+    }
+
+    /// Writes "(1001 @ (30000/1001=29.97))".
+    ZU_BASE_API void dump(std::ostream& os) const;
+
+private:
+    static constexpr std::int32_t FINEST = 1000000;
+
+    static constexpr Rational commonRate(const Rational& a, const Rational& b)
+    {
+        const Rational product(DtArithmetic::multiply32(a.getNumerator(), b.getNumerator()),
+                               DtArithmetic::multiply32(a.getDenominator(), b.getDenominator()));
+        const std::int32_t numerator = product.getNumerator();
+        const std::int32_t sign = numerator > 0 ? 1 : -1;
+        if (numerator > FINEST || numerator < -FINEST) return Rational(FINEST, sign);
+        if (product.getDenominator() > FINEST) return Rational(sign, FINEST);
+        return product;
+    }
+
+    // Whether the product fits 32 bits, and so does its negation.
+    static constexpr bool isSmall(std::int32_t a, std::int32_t b) noexcept
+    {
+        constexpr std::int64_t BOUND = std::numeric_limits<std::int32_t>::max();
+        const std::int64_t product = std::int64_t{a} * b;
+        return product >= -BOUND && product <= BOUND;
+    }
+
+    // Whether the common rate of both is their product, and no product of the conversions to it
+    // wraps. Then a count at either rate is brought to it by the other rate, as it stands.
+    static constexpr bool isPlainProduct(const Rational& a, const Rational& b,
+                                         const Rational& common) noexcept
+    {
+        return isSmall(a.getNumerator(), b.getNumerator()) &&
+               isSmall(a.getDenominator(), b.getDenominator()) && common.getNumerator() < FINEST &&
+               common.getNumerator() > -FINEST && common.getDenominator() < FINEST &&
+               isSmall(a.getDenominator(), common.getNumerator()) &&
+               isSmall(b.getDenominator(), common.getNumerator()) &&
+               isSmall(a.getNumerator(), common.getDenominator()) &&
+               isSmall(b.getNumerator(), common.getDenominator());
+    }
+
+    // Brings this time to the rate common with the other one, which is returned at that rate.
+    constexpr DtTime meet(const DtTime& other)
+    {
+        if (_rate == other._rate) return other;
+        const Rational common = commonRate(_rate, other._rate);
+        if (isPlainProduct(_rate, other._rate, common))
+        {
+            const DtTime right(other._index.scaled(_rate), common);
+            *this = DtTime(_index.scaled(other._rate), common);
+            return right;
+        }
+        const DtTime left = convertRate(common);
+        const DtTime right = other.convertRate(common);
+        *this = left;
+        return right;
+    }
+
+    DtTimeIndex _index;
+    Rational _rate;
+};
+
+/// What the comparison `a < b` has on its left: a.denominator * b.numerator * a.count.
+constexpr DtTimeIndex crossMultLhs(const DtTime& a, const DtTime& b) noexcept
+{
+    const std::int64_t rates =
+        DtArithmetic::multiply(a.getRate().getDenominator(), b.getRate().getNumerator());
+    return DtArithmetic::multiply(rates, a.getCount());
+}
+
+/// And on its right: b.denominator * a.numerator * b.count.
+constexpr DtTimeIndex crossMultRhs(const DtTime& a, const DtTime& b) noexcept
+{
+    const std::int64_t rates =
+        DtArithmetic::multiply(b.getRate().getDenominator(), a.getRate().getNumerator());
+    return DtArithmetic::multiply(rates, b.getCount());
+}
+
+constexpr bool operator<(const DtTime& a, const DtTime& b) noexcept
+{
+    return crossMultLhs(a, b) < crossMultRhs(a, b);
+}
+
+constexpr bool operator<=(const DtTime& a, const DtTime& b) noexcept
+{
+    return crossMultLhs(a, b) <= crossMultRhs(a, b);
+}
+
+constexpr bool operator==(const DtTime& a, const DtTime& b) noexcept
+{
+    return crossMultLhs(a, b) == crossMultRhs(a, b);
+}
+
+constexpr bool operator>=(const DtTime& a, const DtTime& b) noexcept
+{
+    return crossMultLhs(a, b) >= crossMultRhs(a, b);
+}
+
+constexpr bool operator>(const DtTime& a, const DtTime& b) noexcept
+{
+    return crossMultLhs(a, b) > crossMultRhs(a, b);
+}
+
+constexpr bool operator!=(const DtTime& a, const DtTime& b) noexcept
+{
+    return crossMultLhs(a, b) != crossMultRhs(a, b);
+}
+
+/// Writes the count, as the stream formats integers.
+ZU_BASE_API std::ostream& operator<<(std::ostream& os, const DtTimeIndex& index);
+
+/// As DtTime::dump().
+ZU_BASE_API std::ostream& operator<<(std::ostream& os, const DtTime& time);
+
+} // namespace Zu
+
+/// Equal indices have equal hashes.
+template <> struct std::hash<Zu::DtTimeIndex>
+{
+    std::size_t operator()(const Zu::DtTimeIndex& index) const noexcept
+    {
+        return std::hash<long long>()(index);
+    }
+};
+
+/// Times of one instant have equal hashes, whatever their rates, as long as no product wraps.
+template <> struct std::hash<Zu::DtTime>
+{
+    ZU_BASE_API std::size_t operator()(const Zu::DtTime& time) const noexcept;
+};
+
+#endif

@@ -1,0 +1,50 @@
+/// @file
+/// The bridge between the time of a stream and the reference clock.
+
+#ifndef ZU_BASE_DTTIMEMARK_H
+#define ZU_BASE_DTTIMEMARK_H
+
+#include "base/baseApi.h"
+#include "base/dtRefTime.h"
+#include "base/dtTime.h"
+
+#include <iosfwd>
+
+namespace Zu
+{
+
+/// Ties a position in a stream to a moment on the reference clock; from it follow the others.
+class ZU_BASE_API DtTimeMark
+{
+public:
+    /// Stream time 0 at 1/1, and the reference time that was never set.
+    DtTimeMark() = default;
+
+    DtTimeMark(const DtTime& streamTime, const DtRefTime& refTime);
+
+    DtTime getStreamTime() const;
+    DtRefTime getRefTime() const;
+
+    /// Where the stream is at that moment, truncated toward zero to the stream's ticks. The rate of
+    /// `refTime` is not looked at. Raises RationalEx::ExDenominatorZero if this mark's reference
+    /// time was never set.
+    DtTimeMark evalTime(const DtRefTime& refTime) const;
+
+    /// When the stream is at that position, truncated toward zero to the clock's ticks. The result
+    /// has `streamTime` as it is given, and the rate of the clock, not that in this mark.
+    DtTimeMark evalTime(const DtTime& streamTime) const;
+
+    /// Writes "(", both times with a blank between, ")".
+    void dump(std::ostream& os) const;
+
+private:
+    DtTime _streamTime;
+    DtRefTime _refTime;
+};
+
+/// As DtTimeMark::dump().
+ZU_BASE_API std::ostream& operator<<(std::ostream& os, const DtTimeMark& mark);
+
+} // namespace Zu
+
+#endif

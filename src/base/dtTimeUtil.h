@@ -1,0 +1,64 @@
+/// @file
+/// Times from and to seconds, texts and intervals.
+
+#ifndef ZU_BASE_DTTIMEUTIL_H
+#define ZU_BASE_DTTIMEUTIL_H
+
+#include "base/arrayPtr.h"
+#include "base/baseApi.h"
+#include "base/dtTime.h"
+#include "base/interval.h"
+
+namespace Zu
+{
+
+/// Conversions of times. A number of seconds that does not fit a count of 64 bits gives the
+/// smallest count. Any thread may call them.
+class ZU_BASE_API DtTimeUtil
+{
+public:
+    DtTimeUtil() = delete;
+
+    /// The seconds from tick 0, (denominator / numerator) * count.
+    static float getSecondsFloat(const DtTime& time);
+    static double getSecondsDouble(const DtTime& time);
+
+    /// The time at that rate, truncated toward zero. Raises DtEx::BadRate if the rate is 0.
+    static DtTime getDtTimeFromSeconds(const Rational& rate, double seconds);
+
+    /// The same, computed in single precision.
+    static DtTime getDtTimeFromSeconds(const Rational& rate, float seconds);
+
+    /// The time as text: count, numerator and denominator of the rate, in decimal with a blank
+    /// between: "1001 30000 1001". The caller owns it.
+    static ArrayPtrRet<char> getDtStringFromDtTime(const DtTime& time);
+
+    /// The time of such a text. Fields may have several blanks between and before them; what
+    /// follows the third is ignored, as is what follows the digits in a field. The count is
+    /// deliberately not checked: what is no number reads as 0, one beyond 64 bits as the nearest.
+    ///
+    /// Raises DtEx::DtStringError if numerator or denominator are missing, have no digits, or do
+    /// not fit 32 bits; DtEx::BadRate for the numerator 0 and RationalEx::ExDenominatorZero for the
+    /// denominator 0. A number at either end of the 32-bit range also counts as one that does not
+    /// fit if `errno` says so from before: it is deliberately not cleared.
+    static DtTime getDtTimeFromDtString(const char* text);
+
+    /// The ticks at the rate of `rateSource` that hold the interval: the lower bound truncated
+    /// toward zero (deliberately also for negative seconds), the upper one rounded up.
+    static Interval<DtTimeIndex> getInclusiveDtTimeIndexInterval(const DtTime& rateSource,
+                                                                 const Interval<double>& seconds);
+
+    /// The same in single precision, where an upper bound beyond 32 bits is not rounded up.
+    static Interval<DtTimeIndex> getInclusiveDtTimeIndexInterval(const DtTime& rateSource,
+                                                                 const Interval<float>& seconds);
+
+    /// The bounds in seconds, at the rate of `rateSource`.
+    static Interval<double> getSecondsIntervalDouble(const DtTime& rateSource,
+                                                     const Interval<DtTimeIndex>& indices);
+    static Interval<float> getSecondsIntervalFloat(const DtTime& rateSource,
+                                                   const Interval<DtTimeIndex>& indices);
+};
+
+} // namespace Zu
+
+#endif

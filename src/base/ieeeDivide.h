@@ -1,0 +1,24 @@
+/// @file
+/// Division of floating-point numbers where the divisor may be 0.
+
+#ifndef ZU_BASE_IEEEDIVIDE_H
+#define ZU_BASE_IEEEDIVIDE_H
+
+#include <limits>
+
+namespace Zu
+{
+
+/// `a / b` by the rules of IEEE 754, which the language leaves undefined for a divisor of 0: an
+/// infinity with the sign of the quotient, or a NaN for 0 / 0 and for a NaN.
+template <class T> constexpr T ieeeDivide(T a, T b) noexcept
+{
+    if (b != T(0)) return a / b;
+    if (a == T(0) || a != a) return std::numeric_limits<T>::quiet_NaN();
+    const bool isNegative = (a < T(0)) != (__builtin_signbit(b) != 0);
+    return isNegative ? -std::numeric_limits<T>::infinity() : std::numeric_limits<T>::infinity();
+}
+
+} // namespace Zu
+
+#endif

@@ -1,0 +1,50 @@
+/// @file
+/// The calendar under dates. Internal to the library.
+
+#ifndef ZU_BASE_OSCALENDAR_H
+#define ZU_BASE_OSCALENDAR_H
+
+#include <cstdint>
+#include <functional>
+#include <optional>
+
+/// Counts of 100-nanosecond ticks since the beginning of 1601 and the fields that stand for them,
+/// by the Gregorian calendar. Days are counted as in Howard Hinnant, 2013, "chrono-Compatible
+/// Low-Level Date Algorithms".
+namespace Zu::OsCalendar
+{
+
+/// A record of fields, as platforms have it.
+struct Fields
+{
+    int _year;
+    int _month;
+    int _day;
+    int _hour;
+    int _minute;
+    int _second;
+    int _millisecond;
+};
+
+constexpr std::int64_t TICKS_PER_SECOND = 10000000;
+
+/// The count; nothing for fields that are no date: a year before 1601 or after 30827, a day that
+/// the month does not have, and so on down to the milliseconds.
+std::optional<std::uint64_t> countOf(const Fields& fields);
+
+/// The fields, whose fraction is cut to milliseconds; nothing for a count from 2^63 on.
+std::optional<Fields> fieldsOf(std::uint64_t count);
+
+/// 0 is Sunday.
+int dayOfWeekOf(std::uint64_t count);
+
+/// Seconds since 1970, and how many of them local time is ahead of UTC at an instant of UTC.
+using OffsetAt = std::function<std::int64_t(std::int64_t universal)>;
+
+/// The instant at which clocks show the local time. Of one that they show twice it is the first; of
+/// one that they skip, what they show at that instant lies behind by as much as they skip.
+std::int64_t universalOf(std::int64_t local, const OffsetAt& offsetAt);
+
+} // namespace Zu::OsCalendar
+
+#endif

@@ -1,0 +1,16 @@
+/// @file
+/// Texts to whole numbers. Internal to the library.
+
+#ifndef ZU_BASE_TEXTTOINT_H
+#define ZU_BASE_TEXTTOINT_H
+
+namespace Zu
+{
+
+/// The decimal number at the beginning of the text, as `atoi` reads it: 0 for text that is none,
+/// and the nearest int for a number out of range. `errno` stays as it was.
+int textToInt(const char* text);
+
+} // namespace Zu
+
+#endif

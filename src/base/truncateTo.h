@@ -1,0 +1,25 @@
+/// @file
+/// Floating-point numbers to integers, defined for every number.
+
+#ifndef ZU_BASE_TRUNCATETO_H
+#define ZU_BASE_TRUNCATETO_H
+
+#include <limits>
+
+namespace Zu
+{
+
+/// Truncated toward zero; the smallest of the integers for what does not fit and for a NaN, as the
+/// conversion of x86-64 processors has it.
+template <class Integer, class Float> constexpr Integer truncateTo(Float value) noexcept
+{
+    constexpr Integer LOWEST = std::numeric_limits<Integer>::min();
+    // A power of two, and so exact in every floating-point type.
+    constexpr Float BOUND = -static_cast<Float>(LOWEST);
+    // Between this and the bound there are fractions in a type with digits to spare.
+    return value > -BOUND - 1 && value < BOUND ? static_cast<Integer>(value) : LOWEST;
+}
+
+} // namespace Zu
+
+#endif

@@ -1,0 +1,43 @@
+#include "base/rationalEx.h"
+
+#include "support/exceptionChecks.h"
+#include "support/rowName.h"
+
+#include <gtest/gtest.h>
+#include <stdexcept>
+#include <type_traits>
+#include <vector>
+
+namespace
+{
+
+using support::ExceptionFamilies;
+using Zu::RationalEx;
+
+std::vector<support::ExceptionRow> rows()
+{
+    return {support::exceptionRow<RationalEx::ExDenominatorZero, std::invalid_argument, RationalEx>(
+        "ExDenominatorZero", "Illegal zero denominator.")};
+}
+
+INSTANTIATE_TEST_SUITE_P(RationalEx, ExceptionFamilies, testing::ValuesIn(rows()),
+                         support::RowName());
+
+static_assert(std::is_base_of_v<Zu::ExBase, RationalEx>);
+static_assert(!std::is_constructible_v<RationalEx, const char*, int>);
+
+TEST(RationalEx, RaisesFromWhereItIsTold)
+{
+    try
+    {
+        RationalEx::throwDenominatorZero("a.cpp", 12);
+    }
+    catch (const RationalEx::ExDenominatorZero& exception)
+    {
+        EXPECT_STREQ(exception.getFileName(), "a.cpp");
+        EXPECT_EQ(exception.getLineNo(), 12);
+        EXPECT_STREQ(exception.getReason(), "Illegal zero denominator.");
+    }
+}
+
+} // namespace
