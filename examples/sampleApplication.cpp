@@ -2,6 +2,7 @@
 
 #include "base/base.h"
 #include "sampleLogging.h"
+#include "sampleTime.h"
 
 #include <cstdlib>
 #include <cstring>
@@ -233,6 +234,8 @@ int run(const char* program)
     printCounter();
     printHeading("Place:");
     printPlace();
+    printHeading("A position in a stream of 25 frames per second:");
+    sample::showTime();
     printHeading("Log, by several threads and a second process:");
     sample::showLogging(program);
     printHeading("Shut-down, as ZU_DEBUG_INITIALIZE shows it on standard error:");

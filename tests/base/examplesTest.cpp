@@ -71,6 +71,21 @@ TEST(Examples, LoggingGoesToStandardOutputFirstAndThenToTheFile)
                                         "Warning: Orders order 3 is late by 1.500000 days"}));
 }
 
+TEST(Examples, TimesAreConvertedComparedAndWritten)
+{
+    const ProgramResult result = support::runProgram("times");
+    EXPECT_EQ(result.exitCode, 0);
+    EXPECT_EQ(result.out, "(30000 @ (30000/1001=29.97)) is 1001 s\n"
+                          "(48048000 @ (48000/1=48000)), equal: 1\n"
+                          "(30000 @ (30000/1001=29.97)) again\n"
+                          "(0 @ (25/1=25)) of 0.83\n"
+                          "(54 @ (750000/1001=749.251))\n"
+                          "(2000000 @ (1000000/1=1e+06))\n"
+                          "(1500 @ (1000/1=1000)) is 45 at 30/1: 1\n"
+                          "1001000000 us\n"
+                          "'30000 30000 1001' is (30000 @ (30000/1001=29.97))\n");
+}
+
 TEST(Examples, TheSampleApplicationKeepsAccountOfItsEvents)
 {
     const support::TempDir dir;
@@ -119,6 +134,8 @@ TEST(Examples, TheSampleApplicationShowsWhatItDid)
           "  sample::service::port = 9000  (text '9000' from option -p)",
           "  sample::service::name = joe  (text 'joe' from environment variable SAMPLE_NAME)",
           "  sample::service::quiet = 0  (text '0' from default)", "  'notes.txt'",
+          "  stream time (750 @ (25/1=25))",
+          "  as text '750 25 1', read again (750 @ (25/1=25)), the same",
           "  sampleStore gives up: (from start-up) (from shut-down)"})
         EXPECT_TRUE(hasLine(result.out, line)) << line << "\n" << result.out;
     const std::vector<std::string> stops = support::linesOf(result.err);
