@@ -3,6 +3,7 @@
 #include "base/inInit.h"
 #include "base/initOrder.h"
 #include "base/inVariable.h"
+#include "base/trace.h"
 
 namespace Zu
 {
@@ -16,7 +17,11 @@ template <> InInit<ZuInit::debugging>::InInit() : InPackageInit("debugging")
     addDependency(InInit<ZuInit::initialize>::getType());
 }
 
-template <> void InInit<ZuInit::debugging>::performInitialize() {}
+template <> void InInit<ZuInit::debugging>::performInitialize()
+{
+    // The options come into being, and with them what ZU_TRACE_OPTIONS says.
+    Trace::setOptions("");
+}
 
 template <> void InInit<ZuInit::debugging>::performFinalize() {}
 

@@ -9,6 +9,7 @@
 /// Objects of one number are built in the order of their source.
 #define ZU_INIT_ORDER(priority) __attribute__((init_priority(priority)))
 
+#define ZU_INIT_ORDER_TRACE 1000
 #define ZU_INIT_ORDER_BASE 1010
 #define ZU_INIT_ORDER_BASE_MATH 1020
 #define ZU_INIT_ORDER_DEBUGGING 1030

@@ -1,0 +1,50 @@
+#include "base/profiler.h"
+
+#include "base/profilerReport.h"
+
+#include <cstdio>
+
+namespace Zu
+{
+
+namespace
+{
+
+void writeRow(LgStream& stream, const char* label, double value)
+{
+    // All digits of the greatest number, and nine decimals.
+    char text[340];
+    std::snprintf(text, sizeof text, "%.9f", withoutNaNSign(value));
+    stream << label << static_cast<const char*>(text) << "\n";
+}
+
+} // namespace
+
+ProfilerBase::~ProfilerBase() = default;
+
+std::ostream& operator<<(std::ostream& os, const ProfilerBase& profiler)
+{
+    ProfilerReport report(os);
+    os << "Profiler " << profiler.getName() << ":" << std::endl;
+    report.row("Nb of cycles:", profiler.cycles());
+    report.row("Total time:", profiler.totalTime());
+    report.row("Average time:", profiler.averageTime());
+    report.row("Minimum time:", profiler.minTime());
+    report.row("Maximum time:", profiler.maxTime());
+    report.row("Standard dev:", profiler.standardDeviation());
+    return os << std::endl;
+}
+
+LgStream& operator<<(LgStream& stream, const ProfilerBase& profiler)
+{
+    stream << "Profiler " << profiler.getName() << ":\n"
+           << "        Nb of cycles:   " << profiler.cycles() << "\n";
+    writeRow(stream, "        Total time  :   ", profiler.totalTime());
+    writeRow(stream, "        Average time:   ", profiler.averageTime());
+    writeRow(stream, "        Minimum time:   ", profiler.minTime());
+    writeRow(stream, "        Maximum time:   ", profiler.maxTime());
+    writeRow(stream, "        Standard dev:   ", profiler.standardDeviation());
+    return stream << "\n";
+}
+
+} // namespace Zu

@@ -1,0 +1,200 @@
+/// @file
+/// Statistics over the cycles of a repeated job.
+
+#ifndef ZU_BASE_PROFILER_H
+#define ZU_BASE_PROFILER_H
+
+#include "base/baseApi.h"
+#include "base/intervalTimer.h"
+#include "base/lgStream.h"
+
+#include <cmath>
+#include <iosfwd>
+#include <limits>
+
+namespace Zu
+{
+
+/// Statistics of cycles, of either kind of clock. A cycle holds any number of spans from a start to
+/// a stop, and ends with endCycle(). All times are in seconds. A profiler belongs to one thread at
+/// a time.
+class ZU_BASE_API ProfilerBase
+{
+public:
+    ProfilerBase() = default;
+    ProfilerBase(const ProfilerBase&) = default;
+    ProfilerBase& operator=(const ProfilerBase&) = default;
+    virtual ~ProfilerBase();
+
+    /// The name is kept as a pointer.
+    virtual void setName(const char* name) = 0;
+    virtual const char* getName() const = 0;
+
+    virtual void start() = 0;
+    virtual void stop() = 0;
+
+    /// Closes the cycle, which counts even if nothing was started in it.
+    virtual void endCycle() = 0;
+
+    /// Back to no cycle.
+    virtual void reset() = 0;
+
+    /// What the running cycle has so far.
+    virtual double cycleTime() const = 0;
+
+    /// Of all closed cycles; so for what follows. Each is 0 when there is none.
+    virtual double totalTime() const = 0;
+    virtual double averageTime() const = 0;
+    virtual double minTime() const = 0;
+    virtual double maxTime() const = 0;
+
+    /// The sample deviation; 0 for fewer than two cycles. It comes from running sums, deliberately:
+    /// when all cycles took the same time, rounding may make it a NaN.
+    virtual double standardDeviation() const = 0;
+
+    /// How many cycles were closed.
+    virtual int cycles() const = 0;
+};
+
+/// Statistics of the spans of an interval timer: HwIntervalTimer or TodIntervalTimer.
+template <class T> class ZU_BASE_VISIBLE Profiler : public ProfilerBase
+{
+public:
+    explicit Profiler(const char* name = "anonymous") : _timer(name) {}
+
+    void setName(const char* name) override
+    {
+        _timer.setName(name);
+    }
+
+    const char* getName() const override
+    {
+        return _timer.getName();
+    }
+
+    void start() override
+    {
+        _timer.start();
+    }
+
+    void stop() override
+    {
+        _timer.stop();
+        _cycleTime += _timer.timeInterval();
+    }
+
+    void endCycle() override
+    {
+        const double x = _cycleTime;
+        _total += x;
+        _sumOfSquares += x * x;
+        if (x < _minimum) _minimum = x;
+        if (x > _maximum) _maximum = x;
+        ++_cycles;
+        _cycleTime = 0;
+    }
+
+    void reset() override
+    {
+        _cycleTime = 0;
+        _total = 0;
+        _sumOfSquares = 0;
+        _minimum = std::numeric_limits<double>::max();
+        _maximum = 0;
+        _cycles = 0;
+    }
+
+    double cycleTime() const override
+    {
+        return _cycleTime;
+    }
+
+    double totalTime() const override
+    {
+        return _total;
+    }
+
+    double averageTime() const override
+    {
+        return _cycles == 0 ? 0.0 : _total / _cycles;
+    }
+
+    double minTime() const override
+    {
+        return _cycles == 0 ? 0.0 : _minimum;
+    }
+
+    double maxTime() const override
+    {
+        return _maximum;
+    }
+
+    double standardDeviation() const override
+    {
+        if (_cycles < 2) return 0.0;
+        return std::sqrt((_sumOfSquares - _total * _total / _cycles) / (_cycles - 1));
+    }
+
+    int cycles() const override
+    {
+        return _cycles;
+    }
+
+private:
+    T _timer;
+    double _cycleTime = 0;
+    double _total = 0;
+    double _sumOfSquares = 0;
+    double _minimum = std::numeric_limits<double>::max();
+    double _maximum = 0;
+    int _cycles = 0;
+};
+
+/// One span of a profiler, for the time of a scope.
+class ProfilerSpan
+{
+public:
+    explicit ProfilerSpan(ProfilerBase& profiler) : _profiler(profiler)
+    {
+        _profiler.start();
+    }
+
+    ProfilerSpan(const ProfilerSpan&) = delete;
+    ProfilerSpan& operator=(const ProfilerSpan&) = delete;
+
+    ~ProfilerSpan()
+    {
+        _profiler.stop();
+    }
+
+private:
+    ProfilerBase& _profiler;
+};
+
+/// One cycle of a profiler, for the time of a scope; what is measured are the spans in it.
+class ProfilerCycle
+{
+public:
+    explicit ProfilerCycle(ProfilerBase& profiler) : _profiler(profiler) {}
+    ProfilerCycle(const ProfilerCycle&) = delete;
+    ProfilerCycle& operator=(const ProfilerCycle&) = delete;
+
+    ~ProfilerCycle()
+    {
+        _profiler.endCycle();
+    }
+
+private:
+    ProfilerBase& _profiler;
+};
+
+/// Writes name, number of cycles and the six figures, a line each, and an empty line. The stream's
+/// precision counts; its flags, width and fill character are put back.
+ZU_BASE_API std::ostream& operator<<(std::ostream& os, const ProfilerBase& profiler);
+
+/// The same with nine decimals.
+ZU_BASE_API LgStream& operator<<(LgStream& stream, const ProfilerBase& profiler);
+
+} // namespace Zu
+
+#endif

@@ -1,0 +1,110 @@
+/// @file
+/// Lines of a developer's view of control flow.
+
+#ifndef ZU_BASE_TRACE_H
+#define ZU_BASE_TRACE_H
+
+#include "base/baseApi.h"
+#include "base/exBase.h"
+#include "base/traceLevel.h"
+
+#include <atomic>
+#include <cstdint>
+#include <iosfwd>
+
+namespace Zu
+{
+
+/// Forms the lines of tracing, and keeps the depth of their indentation. What is shown is said by
+/// an option text, in the variable ZU_TRACE_OPTIONS and by setOptions();
+/// docs/profiling-and-tracing.md has the options. Tracing works at any time, also before main().
+///
+/// Thread-safety: isEnabled() is for any thread. Registration and options have no lock and belong
+/// to one thread. A Trace is of one thread at a time; the default manager gives all threads the
+/// same one.
+class ZU_BASE_API Trace
+{
+    friend class TraceOptions;
+
+public:
+    class Entry;
+
+    Trace() = default;
+    Trace(const Trace&) = default;
+    Trace& operator=(const Trace&) = default;
+    virtual ~Trace();
+
+    /// The level "Main", which is on by default.
+    static TraceLevel* MainTraceLevel;
+
+    /// The level of this name, made switched off if there is none, unless an option has switched it
+    /// on before. The file is kept as a pointer unless it is null.
+    static TraceLevel* registerLevel(const char* name, const char* file);
+
+    /// Applies an option text; null does nothing. Raises ExInternalError "Unknown token "<token>"
+    /// in trace options."; what stands before it holds.
+    static void setOptions(const char* options);
+
+    /// Writes all levels, whether they are on, and the sources that registered them.
+    static void printLevels(std::ostream& os);
+
+    /// Whether tracing and the level are on.
+    static bool isEnabled(const TraceLevel& level)
+    {
+        return level.isOn() && _on.load(std::memory_order_relaxed);
+    }
+
+    /// Writes what opens every line: process, prefix, file and line, indentation, each as the
+    /// options say.
+    void prefix(std::ostream& os, const char* file, int line);
+
+    /// Writes what opens the line of a statement.
+    void log(std::ostream& os, const char* file, int line);
+
+    /// Writes a line with a text made as `printf` makes it, cut to 1,023 characters.
+    [[gnu::format(printf, 5, 6)]] void print(std::ostream& os, const char* file, int line,
+                                             const char* format, ...);
+
+    /// Prints the line "Throwing exception ..." if the level "Exceptions" is on, as it is by
+    /// default.
+    void printException(const ExBase& ex, const char* file, int line);
+
+protected:
+    /// Writes what a derived class wants to stand in front of the line; nothing here.
+    virtual void printPrefix(std::ostream& os);
+
+private:
+    static void switchAll(bool on);
+
+    void entering(std::ostream& os, const char* file, int line, const char* name);
+    void exiting(std::ostream& os, const char* file, int line, const char* name);
+    void indent();
+    void unindent();
+
+    static std::atomic<bool> _on;
+
+    std::int32_t _indentation = 0;
+};
+
+/// Traces the entry into a scope and the exit from it. If the level was on at the entry, the exit
+/// is told too, whatever it is then.
+class ZU_BASE_API Trace::Entry
+{
+public:
+    /// Name and file are kept as pointers.
+    Entry(Trace& trace, const TraceLevel& level, const char* name, const char* file, int line);
+    Entry(const Entry&) = delete;
+    Entry& operator=(const Entry&) = delete;
+    ~Entry();
+
+private:
+    Trace& _trace;
+    const char* _file;
+    int _line;
+    const char* _name;
+    bool _written;
+};
+
+} // namespace Zu
+
+#endif

@@ -1,0 +1,48 @@
+/// @file
+/// The named switches of tracing.
+
+#ifndef ZU_BASE_TRACELEVEL_H
+#define ZU_BASE_TRACELEVEL_H
+
+#include "base/arrayPtr.h"
+#include "base/baseApi.h"
+#include "base/containers.h"
+
+#include <atomic>
+
+namespace Zu
+{
+
+/// A named switch. Trace::registerLevel() finds or makes the one of a name; it is never deleted.
+class ZU_BASE_API TraceLevel
+{
+    friend class TraceOptions;
+
+public:
+    TraceLevel(const TraceLevel&) = delete;
+    TraceLevel& operator=(const TraceLevel&) = delete;
+
+    const char* getName() const
+    {
+        return _name.get();
+    }
+
+    /// Whether the level itself is on; Trace::isEnabled() also asks whether tracing is.
+    bool isOn() const
+    {
+        return _enabled.load(std::memory_order_relaxed);
+    }
+
+private:
+    explicit TraceLevel(const char* name);
+    ~TraceLevel();
+
+    ArrayPtr<char> _name;
+    std::atomic<bool> _enabled{false};
+    // The sources that registered it, each as often as it did.
+    Vector<const char*> _files;
+};
+
+} // namespace Zu
+
+#endif

@@ -1,0 +1,68 @@
+#include "base/traceManager.h"
+
+#include <iostream>
+
+namespace Zu
+{
+
+namespace
+{
+
+class SingleTraceManager : public TraceManager
+{
+public:
+    SingleTraceManager() : TraceManager(0) {}
+
+    Trace& getTrace() override
+    {
+        return _trace;
+    }
+
+private:
+    Trace _trace;
+};
+
+} // namespace
+
+TraceManager* TraceManager::_manager = nullptr;
+
+TraceManager& TraceManager::getInstance()
+{
+    return _manager ? *_manager : defaultManager();
+}
+
+TraceManager& TraceManager::defaultManager()
+{
+    static TraceManager* const theManager = new SingleTraceManager;
+    return *theManager;
+}
+
+TraceManager::TraceManager(int priority) : _priority(priority)
+{
+    registerManager(this);
+}
+
+TraceManager::~TraceManager()
+{
+    unregisterManager(this);
+}
+
+void TraceManager::registerManager(TraceManager* manager)
+{
+    if (!_manager || manager->_priority > _manager->_priority) _manager = manager;
+}
+
+void TraceManager::unregisterManager(TraceManager* manager)
+{
+    if (_manager != manager) return;
+    // Nobody's priority is to be held against the default one's.
+    _manager = nullptr;
+    _manager = &defaultManager();
+}
+
+void TraceManager::print(const char* text) const
+{
+    if (text && *text != '\0') std::cout << text << std::endl;
+}
+
+} // namespace Zu

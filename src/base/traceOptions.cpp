@@ -1,0 +1,232 @@
+#include "base/traceOptions.h"
+
+#include "base/duplicateString.h"
+#include "base/exDefine.h"
+#include "base/exInternalError.h"
+#include "base/inOptionParser.h"
+#include "base/osUtils.h"
+#include "base/textToInt.h"
+#include "base/trace.h"
+
+#include <atomic>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <iomanip>
+#include <ostream>
+
+namespace Zu
+{
+
+namespace
+{
+
+constexpr const char* DEFAULT_OPTIONS = "show=Main,show=Exceptions";
+
+enum Token
+{
+    OFF,
+    NOLINE,
+    SHOW_LEVEL,
+    HIDE_LEVEL,
+    NOINDENT,
+    FNDIRS,
+    FNWIDTH,
+    PRINTLEVELS,
+    LINE,
+    INDENT,
+    ON,
+    WRITEPROTECT,
+    PREFIX,
+    NOPREFIX,
+    RESET,
+    PID,
+    NOPID,
+    NUM_TOKENS
+};
+
+constexpr const char* TOKENS[] = {"off",    "noline",       "show",        "hide",     "noindent",
+                                  "fndirs", "fnwidth",      "printlevels", "line",     "indent",
+                                  "on",     "writeprotect", "prefix",      "noprefix", "reset",
+                                  "pid",    "nopid",        nullptr};
+
+static_assert(sizeof TOKENS / sizeof TOKENS[0] == NUM_TOKENS + 1);
+
+} // namespace
+
+bool TraceOptions::ByBytes::operator()(const char* a, const char* b) const
+{
+    return std::strcmp(a, b) < 0;
+}
+
+TraceOptions& TraceOptions::getInstance()
+{
+    static TraceOptions* const theOptions = new TraceOptions;
+    // Once: a text that is refused is told to the first who traces, and to nobody after.
+    static std::atomic<bool> isNew{true};
+    if (isNew.exchange(false)) theOptions->apply(std::getenv("ZU_TRACE_OPTIONS"));
+    return *theOptions;
+}
+
+TraceOptions::TraceOptions()
+{
+    std::snprintf(_pidText, sizeof _pidText, "%u", OsUtils::getPid());
+    apply(DEFAULT_OPTIONS);
+}
+
+TraceOptions::~TraceOptions() = default;
+
+void TraceOptions::apply(const char* text)
+{
+    if (!text || *text == '\0') return;
+    const ArrayPtr<char> copy(duplicateString(text));
+    char* rest = copy.get();
+    while (*rest != '\0')
+    {
+        char* value = nullptr;
+        const int token =
+            InOptionParser::getSubOption(&rest, const_cast<char* const*>(TOKENS), &value);
+        if (token < 0)
+        {
+            const ExText message("Unknown token \"%s\" in trace options.", value);
+            throw ExInternalError(__FILE__, __LINE__, message.get());
+        }
+        apply(token, value);
+    }
+}
+
+void TraceOptions::apply(int token, const char* value)
+{
+    if (token == PRINTLEVELS) _printLevels = true;
+    if (token == WRITEPROTECT) _writeProtect = true;
+    if (_writeProtect) return;
+    switch (token)
+    {
+    case ON:
+        Trace::switchAll(true);
+        break;
+    case OFF:
+        Trace::switchAll(false);
+        break;
+    case LINE:
+        _line = true;
+        break;
+    case NOLINE:
+        _line = false;
+        break;
+    case INDENT:
+        _indent = true;
+        break;
+    case NOINDENT:
+        _indent = false;
+        break;
+    case PREFIX:
+        _prefix = true;
+        break;
+    case NOPREFIX:
+        _prefix = false;
+        break;
+    case PID:
+        _pid = true;
+        break;
+    case NOPID:
+        _pid = false;
+        break;
+    case SHOW_LEVEL:
+    case HIDE_LEVEL:
+        if (value) switchLevel(value, token == SHOW_LEVEL);
+        break;
+    case FNDIRS:
+    case FNWIDTH:
+        if (value) applyNumber(token, value);
+        break;
+    case RESET:
+        reset();
+        break;
+    default:
+        break;
+    }
+}
+
+void TraceOptions::applyNumber(int token, const char* value)
+{
+    const std::int32_t number = textToInt(value);
+    if (token == FNDIRS)
+        _fnDirs = number < 0 ? 0 : number;
+    else
+        _fnWidth = number < 0 ? DEFAULT_WIDTH : number;
+}
+
+void TraceOptions::switchLevel(const char* name, bool on)
+{
+    if (std::strcmp(name, "all") != 0)
+    {
+        findLevel(name)._enabled.store(on, std::memory_order_relaxed);
+        return;
+    }
+    _showAll = on ? SHOW : HIDE;
+    for (const auto& [known, level] : _levels) level->_enabled.store(on, std::memory_order_relaxed);
+}
+
+void TraceOptions::reset()
+{
+    Trace::switchAll(true);
+    _prefix = true;
+    _line = false;
+    _pid = false;
+    _indent = true;
+    _fnDirs = 0;
+    _fnWidth = DEFAULT_WIDTH;
+    _printLevels = false;
+    _showAll = AS_NAMED;
+    for (const auto& [name, level] : _levels)
+        level->_enabled.store(false, std::memory_order_relaxed);
+    apply(DEFAULT_OPTIONS);
+}
+
+TraceLevel& TraceOptions::findLevel(const char* name)
+{
+    const auto found = _levels.find(name);
+    if (found != _levels.end()) return *found->second;
+    auto* const level = new TraceLevel(name);
+    level->_enabled.store(_showAll == SHOW, std::memory_order_relaxed);
+    _levels[level->getName()] = level;
+    return *level;
+}
+
+TraceLevel& TraceOptions::registerLevel(const char* name, const char* file)
+{
+    TraceLevel& level = findLevel(name);
+    if (file) level._files.push_back(file);
+    return level;
+}
+
+const char* TraceOptions::tailOf(const char* file) const
+{
+    std::int32_t components = _fnDirs + 1;
+    const char* tail = file + std::strlen(file);
+    for (; tail != file; --tail)
+        if (tail[-1] == '/' && --components == 0) break;
+    return tail;
+}
+
+void TraceOptions::printLevels(std::ostream& os) const
+{
+    const std::ios_base::fmtflags flags = os.flags();
+    os << "\nRegistered trace levels:\n\n";
+    for (const auto& [name, level] : _levels)
+    {
+        os << (level->isOn() ? "X " : "  ") << std::left << std::setw(30) << name << " ";
+        const char* lead = "";
+        for (const char* const file : level->_files)
+        {
+            os << lead << tailOf(file);
+            lead = "\n                                 ";
+        }
+        os << "\n";
+    }
+    os << "\n";
+    os.flags(flags);
+}
+
+} // namespace Zu

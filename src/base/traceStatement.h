@@ -1,0 +1,45 @@
+/// @file
+/// Statements of tracing.
+
+#ifndef ZU_BASE_TRACESTATEMENT_H
+#define ZU_BASE_TRACESTATEMENT_H
+
+#include "base/trace.h"
+#include "base/traceManager.h"
+#include "base/xGlue.h"
+
+#include <sstream>
+
+/// Makes a level known to the source that it stands in, outside of functions:
+/// ZU_TRACE_LEVEL(Parser). A level of one name is the same in all sources. So for the levels of the
+/// library: Main.
+#define ZU_TRACE_LEVEL(name)                                                                       \
+    namespace TraceLevels                                                                          \
+    {                                                                                              \
+    [[maybe_unused]] static ::Zu::TraceLevel* const name =                                         \
+        ::Zu::Trace::registerLevel(#name, __FILE__);                                               \
+    }                                                                                              \
+    static_assert(true)
+
+/// Traces a line if the level is on: ZU_TRACE(Parser, "token " << token). When it is off, nothing
+/// of the operands is evaluated. An operand may be whatever a standard stream takes.
+#define ZU_TRACE(level, ...)                                                                       \
+    do                                                                                             \
+    {                                                                                              \
+        if (::Zu::Trace::isEnabled(*TraceLevels::level))                                           \
+        {                                                                                          \
+            std::ostringstream zuTraceStream;                                                      \
+            ::Zu::TraceManager::getInstance().getTrace().log(zuTraceStream, __FILE__, __LINE__);   \
+            zuTraceStream << __VA_ARGS__;                                                          \
+            ::Zu::TraceManager::getInstance().print(zuTraceStream.str().c_str());                  \
+        }                                                                                          \
+    } while (false)
+
+/// Traces the entry into the scope that it stands in and the exit from it, by a name that is kept
+/// as a pointer: ZU_TRACE_SCOPE(Parser, "parse").
+#define ZU_TRACE_SCOPE(level, name)                                                                \
+    const ::Zu::Trace::Entry ZU_XGLUE(zuTraceEntry,                                                \
+                                      __COUNTER__)(::Zu::TraceManager::getInstance().getTrace(),   \
+                                                   *TraceLevels::level, name, __FILE__, __LINE__)
+
+#endif

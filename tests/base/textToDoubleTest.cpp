@@ -1,0 +1,66 @@
+#include "base/textToDouble.h"
+
+#include <cmath>
+#include <gtest/gtest.h>
+#include <limits>
+#include <string>
+
+namespace
+{
+
+using Zu::textToDouble;
+
+constexpr double INFINITE = std::numeric_limits<double>::infinity();
+
+TEST(TextToDouble, ReadsTheNumberAtTheBeginning)
+{
+    const struct
+    {
+        const char* _text;
+        double _value;
+    } rows[] = {
+        {"", 0},
+        {"abc", 0},
+        {"1", 1},
+        {" \t\n\v\f\r1.5", 1.5},
+        {"+1.5", 1.5},
+        {"-1.5", -1.5},
+        {"+-1", 0},
+        {"--1", 0},
+        {"1.5x", 1.5},
+        {".5", 0.5},
+        {"5.", 5},
+        {"1e3", 1000},
+        {"1E+3", 1000},
+        {"1e-3", 0.001},
+        {"1e", 1},
+        {"1d3", 1},
+        {"1,5", 1},
+        {"0x10", 16},
+        {"-0X1p4", -16},
+        {"0x1.8", 1.5},
+        {"inf", INFINITE},
+        {"-Infinity", -INFINITE},
+        {"1e400", INFINITE},
+        {"-1e400", -INFINITE},
+        {"1e-400", 0},
+        {"1e99999999999999999999", INFINITE},
+        {"1e-99999999999999999999", 0},
+        {"0.00001e401", INFINITE},
+        {"100000e-400", 0},
+        {"0x1p2000", INFINITE},
+        {"0x1p-2000", 0},
+        {"1.7976931348623157e308", std::numeric_limits<double>::max()},
+    };
+    for (const auto& row : rows) EXPECT_EQ(textToDouble(row._text), row._value) << row._text;
+    EXPECT_TRUE(std::isnan(textToDouble("nan")));
+    EXPECT_TRUE(std::signbit(textToDouble("-0")));
+}
+
+TEST(TextToDouble, ANumberOfManyDigitsBeyondTheRangeIsInfinite)
+{
+    EXPECT_EQ(textToDouble(std::string(400, '9').c_str()), INFINITE);
+    EXPECT_EQ(textToDouble(("0." + std::string(400, '0') + "1").c_str()), 0);
+}
+
+} // namespace
