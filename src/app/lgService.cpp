@@ -23,10 +23,11 @@ std::atomic<bool> there{false};
 LgService::LgService()
 {
     if (!LgLog::getRegistry()) throw LgServiceEx::ExLoggerNotStarted(__FILE__, __LINE__);
+    LgServiceThreads& threads = LgServiceThreads::instance();
+    if (threads.isForked()) throw LgServiceEx::ExForked(__FILE__, __LINE__);
     if (there.exchange(true)) throw LgServiceEx::ExAlreadyRunning(__FILE__, __LINE__);
     try
     {
-        LgServiceThreads& threads = LgServiceThreads::instance();
         _lostBefore = threads.getLostCount();
         threads.start();
         LgLog::setQueueFunction(&LgServiceThreads::queueOfThread);
@@ -34,7 +35,7 @@ LgService::LgService()
     }
     catch (...)
     {
-        LgServiceThreads::instance().stop();
+        threads.stop();
         there = false;
         throw;
     }

@@ -17,6 +17,14 @@ LgServiceEx::ExAlreadyRunning::ExAlreadyRunning(const char* file, int line)
 
 ZU_EX_WHAT_AND_CLONE(LgServiceEx::ExAlreadyRunning)
 
+LgServiceEx::ExForked::ExForked(const char* file, int line)
+    : std::logic_error(""),
+      LgServiceEx(file, line, "A log service ran when this process was forked.")
+{
+}
+
+ZU_EX_WHAT_AND_CLONE(LgServiceEx::ExForked)
+
 LgServiceEx::ExLoggerNotStarted::ExLoggerNotStarted(const char* file, int line)
     : std::logic_error(""), LgServiceEx(file, line, "The package 'logger' is not started.")
 {

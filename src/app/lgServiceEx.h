@@ -17,6 +17,7 @@ class ZU_APP_API LgServiceEx : public ExBase
 {
 public:
     class ExAlreadyRunning;
+    class ExForked;
     class ExLoggerNotStarted;
 
 protected:
@@ -28,6 +29,16 @@ class ZU_APP_API LgServiceEx::ExAlreadyRunning : public std::logic_error, public
 {
 public:
     ExAlreadyRunning(const char* file, int line);
+    const char* what() const noexcept override;
+    ExBase* clone() const override;
+};
+
+/// A child can't go on with the queues of threads that it does not have: "A log service ran when
+/// this process was forked."
+class ZU_APP_API LgServiceEx::ExForked : public std::logic_error, public LgServiceEx
+{
+public:
+    ExForked(const char* file, int line);
     const char* what() const noexcept override;
     ExBase* clone() const override;
 };

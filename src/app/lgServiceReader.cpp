@@ -1,10 +1,10 @@
 #include "app/lgServiceReader.h"
 
 #include "app/lgServicePlatform.h"
-#include "base/exBase.h"
 #include "base/lgReader.h"
 
 #include <chrono>
+#include <exception>
 #include <iostream>
 #include <mutex>
 
@@ -16,10 +16,6 @@ namespace
 
 // After so many events a fork may have its turn.
 constexpr int EVENTS_IN_A_ROW = 256;
-
-// How long a failing lock is left alone, and how often it is tried when the service ends.
-constexpr std::chrono::milliseconds PAUSE{20};
-constexpr int LAST_TRIES = 50;
 
 // A queue does not fill in so many naps, unless events come faster than they can be written.
 constexpr int NAPS = 5;
@@ -56,22 +52,26 @@ void LgServiceReader::rest(int& naps)
 
 void LgServiceReader::run()
 {
-    int failures = 0;
     int naps = 0;
-    while (true)
+    int lastFailures = 0;
+    while (lastFailures < LgServiceThreads::LAST_TRIES)
     {
         // Asked first: what was published before the stop is seen by the look that follows.
         const bool stop = _stop.load(std::memory_order_acquire);
         const Outcome outcome = writeSome();
         if (outcome == Outcome::WROTE) naps = 0;
-        failures = outcome == Outcome::FAILED ? failures + 1 : 0;
         if (outcome == Outcome::FAILED)
-            std::this_thread::sleep_for(PAUSE);
-        else if (outcome == Outcome::NOTHING && !stop)
+        {
+            lastFailures = stop ? lastFailures + 1 : 0;
+            std::this_thread::sleep_for(LgServiceThreads::PAUSE);
+        }
+        else if (outcome == Outcome::NOTHING)
+        {
+            if (stop) return;
             rest(naps);
-        if (stop && (outcome == Outcome::NOTHING || failures == LAST_TRIES)) break;
+        }
     }
-    if (failures > 0) std::cerr << "The log service ends with events that it could not write.\n";
+    std::cerr << "The log service ends with events that it could not write." << std::endl;
 }
 
 LgServiceReader::Outcome LgServiceReader::writeSome()
@@ -84,9 +84,9 @@ LgServiceReader::Outcome LgServiceReader::writeSome()
             if (!reader.flushEarliest()) return i > 0 ? Outcome::WROTE : Outcome::NOTHING;
         return Outcome::WROTE;
     }
-    catch (const ExBase& exception)
+    catch (const std::exception& exception)
     {
-        report(exception.getReason());
+        report(exception.what());
         return Outcome::FAILED;
     }
 }

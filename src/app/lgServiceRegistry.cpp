@@ -9,22 +9,28 @@ std::mutex& LgServiceRegistry::mutex()
     return *theMutex;
 }
 
+List<LgQueue*>& LgServiceRegistry::queues()
+{
+    static auto* const theQueues = new List<LgQueue*>;
+    return *theQueues;
+}
+
 void LgServiceRegistry::registerQueue(LgQueue* queue)
 {
     const std::lock_guard guard(mutex());
-    _queues.push_back(queue);
+    queues().push_back(queue);
 }
 
 void LgServiceRegistry::deregisterQueue(LgQueue* queue)
 {
     const std::lock_guard guard(mutex());
-    _queues.remove(queue);
+    queues().remove(queue);
 }
 
 List<LgQueue*> LgServiceRegistry::getQueueList() const
 {
     const std::lock_guard guard(mutex());
-    return _queues;
+    return queues();
 }
 
 } // namespace Zu

@@ -12,7 +12,9 @@
 namespace Zu
 {
 
-/// A registry whose operations any thread may call at any time.
+/// A registry whose operations any thread may call at any time. All objects have one list, which
+/// lives as long as the process: a logger that is started anew destroys the object, and no queue is
+/// forgotten.
 class LgServiceRegistry : public LgRegistry
 {
 public:
@@ -25,7 +27,7 @@ public:
     static std::mutex& mutex();
 
 private:
-    List<LgQueue*> _queues;
+    static List<LgQueue*>& queues();
 };
 
 } // namespace Zu

@@ -2,6 +2,7 @@
 
 #include "app/lgServicePlatform.h"
 #include "app/lgServiceRegistry.h"
+#include "base/exBase.h"
 #include "base/lgLog.h"
 #include "base/lgReader.h"
 #include "base/osUtils.h"
@@ -9,6 +10,7 @@
 #include <algorithm>
 #include <chrono>
 #include <memory>
+#include <thread>
 
 namespace Zu
 {
@@ -55,14 +57,6 @@ LgServiceRegistry* serviceRegistry()
     return dynamic_cast<LgServiceRegistry*>(LgLog::getRegistry());
 }
 
-bool isEntered(const LgQueue* queue)
-{
-    const LgServiceRegistry* const registry = serviceRegistry();
-    if (!registry) return false;
-    const List<LgQueue*> queues = registry->getQueueList();
-    return std::find(queues.begin(), queues.end(), queue) != queues.end();
-}
-
 } // namespace
 
 LgServiceThreads& LgServiceThreads::instance()
@@ -95,8 +89,17 @@ LgQueue* LgServiceThreads::makeQueue()
     queue->changeObserver(ObjPtr<LgQueue::Observer>(new ServiceObserver(*this)));
     const std::lock_guard guard(_mutex);
     _queues.push_back(queue.get());
-    if (LgServiceRegistry* const registry = serviceRegistry()) registry->registerQueue(queue.get());
-    LgServicePlatform::setThreadValue(queue.get());
+    try
+    {
+        LgServiceRegistry().registerQueue(queue.get());
+        LgServicePlatform::setThreadValue(queue.get());
+    }
+    catch (...)
+    {
+        LgServiceRegistry().deregisterQueue(queue.get());
+        _queues.remove(queue.get());
+        throw;
+    }
     return queue.release();
 }
 
@@ -106,7 +109,6 @@ void LgServiceThreads::threadEnded(LgQueue* queue)
         const std::lock_guard guard(_mutex);
         _queues.remove(queue);
         _lostOfEnded += queue->getLostCount();
-        if (!isEntered(queue)) _unknown.push_back(queue);
         // From here on the queue is the reader's, which deletes it. Without a service it waits for
         // the next one.
         queue->creatorExit();
@@ -118,17 +120,12 @@ void LgServiceThreads::start()
 {
     const std::lock_guard guard(_mutex);
     if (!serviceRegistry()) LgLog::setRegistry(ObjPtr<LgRegistry>(new LgServiceRegistry));
-    // Threads that logged before the logger was started anew are not in its registry.
-    enter(_queues);
-    enter(_unknown);
-    _unknown.clear();
+    // An application's own registry may have taken them, and be gone.
+    const List<LgQueue*> entered = serviceRegistry()->getQueueList();
+    for (LgQueue* const queue : _queues)
+        if (std::find(entered.begin(), entered.end(), queue) == entered.end())
+            serviceRegistry()->registerQueue(queue);
     _running.store(true, std::memory_order_release);
-}
-
-void LgServiceThreads::enter(const std::list<LgQueue*>& queues)
-{
-    for (LgQueue* const queue : queues)
-        if (!isEntered(queue)) serviceRegistry()->registerQueue(queue);
 }
 
 void LgServiceThreads::stop()
@@ -155,8 +152,25 @@ void LgServiceThreads::waitForSpace(const LgQueue& queue, int size)
             continue;
         }
         // The service has ended between the caller's look and its event: nobody else will read.
-        const std::lock_guard guard(_reading);
-        if (!LgReader().flushEarliest()) return;
+        if (!writeOne()) return;
+    }
+}
+
+// False if there is no event. A lock that fails is tried again, as the service does.
+bool LgServiceThreads::writeOne()
+{
+    for (int tries = 1;; ++tries)
+    {
+        try
+        {
+            const std::lock_guard guard(_reading);
+            return LgReader().flushEarliest();
+        }
+        catch (const ExBase&)
+        {
+            if (tries == LAST_TRIES) throw;
+            std::this_thread::sleep_for(PAUSE);
+        }
     }
 }
 
@@ -174,11 +188,12 @@ void LgServiceThreads::unlockAfterFork()
     _reading.unlock();
 }
 
-// The child has no reader, and none of the threads whose queues it has a copy of: what it logs goes
-// to standard output.
+// The child of a process with a service has no reader, and none of the threads whose queues it has
+// a copy of: what it logs goes to standard output.
 void LgServiceThreads::goOnInChild()
 {
-    LgLog::setLoggerActivation(false);
+    _isForked = isRunning();
+    if (_isForked) LgLog::setLoggerActivation(false);
     _running.store(false, std::memory_order_release);
     unlockAfterFork();
 }

@@ -8,6 +8,7 @@
 #include "base/lgQueue.h"
 
 #include <atomic>
+#include <chrono>
 #include <cstdint>
 #include <list>
 #include <mutex>
@@ -41,6 +42,12 @@ public:
         return _running.load(std::memory_order_acquire);
     }
 
+    /// Whether this process is the child of one in which a service ran at the fork.
+    bool isForked() const
+    {
+        return _isForked;
+    }
+
     /// How many events all threads of the process have lost.
     std::uint64_t getLostCount();
 
@@ -65,23 +72,26 @@ public:
     /// Waits until the queue has room for `size` characters; the producer's.
     void waitForSpace(const LgQueue& queue, int size);
 
+    /// How long a failing lock is left alone, and how often it is tried when no more is to come.
+    static constexpr std::chrono::milliseconds PAUSE{20};
+    static constexpr int LAST_TRIES = 50;
+
 private:
     LgServiceThreads();
     ~LgServiceThreads();
 
     LgQueue* makeQueue();
-    void enter(const std::list<LgQueue*>& queues);
+    bool writeOne();
     void threadEnded(LgQueue* queue);
     void lockForFork();
     void unlockAfterFork();
     void goOnInChild();
 
     std::mutex _mutex;
-    // The queues of living threads, and those of ended ones that no reader has come to know. A
-    // reader deletes all others.
+    // The queues of living threads. A reader deletes all others.
     std::list<LgQueue*> _queues;
-    std::list<LgQueue*> _unknown;
     std::uint64_t _lostOfEnded = 0;
+    bool _isForked = false;
     std::atomic<bool> _running{false};
     std::mutex _reading;
     LgBell _news;

@@ -24,17 +24,28 @@ std::ostream& operator<<(std::ostream& os, const DtTime& time)
 
 } // namespace Zu
 
-// The instant in seconds is count * denominator / numerator; hashed in lowest terms.
+// The instant in seconds is count * denominator / numerator; hashed in lowest terms. The two terms
+// of a rate have a common divisor only where one of them is the smallest integer.
 std::size_t std::hash<Zu::DtTime>::operator()(const Zu::DtTime& time) const noexcept
 {
-    const std::int64_t count = time.getCount();
-    const std::int64_t numerator = time.getRate().getNumerator();
-    std::uint64_t magnitude = static_cast<std::uint64_t>(count);
-    if (count < 0) magnitude = 0 - magnitude;
-    const auto divisor = static_cast<std::uint64_t>(numerator < 0 ? -numerator : numerator);
-    const std::uint64_t common = std::gcd(magnitude, divisor);
-    const auto denominator = static_cast<std::uint64_t>(time.getRate().getDenominator());
-    std::uint64_t above = magnitude / common * denominator;
-    if ((count < 0) != (numerator < 0)) above = 0 - above;
-    return std::hash<std::uint64_t>()(above) * 31 + std::hash<std::uint64_t>()(divisor / common);
+    const std::int64_t terms[] = {time.getCount(), time.getRate().getDenominator(),
+                                  time.getRate().getNumerator()};
+    std::uint64_t magnitudes[3];
+    bool isNegative = false;
+    for (int i = 0; i < 3; ++i)
+    {
+        const auto bits = static_cast<std::uint64_t>(terms[i]);
+        magnitudes[i] = terms[i] < 0 ? 0 - bits : bits;
+        isNegative ^= terms[i] < 0;
+    }
+    auto& [count, denominator, numerator] = magnitudes;
+    for (std::uint64_t* const above : {&denominator, &count})
+    {
+        const std::uint64_t common = std::gcd(*above, numerator);
+        *above /= common;
+        numerator /= common;
+    }
+    const std::uint64_t above = count * denominator;
+    return std::hash<std::uint64_t>()(isNegative ? 0 - above : above) * 31 +
+           std::hash<std::uint64_t>()(numerator);
 }

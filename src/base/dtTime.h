@@ -278,7 +278,9 @@ private:
 
 /// A count of ticks and their rate, which is never 0 and may be negative.
 ///
-/// Times of different rates are compared exactly, by instant: 1 at 1/1 equals 30 at 30/1. They are
+/// Times of different rates are compared exactly, by instant: 1 at 1/1 equals 30 at 30/1. Where one
+/// of both rates is negative the comparison is deliberately turned round, so only times whose rates
+/// have one sign can be kept in order. They are
 /// calculated with at a common rate, the product of both, capped at a million per second (and at
 /// one per million seconds): deliberately, as that bounds the products, also where it loses ticks.
 /// Products of rates are of 32 bits, all others of 64, and wrap. So comparisons hold as long as

@@ -1,10 +1,10 @@
 #include "base/envVar.h"
 
 #include "base/osEnv.h"
+#include "base/textToDouble.h"
 #include "base/textToInt.h"
+#include "base/withoutNaNSign.h"
 
-#include <cmath>
-#include <cstdlib>
 #include <iomanip>
 #include <ostream>
 
@@ -17,12 +17,6 @@ namespace
 const char* orNil(const char* text)
 {
     return text ? text : "NIL";
-}
-
-// A NaN without its sign, which platforms show differently.
-double shown(double value)
-{
-    return std::isnan(value) ? std::fabs(value) : value;
 }
 
 } // namespace
@@ -127,13 +121,14 @@ void EnvDoubleVar::refresh()
 
 void EnvDoubleVar::convert()
 {
-    _doubleValue = environmentText() ? std::atof(environmentText()) : _doubleDefault;
+    _doubleValue = environmentText() ? textToDouble(environmentText()) : _doubleDefault;
 }
 
 void EnvDoubleVar::dump(std::ostream& os) const
 {
     dumpName(os);
-    os << " value " << shown(_doubleValue) << " default " << shown(_doubleDefault);
+    os << " value " << withoutNaNSign(_doubleValue) << " default "
+       << withoutNaNSign(_doubleDefault);
 }
 
 double EnvDoubleVar::getValue() const

@@ -85,8 +85,8 @@ private:
     int _intDefault;
 };
 
-/// A number: the one at the beginning of the text, as `atof` reads it. Text that is no number gives
-/// 0, deliberately not the default.
+/// A number: the one at the beginning of the text, as `atof` reads it by the rules of C99. Text
+/// that is no number gives 0, deliberately not the default.
 class ZU_BASE_API EnvDoubleVar : public EnvVar
 {
 public:

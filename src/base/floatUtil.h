@@ -15,6 +15,226 @@
 namespace Zu
 {
 
+/// What FloatUtil has for one of its precisions.
+template <class T> class FloatUtilOf
+{
+    static constexpr bool IS_SINGLE = std::is_same_v<T, float>;
+    // The integers through which floor() and ceil() go.
+    using Whole = std::conditional_t<IS_SINGLE, std::int32_t, std::int64_t>;
+
+    // Of a constant that is stated for each precision.
+    static constexpr T choose(float single, double both) noexcept
+    {
+        return IS_SINGLE ? static_cast<T>(single) : static_cast<T>(both);
+    }
+
+    static constexpr bool isUnchanged(Whole whole, T x) noexcept
+    {
+        return whole == std::numeric_limits<Whole>::min() || static_cast<T>(whole) == x;
+    }
+
+public:
+    /// The argument with its sign bit cleared.
+    static constexpr T abs(T x) noexcept
+    {
+        if constexpr (IS_SINGLE)
+            return __builtin_fabsf(x);
+        else
+            return __builtin_fabs(x);
+    }
+
+    /// The tolerance of comparisons that are given none: 0.0001 and 1e-7.
+    static constexpr T getCompareEps(T) noexcept
+    {
+        return choose(0.0001F, 1e-7);
+    }
+
+    /// The decimal digits that go with that: 5 and 8.
+    static constexpr int getCompareEpsPrecision(T) noexcept
+    {
+        return IS_SINGLE ? 5 : 8;
+    }
+
+    /// 1 for numbers from 0 on, -0 among them, and -1 for all others, a NaN among them.
+    static constexpr int sgn(T x) noexcept
+    {
+        return x >= 0 ? 1 : -1;
+    }
+
+    /// Down to a whole number. What is whole, a NaN, or beyond 32 bits (float) or 64 bits (double)
+    /// comes back as it is.
+    static constexpr T floor(T x) noexcept
+    {
+        const auto whole = truncateTo<Whole>(x);
+        if (isUnchanged(whole, x)) return x;
+        return static_cast<T>(x < 0 ? whole - 1 : whole);
+    }
+
+    /// Up to a whole number, with the rules of floor(); never to -0.
+    static constexpr T ceil(T x) noexcept
+    {
+        const auto whole = truncateTo<Whole>(x);
+        if (isUnchanged(whole, x)) return x;
+        return static_cast<T>(x < 0 ? whole : whole + 1);
+    }
+
+    /// floor(x + 0.5): halves go up, also below 0.
+    static constexpr T round(T x) noexcept
+    {
+        return floor(x + static_cast<T>(0.5));
+    }
+
+    static T mod(T x, T y)
+    {
+        return std::fmod(x, y);
+    }
+
+    static T pow(T x, T y)
+    {
+        return std::pow(x, y);
+    }
+
+    static T sqrt(T x)
+    {
+        return std::sqrt(x);
+    }
+
+    /// sqrt(x * x + y * y); not guarded against overflow on the way.
+    static T hypot(T x, T y)
+    {
+        return std::sqrt(x * x + y * y);
+    }
+
+    static T sin(T x)
+    {
+        return std::sin(x);
+    }
+
+    static T cos(T x)
+    {
+        return std::cos(x);
+    }
+
+    static T tan(T x)
+    {
+        return std::tan(x);
+    }
+
+    static T asin(T x)
+    {
+        return std::asin(x);
+    }
+
+    static T acos(T x)
+    {
+        return std::acos(x);
+    }
+
+    static T atan(T x)
+    {
+        return std::atan(x);
+    }
+
+    static T atan2(T y, T x)
+    {
+        return std::atan2(y, x);
+    }
+
+    static T exp(T x)
+    {
+        return std::exp(x);
+    }
+
+    static T log(T x)
+    {
+        return std::log(x);
+    }
+
+    static T log10(T x)
+    {
+        return std::log10(x);
+    }
+
+    static constexpr bool isnan(T x) noexcept
+    {
+        return LtFPClass::isNaN(x);
+    }
+
+    static constexpr bool isfinite(T x) noexcept
+    {
+        return LtFPClass::isFinite(x);
+    }
+
+    static constexpr bool isinf(T x) noexcept
+    {
+        return LtFPClass::isInfinity(x);
+    }
+
+    static constexpr T radiansToDegrees(T x) noexcept
+    {
+        return x * T(180) * choose(0.31830987F, 0.3183098861837907);
+    }
+
+    static constexpr T degreesToRadians(T x) noexcept
+    {
+        return x * choose(3.1415927F, 3.141592653589793) *
+               choose(0.0055555557F, 0.005555555555555556);
+    }
+
+    /// Whether both lie closer than `eps`.
+    static constexpr bool isEqual(T a, T b, T eps) noexcept
+    {
+        return !(abs(a - b) >= eps);
+    }
+
+    static constexpr bool isGreater(T a, T b, T eps) noexcept
+    {
+        return a > b + eps;
+    }
+
+    static constexpr bool isGreaterEqual(T a, T b, T eps) noexcept
+    {
+        return a > b - eps;
+    }
+
+    static constexpr bool isSmaller(T a, T b, T eps) noexcept
+    {
+        return !(a >= b - eps);
+    }
+
+    static constexpr bool isSmallerEqual(T a, T b, T eps) noexcept
+    {
+        return !(a >= b + eps);
+    }
+
+    // With the tolerance of getCompareEps().
+
+    static constexpr bool isEqual(T a, T b) noexcept
+    {
+        return isEqual(a, b, getCompareEps(a));
+    }
+
+    static constexpr bool isGreater(T a, T b) noexcept
+    {
+        return isGreater(a, b, getCompareEps(a));
+    }
+
+    static constexpr bool isGreaterEqual(T a, T b) noexcept
+    {
+        return isGreaterEqual(a, b, getCompareEps(a));
+    }
+
+    static constexpr bool isSmaller(T a, T b) noexcept
+    {
+        return isSmaller(a, b, getCompareEps(a));
+    }
+
+    static constexpr bool isSmallerEqual(T a, T b) noexcept
+    {
+        return isSmallerEqual(a, b, getCompareEps(a));
+    }
+};
+
 /// One name for the mathematics of both precisions; an operation computes in the precision of its
 /// argument. Nothing is reported: errors of domain and range follow the platform and IEEE 754.
 ///
@@ -22,161 +242,79 @@ namespace Zu
 /// isEqual(), isSmaller() and isSmallerEqual() are deliberately true when an operand is a NaN,
 /// isGreater() and isGreaterEqual() false.
 ///
+/// The operations are compiled with the options of whoever calls them: hypot() and smoothStep()
+/// give the same bits everywhere as long as those forbid fused multiplication and addition
+/// (`-ffp-contract=off`).
+///
 /// Any thread may call them.
-class FloatUtil
+class FloatUtil : private FloatUtilOf<float>, private FloatUtilOf<double>
 {
-    template <class T> using IfFloat = std::enable_if_t<std::is_floating_point_v<T>, T>;
-
 public:
     FloatUtil() = delete;
 
-    /// The argument with its sign bit cleared.
-    static constexpr float abs(float x) noexcept
-    {
-        return __builtin_fabsf(x);
-    }
-
-    static constexpr double abs(double x) noexcept
-    {
-        return __builtin_fabs(x);
-    }
-
-    /// The tolerance of comparisons that are given none: 0.0001 and 1e-7.
-    static constexpr float getCompareEps(float) noexcept
-    {
-        return 0.0001F;
-    }
-
-    static constexpr double getCompareEps(double) noexcept
-    {
-        return 1e-7;
-    }
-
-    /// The decimal digits that go with that: 5 and 8.
-    static constexpr int getCompareEpsPrecision(float) noexcept
-    {
-        return 5;
-    }
-
-    static constexpr int getCompareEpsPrecision(double) noexcept
-    {
-        return 8;
-    }
-
-    /// 1 for numbers from 0 on, -0 among them, and -1 for all others, a NaN among them.
-    template <class T, class = IfFloat<T>> static constexpr int sgn(T x) noexcept
-    {
-        return x >= 0 ? 1 : -1;
-    }
-
-    /// Down to a whole number. What is whole, a NaN, or beyond 32 bits (float) or 64 bits (double)
-    /// comes back as it is.
-    template <class T, class = IfFloat<T>> static constexpr T floor(T x) noexcept
-    {
-        const auto whole = truncateTo<Whole<T>>(x);
-        if (isUnchanged(whole, x)) return x;
-        return static_cast<T>(x < 0 ? whole - 1 : whole);
-    }
-
-    /// Up to a whole number, with the rules of floor(); never to -0.
-    template <class T, class = IfFloat<T>> static constexpr T ceil(T x) noexcept
-    {
-        const auto whole = truncateTo<Whole<T>>(x);
-        if (isUnchanged(whole, x)) return x;
-        return static_cast<T>(x < 0 ? whole : whole + 1);
-    }
-
-    /// floor(x + 0.5): halves go up, also below 0.
-    template <class T, class = IfFloat<T>> static constexpr T round(T x) noexcept
-    {
-        return floor(x + static_cast<T>(0.5));
-    }
-
-    template <class T, class = IfFloat<T>> static T mod(T x, T y)
-    {
-        return std::fmod(x, y);
-    }
-
-    template <class T, class = IfFloat<T>> static T pow(T x, T y)
-    {
-        return std::pow(x, y);
-    }
-
-    template <class T, class = IfFloat<T>> static T sqrt(T x)
-    {
-        return std::sqrt(x);
-    }
-
-    /// sqrt(x * x + y * y); not guarded against overflow on the way.
-    template <class T, class = IfFloat<T>> static T hypot(T x, T y)
-    {
-        return std::sqrt(x * x + y * y);
-    }
-
-    template <class T, class = IfFloat<T>> static T sin(T x)
-    {
-        return std::sin(x);
-    }
-
-    template <class T, class = IfFloat<T>> static T cos(T x)
-    {
-        return std::cos(x);
-    }
-
-    template <class T, class = IfFloat<T>> static T tan(T x)
-    {
-        return std::tan(x);
-    }
-
-    template <class T, class = IfFloat<T>> static T asin(T x)
-    {
-        return std::asin(x);
-    }
-
-    template <class T, class = IfFloat<T>> static T acos(T x)
-    {
-        return std::acos(x);
-    }
-
-    template <class T, class = IfFloat<T>> static T atan(T x)
-    {
-        return std::atan(x);
-    }
-
-    template <class T, class = IfFloat<T>> static T atan2(T y, T x)
-    {
-        return std::atan2(y, x);
-    }
-
-    template <class T, class = IfFloat<T>> static T exp(T x)
-    {
-        return std::exp(x);
-    }
-
-    template <class T, class = IfFloat<T>> static T log(T x)
-    {
-        return std::log(x);
-    }
-
-    template <class T, class = IfFloat<T>> static T log10(T x)
-    {
-        return std::log10(x);
-    }
-
-    template <class T, class = IfFloat<T>> static constexpr bool isnan(T x) noexcept
-    {
-        return LtFPClass::isNaN(x);
-    }
-
-    template <class T, class = IfFloat<T>> static constexpr bool isfinite(T x) noexcept
-    {
-        return LtFPClass::isFinite(x);
-    }
-
-    template <class T, class = IfFloat<T>> static constexpr bool isinf(T x) noexcept
-    {
-        return LtFPClass::isInfinity(x);
-    }
+    // Every operation of FloatUtilOf, for both precisions.
+    using FloatUtilOf<float>::abs;
+    using FloatUtilOf<double>::abs;
+    using FloatUtilOf<float>::acos;
+    using FloatUtilOf<double>::acos;
+    using FloatUtilOf<float>::asin;
+    using FloatUtilOf<double>::asin;
+    using FloatUtilOf<float>::atan;
+    using FloatUtilOf<double>::atan;
+    using FloatUtilOf<float>::atan2;
+    using FloatUtilOf<double>::atan2;
+    using FloatUtilOf<float>::ceil;
+    using FloatUtilOf<double>::ceil;
+    using FloatUtilOf<float>::cos;
+    using FloatUtilOf<double>::cos;
+    using FloatUtilOf<float>::degreesToRadians;
+    using FloatUtilOf<double>::degreesToRadians;
+    using FloatUtilOf<float>::exp;
+    using FloatUtilOf<double>::exp;
+    using FloatUtilOf<float>::floor;
+    using FloatUtilOf<double>::floor;
+    using FloatUtilOf<float>::getCompareEps;
+    using FloatUtilOf<double>::getCompareEps;
+    using FloatUtilOf<float>::getCompareEpsPrecision;
+    using FloatUtilOf<double>::getCompareEpsPrecision;
+    using FloatUtilOf<float>::hypot;
+    using FloatUtilOf<double>::hypot;
+    using FloatUtilOf<float>::isEqual;
+    using FloatUtilOf<double>::isEqual;
+    using FloatUtilOf<float>::isGreater;
+    using FloatUtilOf<double>::isGreater;
+    using FloatUtilOf<float>::isGreaterEqual;
+    using FloatUtilOf<double>::isGreaterEqual;
+    using FloatUtilOf<float>::isSmaller;
+    using FloatUtilOf<double>::isSmaller;
+    using FloatUtilOf<float>::isSmallerEqual;
+    using FloatUtilOf<double>::isSmallerEqual;
+    using FloatUtilOf<float>::isfinite;
+    using FloatUtilOf<double>::isfinite;
+    using FloatUtilOf<float>::isinf;
+    using FloatUtilOf<double>::isinf;
+    using FloatUtilOf<float>::isnan;
+    using FloatUtilOf<double>::isnan;
+    using FloatUtilOf<float>::log;
+    using FloatUtilOf<double>::log;
+    using FloatUtilOf<float>::log10;
+    using FloatUtilOf<double>::log10;
+    using FloatUtilOf<float>::mod;
+    using FloatUtilOf<double>::mod;
+    using FloatUtilOf<float>::pow;
+    using FloatUtilOf<double>::pow;
+    using FloatUtilOf<float>::radiansToDegrees;
+    using FloatUtilOf<double>::radiansToDegrees;
+    using FloatUtilOf<float>::round;
+    using FloatUtilOf<double>::round;
+    using FloatUtilOf<float>::sgn;
+    using FloatUtilOf<double>::sgn;
+    using FloatUtilOf<float>::sin;
+    using FloatUtilOf<double>::sin;
+    using FloatUtilOf<float>::sqrt;
+    using FloatUtilOf<double>::sqrt;
+    using FloatUtilOf<float>::tan;
+    using FloatUtilOf<double>::tan;
 
     /// `low` before `edge0`, and for a NaN; `high` from `edge1` on; between, the cubic curve that
     /// leaves and enters both levelly.
@@ -187,91 +325,6 @@ public:
         if (x >= edge1) return high;
         const float t = (x - edge0) / (edge1 - edge0);
         return (3.0F - 2.0F * t) * t * t * (high - low) + low;
-    }
-
-    static constexpr float radiansToDegrees(float x) noexcept
-    {
-        return x * 180.0F * 0.31830987F;
-    }
-
-    static constexpr double radiansToDegrees(double x) noexcept
-    {
-        return x * 180.0 * 0.3183098861837907;
-    }
-
-    static constexpr float degreesToRadians(float x) noexcept
-    {
-        return x * 3.1415927F * 0.0055555557F;
-    }
-
-    static constexpr double degreesToRadians(double x) noexcept
-    {
-        return x * 3.141592653589793 * 0.005555555555555556;
-    }
-
-    /// Whether both lie closer than `eps`.
-    template <class T, class = IfFloat<T>> static constexpr bool isEqual(T a, T b, T eps) noexcept
-    {
-        return !(abs(a - b) >= eps);
-    }
-
-    template <class T, class = IfFloat<T>> static constexpr bool isGreater(T a, T b, T eps) noexcept
-    {
-        return a > b + eps;
-    }
-
-    template <class T, class = IfFloat<T>>
-    static constexpr bool isGreaterEqual(T a, T b, T eps) noexcept
-    {
-        return a > b - eps;
-    }
-
-    template <class T, class = IfFloat<T>> static constexpr bool isSmaller(T a, T b, T eps) noexcept
-    {
-        return !(a >= b - eps);
-    }
-
-    template <class T, class = IfFloat<T>>
-    static constexpr bool isSmallerEqual(T a, T b, T eps) noexcept
-    {
-        return !(a >= b + eps);
-    }
-
-    // With the tolerance of getCompareEps().
-
-    template <class T, class = IfFloat<T>> static constexpr bool isEqual(T a, T b) noexcept
-    {
-        return isEqual(a, b, getCompareEps(a));
-    }
-
-    template <class T, class = IfFloat<T>> static constexpr bool isGreater(T a, T b) noexcept
-    {
-        return isGreater(a, b, getCompareEps(a));
-    }
-
-    template <class T, class = IfFloat<T>> static constexpr bool isGreaterEqual(T a, T b) noexcept
-    {
-        return isGreaterEqual(a, b, getCompareEps(a));
-    }
-
-    template <class T, class = IfFloat<T>> static constexpr bool isSmaller(T a, T b) noexcept
-    {
-        return isSmaller(a, b, getCompareEps(a));
-    }
-
-    template <class T, class = IfFloat<T>> static constexpr bool isSmallerEqual(T a, T b) noexcept
-    {
-        return isSmallerEqual(a, b, getCompareEps(a));
-    }
-
-private:
-    // The integers through which floor() and ceil() go.
-    template <class T>
-    using Whole = std::conditional_t<std::is_same_v<T, float>, std::int32_t, std::int64_t>;
-
-    template <class T> static constexpr bool isUnchanged(Whole<T> whole, T x) noexcept
-    {
-        return whole == std::numeric_limits<Whole<T>>::min() || static_cast<T>(whole) == x;
     }
 };
 

@@ -6,12 +6,12 @@
 
 #include "base/floatUtil.h"
 #include "base/ieeeDivide.h"
+#include "base/withoutNaNSign.h"
 
 #include <algorithm>
 #include <cstddef>
 #include <functional>
 #include <ostream>
-#include <type_traits>
 
 namespace Zu
 {
@@ -262,7 +262,8 @@ public:
     /// Writes "[0, 1]"; a NaN without a sign.
     friend std::ostream& operator<<(std::ostream& os, const Interval& interval)
     {
-        return os << "[" << shown(interval._min) << ", " << shown(interval._max) << "]";
+        return os << "[" << withoutNaNSign(interval._min) << ", " << withoutNaNSign(interval._max)
+                  << "]";
     }
 
     T _min;
@@ -271,14 +272,6 @@ public:
 private:
     static constexpr int _inclContMap[] = {0, 0, 0, 0, 1, 1, 2, 3};
     static constexpr int _exclContMap[] = {0, 0, 1, 1, 0, 0, 2, 3};
-
-    static constexpr T shown(const T& bound) noexcept
-    {
-        if constexpr (std::is_floating_point_v<T>)
-            return FloatUtil::isnan(bound) ? FloatUtil::abs(bound) : bound;
-        else
-            return bound;
-    }
 
     constexpr bool liesInside(const Interval& o) const noexcept
     {

@@ -12,6 +12,7 @@
 #include "base/lgQueue.h"
 #include "base/lgStream.h"
 #include "base/lgTypes.h"
+#include "base/xGlue.h"
 
 #include <type_traits>
 
@@ -91,9 +92,10 @@ public:
     /// Publishes the event.
     void complete()
     {
-        _queue->getStream().completeString();
-        _queue->endInsertion();
+        // From here on there is nothing to take back, whatever the observer does.
+        LgQueue& queue = *_queue;
         _queue = nullptr;
+        queue.endInsertion();
     }
 
 private:
@@ -165,10 +167,6 @@ private:
 };
 
 } // namespace Zu
-
-/// One word of two, which may be macros.
-#define ZU_XGLUE(a, b) ZU_XGLUE_EXPANDED(a, b)
-#define ZU_XGLUE_EXPANDED(a, b) a##b
 
 /// Declares a minor group, in a header, so that several sources can log into it. This one and the
 /// next stand outside of functions, in the namespace of the subsystem.

@@ -2,6 +2,7 @@
 
 #include "base/exSysError.h"
 
+#include <exception>
 #include <windows.h>
 
 namespace Zu
@@ -20,7 +21,9 @@ public:
 
     ~LockWindows() noexcept(false) override
     {
-        if (!CloseHandle(_mutex)) throw ExSysErrorWindows(__FILE__, __LINE__);
+        const bool isClosed = CloseHandle(_mutex);
+        if (!isClosed && std::uncaught_exceptions() == 0)
+            throw ExSysErrorWindows(__FILE__, __LINE__);
     }
 
     void lock() override

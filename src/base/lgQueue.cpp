@@ -10,7 +10,6 @@ namespace
 {
 
 constexpr unsigned int TEXT_INSERTED = 1;
-constexpr unsigned int STRING_CLOSED = 2;
 
 } // namespace
 
@@ -164,7 +163,7 @@ void LgQueue::addEntry()
         _stream.resetTo(_mark);
         return;
     }
-    if ((flags & STRING_CLOSED) == 0) _stream.completeString();
+    _stream.completeOne(_mark);
     ZU_INTERNAL_ASSERT_TEXT(_end.plus(1) != _begSeen, "_end+1U != _beg");
     ZU_INTERNAL_ASSERT_TEXT(_end.plus(2) != _begSeen, "_end+2U != _beg");
     // Pairs with the reader's look at it: entry and text are complete.

@@ -146,6 +146,11 @@ public:
         _inserting = true;
     }
 
+    bool isInserting() const
+    {
+        return _inserting;
+    }
+
     /// Publishes the event whose text was inserted.
     void endInsertion()
     {

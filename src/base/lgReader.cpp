@@ -71,12 +71,20 @@ void writeLine(std::ostream& out, const char* line, std::size_t length)
         out.fill(' ');
         out.setf(std::ios::dec, std::ios::basefield);
     }
-    // What write() and flush() do, with the stream's preparations for output made once.
-    const std::ostream::sentry prepared(out);
-    if (!prepared) return;
-    const auto size = static_cast<std::streamsize>(length);
-    const bool isWritten = out.rdbuf()->sputn(line, size) == size;
-    if (!isWritten || out.rdbuf()->pubsync() != 0) out.setstate(std::ios::badbit);
+    try
+    {
+        // What write() and flush() do, with the stream's preparations for output made once.
+        const std::ostream::sentry prepared(out);
+        if (!prepared) return;
+        const auto size = static_cast<std::streamsize>(length);
+        const bool isWritten = out.rdbuf()->sputn(line, size) == size;
+        if (!isWritten || out.rdbuf()->pubsync() != 0) out.setstate(std::ios::badbit);
+    }
+    catch (...)
+    {
+        // Of a stream that a client has asked to raise. Nobody looks at failures: the line is lost,
+        // and the event is removed all the same.
+    }
 }
 
 } // namespace
@@ -91,6 +99,16 @@ bool LgReader::eventsPending()
 bool LgReader::flushEarliest()
 {
     LgQueue* earliest = nullptr;
+    // A queue that is reaped may stand in the list once more: the walk begins again without it.
+    while (!findEarliest(earliest)) continue;
+    if (!earliest) return false;
+    flushQueue(earliest);
+    return true;
+}
+
+bool LgReader::findEarliest(LgQueue*& earliest)
+{
+    earliest = nullptr;
     for (LgQueue* const queue : LgLog::getRegistry()->getQueueList())
     {
         if (!queue->isEmpty())
@@ -104,10 +122,9 @@ bool LgReader::flushEarliest()
             // Asked again: the last event may have come just before the thread's end.
             LgLog::getRegistry()->deregisterQueue(queue);
             delete queue;
+            return false;
         }
     }
-    if (!earliest) return false;
-    flushQueue(earliest);
     return true;
 }
 

@@ -42,6 +42,8 @@ public:
     void flushAll();
 
 private:
+    // False if a queue was reaped on the way; then nothing is found yet.
+    static bool findEarliest(LgQueue*& earliest);
     static void flushQueue(LgQueue* q);
 };
 

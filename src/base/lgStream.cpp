@@ -56,6 +56,7 @@ LgStream::~LgStream() = default;
 
 LgStream& LgStream::operator<<(std::string_view text)
 {
+    if (text.empty()) return insert("", 0);
     // A NUL inside would end the string for the reader.
     return insert(text.data(), std::min(text.find('\0'), text.size()));
 }
@@ -230,7 +231,8 @@ bool LgStream::makeRoom()
     if (isFullAtEdge())
     {
         _overflowed.store(true, std::memory_order_relaxed);
-        _buffer[_writePos.own()] = '\0';
+        // A pending terminator stands there already, where the reader may be looking.
+        if (!_terminatorPending) _buffer[_writePos.own()] = '\0';
         _outputFlags |= STRING_CLOSED;
         return false;
     }
@@ -268,7 +270,7 @@ void LgStream::overflow()
 // the very beginning.
 void LgStream::completeAtEdge()
 {
-    _outputFlags |= STRING_CLOSED;
+    noteEnd();
     // The position below is stepped past, which must never lead past the reader that was seen.
     _readPosSeen = _readPos;
     if (_terminatorPending)
@@ -297,7 +299,25 @@ void LgStream::resetTo(const Mark& mark)
     _lastComplete = mark._lastComplete;
     _terminatorPending = mark._terminatorPending;
     // A text that began on the NUL of a fresh ring has overwritten it.
-    _buffer[mark._writePos] = '\0';
+    if (mark._writePos == mark._lastComplete && !mark._terminatorPending)
+        _buffer[mark._writePos] = '\0';
+    findStraightEnd();
+}
+
+// Somebody has ended the string and gone on. No reader has come to know what follows: it takes a
+// text for each entry, and this one's is not published.
+void LgStream::keepFirst(const Mark& mark)
+{
+    const std::uint32_t mask = _writePos.size() - 1;
+    std::uint32_t end = mark._terminatorPending ? mark._writePos + 1 : mark._writePos;
+    // On the NUL of a fresh ring stands no text, but its end may be behind it.
+    if (end == mark._lastComplete && _buffer[end & mask] == '\0') ++end;
+    while (_buffer[end & mask] != '\0') ++end;
+    _lastComplete = end & mask;
+    _writePos = end & mask;
+    _readPosSeen = _readPos;
+    _terminatorPending = _writePos.plus(1) == _readPosSeen;
+    if (!_terminatorPending) ++_writePos;
     findStraightEnd();
 }
 

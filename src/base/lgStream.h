@@ -57,7 +57,8 @@ public:
     LgStream& operator<<(const std::string& text);
     LgStream& operator<<(char character)
     {
-        return insert(&character, 1);
+        // A NUL would end the string: it is no text.
+        return insert(&character, character == '\0' ? 0 : 1);
     }
 
     LgStream& operator<<(signed char character);
@@ -86,7 +87,7 @@ public:
         const std::uint32_t position = _writePos.own();
         if (position + 1 >= _straightEnd || position == _lastComplete.own())
             return completeAtEdge();
-        _outputFlags |= STRING_CLOSED;
+        noteEnd();
         _buffer[position] = '\0';
         // From this store on the reader sees the string.
         _lastComplete = position;
@@ -102,7 +103,7 @@ public:
     /// Bit 0: text was inserted since the last reset, be it empty. Bit 1: the string is closed.
     unsigned int getOutputFlags() const
     {
-        return _outputFlags;
+        return _outputFlags & (TEXT_INSERTED | STRING_CLOSED);
     }
 
     /// Whether no character finds room.
@@ -157,6 +158,8 @@ private:
 
     static constexpr unsigned char TEXT_INSERTED = 1;
     static constexpr unsigned char STRING_CLOSED = 2;
+    // Not told: the string was closed a second time.
+    static constexpr unsigned char CLOSED_AGAIN = 4;
 
     Mark getMark() const
     {
@@ -164,6 +167,23 @@ private:
     }
 
     void resetTo(const Mark& mark);
+
+    void noteEnd()
+    {
+        const int again = (_outputFlags & STRING_CLOSED) << 1;
+        _outputFlags = static_cast<unsigned char>(_outputFlags | STRING_CLOSED | again);
+    }
+
+    // Closes what was inserted since the mark, if that is still to be done, and sees to it that it
+    // is one string: an event has one.
+    void completeOne(const Mark& mark)
+    {
+        if (_lastComplete.own() == mark._lastComplete) completeString();
+        const bool isBehindEnd = _terminatorPending || _writePos.own() == _lastComplete.plus(1);
+        if (!isBehindEnd || (_outputFlags & CLOSED_AGAIN) != 0) keepFirst(mark);
+    }
+
+    void keepFirst(const Mark& mark);
 
     // The same as isFull(), for the writer.
     bool isFullForWriter()

@@ -43,7 +43,8 @@ void LgTrace::print(const char* mess)
         return;
     }
     LgQueue& q = LgLog::getQueue();
-    if (LgLog::getBlockingTrace())
+    // From inside another event's insertion there is nothing to wait for: the line is refused.
+    if (LgLog::getBlockingTrace() && !q.isInserting())
     {
         const std::size_t len = std::strlen(mess) + 1;
         if (len > LgStream::getMaxSize()) return printInPieces(mess);

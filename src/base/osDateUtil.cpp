@@ -52,7 +52,8 @@ bool OsDateUtil::makeTime(int year, int month, int day, int hour, int minute, do
                                     cut(minute), whole,      milliseconds};
     std::optional<std::uint64_t> count = OsCalendar::countOf(fields);
     if (count && mode == OsDateTypes::TimeLocal) count = OsDatePlatform::universalOf(*count);
-    if (!count) return false;
+    // Local time may lead before the first date, and wrap.
+    if (!count || *count >> 63 != 0) return false;
     date = dateOf(*count);
     return true;
 }

@@ -36,7 +36,8 @@ public:
     static bool makeTime(int year, int month, int day, int hour, int minute, double second,
                          OsDateTypes::TimeMode mode, DateRep& date);
 
-    /// The fields of a date. Raises OsDateEx::ExInvalidDate for a count from 2^63 on.
+    /// The fields of a date. Raises OsDateEx::ExInvalidDate for a count from 2^63 on, and for one
+    /// whose local time lies before 1601.
     static DateStruct convertToDateStruct(const DateRep& date, OsDateTypes::TimeMode mode);
 
     /// The date that lies so many seconds later. The count goes through a `double`, which at

@@ -22,12 +22,10 @@ std::int64_t offsetAt(std::int64_t universal)
     return localtime_r(&time, &fields) ? fields.tm_gmtoff : 0;
 }
 
-// The count moved by so many seconds; nothing if that leads before 1601 or beyond the calendar.
-std::optional<std::uint64_t> moved(std::uint64_t count, std::int64_t seconds)
+// The count moved by so many seconds; what leads before 1601 wraps, and is no date.
+std::uint64_t moved(std::uint64_t count, std::int64_t seconds)
 {
-    const std::uint64_t result = count + static_cast<std::uint64_t>(seconds * TICKS_PER_SECOND);
-    if (result >> 63 != 0) return std::nullopt;
-    return result;
+    return count + static_cast<std::uint64_t>(seconds * TICKS_PER_SECOND);
 }
 
 // What of a count is whole seconds, since 1970.
@@ -58,7 +56,7 @@ std::uint64_t localOf(std::uint64_t universal)
 {
     if (universal >> 63 != 0) return universal;
     tzset();
-    return moved(universal, offsetAt(secondsOf(universal))).value_or(universal);
+    return moved(universal, offsetAt(secondsOf(universal)));
 }
 
 } // namespace Zu::OsDatePlatform

@@ -1,21 +1,9 @@
 #include "base/rational.h"
 
-#include "base/ieeeDivide.h"
-
 #include <ostream>
 
 namespace Zu
 {
-
-double Rational::getReciprocalDouble() const noexcept
-{
-    return ieeeDivide(static_cast<double>(_denominator), static_cast<double>(_numerator));
-}
-
-float Rational::getReciprocalFloat() const noexcept
-{
-    return ieeeDivide(static_cast<float>(_denominator), static_cast<float>(_numerator));
-}
 
 void Rational::dump(std::ostream& os) const
 {

@@ -5,6 +5,7 @@
 #define ZU_BASE_RATIONAL_H
 
 #include "base/baseApi.h"
+#include "base/ieeeDivide.h"
 #include "base/rationalEx.h"
 
 #include <cstddef>
@@ -74,10 +75,16 @@ public:
     }
 
     /// Denominator through numerator; infinity for 0.
-    double getReciprocalDouble() const noexcept;
+    constexpr double getReciprocalDouble() const noexcept
+    {
+        return ieeeDivide(static_cast<double>(_denominator), static_cast<double>(_numerator));
+    }
 
     /// The same, with both rounded to single precision before they are divided.
-    float getReciprocalFloat() const noexcept;
+    constexpr float getReciprocalFloat() const noexcept
+    {
+        return ieeeDivide(static_cast<float>(_denominator), static_cast<float>(_numerator));
+    }
 
     /// Writes "(30000/1001=29.97)", the value as the stream formats a `double`.
     void dump(std::ostream& os) const;

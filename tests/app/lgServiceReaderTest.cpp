@@ -3,7 +3,11 @@
 #include "base/lgLog.h"
 #include "support/runningLogger.h"
 
+#include <atomic>
 #include <gtest/gtest.h>
+#include <iostream>
+#include <sstream>
+#include <stdexcept>
 #include <string>
 #include <thread>
 #include <vector>
@@ -66,6 +70,81 @@ TEST_F(LgServiceReaderTest, WakesUpForAnEvent)
 TEST_F(LgServiceReaderTest, EndsThoughNothingWasEverLogged)
 {
     const LgServiceReader reader(_threads);
+}
+
+// A registry that can't be asked, in place of a lock that can't be taken: the reader sees the same.
+class FailingRegistry : public Zu::LgRegistry
+{
+public:
+    void registerQueue(LgQueue* queue) override
+    {
+        _queues.push_back(queue);
+    }
+
+    void deregisterQueue(LgQueue* queue) override
+    {
+        _queues.remove(queue);
+    }
+
+    Zu::List<LgQueue*> getQueueList() const override
+    {
+        ++_asked;
+        if (_failing) throw std::runtime_error("no list");
+        return _queues;
+    }
+
+    static inline std::atomic<int> _asked{0};
+    static inline std::atomic<bool> _failing{false};
+
+private:
+    Zu::List<LgQueue*> _queues;
+};
+
+class LgServiceReaderFailureTest : public LgServiceReaderTest
+{
+protected:
+    LgServiceReaderFailureTest() : _former(std::cerr.rdbuf(_errors.rdbuf()))
+    {
+        Zu::LgLog::setRegistry(Zu::ObjPtr<Zu::LgRegistry>(new FailingRegistry));
+        FailingRegistry::_failing = true;
+    }
+
+    ~LgServiceReaderFailureTest() override
+    {
+        std::cerr.rdbuf(_former);
+        FailingRegistry::_failing = false;
+    }
+
+    static void waitForTries(int count)
+    {
+        const int before = FailingRegistry::_asked;
+        while (FailingRegistry::_asked < before + count) std::this_thread::yield();
+    }
+
+    std::ostringstream _errors;
+    std::streambuf* _former;
+};
+
+TEST_F(LgServiceReaderFailureTest, EndsThoughEveryTryFails)
+{
+    {
+        const LgServiceReader reader(_threads);
+        // More failures than are tried at the end.
+        waitForTries(LgServiceThreads::LAST_TRIES + 5);
+    }
+    EXPECT_EQ(_errors.str(), "The log service can't write an event and tries again: no list\n"
+                             "The log service ends with events that it could not write.\n");
+}
+
+TEST_F(LgServiceReaderFailureTest, GoesOnWhenTryingHelps)
+{
+    {
+        const LgServiceReader reader(_threads);
+        waitForTries(3);
+        FailingRegistry::_failing = false;
+        waitForTries(3);
+    }
+    EXPECT_EQ(_errors.str(), "The log service can't write an event and tries again: no list\n");
 }
 
 } // namespace

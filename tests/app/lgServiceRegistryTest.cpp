@@ -2,6 +2,7 @@
 
 #include "base/lgQueue.h"
 
+#include <algorithm>
 #include <gtest/gtest.h>
 #include <thread>
 #include <vector>
@@ -11,20 +12,32 @@ namespace
 
 using Zu::LgQueue;
 using Zu::LgServiceRegistry;
+using Queues = Zu::List<LgQueue*>;
+
+// What of the registry's list is among these; threads of other tests have theirs in it.
+Queues among(const LgServiceRegistry& registry, const std::vector<LgQueue*>& own)
+{
+    Queues found = registry.getQueueList();
+    found.remove_if([&own](LgQueue* queue)
+                    { return std::find(own.begin(), own.end(), queue) == own.end(); });
+    return found;
+}
 
 TEST(LgServiceRegistry, KeepsQueuesInTheOrderOfTheirEntry)
 {
     LgQueue a;
     LgQueue b;
     LgServiceRegistry registry;
-    EXPECT_TRUE(registry.getQueueList().empty());
+    EXPECT_EQ(among(registry, {&a, &b}), Queues());
     registry.registerQueue(&b);
     registry.registerQueue(&a);
-    EXPECT_EQ(registry.getQueueList(), (Zu::List<LgQueue*>{&b, &a}));
+    EXPECT_EQ(among(registry, {&a, &b}), (Queues{&b, &a}));
     registry.deregisterQueue(&b);
-    EXPECT_EQ(registry.getQueueList(), (Zu::List<LgQueue*>{&a}));
+    EXPECT_EQ(among(registry, {&a, &b}), Queues{&a});
     registry.deregisterQueue(&b);
-    EXPECT_EQ(registry.getQueueList(), (Zu::List<LgQueue*>{&a}));
+    EXPECT_EQ(among(registry, {&a, &b}), Queues{&a});
+    registry.deregisterQueue(&a);
+    EXPECT_EQ(among(registry, {&a, &b}), Queues());
 }
 
 TEST(LgServiceRegistry, TakesOutEveryEntryOfAQueue)
@@ -33,8 +46,19 @@ TEST(LgServiceRegistry, TakesOutEveryEntryOfAQueue)
     LgServiceRegistry registry;
     registry.registerQueue(&queue);
     registry.registerQueue(&queue);
+    EXPECT_EQ(among(registry, {&queue}), (Queues{&queue, &queue}));
     registry.deregisterQueue(&queue);
-    EXPECT_TRUE(registry.getQueueList().empty());
+    EXPECT_EQ(among(registry, {&queue}), Queues());
+}
+
+TEST(LgServiceRegistry, AllObjectsHaveOneList)
+{
+    LgQueue queue;
+    LgServiceRegistry().registerQueue(&queue);
+    LgServiceRegistry other;
+    EXPECT_EQ(among(other, {&queue}), Queues{&queue});
+    other.deregisterQueue(&queue);
+    EXPECT_EQ(among(LgServiceRegistry(), {&queue}), Queues());
 }
 
 TEST(LgServiceRegistry, SeveralThreadsMayUseItAtATime)
@@ -46,14 +70,13 @@ TEST(LgServiceRegistry, SeveralThreadsMayUseItAtATime)
         for (int i = 0; i < 2000; ++i)
         {
             registry.registerQueue(&queue);
-            EXPECT_LE(registry.getQueueList().size(), 4U);
+            EXPECT_EQ(among(registry, {&queue}), Queues{&queue});
             registry.deregisterQueue(&queue);
         }
     };
     std::vector<std::thread> threads;
     for (int i = 0; i < 4; ++i) threads.emplace_back(comeAndGo);
     for (std::thread& thread : threads) thread.join();
-    EXPECT_TRUE(registry.getQueueList().empty());
 }
 
 } // namespace

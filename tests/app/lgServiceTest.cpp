@@ -451,6 +451,23 @@ TEST(LgServiceProgram, WritesAllBeforeAnOrderlyEnd)
     EXPECT_EQ(fileTexts(dir.file("events.log")).size(), 300U);
 }
 
+TEST(LgServiceProgram, AProcessWithoutALockNameWaitsForNobody)
+{
+    const support::TempDir dir;
+    const std::string name = "zuHeldLock" + std::to_string(support::processId());
+    const std::unique_ptr<Zu::LgInterProcessLock> lock(
+        Zu::LgInterProcessLock::create(name.c_str()));
+    lock->lock();
+    const support::ProgramResult result =
+        support::runProgram("serviceProgram", {"threads"},
+                            {{"B7Q_TEST_DIR", dir.path()},
+                             {"ZU_LOG_WARNING", "+" + dir.file("shared.log")},
+                             {"ZU_INTERNAL_INTERPROCESS_LOG_LOCK", std::nullopt}});
+    lock->unlock();
+    EXPECT_EQ(result.exitCode, 0);
+    EXPECT_EQ(fileTexts(dir.file("shared.log")).size(), 300U);
+}
+
 TEST(LgServiceProgram, MayExitWhileTheServiceLivesAndAThreadLogs)
 {
     const support::ProgramResult result = support::runProgram("serviceProgram", {"exit"});
@@ -470,7 +487,8 @@ TEST(LgServiceProgram, AChildOfAForkEndsAndLogsToStandardOutput)
         {{"B7Q_TEST_DIR", dir.path()}, {"ZU_LOG_GROUPS", "Test=Informational"}});
     EXPECT_EQ(result.exitCode, 0);
     EXPECT_EQ(result.err, "");
-    EXPECT_EQ(result.out, "Service in the child\nService in a thread of the child\n");
+    EXPECT_EQ(result.out, "Service in the child\nService in a thread of the child\n"
+                          "A log service ran when this process was forked.\n");
     Texts events = fileTexts(dir.file("events.log"));
     events.erase(std::remove(events.begin(), events.end(), "Service busy"), events.end());
     EXPECT_EQ(events, (Texts{"Service before the fork", "Service child ended with 3"}));

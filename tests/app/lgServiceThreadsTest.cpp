@@ -138,4 +138,16 @@ TEST_F(LgServiceThreadsTest, AProducerThatWaitsForRoomGoesOnWhenAnEventIsTaken)
     reader.join();
 }
 
+TEST_F(LgServiceThreadsTest, ALoggerThatIsStartedAnewForgetsNoQueueOfAThreadThatHasEnded)
+{
+    _threads.start();
+    _threads.stop();
+    std::thread([] { add(*LgServiceThreads::queueOfThread(), "between services"); }).join();
+    Zu::LgLog::destroy();
+    Zu::LgLog::init();
+    _threads.start();
+    Zu::LgReader().flushAll();
+    EXPECT_EQ(_logger.textsOf("events.log"), std::vector<std::string>{"between services"});
+}
+
 } // namespace

@@ -15,6 +15,7 @@
 #include <functional>
 #include <gtest/gtest.h>
 #include <iomanip>
+#include <limits>
 #include <sstream>
 #include <string>
 #include <type_traits>
@@ -1332,5 +1333,21 @@ static_assert(noexcept(DtTime() < DtTime()) && noexcept(DtTime() == DtTime()));
 static_assert(!noexcept(DtTime().convertRate(Rational())));
 static_assert(noexcept(std::hash<DtTime>()(DtTime())));
 static_assert(noexcept(std::hash<DtTimeIndex>()(DtTimeIndex())));
+
+TEST(DtTime, TimesOfOneInstantHaveOneHashAlsoWhereARateCantBeReduced)
+{
+    constexpr std::int32_t SMALLEST = std::numeric_limits<std::int32_t>::min();
+    const std::hash<DtTime> hash;
+    const std::pair<DtTime, DtTime> rows[] = {
+        {DtTime(1, SMALLEST, 4), DtTime(1, -536870912, 1)},
+        {DtTime(1, 4, SMALLEST), DtTime(1, 1, 536870912)},
+        {DtTime(0, SMALLEST, 4), DtTime(0, 25, 1)},
+    };
+    for (const auto& [a, b] : rows)
+    {
+        EXPECT_EQ(a, b);
+        EXPECT_EQ(hash(a), hash(b)) << a << " " << b;
+    }
+}
 
 } // namespace

@@ -597,4 +597,14 @@ TEST(FloatUtil, WithoutAToleranceTheDefaultOneHolds)
     expectDefaultTolerance(1e-7);
 }
 
+TEST(FloatUtil, NumbersOfOtherTypesFollowTheFloatingPointOne)
+{
+    const double both = 1.5;
+    const float single = 5.5F;
+    EXPECT_EQ(FloatUtil::pow(both, 2), 2.25);
+    EXPECT_EQ(FloatUtil::mod(single, 2), 1.5F);
+    EXPECT_TRUE(FloatUtil::isGreater(both, 1));
+    static_assert(std::is_same_v<decltype(FloatUtil::mod(single, 2)), float>);
+}
+
 } // namespace

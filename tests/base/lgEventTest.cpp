@@ -686,6 +686,66 @@ TEST_F(LgEventTest, AWidthThatIsSetOnStandardOutputDoesNotPadALine)
     EXPECT_EQ(written([] { ZU_LOG_WARNING(Query, "text"); }), "Query text\n");
 }
 
+// Fails when it is told of an event.
+class FailingObserver : public LgQueue::Observer
+{
+public:
+    void entryAdded(LgQueue&) override
+    {
+        throw std::runtime_error("told");
+    }
+    void entryRemoved(LgQueue&) override {}
+    void waitForSpace(const LgQueue&, int) override {}
+};
+
+TEST_F(LgEventTest, AnObserverThatFailsLeavesTheEventPublished)
+{
+    _queue.changeObserver(Zu::ObjPtr<LgQueue::Observer>(new FailingObserver));
+    EXPECT_THROW(ZU_LOG_WARNING(Query, "one"), std::runtime_error);
+    EXPECT_THROW(ZU_LOG_WARNING(Query, "two"), std::runtime_error);
+    EXPECT_EQ(takeAll(_queue), (Texts{"Query one", "Query two"}));
+}
+
+// Traces a line of its own while it is inserted.
+struct Tracing
+{
+};
+
+Zu::LgStream& operator<<(Zu::LgStream& stream, const Tracing&)
+{
+    stream << std::string(20000, 'x');
+    Zu::LgTrace::print(std::string(20000, 'y').c_str());
+    return stream;
+}
+
+// Tells that it was asked to wait, which would be without an end.
+class CountingObserver : public LgQueue::Observer
+{
+public:
+    explicit CountingObserver(int& waits) : _waits(waits) {}
+    void entryAdded(LgQueue&) override {}
+    void entryRemoved(LgQueue&) override {}
+    void waitForSpace(const LgQueue&, int) override
+    {
+        ++_waits;
+    }
+
+private:
+    int& _waits;
+};
+
+TEST_F(LgEventTest, ABlockingTraceFromInsideAnInsertionDoesNotWait)
+{
+    int waits = 0;
+    _queue.changeObserver(Zu::ObjPtr<LgQueue::Observer>(new CountingObserver(waits)));
+    LgLog::setBlockingTrace(true);
+    const Texts texts = logged([] { ZU_LOG_WARNING(Query, Tracing()); });
+    LgLog::setBlockingTrace(false);
+    EXPECT_EQ(waits, 0);
+    EXPECT_EQ(texts, Texts{"Query " + std::string(20000, 'x')});
+    EXPECT_EQ(_queue.getLostCount(), 1U);
+}
+
 TEST_F(LgEventTest, AGroupThatWasNotStartedBreaksARule)
 {
     int evaluated = 0;

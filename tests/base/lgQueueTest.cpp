@@ -228,6 +228,43 @@ TEST_F(LgQueueTest, ATextThatWasNotEndedIsEnded)
     EXPECT_EQ(take(queue), "next");
 }
 
+TEST_F(LgQueueTest, WhatFollowsTheEndOfATextIsDropped)
+{
+    // At every place of the ring, and in a fresh one.
+    for (int offset = 0; offset < 40; ++offset)
+    {
+        SmallQueue queue(8, 32);
+        for (int i = 0; i < offset; ++i)
+        {
+            ASSERT_TRUE(add(queue, ""));
+            EXPECT_EQ(take(queue), "");
+        }
+        ASSERT_TRUE(queue.reserveEntry(LgTypes::Warning));
+        queue.getStream() << "one" << Zu::ends << "rest";
+        queue.addEntry();
+        ASSERT_TRUE(queue.reserveEntry(LgTypes::Warning));
+        queue.getStream() << "" << Zu::ends << "a" << Zu::ends << Zu::ends;
+        queue.addEntry();
+        ASSERT_TRUE(add(queue, "two"));
+        EXPECT_EQ(take(queue), "one");
+        EXPECT_EQ(take(queue), "");
+        EXPECT_EQ(take(queue), "two");
+        EXPECT_TRUE(queue.isEmpty());
+    }
+}
+
+TEST_F(LgQueueTest, ATextThatFilledTheRingIsEndedToo)
+{
+    SmallQueue queue(8, 16);
+    ASSERT_TRUE(queue.reserveEntry(LgTypes::Warning));
+    queue.getStream() << "123456789012345"
+                      << "more";
+    queue.addEntry();
+    EXPECT_EQ(take(queue), "123456789012345");
+    ASSERT_TRUE(add(queue, "next"));
+    EXPECT_EQ(take(queue), "next");
+}
+
 TEST_F(LgQueueTest, ASecondAddOrOneAfterARefusalDoesNothing)
 {
     SmallQueue queue(8, 4096);

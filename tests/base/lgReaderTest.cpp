@@ -800,6 +800,42 @@ TEST_F(LgReaderTest, AFailedStandardOutputLeavesTheFile)
     EXPECT_TRUE(queue.isEmpty());
 }
 
+// Takes nothing.
+class FullBuffer : public std::streambuf
+{
+};
+
+TEST_F(LgReaderTest, AStreamThatIsAskedToRaiseLosesItsLinesAllTheSame)
+{
+    setAllLevels("%+all.log");
+    start();
+    Entered<LgQueue> queue;
+    addEvent(queue, LgTypes::Warning, "one");
+    addEvent(queue, LgTypes::Warning, "two");
+    FullBuffer full;
+    std::streambuf* const former = std::cout.rdbuf(&full);
+    std::cout.exceptions(std::ios_base::badbit | std::ios_base::failbit);
+    EXPECT_NO_THROW(_reader.flushAll());
+    std::cout.exceptions(std::ios_base::goodbit);
+    std::cout.clear();
+    std::cout.rdbuf(former);
+    EXPECT_EQ(written(), "one\ntwo\n");
+    EXPECT_TRUE(queue.isEmpty());
+}
+
+TEST_F(LgReaderTest, AQueueThatWasEnteredTwiceIsDeletedOnce)
+{
+    start();
+    Notes notes;
+    LgQueue& queue = enterNew(notes);
+    LgLog::getRegistry()->registerQueue(&queue);
+    addEvent(queue, LgTypes::Warning, "text");
+    queue.creatorExit();
+    _reader.flushAll();
+    EXPECT_EQ(entered(), Zu::List<LgQueue*>());
+    EXPECT_TRUE(notes._ended);
+}
+
 TEST_F(LgReaderTest, AfterTheLoggersEndTheEchoIsLeft)
 {
     setAllLevels("+all.log");

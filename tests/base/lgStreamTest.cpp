@@ -10,6 +10,7 @@
 #include <limits>
 #include <random>
 #include <string>
+#include <string_view>
 #include <thread>
 
 namespace
@@ -144,6 +145,23 @@ TEST(LgStream, FloatingPointNumbersAreThoseOfPrintf)
     checkFloats<float>("%f");
     checkFloats<double>("%f");
     checkFloats<long double>("%Lf");
+}
+
+TEST(LgStream, ANulIsNoText)
+{
+    LgStream stream;
+    stream << "one" << '\0' << static_cast<signed char>(0) << static_cast<unsigned char>(0)
+           << " and the rest" << Zu::ends << "two" << Zu::ends;
+    EXPECT_EQ(take(stream), "one and the rest");
+    EXPECT_EQ(take(stream), "two");
+}
+
+TEST(LgStream, AnEmptyViewIsEmptyText)
+{
+    EXPECT_EQ(textOf(std::string_view()), "");
+    LgStream stream;
+    stream << std::string_view();
+    EXPECT_EQ(stream.getOutputFlags(), TEXT_INSERTED);
 }
 
 TEST(LgStream, StringsComeOutOneByOne)

@@ -26,7 +26,7 @@ void dieWithLock(const char* name)
     std::_Exit(0);
 }
 
-void makeServiceTooEarly()
+void makeService()
 {
     try
     {
@@ -92,6 +92,7 @@ int forkInTheMiddle()
         ZU_LOG_WARNING(Service, "in the child");
         // A thread of the child logs and ends, too.
         std::thread([] { ZU_LOG_WARNING(Service, "in a thread of the child"); }).join();
+        makeService();
         return 3;
     }
     const int child = support::awaitForkedChild();
@@ -104,7 +105,7 @@ int forkInTheMiddle()
 int run(const std::string& what, char** words)
 {
     if (what == "die") dieWithLock(words[2]);
-    if (what == "early") makeServiceTooEarly();
+    if (what == "early") makeService();
     int count = 1;
     const Zu::InInitGuard guard(count, words);
     ZU_START_LOG_GROUP("Test", Service);
