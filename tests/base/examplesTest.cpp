@@ -71,6 +71,19 @@ TEST(Examples, LoggingGoesToStandardOutputFirstAndThenToTheFile)
                                         "Warning: Orders order 3 is late by 1.500000 days"}));
 }
 
+TEST(Examples, ProfilingReportsToTheLogAndTracesOneCycle)
+{
+    const support::TempDir dir;
+    const ProgramResult result = support::runProgram(
+        "profiling", {}, {{"B7Q_TEST_DIR", dir.path()}, {"ZU_TRACE_OPTIONS", std::nullopt}});
+    EXPECT_EQ(result.exitCode, 0);
+    EXPECT_EQ(result.out, "+ work\n  | sum 0\n  /\n");
+    const std::string report = textOf(dir.file("prof.log"));
+    EXPECT_NE(report.find("Profiling: Jobs Profiler work:\n        Nb of cycles:   100\n"),
+              std::string::npos)
+        << report;
+}
+
 TEST(Examples, TimesAreConvertedComparedAndWritten)
 {
     const ProgramResult result = support::runProgram("times");
