@@ -6,6 +6,7 @@
 
 #include <cstdarg>
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
 #include <iomanip>
 #include <sstream>
@@ -22,9 +23,20 @@ namespace
 
 struct MainLevel
 {
-    MainLevel()
+    // Nobody can catch what a static object raises, and where the library is a module that is being
+    // loaded, the platform's loader would get it: the process ends here.
+    MainLevel() noexcept
     {
-        Trace::MainTraceLevel = Trace::registerLevel("Main", __FILE__);
+        try
+        {
+            Trace::MainTraceLevel = Trace::registerLevel("Main", __FILE__);
+        }
+        catch (const ExBase& exception)
+        {
+            std::fprintf(stderr, "%s\n", exception.getReason());
+            std::fflush(stderr);
+            std::abort();
+        }
     }
 };
 
