@@ -203,7 +203,7 @@ TraceLevel& TraceOptions::registerLevel(const char* name, const char* file)
 
 const char* TraceOptions::tailOf(const char* file) const
 {
-    std::int32_t components = _fnDirs + 1;
+    std::int64_t components = std::int64_t{_fnDirs} + 1;
     const char* tail = file + std::strlen(file);
     for (; tail != file; --tail)
         if (tail[-1] == '/' && --components == 0) break;

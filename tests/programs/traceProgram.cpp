@@ -13,6 +13,7 @@
 #include <iostream>
 #include <map>
 #include <string>
+#include <vector>
 
 ZU_TRACE_LEVEL(Early);
 ZU_TRACE_LEVEL(Main);
@@ -74,6 +75,9 @@ private:
     int _priority;
 };
 
+// They live to the end of the process.
+std::vector<Telling*>& managers = *new std::vector<Telling*>;
+
 void setOptions()
 {
     try
@@ -125,7 +129,7 @@ const std::map<std::string, void (*)()> commands = {
     {"exception", reportException},
     {"levels", [] { Zu::Trace::printLevels(std::cout); }},
     // Stays to the end of the process.
-    {"manager", [] { new Telling(std::stoi(nextWord())); }},
+    {"manager", [] { managers.push_back(new Telling(std::stoi(nextWord()))); }},
     {"options", setOptions},
     {"pid", [] { say(std::to_string(support::processId())); }},
     {"scopes", traceScopes},
