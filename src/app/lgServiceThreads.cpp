@@ -192,7 +192,8 @@ void LgServiceThreads::unlockAfterFork()
 // a copy of: what it logs goes to standard output.
 void LgServiceThreads::goOnInChild()
 {
-    _isForked = isRunning();
+    // A child's child is one too.
+    _isForked = _isForked || isRunning();
     if (_isForked) LgLog::setLoggerActivation(false);
     _running.store(false, std::memory_order_release);
     unlockAfterFork();

@@ -208,7 +208,7 @@ void LgStream::insertWrapping(const char* text, std::size_t length)
 
 void LgStream::lookForRoom()
 {
-    // Pairs with the release in operator>>: the reader has copied what stood before its place.
+    // Pairs with the release in take(): the reader has copied what stood before its place.
     _readPosSeen = _readPos;
     findStraightEnd();
 }

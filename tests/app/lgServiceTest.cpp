@@ -488,6 +488,7 @@ TEST(LgServiceProgram, AChildOfAForkEndsAndLogsToStandardOutput)
     EXPECT_EQ(result.exitCode, 0);
     EXPECT_EQ(result.err, "");
     EXPECT_EQ(result.out, "Service in the child\nService in a thread of the child\n"
+                          "A log service ran when this process was forked.\n"
                           "A log service ran when this process was forked.\n");
     Texts events = fileTexts(dir.file("events.log"));
     events.erase(std::remove(events.begin(), events.end(), "Service busy"), events.end());

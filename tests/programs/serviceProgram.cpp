@@ -92,6 +92,9 @@ int forkInTheMiddle()
         ZU_LOG_WARNING(Service, "in the child");
         // A thread of the child logs and ends, too.
         std::thread([] { ZU_LOG_WARNING(Service, "in a thread of the child"); }).join();
+        // So does a child of the child, which is no nearer to a service.
+        const bool isGrandchild = support::forkProcess() == support::Side::CHILD;
+        if (!isGrandchild) support::awaitForkedChild();
         makeService();
         return 3;
     }
