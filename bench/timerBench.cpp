@@ -59,9 +59,19 @@ void disabledTrace(benchmark::State& state)
     if (number != 0) state.SkipWithError("the level was on");
 }
 
+void disabledScope(benchmark::State& state)
+{
+    for (auto _ : state)
+    {
+        ZU_TRACE_SCOPE(Bench, "not entered");
+        benchmark::ClobberMemory();
+    }
+}
+
 BENCHMARK(twoCounterReads);
 BENCHMARK(hwIntervalTimer);
 BENCHMARK(profilerCycle);
 BENCHMARK(disabledTrace);
+BENCHMARK(disabledScope);
 
 } // namespace

@@ -40,6 +40,13 @@ else()
   set(zuPlatform Linux)
 endif()
 
+# For this platform the compiler takes for granted which registers an inline function of the same
+# source leaves alone, even where the linker takes another source's copy, which was compiled in
+# another way.
+if(MINGW)
+  add_compile_options($<$<COMPILE_LANG_AND_ID:CXX,GNU>:-fno-ipa-ra>)
+endif()
+
 # The runtime libraries of the Windows toolchain, beside the programs that need them.
 if(MINGW)
   file(MAKE_DIRECTORY "${CMAKE_RUNTIME_OUTPUT_DIRECTORY}")

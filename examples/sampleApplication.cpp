@@ -3,6 +3,7 @@
 #include "base/base.h"
 #include "sampleLogging.h"
 #include "sampleTime.h"
+#include "sampleTiming.h"
 
 #include <cstdlib>
 #include <cstring>
@@ -236,6 +237,12 @@ int run(const char* program)
     printPlace();
     printHeading("A position in a stream of 25 frames per second:");
     sample::showTime();
+    printHeading("An operation, traced:");
+    sample::showTrace();
+    printHeading("A profile of the same operation, in seconds:");
+    sample::showProfile();
+    printHeading("A steady beat:");
+    sample::showBeat();
     printHeading("Log, by several threads and a second process:");
     sample::showLogging(program);
     printHeading("Shut-down, as ZU_DEBUG_INITIALIZE shows it on standard error:");

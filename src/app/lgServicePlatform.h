@@ -9,18 +9,6 @@
 namespace Zu::LgServicePlatform
 {
 
-/// Is told of the end of a thread, with its value.
-using ThreadEnded = void (*)(void* value);
-
-/// Says what is to be called, on the thread itself, when a thread ends whose value is not null; to
-/// be called once, before any value is set. It is not called for threads that the end of the
-/// process ends.
-void setThreadEnded(ThreadEnded ended);
-
-/// The calling thread's value; null at first, and again while its end is told.
-void* threadValue();
-void setThreadValue(void* value);
-
 /// Whether barrier() works here. Asked once, before it is called.
 bool prepareBarrier();
 

@@ -14,43 +14,12 @@ namespace Zu::LgServicePlatform
 namespace
 {
 
-// Read for every event, so it stands beside the key, whose one use is that its end is told.
-constinit thread_local void* valueOfThread = nullptr;
-
-pthread_key_t key;
-ThreadEnded threadEnded = nullptr;
-
-void keyEnded(void* value)
-{
-    valueOfThread = nullptr;
-    threadEnded(value);
-}
-
 bool callBarrier(int command)
 {
     return syscall(SYS_membarrier, command, 0, 0) == 0;
 }
 
 } // namespace
-
-void setThreadEnded(ThreadEnded ended)
-{
-    threadEnded = ended;
-    const int code = pthread_key_create(&key, &keyEnded);
-    if (code != 0) throw std::system_error(code, std::generic_category(), "pthread_key_create");
-}
-
-void* threadValue()
-{
-    return valueOfThread;
-}
-
-void setThreadValue(void* value)
-{
-    const int code = pthread_setspecific(key, value);
-    if (code != 0) throw std::system_error(code, std::generic_category(), "pthread_setspecific");
-    valueOfThread = value;
-}
 
 bool prepareBarrier()
 {

@@ -2,6 +2,7 @@
 
 #include "app/lgServicePlatform.h"
 #include "app/lgServiceRegistry.h"
+#include "app/threadSlot.h"
 #include "base/exBase.h"
 #include "base/lgLog.h"
 #include "base/lgReader.h"
@@ -68,8 +69,8 @@ LgServiceThreads& LgServiceThreads::instance()
 LgServiceThreads::LgServiceThreads()
     : _news(LgServicePlatform::prepareBarrier()), _room(LgServicePlatform::prepareBarrier())
 {
-    LgServicePlatform::setThreadEnded([](void* queue)
-                                      { instance().threadEnded(static_cast<LgQueue*>(queue)); });
+    ThreadSlot::setThreadEnded(ThreadSlot::QUEUE, [](void* queue)
+                               { instance().threadEnded(static_cast<LgQueue*>(queue)); });
     LgServicePlatform::onFork([] { instance().lockForFork(); },
                               [] { instance().unlockAfterFork(); },
                               [] { instance().goOnInChild(); });
@@ -79,7 +80,7 @@ LgServiceThreads::~LgServiceThreads() = default;
 
 LgQueue* LgServiceThreads::queueOfThread()
 {
-    if (void* const queue = LgServicePlatform::threadValue()) return static_cast<LgQueue*>(queue);
+    if (void* const queue = ThreadSlot::get(ThreadSlot::QUEUE)) return static_cast<LgQueue*>(queue);
     return instance().makeQueue();
 }
 
@@ -92,7 +93,7 @@ LgQueue* LgServiceThreads::makeQueue()
     try
     {
         LgServiceRegistry().registerQueue(queue.get());
-        LgServicePlatform::setThreadValue(queue.get());
+        ThreadSlot::set(ThreadSlot::QUEUE, queue.get());
     }
     catch (...)
     {

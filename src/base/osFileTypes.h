@@ -1,10 +1,12 @@
 /// @file
-/// The access rights with which files are made.
+/// Small types of the file classes.
 
 #ifndef ZU_BASE_OSFILETYPES_H
 #define ZU_BASE_OSFILETYPES_H
 
 #include "base/baseApi.h"
+
+#include <cstdint>
 
 namespace Zu
 {
@@ -14,6 +16,69 @@ class ZU_BASE_API OsFileTypes
 {
 public:
     OsFileTypes() = delete;
+
+    /// What a path leads to; 2 is not used.
+    enum ElementType
+    {
+        /// A plain file.
+        ElementRegular = 0,
+        ElementDirectory = 1,
+        /// On Windows a file with other attributes than the plain ones, on Linux what is neither
+        /// file nor directory: a FIFO, a socket, a device.
+        ElementSpecial = 3
+    };
+
+    /// Where a position in a file is counted from.
+    enum SeekMode
+    {
+        SeekCurrent = 0,
+        SeekBegin = 1,
+        SeekEnd = 2
+    };
+
+    /// The form of the paths that a directory lists.
+    enum PathTypes
+    {
+        /// The directory's path and the child's name.
+        PathFull = 0,
+        /// The child's name alone.
+        PathRelative = 1
+    };
+
+    /// What unbuffered transfers on the volume of a file have to keep to. The library's own
+    /// transfers are buffered.
+    class UnbufferedInfo
+    {
+    public:
+        UnbufferedInfo() = default;
+        UnbufferedInfo(std::uint32_t alignment, std::uint32_t blockSize, std::uint32_t maxSize)
+            : _alignment(alignment), _blockSize(blockSize), _maxSize(maxSize)
+        {
+        }
+
+        /// Of places in memory and in the file, in bytes.
+        std::uint32_t getAlignment() const
+        {
+            return _alignment;
+        }
+
+        /// Transfers are multiples of it, in bytes.
+        std::uint32_t getBlockSize() const
+        {
+            return _blockSize;
+        }
+
+        /// The largest single transfer, in bytes.
+        std::uint32_t getMaxSize() const
+        {
+            return _maxSize;
+        }
+
+    private:
+        std::uint32_t _alignment = 0;
+        std::uint32_t _blockSize = 0;
+        std::uint32_t _maxSize = 0;
+    };
 
     /// Access to a file; the values combine as bits.
     enum Access

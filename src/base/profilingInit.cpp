@@ -1,8 +1,9 @@
-// The package "profiling": the hardware counter.
+// The package "profiling": the hardware counter and the sleeper.
 
 #include "base/hwCounter.h"
 #include "base/inInit.h"
 #include "base/initOrder.h"
+#include "base/sleeper.h"
 
 namespace Zu
 {
@@ -18,9 +19,13 @@ template <> void InInit<ZuInit::profiling>::performInitialize()
 {
     // Deliberately without a look at an engine that an early reader has made: others may hold it.
     HwCounter::_theHwCounter = HwCounterEng::create();
+    InSingleton<Sleeper>::create(Sleeper::create());
 }
 
-template <> void InInit<ZuInit::profiling>::performFinalize() {}
+template <> void InInit<ZuInit::profiling>::performFinalize()
+{
+    InSingleton<Sleeper>::destroy();
+}
 
 namespace
 {

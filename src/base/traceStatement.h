@@ -8,7 +8,9 @@
 #include "base/traceManager.h"
 #include "base/xGlue.h"
 
+#include <optional>
 #include <sstream>
+#include <utility>
 
 /// Makes a level known to the source that it stands in, outside of functions:
 /// ZU_TRACE_LEVEL(Parser). A level of one name is the same in all sources. So for the levels of the
@@ -36,10 +38,14 @@
     } while (false)
 
 /// Traces the entry into the scope that it stands in and the exit from it, by a name that is kept
-/// as a pointer: ZU_TRACE_SCOPE(Parser, "parse").
+/// as a pointer: ZU_TRACE_SCOPE(Parser, "parse"). When the level is off at the entry, nothing of
+/// the name is evaluated, and no manager is asked for anything.
 #define ZU_TRACE_SCOPE(level, name)                                                                \
-    const ::Zu::Trace::Entry ZU_XGLUE(zuTraceEntry,                                                \
-                                      __COUNTER__)(::Zu::TraceManager::getInstance().getTrace(),   \
-                                                   *TraceLevels::level, name, __FILE__, __LINE__)
+    [[maybe_unused]] const std::optional<::Zu::Trace::Entry> ZU_XGLUE(zuTraceEntry, __COUNTER__) = \
+        ::Zu::Trace::isEnabled(*TraceLevels::level)                                                \
+            ? std::optional<::Zu::Trace::Entry>(std::in_place,                                     \
+                                                ::Zu::TraceManager::getInstance().getTrace(),      \
+                                                *TraceLevels::level, name, __FILE__, __LINE__)     \
+            : std::optional<::Zu::Trace::Entry>()
 
 #endif

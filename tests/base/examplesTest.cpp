@@ -4,6 +4,7 @@
 #include "support/tempDir.h"
 
 #include <algorithm>
+#include <filesystem>
 #include <fstream>
 #include <gtest/gtest.h>
 #include <iterator>
@@ -148,13 +149,141 @@ TEST(Examples, TheSampleApplicationShowsWhatItDid)
           "  sample::service::name = joe  (text 'joe' from environment variable SAMPLE_NAME)",
           "  sample::service::quiet = 0  (text '0' from default)", "  'notes.txt'",
           "  stream time (750 @ (25/1=25))",
-          "  as text '750 25 1', read again (750 @ (25/1=25)), the same",
+          "  as text '750 25 1', read again (750 @ (25/1=25)), the same", "+ sort",
+          "  | | 1 and 1 numbers, from 2 to 4", "  | 2 and 2 numbers, from 1 to 4", "  /",
+          "Profiler sorting 1000 numbers:", "        Nb of cycles:   100",
           "  sampleStore gives up: (from start-up) (from shut-down)"})
         EXPECT_TRUE(hasLine(result.out, line)) << line << "\n" << result.out;
     const std::vector<std::string> stops = support::linesOf(result.err);
     ASSERT_EQ(stops.size(), 15U);
     EXPECT_EQ(stops.front(), "  InInit<sampleService>::performFinalize()");
     EXPECT_EQ(stops.back(), "InInit<initialize>::performFinalize()");
+}
+
+TEST(Examples, TheSampleApplicationCountsTenBeats)
+{
+    const support::TempDir dir;
+    const ProgramResult result = support::runProgram(
+        "sampleApplication", {}, {{"B7Q_TEST_DIR", dir.path()}, {"SAMPLE_QUIET", std::nullopt}});
+    EXPECT_EQ(result.exitCode, 0);
+    int beats = 0;
+    int last = 0;
+    for (const std::string& line : support::linesOf(result.out))
+    {
+        if (line.rfind("  beat ", 0) != 0) continue;
+        const int count = std::stoi(line.substr(7));
+        EXPECT_GE(count, last);
+        last = count;
+        ++beats;
+    }
+    EXPECT_EQ(beats, 10);
+    EXPECT_GE(last, 9);
+}
+
+std::size_t countOf(const std::string& part, const std::string& text)
+{
+    std::size_t count = 0;
+    for (auto at = text.find(part); at != std::string::npos; at = text.find(part, at + 1)) ++count;
+    return count;
+}
+
+TEST(Examples, EverySourceOfRandomNumbersHasAPicture)
+{
+    const support::TempDir dir;
+    const ProgramResult result = support::runProgram("distributions", {dir.path()});
+    EXPECT_EQ(result.exitCode, 0) << result.err;
+    const std::vector<std::string> lines = support::linesOf(result.out);
+    ASSERT_EQ(lines.size(), 19U);
+    for (const std::string& line : lines)
+    {
+        const std::string name = line.substr(2, line.find(' ', 2) - 2);
+        const std::string picture = textOf(dir.file(name + ".svg"));
+        EXPECT_EQ(picture.rfind("<svg xmlns=", 0), 0U) << name;
+        // Points, or bars beside the two frames.
+        EXPECT_GE(countOf("<circle", picture) + countOf("<rect", picture), 82U) << name;
+    }
+    for (const char* const name : {"gaussian", "measured", "measuredPairs", "sphereHistogram"})
+    {
+        const std::string scene = textOf(dir.file(std::string(name) + ".iv"));
+        EXPECT_EQ(scene.rfind("#Inventor V2.1 ascii", 0), 0U) << name;
+        EXPECT_GE(countOf("\n", textOf(dir.file(std::string(name) + ".txt"))), 80U) << name;
+    }
+}
+
+TEST(Examples, ATreeIsCopiedAndCompared)
+{
+    const support::TempDir dir;
+    std::filesystem::create_directories(dir.file("tree/inner"));
+    std::ofstream(dir.file("tree/a.txt")) << "one";
+    std::ofstream(dir.file("tree/inner/b.txt")) << "three";
+    const ProgramResult result =
+        support::runProgram("copyTree", {dir.file("tree"), dir.file("copy")});
+    EXPECT_EQ(result.exitCode, 0) << result.err;
+    EXPECT_TRUE(hasLine(result.out, "1 directories, 2 files, 8 bytes, 0 differences"))
+        << result.out;
+    EXPECT_EQ(textOf(dir.file("copy/inner/b.txt")), "three");
+
+    const ProgramResult again =
+        support::runProgram("copyTree", {dir.file("tree"), dir.file("tree/inner/copy")});
+    EXPECT_EQ(again.exitCode, 1);
+    EXPECT_EQ(again.err.rfind("copyTree: Invalid path: '", 0), 0U) << again.err;
+    EXPECT_EQ(support::runProgram("copyTree").exitCode, 2);
+}
+
+TEST(Examples, PicturesThatCantBeWrittenAreAnError)
+{
+    const support::TempDir dir;
+    const ProgramResult result = support::runProgram("distributions", {dir.file("missing")});
+    EXPECT_EQ(result.exitCode, 1);
+    EXPECT_EQ(result.err.rfind("distributions: can't write '", 0), 0U) << result.err;
+}
+
+TEST(Examples, SamplesAreDrawnMeasuredAndDrawnAgain)
+{
+    const ProgramResult result = support::runProgram("sampling");
+    EXPECT_EQ(result.exitCode, 0);
+    const std::vector<std::string> lines = support::linesOf(result.out);
+    ASSERT_EQ(lines.size(), 3U);
+    // One in 6.3, by the normal distribution.
+    EXPECT_NEAR(std::stoi(lines[0]), 159, 50);
+    EXPECT_EQ(lines[0].substr(lines[0].find(' ')), " of 1000 are taller than 1.80 m");
+    EXPECT_EQ(lines[1], "5 cards shuffled");
+    EXPECT_EQ(lines[2], "pi is about 3.1448");
+}
+
+TEST(Examples, TheBeatComesToTenOrMore)
+{
+    const ProgramResult result = support::runProgram("beating");
+    EXPECT_EQ(result.exitCode, 0);
+    const std::vector<std::string> lines = support::linesOf(result.out);
+    ASSERT_EQ(lines.size(), 2U);
+    EXPECT_GE(std::stoi(lines[0].substr(5)), 10);
+    EXPECT_EQ(lines[1], "slept");
+}
+
+TEST(Examples, TwoThreadsTraceEachWithItsOwnIndentation)
+{
+    const support::TempDir dir;
+    const ProgramResult result =
+        support::runProgram("tracingThreads", {}, {{"B7Q_TEST_DIR", dir.path()}});
+    EXPECT_EQ(result.exitCode, 0);
+    std::vector<std::string> shown;
+    std::vector<std::string> logged;
+    for (const std::string& line : support::linesOf(result.out))
+    {
+        const std::string text = line.substr(line.find(") ") + 2);
+        if (line.rfind("(0x", 0) == 0)
+            shown.push_back(text);
+        else
+            logged.push_back(text);
+    }
+    std::sort(shown.begin(), shown.end());
+    std::sort(logged.begin(), logged.end());
+    std::vector<std::string> expected = {
+        "  /", "  /", "  | thread 1 is at it", "  | thread 2 is at it", "+ work", "+ work"};
+    EXPECT_EQ(shown, expected);
+    for (std::string& text : expected) text = "Tracing: " + text;
+    EXPECT_EQ(logged, expected);
 }
 
 TEST(Examples, TheSampleApplicationRefusesWrongUse)

@@ -9,6 +9,7 @@
 #include "support/tempDir.h"
 
 #include <atomic>
+#include <chrono>
 #include <fstream>
 #include <functional>
 #include <future>
@@ -65,9 +66,14 @@ public:
     }
 
     // Waits until it stands before the point where it needs to be let go.
-    bool isReady() const
+    // If it ends before, it says why.
+    testing::AssertionResult isReady()
     {
-        return support::awaitMarker(_dir.file("held"));
+        while (_result.wait_for(std::chrono::milliseconds(1)) != std::future_status::ready)
+            if (support::isMarked(_dir.file("held"))) return testing::AssertionSuccess();
+        const support::ProgramResult result = _result.get();
+        return testing::AssertionFailure()
+               << "it has ended with " << result.exitCode << ": " << result.err;
     }
 
     void letGo() const

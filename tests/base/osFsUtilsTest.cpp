@@ -4,6 +4,7 @@
 #include "base/exSysError.h"
 #include "base/osFileEx.h"
 #include "support/errorCode.h"
+#include "support/fileTest.h"
 #include "support/platform.h"
 #include "support/tempDir.h"
 
@@ -54,22 +55,6 @@ std::string refusalToCreate(const std::string& path)
     }
     return "";
 }
-
-// Sets the mask of the modes of new files for one scope.
-class MaskGuard
-{
-public:
-    explicit MaskGuard(unsigned int mask) : _old(support::setModeMask(mask)) {}
-    MaskGuard(const MaskGuard&) = delete;
-    MaskGuard& operator=(const MaskGuard&) = delete;
-    ~MaskGuard()
-    {
-        support::setModeMask(_old);
-    }
-
-private:
-    unsigned int _old;
-};
 
 class OsFsUtilsTest : public testing::Test
 {
@@ -333,7 +318,7 @@ TEST_F(OsFsUtilsLinkTest, ALinkInThePlaceOfADirectoryCountsAsWhatItLeadsTo)
 
 TEST_F(OsFsUtilsModeTest, PermissionsAreApplied)
 {
-    const MaskGuard mask(0);
+    const support::ModeMaskGuard mask(0);
     OsFsUtils::createFile(file("usual").c_str(), usual, false);
     EXPECT_EQ(modeOf(file("usual")), 0644U);
     OsFsUtils::createFile(file("mixed").c_str(), OsFileTypes::Permissions(7, 5, 4), true);
@@ -346,7 +331,7 @@ TEST_F(OsFsUtilsModeTest, PermissionsAreApplied)
 
 TEST_F(OsFsUtilsModeTest, TheMaskOfTheProcessTakesModesAway)
 {
-    const MaskGuard mask(0027);
+    const support::ModeMaskGuard mask(0027);
     OsFsUtils::createFile(file("f").c_str(), OsFileTypes::Permissions(7, 7, 7), true);
     EXPECT_EQ(modeOf(file("f")), 0750U);
     OsFsUtils::createDir(file("d").c_str(), true);
@@ -355,7 +340,7 @@ TEST_F(OsFsUtilsModeTest, TheMaskOfTheProcessTakesModesAway)
 
 TEST_F(OsFsUtilsModeTest, ADirectoryHasAllModes)
 {
-    const MaskGuard mask(0);
+    const support::ModeMaskGuard mask(0);
     OsFsUtils::createDir(file("d").c_str(), false);
     EXPECT_EQ(modeOf(file("d")), 0777U);
 }

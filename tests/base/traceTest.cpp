@@ -882,6 +882,24 @@ TEST_F(TraceTest, NothingIsEvaluatedForALevelThatIsOff)
     EXPECT_EQ(made, 1);
 }
 
+TEST_F(TraceTest, AScopesNameIsNotEvaluatedForALevelThatIsOff)
+{
+    int made = 0;
+    const auto name = [&]
+    {
+        ++made;
+        return "name";
+    };
+    const auto enter = [&] { ZU_TRACE_SCOPE(TraceTestQuiet, name()); };
+    EXPECT_EQ(coutOf(enter), "");
+    set("show=TraceTestQuiet,off");
+    EXPECT_EQ(coutOf(enter), "");
+    EXPECT_EQ(made, 0);
+    set("on");
+    EXPECT_EQ(coutOf(enter), "+ name\n  /\n");
+    EXPECT_EQ(made, 1);
+}
+
 TEST_F(TraceTest, AScopeOfALevelThatIsOffDoesNotIndent)
 {
     EXPECT_EQ(coutOf(

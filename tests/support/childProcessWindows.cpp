@@ -78,11 +78,21 @@ void runToFiles(const std::string& path, const std::vector<std::string>& argumen
     startup.hStdOutput = openInheritable(outFile.c_str(), GENERIC_WRITE, CREATE_ALWAYS);
     startup.hStdError = openInheritable(errFile.c_str(), GENERIC_WRITE, CREATE_ALWAYS);
     PROCESS_INFORMATION process{};
-    const BOOL started = CreateProcessA(nullptr, line.data(), nullptr, nullptr, TRUE, 0,
-                                        block.data(), nullptr, &startup, &process);
+    // Wine now and then fails to start a program while many others start and end.
+    constexpr int TRIALS = 5;
+    BOOL started = FALSE;
+    DWORD error = 0;
+    for (int trial = 0; trial < TRIALS && !started; ++trial)
+    {
+        if (trial > 0) Sleep(200);
+        started = CreateProcessA(nullptr, line.data(), nullptr, nullptr, TRUE, 0, block.data(),
+                                 nullptr, &startup, &process);
+        error = GetLastError();
+    }
     for (const HANDLE handle : {startup.hStdInput, startup.hStdOutput, startup.hStdError})
         CloseHandle(handle);
-    if (!started) throw std::runtime_error("can't start " + path);
+    if (!started)
+        throw std::runtime_error("can't start " + path + ": error " + std::to_string(error));
 
     WaitForSingleObject(process.hProcess, INFINITE);
     DWORD exitCode = 0;

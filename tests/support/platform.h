@@ -3,6 +3,7 @@
 #ifndef ZU_TESTS_PLATFORM_H
 #define ZU_TESTS_PLATFORM_H
 
+#include <cstddef>
 #include <cstdint>
 
 namespace support
@@ -24,6 +25,10 @@ constexpr bool underSanitizer = false;
 // The ids of the process and of the calling thread.
 std::uint32_t processId();
 std::uint32_t threadId();
+
+// How many handles or descriptors the process has open, the same at each call while none is opened
+// or closed.
+std::size_t openHandles();
 
 // Sets the mode bits that new files do not get, and gives the bits that were set before. Windows
 // has no such modes: nothing happens there.

@@ -1,6 +1,8 @@
 #include "support/platform.h"
 
 #include <cerrno>
+#include <filesystem>
+#include <iterator>
 #include <sys/stat.h>
 #include <sys/syscall.h>
 #include <sys/wait.h>
@@ -17,6 +19,12 @@ std::uint32_t processId()
 std::uint32_t threadId()
 {
     return static_cast<std::uint32_t>(syscall(SYS_gettid));
+}
+
+std::size_t openHandles()
+{
+    return static_cast<std::size_t>(
+        std::distance(std::filesystem::directory_iterator("/proc/self/fd"), {}));
 }
 
 unsigned int setModeMask(unsigned int mask)

@@ -1,6 +1,9 @@
 #include "support/platform.h"
 
+#include <cstring>
+#include <stdexcept>
 #include <string>
+#include <vector>
 #include <windows.h>
 
 namespace support
@@ -14,6 +17,48 @@ std::uint32_t processId()
 std::uint32_t threadId()
 {
     return GetCurrentThreadId();
+}
+
+// The process's own count is always 0 under Wine, but the list of all handles is right.
+std::size_t openHandles()
+{
+    struct Entry
+    {
+        void* _object;
+        ULONG_PTR _process;
+        ULONG_PTR _handle;
+        ULONG _access;
+        USHORT _trace;
+        USHORT _type;
+        ULONG _attributes;
+        ULONG _reserved;
+    };
+    struct List
+    {
+        ULONG_PTR _count;
+        ULONG_PTR _reserved;
+    };
+    using Query = LONG(WINAPI*)(int, void*, ULONG, ULONG*);
+    constexpr int ALL_HANDLES = 64;
+    constexpr LONG TOO_SHORT = static_cast<LONG>(0xC0000004);
+    const auto query = reinterpret_cast<Query>(reinterpret_cast<void*>(
+        GetProcAddress(GetModuleHandleA("ntdll.dll"), "NtQuerySystemInformation")));
+    std::vector<char> bytes(1 << 16);
+    LONG status;
+    while ((status = query(ALL_HANDLES, bytes.data(), static_cast<ULONG>(bytes.size()), nullptr)) ==
+           TOO_SHORT)
+        bytes.resize(bytes.size() * 2);
+    if (status < 0) throw std::runtime_error("handles can't be counted");
+    List list;
+    std::memcpy(&list, bytes.data(), sizeof list);
+    std::size_t count = 0;
+    for (std::size_t i = 0; i < list._count; ++i)
+    {
+        Entry entry;
+        std::memcpy(&entry, bytes.data() + sizeof list + i * sizeof entry, sizeof entry);
+        if (entry._process == GetCurrentProcessId()) ++count;
+    }
+    return count;
 }
 
 unsigned int setModeMask(unsigned int)

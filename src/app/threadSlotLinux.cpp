@@ -1,0 +1,47 @@
+#include "app/threadSlot.h"
+
+#include <pthread.h>
+#include <system_error>
+
+namespace Zu::ThreadSlot
+{
+
+namespace
+{
+
+// Read for every event, so they stand beside the keys, whose one use is that the end is told.
+constinit thread_local void* values[COUNT] = {};
+
+pthread_key_t keys[COUNT];
+ThreadEnded threadEnded[COUNT] = {};
+
+template <Slot slot> void keyEnded(void* value)
+{
+    values[slot] = nullptr;
+    threadEnded[slot](value);
+}
+
+constexpr ThreadEnded KEY_ENDED[COUNT] = {&keyEnded<QUEUE>, &keyEnded<TRACES>};
+
+} // namespace
+
+void setThreadEnded(Slot slot, ThreadEnded ended)
+{
+    threadEnded[slot] = ended;
+    const int code = pthread_key_create(&keys[slot], KEY_ENDED[slot]);
+    if (code != 0) throw std::system_error(code, std::generic_category(), "pthread_key_create");
+}
+
+void* get(Slot slot)
+{
+    return values[slot];
+}
+
+void set(Slot slot, void* value)
+{
+    const int code = pthread_setspecific(keys[slot], value);
+    if (code != 0) throw std::system_error(code, std::generic_category(), "pthread_setspecific");
+    values[slot] = value;
+}
+
+} // namespace Zu::ThreadSlot

@@ -1,0 +1,55 @@
+/// @file
+/// Tracing for programs with several threads.
+
+#ifndef ZU_APP_THREADTRACEMANAGER_H
+#define ZU_APP_THREADTRACEMANAGER_H
+
+#include "app/appApi.h"
+#include "base/traceManager.h"
+
+namespace Zu
+{
+
+/// Gives each thread an indentation of its own, which lasts as long as the thread, and writes each
+/// line to standard output as a whole, until the process ends. The option "prefix", on at first,
+/// puts the thread's id in front, as the log does: "(0x00004979) ".
+///
+/// Thread-safety: any thread may trace. The object is made before other threads trace and ends
+/// when none does any more. What else writes to std::cout may come in between.
+class ZU_APP_API ThreadTraceManager : public TraceManager
+{
+public:
+    /// Becomes the current manager if it is the first of the process, or if its priority is greater
+    /// than the current one's; the default one has 0.
+    explicit ThreadTraceManager(int priority = 1);
+    ~ThreadTraceManager() override;
+
+    Trace& getTrace() override;
+    void print(const char* text) const override;
+};
+
+/// Gives each thread an indentation of its own, and makes each line an event of the log, of level
+/// Tracing. The log names the thread, so nothing is put in front. While the logger is inactive,
+/// lines go to standard output.
+///
+/// With LgLog::setBlockingTrace() no line is lost, and one that is too long becomes several.
+/// Without it a line that finds no room is lost and counted, as any event is, and one that is
+/// longer than a queue's text becomes "#". A line that is traced while a log statement inserts an
+/// operand is lost.
+///
+/// Thread-safety: as above, but the thread that reads the events must not trace. While the logger
+/// is active, each thread needs a queue of its own: LgService sees to that.
+class ZU_APP_API LogTraceManager : public TraceManager
+{
+public:
+    /// As for ThreadTraceManager.
+    explicit LogTraceManager(int priority = 1);
+    ~LogTraceManager() override;
+
+    Trace& getTrace() override;
+    void print(const char* text) const override;
+};
+
+} // namespace Zu
+
+#endif

@@ -1,0 +1,216 @@
+#include "base/osDirectory.h"
+
+#include "base/exSysError.h"
+#include "base/osFileEx.h"
+#include "base/osFileHandle.h"
+#include "base/osFilePlatform.h"
+#include "base/osFsUtils.h"
+
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace Zu
+{
+
+namespace
+{
+
+using OsFileHandle::checkNotEmpty;
+using OsFilePlatform::Scan;
+
+[[noreturn]] void refuse(const OsFilePath& path)
+{
+    throw OsFileEx::ExInvalidPath(__FILE__, __LINE__, path.getChars());
+}
+
+// What stands before the last element, by the text alone: what a step up from a link leads to, only
+// the system can say.
+std::string parentOf(const std::string& path)
+{
+    static const std::string separators = std::string(OsFilePath::getSeparator()) + "/";
+    const std::size_t last = path.find_last_not_of(separators);
+    if (last == std::string::npos) return "";
+    const std::size_t end = path.find_last_of(separators, last);
+    if (end == std::string::npos) return "";
+    const std::size_t before = path.find_last_not_of(separators, end);
+    // A root keeps its separator: without it, a drive stands for its current directory.
+    if (before == std::string::npos || path[before] == ':') return path.substr(0, end + 1);
+    return path.substr(0, before + 1);
+}
+
+// Where on the way to a path the existing part ends.
+std::string nearestExisting(const OsFilePath& path)
+{
+    std::string place = path.getChars();
+    while (!place.empty() && !OsFsUtils::fileExists(place.c_str())) place = parentOf(place);
+    return OsFilePlatform::resolved(place.empty() ? "." : place.c_str());
+}
+
+// Whether a path that may be still to be made is the directory, or lies in it.
+bool isWithin(const OsFilePath& path, const OsFilePath& directory)
+{
+    for (std::string place = nearestExisting(path); !place.empty(); place = parentOf(place))
+        if (OsFilePlatform::isSame(place.c_str(), directory.getChars())) return true;
+    return false;
+}
+
+// Walks through a directory, along links as the copy will, and refuses what would never end: a
+// directory that lies in itself, or one that the copy would be made in.
+class HierarchyCheck
+{
+public:
+    explicit HierarchyCheck(const OsFilePath& target) : _target(target) {}
+
+    void check(const OsFilePath& directory)
+    {
+        const bool isLink = OsFilePlatform::isLink(directory.getChars());
+        if ((isLink || _ancestors.empty()) && isWithin(_target, directory)) refuse(_target);
+        _links += isLink ? 1 : 0;
+        if (_links > 0)
+            for (const OsFilePath* ancestor : _ancestors)
+                if (OsFilePlatform::isSame(ancestor->getChars(), directory.getChars()))
+                    refuse(directory);
+        const ObjPtr<Vector<OsFilePath>> children =
+            OsDirectory(directory).getChildrenPath(OsFileTypes::PathFull, OsDirectoryFilter());
+        _ancestors.push_back(&directory);
+        for (const OsFilePath& child : *children) check(child);
+        _ancestors.pop_back();
+        _links -= isLink ? 1 : 0;
+    }
+
+private:
+    const OsFilePath& _target;
+    std::vector<const OsFilePath*> _ancestors;
+    int _links = 0;
+};
+
+// What is at the target already may be a link into the source, whose root is known.
+void copyTree(const OsFilePath& source, const OsFilePath& target, const OsFilePath& root)
+{
+    if (OsFsUtils::fileExists(target.getChars()) && isWithin(target, root)) refuse(target);
+    if (!OsFsUtils::isDirectory(source.getChars()))
+    {
+        OsFile(source).copyTo(target);
+        return;
+    }
+    OsFsUtils::createDir(target.getChars(), true);
+    const ObjPtr<Vector<OsFilePath>> names =
+        OsDirectory(source).getChildrenPath(OsFileTypes::PathRelative, OsPassThroughFilter());
+    for (const OsFilePath& name : *names) copyTree(source + name, target + name, root);
+}
+
+} // namespace
+
+OsDirectory::OsDirectory(const OsFilePath& path) : OsFile(path) {}
+
+OsDirectory::~OsDirectory() = default;
+
+void OsDirectory::create(const OsFileTypes::Permissions& permissions)
+{
+    checkNotEmpty(getPath());
+    if (!OsFilePlatform::createDirectory(getPath().getChars(), permissions))
+        throw ExSysErrorWindows(__FILE__, __LINE__);
+}
+
+void OsDirectory::remove()
+{
+    checkNotEmpty(getPath());
+    if (!OsFilePlatform::removeDirectory(getPath().getChars()))
+        throw ExSysErrorWindows(__FILE__, __LINE__);
+}
+
+// Hands each child's name that the filter accepts on, until one is refused.
+template <class Accept>
+void OsDirectory::scan(const OsFileFilter& filter, const Accept& accept) const
+{
+    checkNotEmpty(getPath());
+    Scan entries(getPath().getChars());
+    const char* name = nullptr;
+    Scan::Result result;
+    while ((result = entries.next(name)) == Scan::Result::Name)
+        if (filter.filter(getPath() + name) && !accept(name)) return;
+    if (result == Scan::Result::Failed) throw ExSysErrorWindows(__FILE__, __LINE__);
+}
+
+ObjPtrRet<Vector<OsFilePath>> OsDirectory::getChildrenPath(OsFileTypes::PathTypes type,
+                                                           const OsFileFilter& filter) const
+{
+    ObjPtr<Vector<OsFilePath>> paths(new Vector<OsFilePath>);
+    scan(filter,
+         [&](const char* name)
+         {
+             paths->push_back(type == OsFileTypes::PathFull ? getPath() + name : OsFilePath(name));
+             return true;
+         });
+    return paths;
+}
+
+ObjPtrRet<Vector<OsFile*>> OsDirectory::getChildren(const OsFileFilter& filter) const
+{
+    const ObjPtr<Vector<OsFilePath>> paths = getChildrenPath(OsFileTypes::PathFull, filter);
+    // Until all are made, they are owned here.
+    std::vector<std::unique_ptr<OsFile>> made;
+    ObjPtr<Vector<OsFile*>> children(new Vector<OsFile*>);
+    children->reserve(paths->size());
+    for (const OsFilePath& path : *paths)
+    {
+        if (OsFsUtils::isDirectory(path.getChars()))
+            made.push_back(std::make_unique<OsDirectory>(path));
+        else
+            made.push_back(std::make_unique<OsFile>(path));
+    }
+    for (std::unique_ptr<OsFile>& child : made) children->push_back(child.release());
+    return children;
+}
+
+bool OsDirectory::hasChildren(const OsFileFilter& filter) const
+{
+    bool isAny = false;
+    scan(filter,
+         [&isAny](const char*)
+         {
+             isAny = true;
+             return false;
+         });
+    return isAny;
+}
+
+void OsDirectory::removeChildren(const OsFileFilter& filter)
+{
+    const ObjPtr<Vector<OsFilePath>> paths = getChildrenPath(OsFileTypes::PathFull, filter);
+    for (const OsFilePath& path : *paths)
+        if (OsFilePlatform::isLink(path.getChars()))
+        {
+            if (!OsFilePlatform::removeLink(path.getChars()))
+                throw ExSysErrorWindows(__FILE__, __LINE__);
+        }
+        else if (OsFsUtils::isDirectory(path.getChars()))
+            OsFsUtils::removeDir(path.getChars());
+        else
+            OsFsUtils::deleteFile(path.getChars());
+}
+
+void OsDirectory::copyHierarchy(const OsFilePath& source, const OsFilePath& target)
+{
+    checkNotEmpty(source);
+    checkNotEmpty(target);
+    if (OsFsUtils::isDirectory(source.getChars())) HierarchyCheck(target).check(source);
+    copyTree(source, target, source);
+}
+
+void OsDirectory::copyTo(const OsFilePath& target)
+{
+    checkNotEmpty(getPath());
+    checkNotEmpty(target);
+    OsFilePath destination = target;
+    if (OsFsUtils::fileExists(target.getChars()))
+    {
+        if (!OsFsUtils::isDirectory(target.getChars()))
+            throw OsFileEx::ExFileExists(__FILE__, __LINE__);
+        destination += getPath().getBaseName();
+    }
+    copyHierarchy(getPath(), destination);
+}
+
+} // namespace Zu

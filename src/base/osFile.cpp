@@ -1,0 +1,246 @@
+#include "base/osFile.h"
+
+#include "base/duplicateString.h"
+#include "base/exSysError.h"
+#include "base/osDateUtil.h"
+#include "base/osFileEx.h"
+#include "base/osFileHandle.h"
+#include "base/osFilePlatform.h"
+#include "base/osFileReader.h"
+#include "base/osFileWriter.h"
+#include "base/osFsUtils.h"
+
+#include <limits>
+
+namespace Zu
+{
+
+namespace
+{
+
+using OsFileHandle::checkNotEmpty;
+using OsFilePlatform::Closed;
+using OsFilePlatform::Moment;
+
+constexpr std::uint32_t CHUNK = 65536;
+
+ObjPtrRet<OsDateTypes::DateRep> dateOf(const Moment& moment)
+{
+    ObjPtrRet<OsDateTypes::DateRep> date(new OsDateTypes::DateRep{~0U, ~0U});
+    OsDateUtil::makeTime(moment._year, moment._month, moment._day, moment._hour, moment._minute,
+                         moment._second, OsDateTypes::TimeLocal, *date);
+    return date;
+}
+
+// A file that is there and may not be replaced; a directory is copied into.
+bool isBarred(const OsFilePath& target)
+{
+    return OsFsUtils::fileExists(target.getChars()) && !OsFile(target).isWritable();
+}
+
+void copyContent(OsFileReader& reader, OsFileWriter& writer)
+{
+    char buffer[CHUNK];
+    for (;;)
+    {
+        const std::uint32_t count = reader.read(buffer, CHUNK);
+        if (count == 0) return;
+        if (writer.write(buffer, count) == count) continue;
+        OsFilePlatform::setLastError(OsFilePlatform::Error::DiskFull);
+        throw ExSysErrorWindows(__FILE__, __LINE__);
+    }
+}
+
+} // namespace
+
+OsFile::OsFile(const OsFilePath& path) : _path(path) {}
+
+OsFile::~OsFile() = default;
+
+void OsFile::checkPath() const
+{
+    checkNotEmpty(_path);
+}
+
+void OsFile::checkExists() const
+{
+    if (!exists()) throw OsFileEx::ExInvalidPath(__FILE__, __LINE__, _path.getChars());
+}
+
+const OsFilePath& OsFile::getPath() const
+{
+    return _path;
+}
+
+void OsFile::setPath(const OsFilePath& path)
+{
+    _path = path;
+}
+
+bool OsFile::exists() const
+{
+    checkPath();
+    return OsFsUtils::fileExists(_path.getChars());
+}
+
+void OsFile::refreshInfo() {}
+
+ArrayPtrRet<char> OsFile::getOwner() const
+{
+    checkExists();
+    std::string owner;
+    if (!OsFilePlatform::ownerOf(_path.getChars(), owner))
+        throw ExSysErrorWindows(__FILE__, __LINE__);
+    return duplicateString(owner.c_str());
+}
+
+std::uint32_t OsFile::getSize() const
+{
+    checkExists();
+    std::uint64_t size = 0;
+    if (!OsFilePlatform::sizeOf(_path.getChars(), size))
+        throw ExSysErrorWindows(__FILE__, __LINE__);
+    if (size >= std::numeric_limits<std::uint32_t>::max())
+    {
+        OsFilePlatform::setLastError(OsFilePlatform::Error::TooLarge);
+        throw ExSysErrorWindows(__FILE__, __LINE__);
+    }
+    return static_cast<std::uint32_t>(size);
+}
+
+int OsFile::getAccess() const
+{
+    checkPath();
+    return OsFilePlatform::accessTo(_path.getChars(),
+                                    OsFileTypes::AccessRead | OsFileTypes::AccessWrite);
+}
+
+bool OsFile::isReadable() const
+{
+    checkPath();
+    return OsFilePlatform::accessTo(_path.getChars(), OsFileTypes::AccessRead) != 0;
+}
+
+bool OsFile::isWritable() const
+{
+    checkPath();
+    return OsFilePlatform::accessTo(_path.getChars(), OsFileTypes::AccessWrite) != 0;
+}
+
+OsFileTypes::ElementType OsFile::getType() const
+{
+    checkExists();
+    OsFileTypes::ElementType type;
+    if (!OsFilePlatform::typeOf(_path.getChars(), type))
+        throw ExSysErrorWindows(__FILE__, __LINE__);
+    return type;
+}
+
+bool OsFile::isFile() const
+{
+    return getType() == OsFileTypes::ElementRegular;
+}
+
+bool OsFile::isDirectory() const
+{
+    return getType() == OsFileTypes::ElementDirectory;
+}
+
+bool OsFile::isSymLink() const
+{
+    checkExists();
+    return OsFsUtils::isSymLink(_path.getChars());
+}
+
+ObjPtrRet<OsDateTypes::DateRep> OsFile::getLastModificationTime() const
+{
+    checkExists();
+    Moment moment;
+    if (!OsFilePlatform::lastModificationOf(_path.getChars(), moment))
+        throw ExSysErrorWindows(__FILE__, __LINE__);
+    return dateOf(moment);
+}
+
+ObjPtrRet<OsDateTypes::DateRep> OsFile::getLastAccessTime() const
+{
+    checkExists();
+    Moment moment;
+    if (!OsFilePlatform::lastAccessOf(_path.getChars(), moment))
+        throw ExSysErrorWindows(__FILE__, __LINE__);
+    return dateOf(moment);
+}
+
+ObjPtrRet<OsFileTypes::UnbufferedInfo> OsFile::getUnbufferedInfo() const
+{
+    constexpr std::uint32_t LARGEST_TRANSFER = 0x7fffffff;
+    checkExists();
+    OsFilePlatform::Volume volume;
+    if (!OsFilePlatform::volumeOf(_path.getChars(), volume))
+        throw ExSysErrorWindows(__FILE__, __LINE__);
+    if (volume._isRemote)
+        throw OsFileEx::ExNoRemoteUnbuffered(__FILE__, __LINE__, volume._name.c_str());
+    return ObjPtrRet<OsFileTypes::UnbufferedInfo>(
+        new OsFileTypes::UnbufferedInfo(volume._sectorSize, volume._sectorSize, LARGEST_TRANSFER));
+}
+
+void OsFile::create(const OsFileTypes::Permissions& permissions, bool exclusive)
+{
+    checkPath();
+    OsFsUtils::createFile(_path.getChars(), permissions, exclusive);
+}
+
+void OsFile::remove()
+{
+    checkPath();
+    if (!OsFilePlatform::remove(_path.getChars())) throw ExSysErrorWindows(__FILE__, __LINE__);
+}
+
+void OsFile::renameTo(const OsFilePath& path)
+{
+    checkPath();
+    checkNotEmpty(path);
+    const OsFilePath newPath = path;
+    if (!OsFilePlatform::rename(_path.getChars(), newPath.getChars()))
+        throw ExSysErrorWindows(__FILE__, __LINE__);
+    setPath(newPath);
+}
+
+void OsFile::copyTo(const OsFilePath& target)
+{
+    checkPath();
+    checkNotEmpty(target);
+    if (OsFsUtils::isDirectory(_path.getChars()))
+        throw OsFileEx::ExInvalidPath(__FILE__, __LINE__, _path.getChars());
+    OsFilePath destination = target;
+    if (OsFsUtils::isDirectory(target.getChars()))
+        destination += _path.getBaseName();
+    else if (isBarred(target))
+        throw OsFileEx::ExPathNotWritable(__FILE__, __LINE__, target.getChars());
+    if (OsFilePlatform::isSame(_path.getChars(), destination.getChars()))
+        throw OsFileEx::ExInvalidPath(__FILE__, __LINE__, destination.getChars());
+
+    OsFileReader reader(_path);
+    OsFileWriter writer(destination,
+                        OsFileTypes::Permissions(OsFileTypes::AccessRead | OsFileTypes::AccessWrite,
+                                                 OsFileTypes::AccessRead | OsFileTypes::AccessWrite,
+                                                 0),
+                        false);
+    copyContent(reader, writer);
+    writer.close();
+    reader.close();
+}
+
+std::int64_t OsFile::open(int access) const
+{
+    checkPath();
+    const std::int64_t handle = OsFilePlatform::openExisting(_path.getChars(), access);
+    if (handle == OsFilePlatform::NONE) throw ExSysErrorWindows(__FILE__, __LINE__);
+    return handle;
+}
+
+void OsFile::close(std::int64_t handle) const
+{
+    if (OsFilePlatform::close(handle) != Closed::Done) throw ExSysErrorWindows(__FILE__, __LINE__);
+}
+
+} // namespace Zu

@@ -1,0 +1,38 @@
+/// @file
+/// What the file classes check, and what readers and writers do with their handles. Internal to the
+/// library.
+
+#ifndef ZU_BASE_OSFILEHANDLE_H
+#define ZU_BASE_OSFILEHANDLE_H
+
+#include "base/osFilePath.h"
+#include "base/osFileTypes.h"
+
+#include <cstdint>
+
+/// Each raises ExSysErrorANSI, with EBADF, for a closed handle, and ExSysErrorWindows where the
+/// system fails.
+namespace Zu::OsFileHandle
+{
+
+void check(std::int64_t handle);
+
+/// Raises OsFileEx::ExNullFilePath for the empty path.
+void checkNotEmpty(const OsFilePath& path);
+
+/// The new position, from the beginning.
+std::int64_t seek(std::int64_t handle, std::int64_t offset, OsFileTypes::SeekMode mode);
+
+/// The same where the position must fit 32 bits: if it doesn't, it stays as it was.
+std::int32_t seek32(std::int64_t handle, std::int32_t offset, OsFileTypes::SeekMode mode);
+
+/// Closes it, and makes it -1 unless it is as it was.
+void close(std::int64_t& handle);
+
+/// For the end of an object that may hold one: closes what is not closed yet. While another
+/// exception is under way a failure is not told.
+void closeAtEnd(std::int64_t handle);
+
+} // namespace Zu::OsFileHandle
+
+#endif

@@ -1,0 +1,48 @@
+#include "base/osFileReader.h"
+
+#include "base/exSysError.h"
+#include "base/osFileHandle.h"
+#include "base/osFilePlatform.h"
+
+namespace Zu
+{
+
+OsFileReader::OsFileReader(const OsFilePath& path) : _path(path), _handle(OsFilePlatform::NONE)
+{
+    performOpen();
+}
+
+OsFileReader::OsFileReader(const OsFile& file) : OsFileReader(file.getPath()) {}
+
+OsFileReader::~OsFileReader() noexcept(false)
+{
+    OsFileHandle::closeAtEnd(_handle);
+}
+
+void OsFileReader::performOpen()
+{
+    OsFileHandle::checkNotEmpty(_path);
+    _handle = OsFilePlatform::openExisting(_path.getChars(), OsFileTypes::AccessRead);
+    if (_handle == OsFilePlatform::NONE) throw ExSysErrorWindows(__FILE__, __LINE__);
+}
+
+std::int32_t OsFileReader::seek(std::int32_t offset, OsFileTypes::SeekMode mode)
+{
+    return OsFileHandle::seek32(_handle, offset, mode);
+}
+
+std::uint32_t OsFileReader::read(void* buffer, std::uint32_t size)
+{
+    OsFileHandle::check(_handle);
+    std::uint32_t count = 0;
+    if (!OsFilePlatform::read(_handle, buffer, size, count))
+        throw ExSysErrorWindows(__FILE__, __LINE__);
+    return count;
+}
+
+void OsFileReader::close()
+{
+    OsFileHandle::close(_handle);
+}
+
+} // namespace Zu

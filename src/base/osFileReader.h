@@ -1,0 +1,62 @@
+/// @file
+/// Bytes out of a file.
+
+#ifndef ZU_BASE_OSFILEREADER_H
+#define ZU_BASE_OSFILEREADER_H
+
+#include "base/baseApi.h"
+#include "base/osFile.h"
+#include "base/osFilePath.h"
+#include "base/osFileTypes.h"
+#include "base/ownedPtr.h"
+
+#include <cstdint>
+
+namespace Zu
+{
+
+/// An open file that is read from. It has no buffer of its own; others may have the file open, too.
+///
+/// Every operation on a closed reader raises ExSysErrorANSI, with EBADF. A failed call of the
+/// system raises ExSysErrorWindows.
+///
+/// Thread-safety: an object is of one thread at a time; two objects on one file are independent.
+class ZU_BASE_API OsFileReader
+{
+    friend class OsFileTools;
+
+public:
+    /// Opens a file that is there. Raise OsFileEx::ExNullFilePath for the empty path.
+    explicit OsFileReader(const OsFilePath& path);
+    explicit OsFileReader(const OsFile& file);
+    OsFileReader(const OsFileReader&) = delete;
+    OsFileReader& operator=(const OsFileReader&) = delete;
+
+    /// Closes the file if it is open. A failure raises, unless another exception is under way;
+    /// close() before tells it in any case.
+    ~OsFileReader() noexcept(false);
+
+    /// Moves the position, and returns where it is then, in bytes from the beginning. A place
+    /// before the beginning, or beyond 2147483647, raises, and the position stays; OsFileTools goes
+    /// further.
+    std::int32_t seek(std::int32_t offset, OsFileTypes::SeekMode mode);
+
+    /// Reads up to `size` bytes, and returns how many; 0 at the end of the file.
+    std::uint32_t read(void* buffer, std::uint32_t size);
+
+    /// When it raises, the reader is open as before and may be closed again, unless the system has
+    /// released the file all the same, as Linux does.
+    void close();
+
+private:
+    void performOpen();
+
+    OsFilePath _path;
+    std::int64_t _handle;
+};
+
+template <> inline constexpr bool ownedMayThrow<OsFileReader> = true;
+
+} // namespace Zu
+
+#endif

@@ -1,0 +1,69 @@
+/// @file
+/// What files need beyond 32 bits and single calls.
+
+#ifndef ZU_BASE_OSFILETOOLS_H
+#define ZU_BASE_OSFILETOOLS_H
+
+#include "base/baseApi.h"
+#include "base/containers.h"
+#include "base/objPtr.h"
+#include "base/osDirectory.h"
+#include "base/osFileReader.h"
+#include "base/osFileWriter.h"
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+namespace Zu
+{
+
+/// Sizes and positions of 64 bits, whole files, and whole directories. Failed calls of the system
+/// raise ExSysErrorWindows, closed objects ExSysErrorANSI, the empty path OsFileEx::ExNullFilePath,
+/// as the classes do that they work on.
+class ZU_BASE_API OsFileTools
+{
+public:
+    OsFileTools() = delete;
+
+    /// The size of a file, in bytes. Raises OsFileEx::ExInvalidPath if it isn't there.
+    static std::uint64_t getSize64(const OsFilePath& path);
+
+    /// Move the position, and return where it is then, in bytes from the beginning.
+    static std::int64_t seek64(OsFileReader& reader, std::int64_t offset,
+                               OsFileTypes::SeekMode mode);
+    static std::int64_t seek64(OsFileWriter& writer, std::int64_t offset,
+                               OsFileTypes::SeekMode mode);
+
+    /// As OsFileWriter::reserve().
+    static void reserve64(OsFileWriter& writer, std::int64_t size);
+
+    /// The whole content of a file.
+    static std::string readAll(const OsFilePath& path);
+
+    /// Makes this the whole content of a file, new or not. Whoever opens the file sees the old
+    /// content or the new one, never a part, also after a crash of the system: it is written to a
+    /// file beside, brought to the disk, and takes the name in one step. When it raises, the file
+    /// is as it was, and nothing is left beside it. A file that is there keeps its modes, a new one
+    /// gets the permissions, less the umask. On Linux what a symbolic link leads to is replaced,
+    /// and a device, a FIFO or a socket raises OsFileEx::ExInvalidPath.
+    static void replaceAll(const OsFilePath& path, std::string_view content,
+                           const OsFileTypes::Permissions& permissions = {});
+
+    /// As OsDirectory::getChildrenPath(), in the order of OsFilePath::compare().
+    static ObjPtrRet<Vector<OsFilePath>> getSortedChildrenPath(const OsDirectory& directory,
+                                                               OsFileTypes::PathTypes type,
+                                                               const OsFileFilter& filter);
+
+    /// Removes a file, or a directory with all that is in it. Symbolic links are removed, never
+    /// followed. What is not there raises OsFileEx::ExInvalidPath. A failure ends it, and what was
+    /// removed so far stays removed.
+    static void removeWithAllContents(const OsFilePath& path);
+
+    /// Whether two files have the same content.
+    static bool haveSameContent(const OsFilePath& a, const OsFilePath& b);
+};
+
+} // namespace Zu
+
+#endif

@@ -1,0 +1,95 @@
+#include "base/periodicTimerBeat.h"
+
+#include "base/exSysError.h"
+#include "base/internalAssert.h"
+#include "base/sleeper.h"
+
+#include <cerrno>
+#include <poll.h>
+#include <sys/timerfd.h>
+#include <unistd.h>
+
+namespace Zu
+{
+
+namespace
+{
+
+// A descriptor that can be read from once a beat has come.
+class Timer
+{
+public:
+    Timer() : _descriptor(timerfd_create(CLOCK_MONOTONIC, TFD_NONBLOCK | TFD_CLOEXEC))
+    {
+        if (_descriptor < 0) throw ExSysErrorWindows(__FILE__, __LINE__);
+    }
+
+    Timer(const Timer&) = delete;
+    Timer& operator=(const Timer&) = delete;
+
+    ~Timer()
+    {
+        close(_descriptor);
+    }
+
+    // 0 ends the beat.
+    void set(std::uint32_t milliseconds)
+    {
+        const timespec time{milliseconds / 1000, milliseconds % 1000 * 1000000L};
+        const itimerspec times{time, time};
+        timerfd_settime(_descriptor, 0, &times, nullptr);
+    }
+
+    void reset()
+    {
+        std::uint64_t beats;
+        while (read(_descriptor, &beats, sizeof beats) < 0 && errno == EINTR) continue;
+    }
+
+    void wait(int limit)
+    {
+        pollfd entry{_descriptor, POLLIN, 0};
+        while (poll(&entry, 1, limit) < 0 && errno == EINTR) continue;
+    }
+
+private:
+    int _descriptor;
+};
+
+} // namespace
+
+class PeriodicTimerLinux final : public PeriodicTimerBeat
+{
+public:
+    explicit PeriodicTimerLinux(double interval) : PeriodicTimerBeat(interval)
+    {
+        ZU_INTERNAL_ASSERT_TEXT(isBeating(getResolution(), [this] { return getCurrentTime(); }),
+                                "waitBeating( *this )");
+    }
+
+private:
+    void beginBeat(std::uint32_t milliseconds) override
+    {
+        _timer.set(milliseconds);
+    }
+
+    void endBeat() override
+    {
+        _timer.set(0);
+    }
+
+    void waitForBeat(int limit) override
+    {
+        _timer.reset();
+        _timer.wait(limit);
+    }
+
+    Timer _timer;
+};
+
+PeriodicTimer* PeriodicTimer::create(double interval)
+{
+    return new PeriodicTimerLinux(interval);
+}
+
+} // namespace Zu

@@ -1,0 +1,119 @@
+/// @file
+/// Histograms of directions.
+
+#ifndef ZU_BASE_RNDIRECTIONALHISTOGRAM_H
+#define ZU_BASE_RNDIRECTIONALHISTOGRAM_H
+
+#include "base/rnRng.h"
+
+#include <cstdint>
+#include <iosfwd>
+#include <vector>
+
+namespace Zu
+{
+
+/// What the histograms of directions have in common. Cells are of equal solid angle: the polar
+/// index runs over equal intervals of the cosine, upwards, the other one over equal intervals of
+/// `phi`. A cosine of 1 and a `phi` of 2 pi belong to the last cells. What leads to a negative
+/// index, or to no `int`, is dropped and counted nowhere.
+///
+/// `Range` says which cosines there are.
+///
+/// Thread-safety: filling belongs to one thread at a time; any number may read in between.
+template <class T, class Range> class RnDirectionalHistogram
+{
+public:
+    RnDirectionalHistogram(unsigned int nBinsTheta, unsigned int nBinsPhi);
+    RnDirectionalHistogram(const RnDirectionalHistogram&) = default;
+    RnDirectionalHistogram& operator=(const RnDirectionalHistogram&) = default;
+    virtual ~RnDirectionalHistogram();
+
+    /// The cell of a pair of angles, in radians; it may be none. Nothing fills by it.
+    virtual void getBinIndices(T theta, T phi, int& i, int& j) const;
+
+    /// The cell of a cosine and an angle. What lies behind the last cells is in these.
+    virtual void getBinIndicesCosine(T cosTheta, T phi, int& i, int& j) const;
+
+    /// Adds the weight, or 1, to the cell of a direction.
+    void addAngles(T theta, T phi, T weight);
+    void addAngles(T theta, T phi);
+    void addCosine(T cosTheta, T phi, T weight);
+    void addCosine(T cosTheta, T phi);
+
+    /// Draws `n` directions, by getSampleCosine(), and adds each with the weight 1. Deliberately
+    /// the cosine of that cosine is taken once more, so the cells are not those that addCosine()
+    /// fills with the same samples.
+    void addSamples(RnSphericalRng<T>* rng, unsigned int n);
+
+    /// What stands at the place `i * nBinsTheta + j` of the storage, where filling uses
+    /// `i * nBinsPhi + j`: deliberately, so it is the cell's weight only where both numbers of bins
+    /// are the same, or `i` is 0. Behind the end of the storage it is 0.
+    T getBin(unsigned int i, unsigned int j) const;
+
+    /// The weight in all cells.
+    T getTotal() const;
+
+    /// The number of bins of each kind.
+    T getSizeTheta() const;
+    T getSizePhi() const;
+
+    /// Takes all weights out of the cells.
+    void clear();
+
+    /// Writes a line for each cell, `phi` fastest: the limits of its cosine and of its `phi` and
+    /// its weight, in the stream's format.
+    void dumpText(std::ostream& out) const;
+
+    /// Writes a scene for viewers of Open Inventor files: the density as the distance of points
+    /// from the origin, over a square. A histogram without weight has points of `nan`, which no
+    /// viewer reads.
+    void dumpInventor(std::ostream& out) const;
+
+private:
+    void addToCell(int i, int j, T weight);
+
+    std::uint32_t _nBinsTheta;
+    std::uint32_t _nBinsPhi;
+    std::vector<T> _bins;
+    T _scaleTheta;
+    T _scalePhi;
+    T _total;
+};
+
+/// Cosines from -1 to 1.
+struct RnSphericalRange
+{
+    template <class T> static constexpr T SPAN = T(2);
+    template <class T> static constexpr T LOWEST = T(-1);
+    template <class T> static constexpr T SOLID_ANGLE = T(12.566370614359172);
+};
+
+/// Cosines from 0 to 1.
+struct RnHemisphericalRange
+{
+    template <class T> static constexpr T SPAN = T(1);
+    template <class T> static constexpr T LOWEST = T(0);
+    template <class T> static constexpr T SOLID_ANGLE = T(6.283185307179586);
+};
+
+/// A histogram of directions on the whole sphere.
+template <class T> class RnHistogramSpherical : public RnDirectionalHistogram<T, RnSphericalRange>
+{
+public:
+    using RnDirectionalHistogram<T, RnSphericalRange>::RnDirectionalHistogram;
+};
+
+/// A histogram of directions on the upper half.
+template <class T>
+class RnHistogramHemispherical : public RnDirectionalHistogram<T, RnHemisphericalRange>
+{
+public:
+    using RnDirectionalHistogram<T, RnHemisphericalRange>::RnDirectionalHistogram;
+};
+
+} // namespace Zu
+
+#include "base/rnDirectionalHistogram.imp"
+
+#endif

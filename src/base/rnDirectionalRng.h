@@ -1,0 +1,130 @@
+/// @file
+/// Sources of directions.
+
+#ifndef ZU_BASE_RNDIRECTIONALRNG_H
+#define ZU_BASE_RNDIRECTIONALRNG_H
+
+#include "base/baseApi.h"
+#include "base/rnRng.h"
+
+namespace Zu
+{
+
+/// What the sources of directions have in common: `Shape` maps the first value of a pair to the
+/// cosine of the polar angle, the second one times 2 pi is `phi`.
+///
+/// getSequenceXYZ() takes `phi` from the first values of its pairs and the polar part from the
+/// second ones; everything else has it the other way round. This is deliberate, so that with a
+/// low-discrepancy source the two forms give different points.
+///
+/// Sine, cosine and arc cosine are the platform's, so results may differ between platforms in
+/// their last bits. The source of pairs must live as long as it is drawn from; it is not owned.
+/// Copies share it.
+template <class T, class Interface, class Shape>
+class ZU_BASE_VISIBLE RnDirectionalRng : public Interface
+{
+public:
+    void getSampleXYZ(T& x, T& y, T& z) override;
+    void getSampleAngles(T& theta, T& phi) override;
+    void getSampleCosine(T& cosTheta, T& phi) override;
+    void getSequenceXYZ(unsigned int n, T* x, T* y, T* z) override;
+    void getSequenceAngles(unsigned int n, T* theta, T* phi) override;
+    void getSequenceCosine(unsigned int n, T* cosTheta, T* phi) override;
+    T getPdfXYZ(T x, T y, T z) const override;
+    T getPdfAngles(T theta, T phi) const override;
+    T getPdfCosine(T cosTheta, T phi) const override;
+
+    /// Restarts the source.
+    void restart() override;
+    const char* getName() const override;
+
+protected:
+    /// Raises ExInternalError "Assertion '_rng' failed." for no source.
+    explicit RnDirectionalRng(RnBiRng<T>* rng);
+    RnDirectionalRng(const RnDirectionalRng&) = default;
+    RnDirectionalRng& operator=(const RnDirectionalRng&) = default;
+    ~RnDirectionalRng() = default;
+
+private:
+    RnBiRng<T>* _rng;
+};
+
+/// The whole sphere, evenly.
+struct RnUniformSphericalShape
+{
+    static constexpr const char* NAME = "Uniform spherical";
+    template <class T> static T cosTheta(T u);
+    template <class T> static T density(T cosTheta);
+};
+
+/// The upper half, evenly. The lower half is answered the same density.
+struct RnUniformHemisphericalShape
+{
+    static constexpr const char* NAME = "Uniform hemispherical";
+    template <class T> static T cosTheta(T u);
+    template <class T> static T density(T cosTheta);
+};
+
+/// The upper half, in proportion to the cosine. The density of the lower half is answered
+/// negative.
+struct RnCosineHemisphericalShape
+{
+    static constexpr const char* NAME = "Cosine hemispherical";
+    template <class T> static T cosTheta(T u);
+    template <class T> static T density(T cosTheta);
+};
+
+/// "Uniform spherical": every direction is as probable, with a density of 1/(4 pi).
+template <class T>
+class ZU_BASE_VISIBLE RnUniformSphericalRng
+    : public RnDirectionalRng<T, RnSphericalRng<T>, RnUniformSphericalShape>
+{
+public:
+    explicit RnUniformSphericalRng(RnBiRng<T>* rng);
+    virtual ~RnUniformSphericalRng();
+};
+
+/// "Uniform hemispherical": every direction of the upper half, with a density of 1/(2 pi).
+template <class T>
+class ZU_BASE_VISIBLE RnUniformHemisphericalRng
+    : public RnDirectionalRng<T, RnHemisphericalRng<T>, RnUniformHemisphericalShape>
+{
+public:
+    explicit RnUniformHemisphericalRng(RnBiRng<T>* rng);
+    virtual ~RnUniformHemisphericalRng();
+};
+
+/// "Cosine hemispherical": directions of the upper half, with a density of cos(theta)/pi.
+template <class T>
+class ZU_BASE_VISIBLE RnCosineHemisphericalRng
+    : public RnDirectionalRng<T, RnHemisphericalRng<T>, RnCosineHemisphericalShape>
+{
+public:
+    explicit RnCosineHemisphericalRng(RnBiRng<T>* rng);
+    virtual ~RnCosineHemisphericalRng();
+};
+
+#if ZU_BASE_IMPORTS_TEMPLATES
+extern template class ZU_BASE_API
+    RnDirectionalRng<float, RnSphericalRng<float>, RnUniformSphericalShape>;
+extern template class ZU_BASE_API
+    RnDirectionalRng<double, RnSphericalRng<double>, RnUniformSphericalShape>;
+extern template class ZU_BASE_API
+    RnDirectionalRng<float, RnHemisphericalRng<float>, RnUniformHemisphericalShape>;
+extern template class ZU_BASE_API
+    RnDirectionalRng<double, RnHemisphericalRng<double>, RnUniformHemisphericalShape>;
+extern template class ZU_BASE_API
+    RnDirectionalRng<float, RnHemisphericalRng<float>, RnCosineHemisphericalShape>;
+extern template class ZU_BASE_API
+    RnDirectionalRng<double, RnHemisphericalRng<double>, RnCosineHemisphericalShape>;
+extern template class ZU_BASE_API RnUniformSphericalRng<float>;
+extern template class ZU_BASE_API RnUniformSphericalRng<double>;
+extern template class ZU_BASE_API RnUniformHemisphericalRng<float>;
+extern template class ZU_BASE_API RnUniformHemisphericalRng<double>;
+extern template class ZU_BASE_API RnCosineHemisphericalRng<float>;
+extern template class ZU_BASE_API RnCosineHemisphericalRng<double>;
+#endif
+
+} // namespace Zu
+
+#endif

@@ -1,0 +1,9 @@
+#include "base/rnGaussianRng.h"
+
+namespace Zu
+{
+
+template class RnGaussianRng<float>;
+template class RnGaussianRng<double>;
+
+} // namespace Zu

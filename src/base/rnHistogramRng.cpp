@@ -1,0 +1,9 @@
+#include "base/rnHistogramRng.h"
+
+namespace Zu
+{
+
+template class RnHistogramRng<float>;
+template class RnHistogramRng<double>;
+
+} // namespace Zu

@@ -1,0 +1,74 @@
+/// @file
+/// The choice of a cell in proportion to its weight.
+
+#ifndef ZU_BASE_RNSAMPLER_H
+#define ZU_BASE_RNSAMPLER_H
+
+#include "base/rnBins.h"
+#include "base/rnSearch.h"
+
+#include <cstdint>
+#include <limits>
+#include <vector>
+
+namespace Zu
+{
+
+/// A cumulative table of cells, and which of them a draw chooses.
+template <class T> class RnSampler
+{
+public:
+    /// For the weights of the cells, at least one.
+    explicit RnSampler(const std::vector<T>& weights)
+        : _entries(RnBins::cumulated(weights)), _search(_entries)
+    {
+        for (std::uint32_t i = 0; i < weights.size(); ++i)
+        {
+            if (!(weights[i] > T(0))) continue;
+            if (!_hasWeight) _first = i;
+            _hasWeight = true;
+            _last = i;
+        }
+    }
+
+    /// Which cell a draw chooses, and how far into it the draw reaches: from 0 up to 1, a NaN
+    /// without weight and for a draw that is one. `_isEnd` tells a draw behind the whole table,
+    /// which reaches the very end of its cell.
+    struct Choice
+    {
+        std::uint32_t _cell;
+        T _fraction;
+        bool _isEnd;
+    };
+
+    /// Never a cell without weight, if there is another.
+    Choice choose(T u) const
+    {
+        const unsigned int count = _search.countUpTo(_entries, u);
+        if (count > 0 && count < _entries.size())
+        {
+            const std::uint32_t k = count - 1;
+            return {k, ieeeDivide(u - _entries[k], _entries[k + 1] - _entries[k]), false};
+        }
+        if (!_hasWeight || u != u) return {_first, std::numeric_limits<T>::quiet_NaN(), false};
+        if (count == 0) return {_first, T(0), false};
+        return {_last, T(1), true};
+    }
+
+    /// The probability of a cell.
+    T shareOf(std::uint32_t cell) const
+    {
+        return _entries[cell + 1] - _entries[cell];
+    }
+
+private:
+    std::vector<T> _entries;
+    RnSearch<T> _search;
+    std::uint32_t _first = 0;
+    std::uint32_t _last = 0;
+    bool _hasWeight = false;
+};
+
+} // namespace Zu
+
+#endif

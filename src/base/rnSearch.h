@@ -1,0 +1,96 @@
+/// @file
+/// Search in an ascending table, such as the edges of bins.
+
+#ifndef ZU_BASE_RNSEARCH_H
+#define ZU_BASE_RNSEARCH_H
+
+#include <cmath>
+#include <cstddef>
+#include <cstdint>
+#include <vector>
+
+namespace Zu
+{
+
+/// How many entries of an ascending table stand before the first that is greater than a value: a
+/// guide table, as of H.-C. Chen and Y. Asau, "On generating random variates from an empirical
+/// distribution", 1974, gives the place up to the entries of one of its cells. The result is always
+/// that of a binary search.
+template <class T> class RnSearch
+{
+public:
+    /// For the entries as they are now; at least one. Where they don't ascend or aren't finite, the
+    /// search is the binary one alone.
+    explicit RnSearch(const std::vector<T>& entries)
+    {
+        const T range = entries.back() - entries.front();
+        const T scale = static_cast<T>(CELLS_PER_ENTRY) * static_cast<T>(entries.size()) /
+                        (range > T(0) ? range : T(1));
+        if (!std::isfinite(range) || !std::isfinite(scale) || !isAscending(entries)) return;
+        _first = entries.front();
+        _scale = scale;
+        _guide.resize(cellOf(entries.back()) + 2);
+        std::size_t cell = 0;
+        for (std::size_t i = 0; i < entries.size(); ++i)
+            for (; cell <= cellOf(entries[i]); ++cell) _guide[cell] = static_cast<std::uint32_t>(i);
+        _guide[cell] = static_cast<std::uint32_t>(entries.size());
+    }
+
+    /// For a value that is no number: 0.
+    unsigned int countUpTo(const std::vector<T>& entries, T value) const
+    {
+        if (_guide.empty())
+            return binary(entries, 0, static_cast<unsigned int>(entries.size()), value);
+        if (!(value >= entries.front())) return 0;
+        if (value >= entries.back()) return static_cast<unsigned int>(entries.size());
+        const std::size_t cell = cellOf(value);
+        unsigned int low = _guide[cell];
+        const unsigned int high = _guide[cell + 1];
+        if (high - low > FEW) return binary(entries, low, high, value);
+        // Entries of lower cells are below the value, those of higher ones above it. The first two
+        // steps, which mostly do, hang on no branch.
+        low += static_cast<unsigned int>(entries[low] <= value);
+        low += static_cast<unsigned int>(entries[low] <= value);
+        while (entries[low] <= value) ++low;
+        return low;
+    }
+
+private:
+    static constexpr unsigned int CELLS_PER_ENTRY = 2;
+    static constexpr unsigned int FEW = 8;
+
+    static bool isAscending(const std::vector<T>& entries)
+    {
+        for (std::size_t i = 1; i < entries.size(); ++i)
+            if (!(entries[i - 1] <= entries[i])) return false;
+        return true;
+    }
+
+    static unsigned int binary(const std::vector<T>& entries, unsigned int low, unsigned int high,
+                               T value)
+    {
+        while (low < high)
+        {
+            const unsigned int middle = low + (high - low) / 2;
+            if (entries[middle] <= value)
+                low = middle + 1;
+            else
+                high = middle;
+        }
+        return low;
+    }
+
+    // Rises with the value, also where it is rounded.
+    std::size_t cellOf(T value) const
+    {
+        return static_cast<std::size_t>(static_cast<std::int64_t>((value - _first) * _scale));
+    }
+
+    T _first = 0;
+    T _scale = 0;
+    std::vector<std::uint32_t> _guide;
+};
+
+} // namespace Zu
+
+#endif

@@ -1,0 +1,141 @@
+/// @file
+/// Sources of samples beside the random numbers of the standard library.
+
+#ifndef ZU_BASE_RNSTDADAPTERS_H
+#define ZU_BASE_RNSTDADAPTERS_H
+
+#include "base/rnUniformRng.h"
+
+#include <cstdint>
+#include <limits>
+#include <random>
+
+namespace Zu
+{
+
+/// A uniform source as a generator of random bits, for the distributions and algorithms of the
+/// standard library. Each draw gives the leading bits of the sample: 16 of a `float`'s, 31 of a
+/// `double`'s; a sample of 1 or more gives ones alone, one
+/// that is negative or no number gives 0. The bits are no better than the source:
+/// RnNumRecUniformRng has less than 21, RnStdUniformRng has 15.
+///
+/// The source must live as long as it is drawn from; it is not owned.
+template <class T> class RnBitGenerator
+{
+    static constexpr int BITS = sizeof(T) == sizeof(float) ? 16 : 31;
+
+public:
+    using result_type = std::uint32_t;
+
+    explicit RnBitGenerator(RnRng<T>& rng) : _rng(&rng) {}
+
+    static constexpr result_type min()
+    {
+        return 0;
+    }
+
+    static constexpr result_type max()
+    {
+        return (result_type(1) << BITS) - 1;
+    }
+
+    result_type operator()()
+    {
+        const T scaled = (*_rng)() * static_cast<T>(result_type(1) << BITS);
+        if (!(scaled > T(0))) return min();
+        return scaled < static_cast<T>(max()) ? static_cast<result_type>(scaled) : max();
+    }
+
+private:
+    RnRng<T>* _rng;
+};
+
+/// A source in the place of a distribution of the standard library. The generator that it is given
+/// is not drawn from: the source has its own.
+///
+/// The source must live as long as it is drawn from; it is not owned.
+template <class T> class RnDistribution
+{
+public:
+    using result_type = T;
+
+    explicit RnDistribution(RnRng<T>& rng) : _rng(&rng) {}
+
+    result_type operator()()
+    {
+        return (*_rng)();
+    }
+
+    template <class Generator> result_type operator()(Generator&)
+    {
+        return (*_rng)();
+    }
+
+    /// The range in which samples effectively lie.
+    result_type min() const
+    {
+        return _rng->getEfficientMin();
+    }
+
+    result_type max() const
+    {
+        return _rng->getEfficientMax();
+    }
+
+    /// Restarts the source.
+    void reset()
+    {
+        _rng->restart();
+    }
+
+private:
+    RnRng<T>* _rng;
+};
+
+/// A generator of random bits of the standard library as a uniform source: the other way round. A
+/// restart goes back to the state that the generator had when it was given.
+template <class T, class Engine = std::mt19937> class RnEngineRng : public RnUniformRng<T>
+{
+public:
+    explicit RnEngineRng(const Engine& engine = Engine()) : _start(engine), _engine(engine) {}
+
+    virtual ~RnEngineRng() = default;
+
+    T operator()() override
+    {
+        // The function rounds, and may come to 1.
+        T value;
+        do value = std::generate_canonical<T, std::numeric_limits<T>::digits>(_engine);
+        while (!(value < T(1)));
+        return value;
+    }
+
+    void getSample(T& value) override
+    {
+        value = RnEngineRng::operator()();
+    }
+
+    void getSequence(unsigned int n, T* values) override
+    {
+        for (unsigned int i = 0; i < n; ++i) values[i] = RnEngineRng::operator()();
+    }
+
+    void restart() override
+    {
+        _engine = _start;
+    }
+
+    /// "Standard engine".
+    const char* getName() const override
+    {
+        return "Standard engine";
+    }
+
+private:
+    Engine _start;
+    Engine _engine;
+};
+
+} // namespace Zu
+
+#endif

@@ -1,0 +1,9 @@
+#include "base/rnStdUniformRng.h"
+
+namespace Zu
+{
+
+template class RnStdUniformRng<float>;
+template class RnStdUniformRng<double>;
+
+} // namespace Zu

@@ -1,0 +1,121 @@
+/// @file
+/// The answers of sources that are uniform on the unit square, cube or box.
+
+#ifndef ZU_BASE_RNUNITBOX_H
+#define ZU_BASE_RNUNITBOX_H
+
+#include "base/baseApi.h"
+#include "base/rnUniformRng.h"
+
+#include <algorithm>
+
+namespace Zu
+{
+
+/// An interface of points, with the answers to the queries of range and density.
+template <class T, int N> class ZU_BASE_VISIBLE RnUnitBoxRng : public RnMultiRng<T, N>
+{
+public:
+    void getEfficientWidth(T* const widths) const override
+    {
+        std::fill_n(widths, N, T(1));
+    }
+
+    void getEfficientMin(T* const mins) const override
+    {
+        std::fill_n(mins, N, T(0));
+    }
+
+    void getEfficientMax(T* const maxs) const override
+    {
+        std::fill_n(maxs, N, T(1));
+    }
+
+    T getEfficientFraction() const override
+    {
+        return T(1);
+    }
+
+    T getPdf(T* const values) const override
+    {
+        return rnUniformPdf(values, N);
+    }
+
+protected:
+    RnUnitBoxRng() = default;
+    RnUnitBoxRng(const RnUnitBoxRng&) = default;
+    RnUnitBoxRng& operator=(const RnUnitBoxRng&) = default;
+    ~RnUnitBoxRng() = default;
+};
+
+/// A two-dimensional source, `Rng`, in the form of pairs. It answers for the density itself, by the
+/// same rule.
+template <class T, class Rng> class ZU_BASE_VISIBLE RnUnitSquareRng : public RnBiRng<T>
+{
+public:
+    void getSample(T& x, T& y) override
+    {
+        T values[2];
+        _rng.getSample(values);
+        x = values[0];
+        y = values[1];
+    }
+
+    void getSequence(unsigned int n, T* x, T* y) override
+    {
+        T* arrays[2] = {x, y};
+        _rng.getSequence(n, arrays);
+    }
+
+    void getEfficientWidth(T& x, T& y) const override
+    {
+        x = y = T(1);
+    }
+
+    void getEfficientMin(T& x, T& y) const override
+    {
+        x = y = T(0);
+    }
+
+    void getEfficientMax(T& x, T& y) const override
+    {
+        x = y = T(1);
+    }
+
+    T getEfficientFraction() const override
+    {
+        return T(1);
+    }
+
+    T getPdf(T x, T y) const override
+    {
+        const T values[2] = {x, y};
+        return rnUniformPdf(values, 2);
+    }
+
+    void restart() override
+    {
+        _rng.restart();
+    }
+
+    const char* getName() const override
+    {
+        return _rng.getName();
+    }
+
+protected:
+    template <class... Arguments>
+    explicit RnUnitSquareRng(Arguments... arguments) : _rng(arguments...)
+    {
+    }
+
+    RnUnitSquareRng(const RnUnitSquareRng&) = default;
+    RnUnitSquareRng& operator=(const RnUnitSquareRng&) = default;
+    ~RnUnitSquareRng() = default;
+
+    Rng _rng;
+};
+
+} // namespace Zu
+
+#endif

@@ -1,0 +1,59 @@
+/// @file
+/// A time base in seconds and a precise sleep.
+
+#ifndef ZU_BASE_SLEEPER_H
+#define ZU_BASE_SLEEPER_H
+
+#include "base/baseApi.h"
+#include "base/inInit.h"
+#include "base/inSingleton.h"
+
+namespace Zu
+{
+
+/// Sleeps on a precise timer of the platform and not on the scheduler's coarse one. The package
+/// "profiling" has the one instance.
+///
+/// Thread-safety: any thread may use it between the start and the end of the package, none may be
+/// asleep at the end.
+class ZU_BASE_API Sleeper
+{
+    friend class InInit<ZuInit::profiling>;
+    friend class InSingleton<Sleeper>;
+
+public:
+    Sleeper(const Sleeper&) = delete;
+    Sleeper& operator=(const Sleeper&) = delete;
+
+    /// The instance. Raises InSingletonEx::ExNotInitialized before the start of the package and
+    /// after its end. What a thread needs to sleep, it gets with its first call.
+    static Sleeper& getInstance();
+
+    /// Seconds since some fixed moment, on the high-resolution counter. Raises ExSysErrorANSI if
+    /// that fails.
+    virtual double getTime() = 0;
+
+    /// The shortest period of the platform's timers, in seconds.
+    virtual double getResolution() = 0;
+
+    /// Sleeps for so many seconds, truncated to milliseconds, of which the low 32 bits count.
+    /// Refuses, with false and without a sleep, where this gives 0: so a time below a millisecond;
+    /// and a negative time. On Windows the timer may be up to one resolution early.
+    virtual bool sleep(double seconds) = 0;
+
+protected:
+    Sleeper() = default;
+    virtual ~Sleeper();
+
+private:
+    static Sleeper* create();
+    static void prepareThread(Sleeper& sleeper);
+};
+
+#if ZU_BASE_IMPORTS_TEMPLATES
+extern template class ZU_BASE_API InSingleton<Sleeper>;
+#endif
+
+} // namespace Zu
+
+#endif

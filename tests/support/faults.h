@@ -1,0 +1,156 @@
+// Lets calls of the system fail on command. The program is linked with --wrap for each of the calls
+// of its platform.
+
+#ifndef ZU_TESTS_FAULTS_H
+#define ZU_TESTS_FAULTS_H
+
+#include <cstddef>
+#include <cstdint>
+#include <functional>
+#include <string>
+
+namespace support
+{
+
+enum class Call
+{
+#if defined(_WIN32)
+    CLOSE_HANDLE,
+    CREATE_FILE,
+    FIND_FIRST_FILE,
+    FIND_NEXT_FILE,
+    FLUSH_FILE_BUFFERS,
+    GET_DISK_FREE_SPACE,
+    GET_FILE_ATTRIBUTES,
+    GET_FILE_INFORMATION,
+    GET_FILE_SIZE,
+    GET_FILE_TIME,
+    GET_FINAL_PATH_NAME,
+    MOVE_FILE,
+    // Nothing is read, and nothing is written.
+    READ_FILE,
+    WRITE_FILE,
+    SET_END_OF_FILE,
+    SET_FILE_POINTER,
+#else
+    OPEN,
+    // The descriptor is released all the same, unless the error is EBADF.
+    CLOSE,
+    READ,
+    // The error 0 gives a count of 0.
+    WRITE,
+    FTRUNCATE,
+    LSEEK,
+    FSYNC,
+    STAT,
+    STATFS,
+    RENAMEAT2,
+    RENAME,
+    OPENDIR,
+    READDIR,
+    // The error 0 means that there is no such user.
+    GETPWUID_R,
+#endif
+    COUNT
+};
+
+// While it lives, calls of this kind fail with this error, after some that go through. One at a
+// time for each kind.
+class Fault
+{
+public:
+    static constexpr int ALWAYS = 1 << 30;
+
+    Fault(Call call, int error, int times = ALWAYS, int after = 0);
+    Fault(const Fault&) = delete;
+    Fault& operator=(const Fault&) = delete;
+    ~Fault();
+
+    // How many calls it let fail.
+    int failures() const;
+
+private:
+    Call _call;
+};
+
+// While it lives, something is done before each call of this kind. One at a time for each kind.
+class Before
+{
+public:
+    Before(Call call, std::function<void()> act);
+    Before(const Before&) = delete;
+    Before& operator=(const Before&) = delete;
+    ~Before();
+
+private:
+    Call _call;
+};
+
+// For the halves of this component: whether a call is to fail, and with which error. What is to be
+// done before is done.
+bool isToFail(Call call, int& error);
+
+#if defined(_WIN32)
+
+// Closes the handle that last was not closed as its call was to fail.
+void closeUnclosed();
+
+// While it lives, every drive is of this type, and its sectors have this size.
+class FalseDrive
+{
+public:
+    FalseDrive(std::uint32_t type, std::uint32_t sectorSize);
+    FalseDrive(const FalseDrive&) = delete;
+    FalseDrive& operator=(const FalseDrive&) = delete;
+    ~FalseDrive();
+};
+
+// While it lives, the file system numbers no files.
+class NoFileNumbers
+{
+public:
+    NoFileNumbers();
+    NoFileNumbers(const NoFileNumbers&) = delete;
+    NoFileNumbers& operator=(const NoFileNumbers&) = delete;
+    ~NoFileNumbers();
+};
+
+#else
+
+// While it lives, no single call reads or writes more.
+class TransferLimit
+{
+public:
+    explicit TransferLimit(std::size_t bytes);
+    TransferLimit(const TransferLimit&) = delete;
+    TransferLimit& operator=(const TransferLimit&) = delete;
+    ~TransferLimit();
+};
+
+// While it lives, every file has this owner and these times, in seconds since 1970.
+class FalseStatus
+{
+public:
+    FalseStatus(std::uint32_t owner, std::int64_t time);
+    FalseStatus(const FalseStatus&) = delete;
+    FalseStatus& operator=(const FalseStatus&) = delete;
+    ~FalseStatus();
+};
+
+// While it lives, every file stands on a volume of this type with this block size.
+class FalseVolume
+{
+public:
+    FalseVolume(std::uint32_t type, std::uint32_t blockSize);
+    FalseVolume(const FalseVolume&) = delete;
+    FalseVolume& operator=(const FalseVolume&) = delete;
+    ~FalseVolume();
+};
+
+void makeFifo(const std::string& path);
+
+#endif
+
+} // namespace support
+
+#endif
