@@ -3,6 +3,7 @@
 #include "base/osFilePlatform.h"
 
 #include "base/exSysError.h"
+#include "base/osDirectory.h"
 #include "base/osFile.h"
 #include "base/osFileEx.h"
 #include "base/osFileReader.h"
@@ -40,6 +41,7 @@ using Zu::ArrayPtr;
 using Zu::ExSysErrorANSI;
 using Zu::ObjPtr;
 using Zu::OsDateTypes;
+using Zu::OsDirectory;
 using Zu::OsFile;
 using Zu::OsFileEx;
 using Zu::OsFilePath;
@@ -346,6 +348,51 @@ TEST_F(OsFileFaultTest, WhatOthersLeftBesideStays)
     OsFileTools::replaceAll(target, "new");
     EXPECT_EQ(readFile(file("f")), "new");
     for (int i = 0; i < 1000; ++i) EXPECT_EQ(readFile(leftBeside(i)), "left");
+}
+
+TEST_F(OsFileFaultTest, AFileThatMayNotGetLongerRaisesBehindWhatFits)
+{
+    OsFileWriter writer(path("f"), usual, false);
+    const std::string content = noise(150000);
+    {
+        const support::SizeLimit limit(100000);
+        EXPECT_EQ(codeOf([&] { writer.write(content.data(), 150000); }), EFBIG);
+        EXPECT_EQ(codeOf([&] { writer.reserve(100001); }), EFBIG);
+        EXPECT_NO_THROW(writer.reserve(100000));
+    }
+    EXPECT_TRUE(readFile(file("f")) == content.substr(0, 100000));
+    writer.close();
+    OsFile source(made("source", content));
+    const support::SizeLimit limit(100000);
+    EXPECT_EQ(codeOf([&] { source.copyTo(path("g")); }), EFBIG);
+    EXPECT_TRUE(readFile(file("source")) == content);
+}
+
+TEST_F(OsFileFaultTest, ADirectoryThatMayNotBeWrittenKeepsWhatIsInIt)
+{
+    std::filesystem::permissions(_dir.path(), std::filesystem::perms{0755});
+    std::filesystem::create_directory(file("d"));
+    std::filesystem::create_directory(file("d/sub"));
+    OsFile inside(made("d/f", "content"));
+    std::filesystem::permissions(file("d/f"), std::filesystem::perms{0444});
+    std::filesystem::permissions(file("d"), std::filesystem::perms{0555});
+    {
+        const support::OrdinaryUser user;
+        EXPECT_EQ(inside.getAccess(), OsFileTypes::AccessRead);
+        EXPECT_EQ(codeOf([&] { OsFileWriter writer(path("d/new"), usual, true); }), EACCES);
+        EXPECT_EQ(codeOf([&] { inside.remove(); }), EACCES);
+        EXPECT_EQ(codeOf([&] { inside.renameTo(path("d/g")); }), EACCES);
+        EXPECT_EQ(codeOf([&] { inside.copyTo(path("d/g")); }), EACCES);
+        EXPECT_EQ(codeOf([&] { OsDirectory(path("d/sub")).remove(); }), EACCES);
+        EXPECT_EQ(codeOf([&] { OsDirectory(path("d/other")).create(usual); }), EACCES);
+        EXPECT_EQ(codeOf([&] { OsFileTools::removeWithAllContents(path("d")); }), EACCES);
+        EXPECT_EQ(codeOf([&] { OsFileTools::replaceAll(path("d/f"), "new"); }), EACCES);
+        EXPECT_THROW(inside.copyTo(path("d/f")), OsFileEx::ExPathNotWritable);
+    }
+    EXPECT_EQ(readFile(file("d/f")), "content");
+    std::filesystem::permissions(file("d"), std::filesystem::perms{0755});
+    const support::Tree left = support::treeAt(file("d"));
+    EXPECT_EQ(left, (support::Tree{{"f", "content"}, {"sub", support::DIRECTORY_MARK}}));
 }
 
 TEST_F(OsFileFaultTest, AFifoIsNotReplaced)

@@ -147,6 +147,32 @@ public:
     ~FalseVolume();
 };
 
+// While it lives, no file gets longer: a write beyond fails with EFBIG.
+class SizeLimit
+{
+public:
+    explicit SizeLimit(std::uint64_t bytes);
+    SizeLimit(const SizeLimit&) = delete;
+    SizeLimit& operator=(const SizeLimit&) = delete;
+    ~SizeLimit();
+
+private:
+    std::uint64_t _old;
+};
+
+// While it lives, the process is a user whom modes stop.
+class OrdinaryUser
+{
+public:
+    OrdinaryUser();
+    OrdinaryUser(const OrdinaryUser&) = delete;
+    OrdinaryUser& operator=(const OrdinaryUser&) = delete;
+    ~OrdinaryUser();
+
+private:
+    std::uint32_t _old;
+};
+
 void makeFifo(const std::string& path);
 
 #endif

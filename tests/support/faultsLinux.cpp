@@ -3,12 +3,15 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
+#include <csignal>
 #include <cstdarg>
 #include <cstdio>
+#include <cstdlib>
 #include <dirent.h>
 #include <limits>
 #include <pwd.h>
 #include <stdexcept>
+#include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/syscall.h>
 #include <sys/types.h>
@@ -194,6 +197,37 @@ FalseVolume::FalseVolume(std::uint32_t type, std::uint32_t blockSize)
 FalseVolume::~FalseVolume()
 {
     isVolumeFalse = false;
+}
+
+SizeLimit::SizeLimit(std::uint64_t bytes)
+{
+    rlimit limit;
+    getrlimit(RLIMIT_FSIZE, &limit);
+    _old = limit.rlim_cur;
+    limit.rlim_cur = bytes;
+    setrlimit(RLIMIT_FSIZE, &limit);
+    // Its default is the end of the process.
+    std::signal(SIGXFSZ, SIG_IGN);
+}
+
+SizeLimit::~SizeLimit()
+{
+    rlimit limit;
+    getrlimit(RLIMIT_FSIZE, &limit);
+    limit.rlim_cur = _old;
+    setrlimit(RLIMIT_FSIZE, &limit);
+    std::signal(SIGXFSZ, SIG_DFL);
+}
+
+OrdinaryUser::OrdinaryUser() : _old(geteuid())
+{
+    constexpr uid_t NOBODY = 65534;
+    if (_old == 0 && seteuid(NOBODY) != 0) throw std::runtime_error("root can't step down");
+}
+
+OrdinaryUser::~OrdinaryUser()
+{
+    if (seteuid(_old) != 0) std::abort();
 }
 
 void makeFifo(const std::string& path)
