@@ -1,6 +1,7 @@
 // A sample application of the family: it starts, tells what the library found, logs, and stops.
 
 #include "base/base.h"
+#include "sampleBuild.h"
 #include "sampleLogging.h"
 #include "sampleTime.h"
 #include "sampleTiming.h"
@@ -220,6 +221,8 @@ int run(const char* program)
     if (quiet.getValue()) return 0;
 
     std::cout << "The sample application is up." << std::endl;
+    printHeading("Who runs here:");
+    sample::showBuild();
     printHeading("Start-up order, with what each package needs, directly and through others:");
     printStartUpOrder();
     printHeading("Variables and where their values came from:");
@@ -245,6 +248,8 @@ int run(const char* program)
     sample::showBeat();
     printHeading("Log, by several threads and a second process:");
     sample::showLogging(program);
+    printHeading("Loaded into the process:");
+    sample::showLibraries();
     printHeading("Shut-down, as ZU_DEBUG_INITIALIZE shows it on standard error:");
     Zu::InSingleton<sample::Store>::getInstance()._isTalking = true;
     Zu::OsEnv::putVariable("ZU_DEBUG_INITIALIZE=1");
@@ -260,6 +265,7 @@ int main(int argc, char** argv)
         const std::string program = argv[0];
         sample::prepareLogging();
         const Zu::InInitGuard guard(argc, argv);
+        sample::registerBuild();
         return run(program.c_str());
     }
     catch (const std::exception& exception)

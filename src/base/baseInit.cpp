@@ -1,5 +1,7 @@
 // The package "base": everything else of the library.
 
+#include "base/dbgBuildInfoUtil.h"
+#include "base/dbgLibraryBuildInfo.h"
 #include "base/inInit.h"
 #include "base/initOrder.h"
 
@@ -23,7 +25,10 @@ template <> InInit<ZuInit::base>::InInit() : InPackageInit("base")
     addDependency(InInit<ZuInit::initialize>::getType());
 }
 
-template <> void InInit<ZuInit::base>::performInitialize() {}
+template <> void InInit<ZuInit::base>::performInitialize()
+{
+    DbgBuildInfoUtil::registerInfo(ObjPtr<DbgBuildInfo>(new LibraryBuildInfo));
+}
 
 template <> void InInit<ZuInit::base>::performFinalize() {}
 

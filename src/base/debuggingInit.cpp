@@ -1,5 +1,8 @@
 // The package "debugging": tracing and build records, with the switches of their validation.
 
+#include "base/dbgBuildInfoLog.h"
+#include "base/dbgBuildInfoMgr.h"
+#include "base/dbgBuildInfoUtil.h"
 #include "base/inInit.h"
 #include "base/initOrder.h"
 #include "base/inVariable.h"
@@ -17,13 +20,8 @@ template <> InInit<ZuInit::debugging>::InInit() : InPackageInit("debugging")
     addDependency(InInit<ZuInit::initialize>::getType());
 }
 
-template <> void InInit<ZuInit::debugging>::performInitialize()
-{
-    // The options come into being, and with them what ZU_TRACE_OPTIONS says.
-    Trace::setOptions("");
-}
-
-template <> void InInit<ZuInit::debugging>::performFinalize() {}
+template <> void InInit<ZuInit::debugging>::performInitialize();
+template <> void InInit<ZuInit::debugging>::performFinalize();
 
 namespace
 {
@@ -48,5 +46,22 @@ InVariable<int> checkStamps ZU_INIT_ORDER(ZU_INIT_ORDER_DEBUGGING)(
     "Zu::Corvane::debugging::buildInfoCheckStamps", thePackage, checkStampsEnv, checkStampsDefault);
 
 } // namespace
+
+template <> void InInit<ZuInit::debugging>::performInitialize()
+{
+    // The options come into being, and with them what ZU_TRACE_OPTIONS says.
+    Trace::setOptions("");
+    DbgBuildInfoLog::start();
+    DbgBuildInfoMgr::init();
+    // A variable that is 0, or not there, leaves its switch alone.
+    if (noValidate.getValue() != 0) DbgBuildInfoUtil::setValidateVersions(false);
+    if (checkStamps.getValue() != 0) DbgBuildInfoUtil::setCheckStamps(true);
+}
+
+template <> void InInit<ZuInit::debugging>::performFinalize()
+{
+    DbgBuildInfoMgr::fini();
+    DbgBuildInfoLog::stop();
+}
 
 } // namespace Zu

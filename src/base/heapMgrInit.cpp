@@ -1,7 +1,10 @@
 // The package "heapMgr": heap settings.
 
+#include "base/hmHeapMgr.h"
 #include "base/inInit.h"
 #include "base/initOrder.h"
+
+#include <iostream>
 
 namespace Zu
 {
@@ -12,9 +15,17 @@ template <> InInit<ZuInit::heapMgr>::InInit() : InPackageInit("heapMgr")
     addDependency(InInit<ZuInit::initialize>::getType());
 }
 
-template <> void InInit<ZuInit::heapMgr>::performInitialize() {}
+template <> void InInit<ZuInit::heapMgr>::performInitialize()
+{
+    InSingleton<HmHeapMgr>::create(HmHeapMgr::create());
+    const HmHeapMgr& manager = HmHeapMgr::getInstance();
+    if (manager.isDumpHeapInfo()) manager.dump(std::cout);
+}
 
-template <> void InInit<ZuInit::heapMgr>::performFinalize() {}
+template <> void InInit<ZuInit::heapMgr>::performFinalize()
+{
+    InSingleton<HmHeapMgr>::destroy();
+}
 
 namespace
 {

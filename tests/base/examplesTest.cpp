@@ -286,6 +286,55 @@ TEST(Examples, TwoThreadsTraceEachWithItsOwnIndentation)
     EXPECT_EQ(logged, expected);
 }
 
+TEST(Examples, ATestProgramRunsItsGroup)
+{
+    const support::Environment none{{"ZU_TRACE_OPTIONS", std::nullopt},
+                                    {"ZU_RUN_TEST_MSGS", std::nullopt}};
+    const ProgramResult result = support::runProgram("testing", {"Lookup"}, none);
+    EXPECT_EQ(result.exitCode, 0);
+    EXPECT_TRUE(hasLine(result.out, "| Executing Lookup")) << result.out;
+    EXPECT_TRUE(hasLine(result.out, "| Test group executed successfully.")) << result.out;
+    const ProgramResult unknown = support::runProgram("testing", {"Other"}, none);
+    EXPECT_EQ(unknown.exitCode, 1);
+    EXPECT_TRUE(hasLine(unknown.out, "Abnormal termination: Unknown test group name."));
+}
+
+TEST(Examples, ALibraryTellsOfItsBuild)
+{
+    const ProgramResult result = support::runProgram("buildRecord");
+    EXPECT_EQ(result.exitCode, 0);
+    EXPECT_TRUE(hasLine(result.out, "Unknown application name / version.")) << result.out;
+    EXPECT_NE(result.out.find("API Shop 1.4 beta: \n\tlibShop (S. 12, "), std::string::npos);
+    EXPECT_NE(result.out.find("API Corvane 0.2 pre-alpha: \n\tlibZUbase ("), std::string::npos);
+}
+
+TEST(Examples, ManagersOfAnApplicationTakeThePlaceOfTheDefaultOnes)
+{
+    const ProgramResult result = support::runProgram(
+        "managers", {}, {{"ZU_TRACE_OPTIONS", std::nullopt}, {"ZU_HEAP_DUMP_INFO", std::nullopt}});
+    EXPECT_EQ(result.exitCode, 0);
+    EXPECT_EQ(result.out, "*************** Default (compiler's) heap manager ***************\n"
+                          "*****************************************************************\n"
+                          "1: | block 1\n"
+                          "2: | block 2\n"
+                          "counting heap: 2 blocks, checked every 50 calls\n");
+}
+
+TEST(Examples, TheSampleApplicationTellsWhoRunsAndWhatIsLoaded)
+{
+    const support::TempDir dir;
+    const ProgramResult result = support::runProgram(
+        "sampleApplication", {}, {{"B7Q_TEST_DIR", dir.path()}, {"SAMPLE_QUIET", std::nullopt}});
+    EXPECT_EQ(result.exitCode, 0);
+    const std::string& out = result.out;
+    EXPECT_NE(out.find("\n  Sample application 1.0 example (S. 1, "), std::string::npos) << out;
+    EXPECT_NE(out.find("\n  API Corvane 0.2 pre-alpha: \n  \tlibZUbase (P. 187, "),
+              std::string::npos);
+    const std::string loaded = out.substr(out.find("\nLoaded into the process:\n"));
+    EXPECT_NE(loaded.find("sampleApplication"), std::string::npos) << loaded;
+    EXPECT_NE(loaded.find("libZUbase"), std::string::npos) << loaded;
+}
+
 TEST(Examples, TheSampleApplicationRefusesWrongUse)
 {
     const struct

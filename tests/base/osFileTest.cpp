@@ -10,9 +10,8 @@
 #include "support/fileTest.h"
 #include "support/platform.h"
 #include "support/tempDir.h"
+#include "support/vtableSlot.h"
 
-#include <array>
-#include <bit>
 #include <chrono>
 #include <cstddef>
 #include <cstdint>
@@ -35,6 +34,7 @@ using support::modeOf;
 using support::noise;
 using support::onWindows;
 using support::readFile;
+using support::slotOf;
 using support::writeFile;
 using Zu::ArrayPtr;
 using Zu::ExSysErrorWindows;
@@ -202,14 +202,6 @@ protected:
 bool isStoppedByModes(const std::string& readOnlyFile)
 {
     return !std::ofstream(readOnlyFile, std::ios::binary | std::ios::app).is_open();
-}
-
-// The slot of a virtual operation in the objects' table; two destructors come first.
-template <class Member> std::ptrdiff_t slotOf(Member member)
-{
-    static_assert(sizeof member == 2 * sizeof(std::ptrdiff_t));
-    const auto words = std::bit_cast<std::array<std::ptrdiff_t, 2>>(member);
-    return (words[0] - 1) / static_cast<std::ptrdiff_t>(sizeof(void*));
 }
 
 TEST(OsFileTypes, ElementTypesHaveFixedValues)

@@ -1008,7 +1008,8 @@ std::string earlyRows(bool early, const std::vector<std::string>& exceptions = {
                       const std::string& between = "")
 {
     return rowOf(early, "Early", {"traceProgram.cpp"}) + rowOf(true, "Exceptions", exceptions) +
-           between + rowOf(true, "Main", {"trace.cpp", "traceProgram.cpp"});
+           between + rowOf(true, "Main", {"trace.cpp", "traceProgram.cpp"}) +
+           rowOf(false, "TestPerformer", {"testPerformer.cpp"});
 }
 
 std::string levelsOf(const std::string& rows)

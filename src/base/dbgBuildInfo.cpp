@@ -1,0 +1,8 @@
+#include "base/dbgBuildInfo.h"
+
+namespace Zu
+{
+
+DbgBuildInfo::~DbgBuildInfo() = default;
+
+} // namespace Zu

@@ -1,0 +1,78 @@
+/// @file
+/// The exceptions of build records.
+
+#ifndef ZU_BASE_DBGBUILDINFOEX_H
+#define ZU_BASE_DBGBUILDINFOEX_H
+
+#include "base/exBase.h"
+
+#include <stdexcept>
+
+namespace Zu
+{
+
+/// Root of the exceptions of build records. Names and stamps in a reason are cut to 64 characters.
+class ZU_BASE_API DbgBuildInfoEx : public ExBase
+{
+public:
+    class ExVersionMismatch;
+    class ExBuildStampMismatch;
+    class ExAppAlreadyRegistered;
+    class ExAppNotRegistered;
+
+protected:
+    DbgBuildInfoEx(const char* file, int line);
+};
+
+/// A library has another version of its API than the first one:
+/// "Version mismatch, API '<api>' v<major>.<minor>: library '<library>' at v<major>.<minor>."
+class ZU_BASE_API DbgBuildInfoEx::ExVersionMismatch : public DbgBuildInfoEx,
+                                                      public std::runtime_error
+{
+public:
+    ExVersionMismatch(const char* file, int line, const char* apiName, int apiMajor, int apiMinor,
+                      const char* libraryName, int libraryMajor, int libraryMinor);
+
+    const char* what() const noexcept override;
+    ExBase* clone() const override;
+};
+
+/// A library is of another build than the first one:
+/// "Build stamp mismatch, API '<api>' build <stamp>: library '<library>' using build <stamp>."
+class ZU_BASE_API DbgBuildInfoEx::ExBuildStampMismatch : public DbgBuildInfoEx,
+                                                         public std::runtime_error
+{
+public:
+    ExBuildStampMismatch(const char* file, int line, const char* apiName, const char* apiStamp,
+                         const char* libraryName, const char* libraryStamp);
+
+    const char* what() const noexcept override;
+    ExBase* clone() const override;
+};
+
+/// A second record of the application: "Application-level build info already registered."
+class ZU_BASE_API DbgBuildInfoEx::ExAppAlreadyRegistered : public DbgBuildInfoEx,
+                                                           public std::runtime_error
+{
+public:
+    ExAppAlreadyRegistered(const char* file, int line);
+
+    const char* what() const noexcept override;
+    ExBase* clone() const override;
+};
+
+/// The application's record is asked for, and there is none:
+/// "No application-level build info available."
+class ZU_BASE_API DbgBuildInfoEx::ExAppNotRegistered : public DbgBuildInfoEx,
+                                                       public std::runtime_error
+{
+public:
+    ExAppNotRegistered(const char* file, int line);
+
+    const char* what() const noexcept override;
+    ExBase* clone() const override;
+};
+
+} // namespace Zu
+
+#endif

@@ -1,0 +1,71 @@
+/// @file
+/// A build record made of constant texts, and its export from a module.
+
+#ifndef ZU_BASE_DBGBUILDTEXT_H
+#define ZU_BASE_DBGBUILDTEXT_H
+
+#include "base/baseApi.h"
+#include "base/dbgBuildInfo.h"
+
+namespace Zu
+{
+
+/// What a build record says, as constants of the build. A text that is not given is
+/// "[Information not available]".
+struct DbgBuildText
+{
+    static constexpr const char* UNKNOWN = "[Information not available]";
+
+    const char* _apiName;
+    int _majorVersion;
+    int _minorVersion;
+    const char* _versionLabel;
+    const char* _libraryName;
+    const char* _longStamp = UNKNOWN;
+    const char* _shortStamp = UNKNOWN;
+    const char* _date = UNKNOWN;
+    const char* _configuration = UNKNOWN;
+    const char* _builtBy = UNKNOWN;
+    const char* _notes = UNKNOWN;
+};
+
+/// The record of such constants. They are kept as pointers.
+class ZU_BASE_API DbgTextBuildInfo : public DbgBuildInfo
+{
+public:
+    explicit DbgTextBuildInfo(const DbgBuildText& text);
+    ~DbgTextBuildInfo() override;
+
+    const char* getApiName() const override;
+    int getMajorVersion() const override;
+    int getMinorVersion() const override;
+    const char* getVersionLabel() const override;
+    const char* getLibraryName(bool verbose) const override;
+    const char* getBuildStamp(bool verbose) const override;
+    const char* getBuildDate(bool verbose) const override;
+    const char* getBuildConfiguration(bool verbose) const override;
+    const char* getBuiltBy(bool verbose) const override;
+    const char* getBuildNotes(bool verbose) const override;
+
+private:
+    DbgBuildText _text;
+};
+
+} // namespace Zu
+
+/// Exports what DbgBuildInfoUtil::registerModule() asks a module for, once in a module and outside
+/// of namespaces:
+///
+/// @code
+/// constexpr Zu::DbgBuildText text = {"Sample", 1, 4, "beta", "libZUsample", "Sample_12", "S. 12"};
+/// ZU_EXPORT_BUILD_INFO(text);
+/// @endcode
+#define ZU_EXPORT_BUILD_INFO(text)                                                                 \
+    extern "C" ZU_MODULE_EXPORT ::Zu::DbgBuildInfo* getBuildInfo();                                \
+    extern "C" ::Zu::DbgBuildInfo* getBuildInfo()                                                  \
+    {                                                                                              \
+        return new ::Zu::DbgTextBuildInfo(text);                                                   \
+    }                                                                                              \
+    static_assert(true)
+
+#endif

@@ -1,0 +1,53 @@
+#include "base/lmLibraries.h"
+
+#include "base/lmRegion.h"
+
+#include <cerrno>
+#include <fcntl.h>
+#include <unistd.h>
+
+namespace Zu
+{
+
+namespace
+{
+
+struct Descriptor
+{
+    explicit Descriptor(int descriptor) : _descriptor(descriptor) {}
+    Descriptor(const Descriptor&) = delete;
+    Descriptor& operator=(const Descriptor&) = delete;
+
+    ~Descriptor()
+    {
+        if (_descriptor >= 0) close(_descriptor);
+    }
+
+    const int _descriptor;
+};
+
+// The whole map; what could be read of it.
+std::string readMap()
+{
+    std::string map;
+    const Descriptor file(open("/proc/self/maps", O_RDONLY | O_CLOEXEC));
+    if (file._descriptor < 0) return map;
+    // The system gives whole lines, as many as fit.
+    char buffer[65536];
+    for (;;)
+    {
+        const ssize_t count = read(file._descriptor, buffer, sizeof buffer);
+        if (count < 0 && errno == EINTR) continue;
+        if (count <= 0) return map;
+        map.append(buffer, static_cast<std::size_t>(count));
+    }
+}
+
+} // namespace
+
+void LmLibraries::performGetList(std::vector<LmLibrary>& libraries)
+{
+    LmRegion::librariesOfMap(readMap(), libraries);
+}
+
+} // namespace Zu

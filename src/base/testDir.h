@@ -1,0 +1,32 @@
+/// @file
+/// Where tests put their files.
+
+#ifndef ZU_BASE_TESTDIR_H
+#define ZU_BASE_TESTDIR_H
+
+#include "base/baseApi.h"
+#include "base/osFilePath.h"
+
+namespace Zu
+{
+
+/// The directory that tests may write to.
+///
+/// Thread-safety: the first call of getDefaultPath() belongs to one thread.
+class ZU_BASE_API TestDir
+{
+public:
+    TestDir() = delete;
+
+    /// The variable ZU_TEST_DIR, or OsFilePath::getTempDir() where it is not set, as it was at the
+    /// first call. The directory is not made.
+    static const OsFilePath& getDefaultPath();
+
+    /// Makes a directory, unless it is there, and gives its path back. Raises what
+    /// OsFsUtils::createDir() does.
+    static OsFilePath create(const OsFilePath& path);
+};
+
+} // namespace Zu
+
+#endif

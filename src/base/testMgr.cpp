@@ -1,0 +1,269 @@
+#include "base/testMgr.h"
+
+#include "base/dbgBuildInfoLog.h"
+#include "base/dbgBuildInfoMgr.h"
+#include "base/dbgBuildText.h"
+#include "base/hmGC.h"
+#include "base/hmGCEx.h"
+#include "base/inContextAliasMgrBase.h"
+#include "base/inInitGuard.h"
+#include "base/lmLibraries.h"
+#include "base/osFilePath.h"
+#include "base/testGroup.h"
+#include "base/testHandlers.h"
+#include "base/testInform.h"
+#include "base/testPerformer.h"
+#include "base/testTrace.h"
+#include "base/typeName.h"
+
+#include <cstring>
+#include <sstream>
+#include <string>
+#include <typeinfo>
+#include <vector>
+
+namespace Zu
+{
+
+namespace
+{
+
+constexpr int SUCCESS = 0;
+constexpr int UNKNOWN = 1;
+constexpr int RAISED = 2;
+constexpr int LEAK = 3;
+
+// The switches stand before the group, in fact. The text is what people know, deliberately kept.
+constexpr const char* USAGE = "\nArguments: \n\n"
+                              "<testGroup> { <args> } \n"
+                              "<testGroup> -perf <fileName>\n"
+                              "<testGroup> -dumpLeaks { <args> }\n"
+                              "<testGroup> -dumpLibs { <args> }\n"
+                              "<testGroup> -detectLeaks { <args> }\n";
+
+constexpr DbgBuildText SUITE = {"RV Test Suite",
+                                1,
+                                0,
+                                "Internal",
+                                "N/A",
+                                "[No Prod. #]",
+                                "[No Prod. #]",
+                                __DATE__,
+                                "WinNT_ostore_release",
+                                DbgBuildText::UNKNOWN,
+                                DbgBuildText::UNKNOWN};
+
+class TestSuiteBuildInfo : public DbgTextBuildInfo
+{
+public:
+    TestSuiteBuildInfo() : DbgTextBuildInfo(SUITE) {}
+};
+
+using Words = std::vector<std::string>;
+
+void print(const std::string& text)
+{
+    TraceManager::getInstance().print(text.c_str());
+}
+
+void registerProgram()
+{
+    DbgBuildInfoMgr::registerAppInfo(ObjPtr<DbgBuildInfo>(new TestSuiteBuildInfo));
+    std::ostringstream text;
+    text << "Registered versioned libraries:\n";
+    DbgBuildInfoMgr::printBuildInfo(text, false);
+    DbgBuildInfoLog::log(LgTypes::Informational, text.str());
+}
+
+bool isInstrumented(const std::string& program)
+{
+    if (program.empty()) return false;
+    const OsFilePath name = OsFilePath(program.c_str()).getBaseName();
+    return std::strstr(name.getChars(), ".pixie") != nullptr;
+}
+
+int showUsage()
+{
+    print(USAGE);
+    TestGroup::printInstances();
+    return SUCCESS;
+}
+
+int runPerformance(const Words& args)
+{
+    if (args.size() < 3)
+    {
+        TestInform::abnormalTermination(USAGE);
+        return UNKNOWN;
+    }
+    TestPerformer& performer = TestPerformer::getInstance();
+    performer.execute(OsFilePath(args[2].c_str()));
+    std::ostringstream report;
+    report << performer;
+    print(report.str());
+    return SUCCESS;
+}
+
+void dumpLibraries()
+{
+    ZU_TRACE(Main, "Loaded Libraries:");
+    LmLibraries::dumpList();
+}
+
+// What the word before the group's name asks for.
+struct Choice
+{
+    explicit Choice(const std::string& word)
+        : _leakCheck(word == "-dumpLeaks" || word == "-detectLeaks"),
+          _stackDump(word != "-detectLeaks"), _dumpLibs(word == "-dumpLibs"),
+          _index(_leakCheck || _dumpLibs ? 2 : 1)
+    {
+        if (_leakCheck && !HmGC::isMemDebugLoaded())
+            ZU_TRACE(Main, "Warning: " << word
+                                       << " specified but MemDebug version of smartheap is not "
+                                          "loaded");
+    }
+
+    bool _leakCheck;
+    bool _stackDump;
+    bool _dumpLibs;
+    // Where the group's name stands.
+    std::size_t _index;
+};
+
+// The words from a place on, with a null behind the last, as a `main` has them.
+class Arguments
+{
+public:
+    Arguments(Words& args, std::size_t begin)
+    {
+        for (std::size_t i = begin; i < args.size(); ++i) _words.push_back(args[i].data());
+        _words.push_back(nullptr);
+    }
+
+    int count() const
+    {
+        return static_cast<int>(_words.size()) - 1;
+    }
+
+    char** words()
+    {
+        return _words.data();
+    }
+
+private:
+    std::vector<char*> _words;
+};
+
+// What the collector raises at its end belongs to the run.
+void runWithLeakCheck(bool stackDump, TestGroup& group, Arguments& arguments)
+{
+    HmGC collector;
+    if (!stackDump) collector.setStackDump(false);
+    collector.setThrowException(true);
+    group.run(arguments.count(), arguments.words());
+}
+
+// Whether it ran without a leak that is told.
+bool run(const Choice& choice, TestGroup& group, Arguments& arguments)
+{
+    if (!choice._leakCheck)
+    {
+        group.run(arguments.count(), arguments.words());
+        return true;
+    }
+    try
+    {
+        runWithLeakCheck(choice._stackDump, group, arguments);
+        return true;
+    }
+    catch (const HmGCEx::ExGarbageDetected&)
+    {
+        return false;
+    }
+}
+
+int runGroup(Words& args)
+{
+    const Choice choice(args[1]);
+    TestGroup* const group =
+        choice._index < args.size() ? TestGroup::getInstance(args[choice._index].c_str()) : nullptr;
+    if (!group)
+    {
+        TestInform::abnormalTermination("Unknown test group name.");
+        return UNKNOWN;
+    }
+    if (group->getPrintHeaders())
+    {
+        ZU_TRACE(Main, "");
+        ZU_TRACE(Main, "Executing " << group->getName());
+        ZU_TRACE(Main, "");
+    }
+    Arguments arguments(args, choice._index + (group->getGroupNameInArgs() ? 0 : 1));
+    group->prepare(arguments.count(), arguments.words());
+    if (!run(choice, *group, arguments)) return LEAK;
+    group->terminate();
+    if (group->getPrintHeaders())
+    {
+        TestGroup::caseHeader("End");
+        ZU_TRACE(Main, "Test group executed successfully.");
+        ZU_TRACE(Main, "");
+    }
+    if (choice._dumpLibs) dumpLibraries();
+    return SUCCESS;
+}
+
+int perform(Words& args)
+{
+    TestMgr::setIsPixified(!args.empty() && isInstrumented(args[0]));
+    if (args.size() <= 1) return showUsage();
+    if (args[1] == "-perf") return runPerformance(args);
+    if (args.size() == 2 && args[1] == "-dumpLibs")
+    {
+        dumpLibraries();
+        return SUCCESS;
+    }
+    return runGroup(args);
+}
+
+int startAndPerform(int argc, char** argv)
+{
+    const InInitGuard guard(argc, argv);
+    const Vector<char*>& given = InContextAliasMgrBase::getUnboundArgs();
+    Words args(given.begin(), given.end());
+    registerProgram();
+    return perform(args);
+}
+
+} // namespace
+
+int TestMgr::runTest(int argc, char** const argv)
+{
+    TestHandlers::install();
+    try
+    {
+        return startAndPerform(argc, argv);
+    }
+    catch (const ExBase& ex)
+    {
+        TestInform::exceptionEncountered(ex.getDetailedReason());
+    }
+    catch (const std::exception& ex)
+    {
+        const std::string text =
+            std::string("[Exception Type = ") + typeName(typeid(ex)) + "]\n" + ex.what() + "\n";
+        TestInform::exceptionEncountered(text.c_str());
+    }
+    catch (...)
+    {
+        TestInform::exceptionEncountered("Unknown exception.");
+    }
+    return RAISED;
+}
+
+void TestMgr::setIsPixified(bool isPixified)
+{
+    TestGroup::setIsPixified(isPixified);
+}
+
+} // namespace Zu

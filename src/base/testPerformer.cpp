@@ -1,0 +1,212 @@
+#include "base/testPerformer.h"
+
+#include "base/duplicateString.h"
+#include "base/exInternalError.h"
+#include "base/testGroup.h"
+#include "base/testTrace.h"
+#include "base/textToInt.h"
+
+#include <cstdio>
+#include <cstring>
+#include <fstream>
+#include <ostream>
+#include <sstream>
+#include <string>
+
+namespace Zu
+{
+
+ZU_TRACE_LEVEL(TestPerformer);
+
+namespace
+{
+
+// A line, with its terminator.
+constexpr std::size_t LINE_SIZE = 256;
+
+// From here on a token is too long to be shown.
+constexpr std::size_t TOKEN_LIMIT = 128;
+
+// An average above it is too long for the hardware counter to be trusted, in seconds.
+constexpr double LONG_TIME = 30.0;
+
+[[noreturn]] void raise(const std::string& text, int line)
+{
+    testThrow(ExInternalError(__FILE__, line, text.c_str()), __FILE__, line);
+}
+
+// A token that is wrong, behind what is wrong with it.
+[[noreturn]] void raise(const char* text, const char* token, int line)
+{
+    const bool isShown = std::strlen(token) < TOKEN_LIMIT;
+    raise(isShown ? std::string(text) + token + ">." : std::string(text), line);
+}
+
+void print(const std::string& text)
+{
+    TraceManager::getInstance().print(text.c_str());
+}
+
+// Cuts the next word off a line, and gives null at the end. Blanks alone separate.
+char* nextToken(char*& line)
+{
+    line += std::strspn(line, " ");
+    if (*line == '\0') return nullptr;
+    char* const token = line;
+    line += std::strcspn(line, " ");
+    if (*line != '\0') *line++ = '\0';
+    return token;
+}
+
+template <class Args> std::string wordsOf(const Args& args, int argc)
+{
+    std::string text;
+    for (int i = 0; i < argc; ++i) text += std::string(args[static_cast<std::size_t>(i)]) + " ";
+    return text;
+}
+
+} // namespace
+
+TestPerformer::TestPerformer() = default;
+
+TestPerformer::~TestPerformer() = default;
+
+TestPerformer& TestPerformer::getInstance()
+{
+    static TestPerformer* const thePerformer = new TestPerformer;
+    return *thePerformer;
+}
+
+void TestPerformer::loadFile(const char* name)
+{
+    ZU_TRACE_SCOPE(TestPerformer, "TestPerformer::loadFile()");
+    std::ifstream stream(name);
+    if (!stream) raise("Invalid file name : <", name, __LINE__);
+    _count = 0;
+    char line[LINE_SIZE];
+    stream.getline(line, LINE_SIZE);
+    // The end of the file may stand behind a last line. So may that of a line that is too long:
+    // what could be read of it counts, and then the stream has failed.
+    while (stream.good() || *line != '\0')
+    {
+        if (_count == MAX_RECORDS) raise("Too many test groups in file.", __LINE__);
+        loadLine(line);
+        *line = '\0';
+        if (!stream.eof()) stream.getline(line, LINE_SIZE);
+    }
+}
+
+void TestPerformer::loadLine(char* line)
+{
+    Record& record = _records[static_cast<std::size_t>(_count)];
+    record._argc = 0;
+    record._args[0] = nullptr;
+    const char* const name = nextToken(line);
+    if (!name) return;
+    takeName(record, name);
+    const char* const cycles = nextToken(line);
+    takeCycles(record, cycles ? cycles : "");
+    while (const char* const argument = nextToken(line)) takeArgument(record, argument);
+}
+
+void TestPerformer::takeName(Record& record, const char* token)
+{
+    if (std::strlen(token) + 1 > NAME_SIZE)
+        raise("Test group name is too long: <", token, __LINE__);
+    std::strcpy(record._name, token);
+    record._group = TestGroup::getInstance(token);
+    if (!record._group) raise("Invalid test group name: <", token, __LINE__);
+    ++_count;
+}
+
+void TestPerformer::takeCycles(Record& record, const char* token)
+{
+    record._cycles = textToInt(token);
+    if (record._cycles == 0) raise("Invalid number of cycles: <", token, __LINE__);
+}
+
+void TestPerformer::takeArgument(Record& record, const char* token)
+{
+    if (record._argc == MAX_ARGS) raise("Too many args to test group.", __LINE__);
+    ArrayPtr<char> copy = duplicateString(token);
+    _texts.emplace_back(copy.release());
+    record._args[static_cast<std::size_t>(record._argc++)] = _texts.back().get();
+    record._args[static_cast<std::size_t>(record._argc)] = nullptr;
+}
+
+void TestPerformer::execute(const OsFilePath& file)
+{
+    loadFile(file.getChars());
+    reset();
+    for (std::int32_t i = 0; i < _count; ++i) execute(_records[static_cast<std::size_t>(i)]);
+}
+
+void TestPerformer::execute(Record& record)
+{
+    for (int cycle = 0; cycle < record._cycles; ++cycle) executeCycle(record, cycle);
+    const double timeOfDay = _todProfiler.averageTime();
+    record._averageTime = timeOfDay > LONG_TIME ? timeOfDay : _hwProfiler.averageTime();
+    reset();
+}
+
+void TestPerformer::executeCycle(Record& record, int cycle)
+{
+    TestGroup& group = *record._group;
+    group.prepare(record._argc, record._args.data());
+    print(std::string("Executing ") + record._name + " cycle " + std::to_string(cycle) + " " +
+          wordsOf(record._args, record._argc));
+    start();
+    group.run(record._argc, record._args.data());
+    stop();
+    endCycle();
+    std::ostringstream report;
+    report << "End of cycle.  Call terminate.\n_todProfiler\n" << _todProfiler;
+    report << "\n_hwProfiler\n" << _hwProfiler;
+    print(report.str());
+    group.terminate();
+    std::ostringstream result;
+    group.dump(result);
+    print(result.str());
+}
+
+void TestPerformer::start()
+{
+    _hwProfiler.start();
+    _todProfiler.start();
+}
+
+void TestPerformer::stop()
+{
+    _hwProfiler.stop();
+    _todProfiler.stop();
+}
+
+void TestPerformer::endCycle()
+{
+    _hwProfiler.endCycle();
+    _todProfiler.endCycle();
+}
+
+void TestPerformer::reset()
+{
+    _hwProfiler.reset();
+    _todProfiler.reset();
+}
+
+std::ostream& operator<<(std::ostream& os, const TestPerformer& performer)
+{
+    os << "\n\nGroup Name              nbCycles   average time    options\n"
+          "----------              --------   ------------    -------\n\n\n";
+    for (std::int32_t i = 0; i < performer._count; ++i)
+    {
+        const TestPerformer::Record& record = performer._records[static_cast<std::size_t>(i)];
+        // The largest double has 309 digits before its point.
+        char row[512];
+        std::snprintf(row, sizeof row, "%-24s %7d %14f    ", record._name,
+                      static_cast<int>(record._cycles), record._averageTime);
+        os << row << wordsOf(record._args, record._argc) << "\n";
+    }
+    return os << "\n";
+}
+
+} // namespace Zu

@@ -1,0 +1,102 @@
+/// @file
+/// Performance runs of test groups.
+
+#ifndef ZU_BASE_TESTPERFORMER_H
+#define ZU_BASE_TESTPERFORMER_H
+
+#include "base/baseApi.h"
+#include "base/intervalTimer.h"
+#include "base/osFilePath.h"
+#include "base/profiler.h"
+
+#include <array>
+#include <cstdint>
+#include <iosfwd>
+#include <memory>
+#include <vector>
+
+namespace Zu
+{
+
+class TestGroup;
+
+/// Runs the groups that a file names, each for a number of cycles, and measures each run by the
+/// hardware counter and by the time of day; only run() itself is measured. docs/testing.md has the
+/// form of the file.
+///
+/// Thread-safety: one thread.
+class ZU_BASE_API TestPerformer
+{
+    friend ZU_BASE_API std::ostream& operator<<(std::ostream& os, const TestPerformer& performer);
+
+public:
+    /// The one instance, made at first use; it lives to the end of the process.
+    static TestPerformer& getInstance();
+
+    TestPerformer(const TestPerformer&) = default;
+    TestPerformer& operator=(const TestPerformer&) = default;
+    ~TestPerformer();
+
+    /// Loads a file and runs what it names, in its order; a negative number of cycles runs nothing.
+    /// What a group raises ends it. What is wrong with the file raises ExInternalError before
+    /// anything is run:
+    /// - "Invalid file name : <<name>>."
+    /// - "Too many test groups in file." for a line behind the 128th group, even an empty one
+    /// - "Test group name is too long: <<name>>." for more than 47 characters
+    /// - "Invalid test group name: <<name>>." for a group that is not registered
+    /// - "Invalid number of cycles: <<text>>." for 0, a text that is no number, and none
+    /// - "Too many args to test group." for more than 16
+    ///
+    /// A text of 128 characters or more, and the ">." behind it, is left out of these.
+    ///
+    /// A line has at most 255 characters. Of a longer one the first 255 count, and deliberately
+    /// nothing behind them is read.
+    void execute(const OsFilePath& file);
+
+private:
+    static constexpr int MAX_RECORDS = 128;
+    static constexpr int MAX_ARGS = 16;
+    static constexpr int NAME_SIZE = 48;
+
+    struct Record
+    {
+        char _name[NAME_SIZE];
+        TestGroup* _group;
+        std::int32_t _cycles;
+        std::int32_t _argc;
+        // Null behind the last.
+        std::array<char*, MAX_ARGS + 1> _args;
+        // Of a cycle, in seconds.
+        double _averageTime;
+    };
+
+    TestPerformer();
+
+    void loadFile(const char* name);
+    void loadLine(char* line);
+    void takeName(Record& record, const char* token);
+    void takeCycles(Record& record, const char* token);
+    void takeArgument(Record& record, const char* token);
+
+    void execute(Record& record);
+    void executeCycle(Record& record, int cycle);
+
+    void start();
+    void stop();
+    void endCycle();
+    void reset();
+
+    std::array<Record, MAX_RECORDS> _records{};
+    std::int32_t _count = 0;
+    Profiler<HwIntervalTimer> _hwProfiler;
+    Profiler<TodIntervalTimer> _todProfiler;
+    // The arguments of all files: a group may hold on to those of an earlier one.
+    std::vector<std::shared_ptr<char[]>> _texts;
+};
+
+/// Writes the table of average times.
+ZU_BASE_API std::ostream& operator<<(std::ostream& os, const TestPerformer& performer);
+
+} // namespace Zu
+
+#endif

@@ -1,0 +1,29 @@
+/// @file
+/// Trace lines of the test framework. Internal to the library.
+
+#ifndef ZU_BASE_TESTTRACE_H
+#define ZU_BASE_TESTTRACE_H
+
+#include "base/trace.h"
+#include "base/traceStatement.h"
+
+namespace Zu
+{
+
+/// The level "Main" under the name that the statements of tracing go by.
+namespace TraceLevels
+{
+inline TraceLevel*& Main = Trace::MainTraceLevel;
+}
+
+/// Reports an exception to tracing, and raises it.
+template <class Exception>
+[[noreturn]] void testThrow(const Exception& ex, const char* file, int line)
+{
+    TraceManager::getInstance().getTrace().printException(ex, file, line);
+    throw ex;
+}
+
+} // namespace Zu
+
+#endif

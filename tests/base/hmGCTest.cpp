@@ -1,0 +1,98 @@
+#include "base/hmGC.h"
+
+#include "support/traceTest.h"
+
+#include <gtest/gtest.h>
+#include <sstream>
+#include <type_traits>
+
+namespace
+{
+
+using Zu::HmGC;
+
+template <class T>
+concept Deletable = requires(T* object)
+{
+    delete object;
+};
+
+struct Plain
+{
+};
+
+// An object of the class is never released from the heap itself; it may be part of one that is.
+static_assert(Deletable<Plain>);
+static_assert(!Deletable<HmGC>);
+
+struct Whole
+{
+    HmGC _checker;
+};
+static_assert(Deletable<Whole>);
+
+// Its end may raise.
+static_assert(std::is_destructible_v<HmGC>);
+static_assert(!std::is_nothrow_destructible_v<HmGC>);
+static_assert(std::is_copy_assignable_v<HmGC>);
+
+TEST(HmGC, TellsThatThereIsNoDebuggingHeap)
+{
+    EXPECT_FALSE(HmGC::isMemDebugLoaded());
+}
+
+TEST(HmGC, FindsNothingWithoutADebuggingHeap)
+{
+    std::ostringstream output;
+    const std::string printed = support::coutOf(
+        [&output]
+        {
+            int block = 0;
+            EXPECT_NO_THROW({
+                HmGC checker;
+                checker.setOutput(&output);
+                checker.setThrowException(true);
+                checker.setStackDump(true);
+                checker.validateAndPrint(&block);
+                checker.validateAndPrint(nullptr);
+            });
+        });
+    EXPECT_EQ(output.str(), "");
+    EXPECT_EQ(printed, "");
+}
+
+TEST(HmGC, WorksWithoutAnySetting)
+{
+    int block = 0;
+    EXPECT_NO_THROW({
+        HmGC checker;
+        checker.validateAndPrint(&block);
+    });
+}
+
+// Under the address sanitizer this also says that the settings of an object without any can be
+// copied.
+TEST(HmGC, SettingsAreCopied)
+{
+    std::ostringstream output;
+    int block = 0;
+    EXPECT_NO_THROW({
+        HmGC source;
+        HmGC target;
+        target = source;
+        source.setOutput(&output);
+        source.setThrowException(true);
+        source.setStackDump(true);
+        target = source;
+        HmGC copy(target);
+        copy.validateAndPrint(&block);
+    });
+    EXPECT_EQ(output.str(), "");
+}
+
+TEST(HmGC, IsPartOfAnObjectOnTheHeap)
+{
+    EXPECT_NO_THROW(delete new Whole);
+}
+
+} // namespace

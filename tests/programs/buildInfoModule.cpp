@@ -1,0 +1,36 @@
+// A module of the family that brings a build record. Macros make its variants: of another version
+// of the API, of another build, and else one that fits the library.
+
+#include "base/dbgBuildText.h"
+
+namespace
+{
+
+constexpr Zu::DbgBuildText text = {
+    "Corvane",
+    0,
+#if defined(BUILD_INFO_OTHER_VERSION)
+    3,
+    "pre-alpha",
+    "libZUbuildInfoOtherVersion",
+    "ProductRV-Corvane_187",
+    "P. 187",
+#elif defined(BUILD_INFO_OTHER_STAMP)
+    2,
+    "pre-alpha",
+    "libZUbuildInfoOtherStamp",
+    "ProductRV-Corvane_188",
+    "P. 188",
+#else
+    2,
+    "pre-alpha",
+    "libZUbuildInfoSame",
+    "ProductRV-Corvane_187",
+    "P. 187",
+#endif
+    "Jun 15 2012",
+};
+
+} // namespace
+
+ZU_EXPORT_BUILD_INFO(text);
