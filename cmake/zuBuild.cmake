@@ -56,5 +56,6 @@ if(MINGW)
       OUTPUT_VARIABLE path
       OUTPUT_STRIP_TRAILING_WHITESPACE)
     file(COPY_FILE "${path}" "${CMAKE_RUNTIME_OUTPUT_DIRECTORY}/${dll}" ONLY_IF_DIFFERENT)
+    install(FILES "${path}" DESTINATION bin)
   endforeach()
 endif()

@@ -1,0 +1,81 @@
+"""Installs a build, moves it, and builds and runs a project of somebody else with it.
+
+Once by its CMake package and once by its pkg-config files.
+"""
+
+import os
+import pathlib
+import shlex
+import shutil
+import subprocess
+import sys
+import tempfile
+
+EXPECTED = ["items 3", "Unknown application name / version.", "API Corvane 0.2 pre-alpha: "]
+
+
+def call(*words, **options):
+    """Runs a command and gives what it writes; what it says on failure is shown."""
+    done = subprocess.run([str(word) for word in words], stdout=subprocess.PIPE,
+                          stderr=subprocess.STDOUT, text=True, check=False, **options)
+    if done.returncode != 0:
+        sys.exit(f"{' '.join(str(word) for word in words)}\n{done.stdout}")
+    return done.stdout
+
+
+def installed(build, place):
+    """The tree of an installation, moved away from where it was installed."""
+    call("cmake", "--install", build, "--prefix", place / "first")
+    (place / "first").rename(place / "moved")
+    return place / "moved"
+
+
+def run(program, prefix, emulator):
+    """Checks what a program writes, with the libraries of the prefix."""
+    environment = dict(os.environ)
+    environment["LD_LIBRARY_PATH"] = str(prefix / "lib")
+    environment["B7Q_TEST_DIR"] = str(program.parent)
+    # On Windows a program finds its libraries only beside itself.
+    for library in (prefix / "bin").glob("*.dll"):
+        shutil.copy(library, program.parent)
+    words = [emulator, program] if emulator else [program]
+    lines = call(*words, env=environment).splitlines()
+    for line in EXPECTED:
+        if line not in lines:
+            sys.exit(f"{program} does not say '{line}':\n" + "\n".join(lines))
+
+
+def checkPackage(source, place, prefix, toolchain, emulator, suffix):
+    """Builds by find_package."""
+    # For another platform packages are looked for among that platform's alone.
+    words = [f"-DCMAKE_TOOLCHAIN_FILE={toolchain}", f"-DZUbase_DIR={prefix}/lib/cmake/ZUbase"]
+    call("cmake", "-S", source, "-B", place / "package", "-G", "Ninja",
+         f"-DCMAKE_PREFIX_PATH={prefix}", *(words if toolchain else []))
+    call("cmake", "--build", place / "package")
+    run(place / "package" / f"consumer{suffix}", prefix, emulator)
+
+
+def checkPkgConfig(source, place, prefix, compiler, emulator, suffix):
+    """Builds by pkg-config alone."""
+    environment = dict(os.environ)
+    environment["PKG_CONFIG_PATH"] = str(prefix / "lib" / "pkgconfig")
+    flags = shlex.split(
+        call("pkg-config", "--cflags", "--libs", "zuapp", "zubase", env=environment))
+    program = place / "plain" / f"consumer{suffix}"
+    program.parent.mkdir()
+    call(compiler, "-std=c++17", source / "consumer.cpp", "-o", program, *flags, "-pthread")
+    run(program, prefix, emulator)
+
+
+def main():
+    source, build, compiler, toolchain, emulator = sys.argv[1:]
+    suffix = ".exe" if toolchain else ""
+    with tempfile.TemporaryDirectory() as name:
+        place = pathlib.Path(name)
+        prefix = installed(build, place)
+        checkPackage(pathlib.Path(source), place, prefix, toolchain, emulator, suffix)
+        checkPkgConfig(pathlib.Path(source), place, prefix, compiler, emulator, suffix)
+
+
+if __name__ == "__main__":
+    main()

@@ -1,0 +1,24 @@
+// Starts the installed library, logs through the kit, and tells which build it is.
+
+#include "app/lgService.h"
+#include "base/base.h"
+#include "base/inSingleton.imp"
+
+#include <iostream>
+
+struct Store
+{
+    int _items = 3;
+};
+
+template class Zu::InSingleton<Store>;
+
+int main(int argc, char** argv)
+{
+    const Zu::InInitGuard guard(argc, argv);
+    const Zu::LgService service;
+    Zu::InSingleton<Store>::create(new Store);
+    std::cout << "items " << Zu::InSingleton<Store>::getInstance()._items << std::endl;
+    Zu::InSingleton<Store>::destroy();
+    Zu::DbgBuildInfoMgr::printBuildInfo(std::cout, false);
+}
