@@ -5,6 +5,9 @@ include(GNUInstallDirs)
 
 # A library and its headers, below a directory of the name that their includes have.
 function(zu_install target directory)
+  if(NOT ZU_INSTALL)
+    return()
+  endif()
   install(
     TARGETS ${target}
     EXPORT ZUbaseTargets
@@ -13,6 +16,11 @@ function(zu_install target directory)
     ARCHIVE DESTINATION "${CMAKE_INSTALL_LIBDIR}")
   install(FILES ${ARGN} DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}/ZU/${directory}")
 endfunction()
+
+# A project around this one installs what it will.
+if(NOT ZU_INSTALL)
+  return()
+endif()
 
 set(packageDirectory "${CMAKE_INSTALL_LIBDIR}/cmake/ZUbase")
 install(

@@ -28,11 +28,6 @@ bool isNamed(const TestGroup& group, const char* name)
     return group.getName() && std::strcmp(group.getName(), name) == 0;
 }
 
-void print(const std::string& text)
-{
-    TraceManager::getInstance().print(text.c_str());
-}
-
 } // namespace
 
 bool TestGroup::_isPixified = false;
@@ -141,17 +136,17 @@ void TestGroup::log(const char* text)
 
 void TestGroup::printInstances()
 {
-    print("\nRegistered test groups:\n");
+    testPrint("\nRegistered test groups:\n");
     for (const TestGroup* const group : instances())
     {
         std::string text = group->_name ? group->_name.get() : "<untitled>";
         text += std::string(" ") + ExText::orEmpty(group->_usage.get()) + "\n";
         if (group->_description) text += std::string(group->_description.get()) + "\n";
-        print(text);
+        testPrint(text);
     }
     std::ostringstream levels;
     Trace::printLevels(levels);
-    print(levels.str());
+    testPrint(levels.str());
 }
 
 } // namespace Zu

@@ -61,11 +61,6 @@ public:
 
 using Words = std::vector<std::string>;
 
-void print(const std::string& text)
-{
-    TraceManager::getInstance().print(text.c_str());
-}
-
 void registerProgram()
 {
     DbgBuildInfoMgr::registerAppInfo(ObjPtr<DbgBuildInfo>(new TestSuiteBuildInfo));
@@ -84,7 +79,7 @@ bool isInstrumented(const std::string& program)
 
 int showUsage()
 {
-    print(USAGE);
+    testPrint(USAGE);
     TestGroup::printInstances();
     return SUCCESS;
 }
@@ -100,7 +95,7 @@ int runPerformance(const Words& args)
     performer.execute(OsFilePath(args[2].c_str()));
     std::ostringstream report;
     report << performer;
-    print(report.str());
+    testPrint(report.str());
     return SUCCESS;
 }
 

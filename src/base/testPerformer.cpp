@@ -42,11 +42,6 @@ constexpr double LONG_TIME = 30.0;
     raise(isShown ? std::string(text) + token + ">." : std::string(text), line);
 }
 
-void print(const std::string& text)
-{
-    TraceManager::getInstance().print(text.c_str());
-}
-
 // Cuts the next word off a line, and gives null at the end. Blanks alone separate.
 char* nextToken(char*& line)
 {
@@ -153,8 +148,8 @@ void TestPerformer::executeCycle(Record& record, int cycle)
 {
     TestGroup& group = *record._group;
     group.prepare(record._argc, record._args.data());
-    print(std::string("Executing ") + record._name + " cycle " + std::to_string(cycle) + " " +
-          wordsOf(record._args, record._argc));
+    testPrint(std::string("Executing ") + record._name + " cycle " + std::to_string(cycle) + " " +
+              wordsOf(record._args, record._argc));
     start();
     group.run(record._argc, record._args.data());
     stop();
@@ -162,11 +157,11 @@ void TestPerformer::executeCycle(Record& record, int cycle)
     std::ostringstream report;
     report << "End of cycle.  Call terminate.\n_todProfiler\n" << _todProfiler;
     report << "\n_hwProfiler\n" << _hwProfiler;
-    print(report.str());
+    testPrint(report.str());
     group.terminate();
     std::ostringstream result;
     group.dump(result);
-    print(result.str());
+    testPrint(result.str());
 }
 
 void TestPerformer::start()

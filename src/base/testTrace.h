@@ -7,6 +7,8 @@
 #include "base/trace.h"
 #include "base/traceStatement.h"
 
+#include <string>
+
 namespace Zu
 {
 
@@ -14,6 +16,12 @@ namespace Zu
 namespace TraceLevels
 {
 inline TraceLevel*& Main = Trace::MainTraceLevel;
+}
+
+/// Prints a text through the trace manager, whatever is traced.
+inline void testPrint(const std::string& text)
+{
+    TraceManager::getInstance().print(text.c_str());
 }
 
 /// Reports an exception to tracing, and raises it.

@@ -11,6 +11,7 @@
 #include "base/osFileWriter.h"
 #include "support/errorCode.h"
 #include "support/faults.h"
+#include "support/faultTest.h"
 #include "support/fileTest.h"
 #include "support/tempDir.h"
 
@@ -52,36 +53,7 @@ using Zu::OsFileWriter;
 
 const OsFileTypes::Permissions usual;
 
-// Leaves as many descriptors as it found.
-class OsFileFaultTest : public testing::Test
-{
-protected:
-    ~OsFileFaultTest() override
-    {
-        EXPECT_EQ(support::openHandles(), _before);
-    }
-
-    std::string file(const std::string& name) const
-    {
-        return _dir.file(name);
-    }
-
-    OsFilePath path(const std::string& name) const
-    {
-        return OsFilePath(file(name).c_str());
-    }
-
-    OsFilePath made(const std::string& name, const std::string& content) const
-    {
-        writeFile(file(name), content);
-        return path(name);
-    }
-
-    support::TempDir _dir;
-
-private:
-    std::size_t _before = support::openHandles();
-};
+using OsFileFaultTest = support::FaultTest;
 
 TEST_F(OsFileFaultTest, InterruptedOpeningIsResumed)
 {
@@ -251,22 +223,7 @@ TEST_F(OsFileFaultTest, AFailedCloseThatReleasedTheDescriptorRaisesOnce)
 
 TEST_F(OsFileFaultTest, AFailedCloseThatKeptTheDescriptorCanBeTriedAgain)
 {
-    OsFileReader reader(made("f", "content"));
-    OsFileWriter writer(path("g"), usual, false);
-    {
-        const Fault fault(Call::CLOSE, EBADF);
-        for (int i = 0; i < 3; ++i)
-        {
-            EXPECT_EQ(codeOf([&] { reader.close(); }), EBADF);
-            EXPECT_EQ(codeOf([&] { writer.close(); }), EBADF);
-        }
-        EXPECT_EQ(fault.failures(), 6);
-    }
-    char byte = '#';
-    EXPECT_EQ(reader.read(&byte, 1), 1U);
-    EXPECT_EQ(writer.write("x", 1), 1U);
-    EXPECT_NO_THROW(reader.close());
-    EXPECT_NO_THROW(writer.close());
+    expectCloseCanBeTriedAgain(Call::CLOSE, EBADF);
 }
 
 TEST_F(OsFileFaultTest, DestructorsTellThatClosingFailed)

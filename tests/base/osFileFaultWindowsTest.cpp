@@ -11,6 +11,7 @@
 #include "base/osFileWriter.h"
 #include "support/errorCode.h"
 #include "support/faults.h"
+#include "support/faultTest.h"
 #include "support/fileTest.h"
 #include "support/platform.h"
 #include "support/tempDir.h"
@@ -49,8 +50,7 @@ using Zu::OsPassThroughFilter;
 const OsFileTypes::Permissions usual;
 const OsPassThroughFilter everything;
 
-// Leaves as many handles as it found.
-class OsFileFaultTest : public testing::Test
+class OsFileFaultTest : public support::FaultTest
 {
 protected:
     // The system keeps what the first look at local time opens, and the first text of an error.
@@ -59,31 +59,6 @@ protected:
         OsFile(".").getLastAccessTime();
         EXPECT_EQ(codeOf([] { const OsFileReader missing("no such file"); }), ERROR_FILE_NOT_FOUND);
     }
-
-    ~OsFileFaultTest() override
-    {
-        EXPECT_EQ(support::openHandles(), _before);
-    }
-
-    std::string file(const std::string& name) const
-    {
-        return _dir.file(name);
-    }
-
-    OsFilePath path(const std::string& name) const
-    {
-        return OsFilePath(file(name).c_str());
-    }
-
-    OsFilePath made(const std::string& name, const std::string& content) const
-    {
-        writeFile(file(name), content);
-        return path(name);
-    }
-
-private:
-    support::TempDir _dir;
-    std::size_t _before = support::openHandles();
 };
 
 using OsFileFaultDeathTest = OsFileFaultTest;
@@ -189,22 +164,7 @@ TEST_F(OsFileFaultTest, AFileThatCanNotBeOpenedRaises)
 // A handle that could not be closed is as it was, and may be closed again.
 TEST_F(OsFileFaultTest, AFailedCloseMayBeTriedAgain)
 {
-    OsFileReader reader(made("f", "content"));
-    OsFileWriter writer(path("g"), usual, false);
-    {
-        const Fault fault(Call::CLOSE_HANDLE, ERROR_IO_DEVICE);
-        for (int i = 0; i < 3; ++i)
-        {
-            EXPECT_EQ(codeOf([&] { reader.close(); }), ERROR_IO_DEVICE);
-            EXPECT_EQ(codeOf([&] { writer.close(); }), ERROR_IO_DEVICE);
-        }
-        EXPECT_EQ(fault.failures(), 6);
-    }
-    char byte = '#';
-    EXPECT_EQ(reader.read(&byte, 1), 1U);
-    EXPECT_EQ(writer.write("x", 1), 1U);
-    EXPECT_NO_THROW(reader.close());
-    EXPECT_NO_THROW(writer.close());
+    expectCloseCanBeTriedAgain(Call::CLOSE_HANDLE, ERROR_IO_DEVICE);
 }
 
 TEST_F(OsFileFaultTest, DestructorsTellThatClosingFailed)

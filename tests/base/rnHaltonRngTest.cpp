@@ -8,7 +8,6 @@
 #include <cstdint>
 #include <gtest/gtest.h>
 #include <iterator>
-#include <memory>
 #include <random>
 #include <vector>
 
@@ -251,19 +250,7 @@ TYPED_TEST(RnHaltonMultiRngTest, WorksThroughTheInterface)
 TYPED_TEST(RnHaltonMultiRngTest, ADerivedObjectEndsThroughThisType)
 {
     using Rng = typename TypeParam::Rng;
-    struct Derived : Rng
-    {
-        explicit Derived(bool& ended) : _ended(ended) {}
-        ~Derived() override
-        {
-            _ended = true;
-        }
-        bool& _ended;
-    };
-    bool ended = false;
-    std::unique_ptr<Rng> rng = std::make_unique<Derived>(ended);
-    rng.reset();
-    EXPECT_TRUE(ended);
+    support::expectEndsThroughItsType<Rng>();
 }
 
 template <class T> class RnHaltonBiRngTest : public testing::Test

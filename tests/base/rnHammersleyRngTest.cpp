@@ -10,7 +10,6 @@
 #include <cstdint>
 #include <gtest/gtest.h>
 #include <iterator>
-#include <memory>
 #include <random>
 #include <string>
 #include <vector>
@@ -387,19 +386,7 @@ TYPED_TEST(RnHammersleyMultiRngTest, WorksThroughTheInterface)
 TYPED_TEST(RnHammersleyMultiRngTest, ADerivedObjectEndsThroughThisType)
 {
     using Rng = typename TypeParam::Rng;
-    struct Derived : Rng
-    {
-        explicit Derived(bool& ended) : Rng(4), _ended(ended) {}
-        ~Derived() override
-        {
-            _ended = true;
-        }
-        bool& _ended;
-    };
-    bool ended = false;
-    std::unique_ptr<Rng> rng = std::make_unique<Derived>(ended);
-    rng.reset();
-    EXPECT_TRUE(ended);
+    support::expectEndsThroughItsType<Rng>(4);
 }
 
 TEST(RnHammersleyBiRng, TheGridOfFourWrapsWhileTheOtherCoordinateRunsOn)

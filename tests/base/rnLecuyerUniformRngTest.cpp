@@ -5,7 +5,6 @@
 #include <bit>
 #include <cstdint>
 #include <gtest/gtest.h>
-#include <memory>
 #include <random>
 #include <type_traits>
 #include <vector>
@@ -163,18 +162,8 @@ TYPED_TEST(RnLecuyerUniformRngTest, TheStreamsAreTwoMultiplicativeEngines)
 
 TYPED_TEST(RnLecuyerUniformRngTest, EveryWayToDrawIsTheSameStep)
 {
-    RnLecuyerUniformRng<TypeParam> rng;
-    Reference<TypeParam> reference(99999);
-    TypeParam value;
-    for (int i = 0; i < 100; ++i)
-    {
-        EXPECT_TRUE(sameBits(rng.eval(), reference()));
-        EXPECT_TRUE(sameBits(rng(), reference()));
-        rng.getSample(value);
-        EXPECT_TRUE(sameBits(value, reference()));
-        rng.getSequence(1, &value);
-        EXPECT_TRUE(sameBits(value, reference()));
-    }
+    support::expectEveryWayToDrawIsOneStep<TypeParam>(RnLecuyerUniformRng<TypeParam>(),
+                                                      Reference<TypeParam>(99999), 100);
 }
 
 TYPED_TEST(RnLecuyerUniformRngTest, ScaledDrawsAreTheDrawTimesTheRange)
@@ -392,19 +381,7 @@ TYPED_TEST(RnLecuyerUniformRngTest, WorksThroughTheInterface)
 
 TYPED_TEST(RnLecuyerUniformRngTest, ADerivedObjectEndsThroughThisType)
 {
-    struct Derived : RnLecuyerUniformRng<TypeParam>
-    {
-        explicit Derived(bool& ended) : _ended(ended) {}
-        ~Derived() override
-        {
-            _ended = true;
-        }
-        bool& _ended;
-    };
-    bool ended = false;
-    std::unique_ptr<RnLecuyerUniformRng<TypeParam>> rng = std::make_unique<Derived>(ended);
-    rng.reset();
-    EXPECT_TRUE(ended);
+    support::expectEndsThroughItsType<RnLecuyerUniformRng<TypeParam>>();
 }
 
 } // namespace

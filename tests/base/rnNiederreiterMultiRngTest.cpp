@@ -8,7 +8,6 @@
 #include <cstddef>
 #include <cstdint>
 #include <gtest/gtest.h>
-#include <memory>
 #include <random>
 #include <vector>
 
@@ -516,19 +515,7 @@ TYPED_TEST(RnNiederreiterMultiRngTest, WorksThroughTheInterface)
 
 TYPED_TEST(RnNiederreiterMultiRngTest, ADerivedObjectEndsThroughThisType)
 {
-    struct Derived : RnNiederreiterMultiRng<TypeParam>
-    {
-        explicit Derived(bool& ended) : _ended(ended) {}
-        ~Derived() override
-        {
-            _ended = true;
-        }
-        bool& _ended;
-    };
-    bool ended = false;
-    std::unique_ptr<RnNiederreiterMultiRng<TypeParam>> rng = std::make_unique<Derived>(ended);
-    rng.reset();
-    EXPECT_TRUE(ended);
+    support::expectEndsThroughItsType<RnNiederreiterMultiRng<TypeParam>>();
 }
 
 } // namespace

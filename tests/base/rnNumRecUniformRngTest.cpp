@@ -7,7 +7,6 @@
 #include <cstddef>
 #include <cstdint>
 #include <gtest/gtest.h>
-#include <memory>
 #include <random>
 #include <type_traits>
 #include <vector>
@@ -176,18 +175,8 @@ TYPED_TEST(RnNumRecUniformRngTest, IsTheShuffledEngineOfTheStandardLibrary)
 
 TYPED_TEST(RnNumRecUniformRngTest, EveryWayToDrawIsTheSameStep)
 {
-    RnNumRecUniformRng<TypeParam> rng;
-    Reference<TypeParam> reference(0);
-    TypeParam value;
-    for (int i = 0; i < 300; ++i)
-    {
-        EXPECT_TRUE(sameBits(rng.eval(), reference()));
-        EXPECT_TRUE(sameBits(rng(), reference()));
-        rng.getSample(value);
-        EXPECT_TRUE(sameBits(value, reference()));
-        rng.getSequence(1, &value);
-        EXPECT_TRUE(sameBits(value, reference()));
-    }
+    support::expectEveryWayToDrawIsOneStep<TypeParam>(RnNumRecUniformRng<TypeParam>(),
+                                                      Reference<TypeParam>(0), 300);
 }
 
 TYPED_TEST(RnNumRecUniformRngTest, ScaledDrawsAreTheDrawTimesTheRange)
@@ -346,19 +335,7 @@ TYPED_TEST(RnNumRecUniformRngTest, WorksThroughTheInterface)
 
 TYPED_TEST(RnNumRecUniformRngTest, ADerivedObjectEndsThroughThisType)
 {
-    struct Derived : RnNumRecUniformRng<TypeParam>
-    {
-        explicit Derived(bool& ended) : _ended(ended) {}
-        ~Derived() override
-        {
-            _ended = true;
-        }
-        bool& _ended;
-    };
-    bool ended = false;
-    std::unique_ptr<RnNumRecUniformRng<TypeParam>> rng = std::make_unique<Derived>(ended);
-    rng.reset();
-    EXPECT_TRUE(ended);
+    support::expectEndsThroughItsType<RnNumRecUniformRng<TypeParam>>();
 }
 
 } // namespace

@@ -7,7 +7,6 @@
 #include <bit>
 #include <cstdint>
 #include <gtest/gtest.h>
-#include <memory>
 #include <random>
 #include <thread>
 #include <vector>
@@ -266,19 +265,7 @@ TYPED_TEST(RnStdUniformRngTest, WorksThroughTheInterface)
 
 TYPED_TEST(RnStdUniformRngTest, ADerivedObjectEndsThroughThisType)
 {
-    struct Derived : RnStdUniformRng<TypeParam>
-    {
-        explicit Derived(bool& ended) : _ended(ended) {}
-        ~Derived() override
-        {
-            _ended = true;
-        }
-        bool& _ended;
-    };
-    bool ended = false;
-    std::unique_ptr<RnStdUniformRng<TypeParam>> rng = std::make_unique<Derived>(ended);
-    rng.reset();
-    EXPECT_TRUE(ended);
+    support::expectEndsThroughItsType<RnStdUniformRng<TypeParam>>();
 }
 
 } // namespace

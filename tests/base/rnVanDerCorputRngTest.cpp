@@ -6,7 +6,6 @@
 #include <cstddef>
 #include <cstdint>
 #include <gtest/gtest.h>
-#include <memory>
 #include <random>
 #include <vector>
 
@@ -348,19 +347,7 @@ TYPED_TEST(RnVanDerCorputRngTest, WorksThroughTheInterface)
 
 TYPED_TEST(RnVanDerCorputRngTest, ADerivedObjectEndsThroughThisType)
 {
-    struct Derived : RnVanDerCorputRng<TypeParam>
-    {
-        explicit Derived(bool& ended) : _ended(ended) {}
-        ~Derived() override
-        {
-            _ended = true;
-        }
-        bool& _ended;
-    };
-    bool ended = false;
-    std::unique_ptr<RnVanDerCorputRng<TypeParam>> rng = std::make_unique<Derived>(ended);
-    rng.reset();
-    EXPECT_TRUE(ended);
+    support::expectEndsThroughItsType<RnVanDerCorputRng<TypeParam>>();
 }
 
 } // namespace

@@ -15,6 +15,7 @@
 #include <gtest/gtest.h>
 #include <iomanip>
 #include <limits>
+#include <memory>
 #include <set>
 #include <type_traits>
 #include <vector>
@@ -306,6 +307,40 @@ template <class T, int N> void expectUniformOnUnitBox(const Zu::RnMultiRng<T, N>
             point[d] = outside;
             EXPECT_TRUE(sameBits(rng.getPdf(point.data()), T(0))) << d << " " << outside;
         }
+}
+
+// An object of a derived class, made from these arguments, ends as a whole through this type.
+template <class Rng, class... Arguments> void expectEndsThroughItsType(Arguments... arguments)
+{
+    struct Derived : Rng
+    {
+        Derived(bool& ended, Arguments... more) : Rng(more...), _ended(ended) {}
+        ~Derived() override
+        {
+            _ended = true;
+        }
+        bool& _ended;
+    };
+    bool ended = false;
+    std::unique_ptr<Rng> rng = std::make_unique<Derived>(ended, arguments...);
+    rng.reset();
+    EXPECT_TRUE(ended);
+}
+
+// Whichever way a sample is drawn, the source takes one step.
+template <class T, class Rng, class Reference>
+void expectEveryWayToDrawIsOneStep(Rng rng, Reference reference, int rounds)
+{
+    T value;
+    for (int i = 0; i < rounds; ++i)
+    {
+        EXPECT_TRUE(sameBits(rng.eval(), reference()));
+        EXPECT_TRUE(sameBits(rng(), reference()));
+        rng.getSample(value);
+        EXPECT_TRUE(sameBits(value, reference()));
+        rng.getSequence(1, &value);
+        EXPECT_TRUE(sameBits(value, reference()));
+    }
 }
 
 } // namespace sampleTests
