@@ -21,6 +21,7 @@ public:
     class ExLoggerNotStarted;
 
 protected:
+    /// `reason` is the whole text; null leaves it empty.
     LgServiceEx(const char* file, int line, const char* reason);
 };
 

@@ -25,10 +25,15 @@ public:
     /// Takes ownership of `array`, which may be null.
     explicit ArrayPtr(T* array) noexcept : Base(array) {}
 
+    /// @{
     /// Takes the array of a carrier or of another owner, which is left null.
     ArrayPtr(Base& source) noexcept : Base(source) {}
     ArrayPtr(Base&& source) noexcept : Base(source) {}
+    /// @}
 
+    /// @{
+    /// Releases the array that is owned and takes that of the source, which is left null; nothing
+    /// when both are the same.
     ArrayPtr& operator=(Base& source)
     {
         Base::operator=(source);
@@ -39,6 +44,7 @@ public:
         Base::operator=(source);
         return *this;
     }
+    /// @}
 
     /// The element at `index`; no bounds are known, so none are checked.
     T& operator[](std::size_t index) const
@@ -58,10 +64,15 @@ public:
     /// Takes ownership of `array`, which may be null.
     explicit ArrayPtrRet(T* array) noexcept : Base(array) {}
 
+    /// @{
     /// Takes the array of an owner or of another carrier, which is left null.
     ArrayPtrRet(Base& source) noexcept : Base(source) {}
     ArrayPtrRet(Base&& source) noexcept : Base(source) {}
+    /// @}
 
+    /// @{
+    /// Releases the array that is owned and takes that of the source, which is left null; nothing
+    /// when both are the same.
     ArrayPtrRet& operator=(Base& source)
     {
         Base::operator=(source);
@@ -72,6 +83,7 @@ public:
         Base::operator=(source);
         return *this;
     }
+    /// @}
 
     /// The element at `index`; no bounds are known, so none are checked.
     T& operator[](std::size_t index) const

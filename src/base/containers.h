@@ -35,15 +35,25 @@ public:
     using Base::insert;
 
     Vector() = default;
+
+    /// @{
+    /// So many elements, or those of a range. The length is checked first where it is known.
     explicit Vector(size_type count) : Base(checkedLength(count)) {}
     Vector(size_type count, const T& value) : Base(checkedLength(count), value) {}
     template <class Iterator, class = IfIterator<Iterator>>
     Vector(Iterator first, Iterator last) : Base(checkedBegin(first, last), last)
     {
     }
+    /// @}
+
+    /// @{
+    /// The elements of a standard vector, copied or moved.
     Vector(const Base& elements) : Base(elements) {}
     Vector(Base&& elements) noexcept : Base(std::move(elements)) {}
+    /// @}
 
+    /// @{
+    /// As the operations of the standard vector; the length is checked first where it is known.
     void reserve(size_type count)
     {
         Base::reserve(checkedLength(count));
@@ -81,6 +91,7 @@ public:
     {
         return Base::insert(position, checkedBegin(first, last, this->size()), last);
     }
+    /// @}
 
 private:
     static void checkLength(size_type count, size_type present = 0)

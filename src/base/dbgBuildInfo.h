@@ -21,13 +21,16 @@ public:
     /// The API that the library implements; records of one API form a group.
     virtual const char* getApiName() const = 0;
 
+    /// @{
     /// The version of the API; records of one API must agree in both numbers.
     virtual int getMajorVersion() const = 0;
     virtual int getMinorVersion() const = 0;
+    /// @}
 
     /// What the version is called: "beta".
     virtual const char* getVersionLabel() const = 0;
 
+    /// What the library is called; messages have the short form, which is not verbose.
     virtual const char* getLibraryName(bool verbose) const = 0;
 
     /// Which build it is; the short form, which is not verbose, is what stamps are compared by.
@@ -36,6 +39,7 @@ public:
     /// The day, as `__DATE__` gives it: "May  8 2012".
     virtual const char* getBuildDate(bool verbose) const = 0;
 
+    /// Platform and kind of the build, in words of the build system.
     virtual const char* getBuildConfiguration(bool verbose) const = 0;
 
     /// The domain and the user of the build, as `BUILDHOST\builder`.

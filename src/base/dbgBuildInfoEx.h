@@ -11,7 +11,8 @@
 namespace Zu
 {
 
-/// Root of the exceptions of build records. Names and stamps in a reason are cut to 64 characters.
+/// Root of the exceptions of build records. Names and stamps in a reason are cut to 64 characters;
+/// a null one counts as empty.
 class ZU_BASE_API DbgBuildInfoEx : public ExBase
 {
 public:
@@ -30,6 +31,7 @@ class ZU_BASE_API DbgBuildInfoEx::ExVersionMismatch : public DbgBuildInfoEx,
                                                       public std::runtime_error
 {
 public:
+    /// The API with the version of its first library, and the other library with its own.
     ExVersionMismatch(const char* file, int line, const char* apiName, int apiMajor, int apiMinor,
                       const char* libraryName, int libraryMajor, int libraryMinor);
 
@@ -43,6 +45,7 @@ class ZU_BASE_API DbgBuildInfoEx::ExBuildStampMismatch : public DbgBuildInfoEx,
                                                          public std::runtime_error
 {
 public:
+    /// The API with the short stamp of its first library, and the other library with its own.
     ExBuildStampMismatch(const char* file, int line, const char* apiName, const char* apiStamp,
                          const char* libraryName, const char* libraryStamp);
 

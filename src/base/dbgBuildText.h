@@ -14,18 +14,30 @@ namespace Zu
 /// "[Information not available]".
 struct DbgBuildText
 {
+    /// The text of what is not given.
     static constexpr const char* UNKNOWN = "[Information not available]";
 
+    /// See DbgBuildInfo::getApiName().
     const char* _apiName;
+    /// See DbgBuildInfo::getMajorVersion().
     int _majorVersion;
+    /// See DbgBuildInfo::getMinorVersion().
     int _minorVersion;
+    /// See DbgBuildInfo::getVersionLabel().
     const char* _versionLabel;
+    /// The one text of DbgBuildInfo::getLibraryName(), verbose or not.
     const char* _libraryName;
+    /// The verbose DbgBuildInfo::getBuildStamp().
     const char* _longStamp = UNKNOWN;
+    /// The other one, by which stamps are compared.
     const char* _shortStamp = UNKNOWN;
+    /// See DbgBuildInfo::getBuildDate(); verbose or not, as are the following.
     const char* _date = UNKNOWN;
+    /// See DbgBuildInfo::getBuildConfiguration().
     const char* _configuration = UNKNOWN;
+    /// See DbgBuildInfo::getBuiltBy().
     const char* _builtBy = UNKNOWN;
+    /// See DbgBuildInfo::getBuildNotes().
     const char* _notes = UNKNOWN;
 };
 
@@ -33,6 +45,7 @@ struct DbgBuildText
 class ZU_BASE_API DbgTextBuildInfo : public DbgBuildInfo
 {
 public:
+    /// The texts must outlive the record.
     explicit DbgTextBuildInfo(const DbgBuildText& text);
     ~DbgTextBuildInfo() override;
 

@@ -15,6 +15,8 @@
 namespace Zu::DtArithmetic
 {
 
+/// @{
+/// Of 64 bits, wrapping around.
 constexpr std::int64_t add(std::int64_t a, std::int64_t b) noexcept
 {
     return static_cast<std::int64_t>(static_cast<std::uint64_t>(a) + static_cast<std::uint64_t>(b));
@@ -29,6 +31,7 @@ constexpr std::int64_t multiply(std::int64_t a, std::int64_t b) noexcept
 {
     return static_cast<std::int64_t>(static_cast<std::uint64_t>(a) * static_cast<std::uint64_t>(b));
 }
+/// @}
 
 /// Truncated toward zero. The machine traps where the smallest number is divided by -1; here it is
 /// the negation, which wraps.

@@ -48,18 +48,25 @@ public:
 class ZU_BASE_API DtEx::DtStringError : public std::logic_error, public DtEx
 {
 public:
+    /// What is wrong with the text.
     enum ErrorCode : int
     {
+        /// The numerator of the rate is missing or has no digits.
         RateNumeratorMalformed,
+        /// The numerator of the rate does not fit 32 bits.
         RateNumeratorOverflow,
+        /// The denominator of the rate is missing or has no digits.
         RateDenominatorMalformed,
+        /// The denominator of the rate does not fit 32 bits.
         RateDenominatorOverflow
     };
 
+    /// The text of the code becomes the end of the reason.
     DtStringError(const char* file, int line, ErrorCode code);
     const char* what() const noexcept override;
     ExBase* clone() const override;
 
+    /// The code that the constructor was given.
     ErrorCode getErrorCode() const;
 
     /// "Rate numerator malformed.", "Rate numerator overflow.", "Rate denominator malformed.",

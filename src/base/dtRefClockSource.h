@@ -26,6 +26,7 @@ public:
     /// The present count. A clock that can fail raises DtRefClockEx::GetCount.
     virtual long long getCount() const = 0;
 
+    /// The name; owned by the clock.
     const char* getName() const;
 
     /// The rate of the counts.
@@ -45,6 +46,7 @@ private:
 class ZU_BASE_API DtRefClockSourceHwCounter : public DtRefClockSource
 {
 public:
+    /// Begins to count. Makes the counter's engine if there is none.
     DtRefClockSourceHwCounter();
     long long getCount() const override;
 

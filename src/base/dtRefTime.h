@@ -25,11 +25,13 @@ public:
     /// 0 at the rate 0/1, which marks a time that was never set.
     constexpr DtRefTime() noexcept : _rate(0, 1) {}
 
+    /// Ticks of the clock, which begin when the clock is made.
     constexpr DtTimeIndex getCount() const noexcept
     {
         return _index;
     }
 
+    /// Ticks per second; 0/1 marks a time that was never set.
     constexpr Rational getRate() const noexcept
     {
         return _rate;
@@ -55,12 +57,14 @@ ZU_BASE_API std::ostream& operator<<(std::ostream& os, const DtRefTime& time);
 class ZU_BASE_API DtRefTimeFactory
 {
 public:
+    /// The one factory; the first call makes it.
     static DtRefTimeFactory& getInstance();
 
     DtRefTimeFactory(const DtRefTimeFactory&) = delete;
     DtRefTimeFactory& operator=(const DtRefTimeFactory&) = delete;
     ~DtRefTimeFactory();
 
+    /// The clock of all reference times; owned by the factory.
     const DtRefClockSource& getClockSource() const;
 
     /// Now.

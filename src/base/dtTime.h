@@ -31,13 +31,18 @@ class DtTimeIndex
 public:
     /// 0.
     constexpr DtTimeIndex() noexcept = default;
+
+    /// So many ticks.
     constexpr DtTimeIndex(std::int64_t count) noexcept : _count(count) {}
 
+    /// The count.
     constexpr operator long long() const noexcept
     {
         return _count;
     }
 
+    /// @{
+    /// Calculate in place, by the rules of the class.
     constexpr DtTimeIndex& operator+=(std::int64_t count) noexcept
     {
         _count = DtArithmetic::add(_count, count);
@@ -67,7 +72,10 @@ public:
         _count = DtArithmetic::remainder(_count, divisor);
         return *this;
     }
+    /// @}
 
+    /// @{
+    /// Calculate by the rules of the class.
     friend constexpr DtTimeIndex operator+(DtTimeIndex a, const DtTimeIndex& b) noexcept
     {
         return a += b._count;
@@ -92,10 +100,13 @@ public:
     {
         return a %= b._count;
     }
+    /// @}
 
     // With an integer on either side: without these it would be open whether the index becomes an
     // integer or the integer an index.
 
+    /// @{
+    /// The same with an integer on one side, which is converted to 64 bits.
     template <class T, class = IfInteger<T>>
     friend constexpr DtTimeIndex operator+(DtTimeIndex a, T b) noexcept
     {
@@ -155,7 +166,10 @@ public:
     {
         return DtTimeIndex(static_cast<std::int64_t>(a)) % b;
     }
+    /// @}
 
+    /// @{
+    /// One tick on, or back; behind the operand they return the count before.
     constexpr DtTimeIndex& operator++() noexcept
     {
         return *this += 1;
@@ -179,7 +193,9 @@ public:
         --*this;
         return before;
     }
+    /// @}
 
+    /// @{
     /// The count, rounded to the floating type.
     constexpr float getFloat() const noexcept
     {
@@ -190,6 +206,7 @@ public:
     {
         return static_cast<double>(_count);
     }
+    /// @}
 
     // The three fields of a clock, of ticks at a rate that is not 0. They rest on the whole seconds
     // since tick 0, denominator * count / numerator; the product wraps.
@@ -304,11 +321,13 @@ public:
     {
     }
 
+    /// The ticks.
     constexpr DtTimeIndex getCount() const noexcept
     {
         return _index;
     }
 
+    /// Ticks per second; never 0.
     constexpr Rational getRate() const noexcept
     {
         return _rate;
@@ -328,8 +347,8 @@ public:
         return DtTime(_index.convert(_rate, rate, std::round_toward_zero), rate);
     }
 
-    // With a count: the rate stays.
-
+    /// @{
+    /// With a count: the rate stays.
     constexpr DtTime& operator+=(const DtTimeIndex& count) noexcept
     {
         _index += count;
@@ -359,12 +378,13 @@ public:
         _index %= divisor;
         return *this;
     }
+    /// @}
 
-    // With a time: at equal rates the counts are calculated with, and the rate stays. Otherwise
-    // both are converted to the common rate, which is that of the result. `*`, `/` and `%` take the
-    // counts as plain numbers. Raises RationalEx::ExDenominatorZero or DtEx::BadRate if a product
-    // of the rates wraps to 0.
-
+    /// @{
+    /// With a time: at equal rates the counts are calculated with, and the rate stays. Otherwise
+    /// both are converted to the common rate, which is that of the result. `*`, `/` and `%` take
+    /// the counts as plain numbers. Raises RationalEx::ExDenominatorZero or DtEx::BadRate if a
+    /// product of the rates wraps to 0.
     constexpr DtTime& operator+=(const DtTime& other)
     {
         const DtTime right = meet(other);
@@ -394,7 +414,10 @@ public:
         const DtTime right = meet(other);
         return *this %= right._index;
     }
+    /// @}
 
+    /// @{
+    /// With a count: the rate stays.
     friend constexpr DtTime operator+(DtTime a, const DtTimeIndex& b) noexcept
     {
         return a += b;
@@ -419,7 +442,10 @@ public:
     {
         return a %= b;
     }
+    /// @}
 
+    /// @{
+    /// With a time, as the operators that calculate in place.
     friend constexpr DtTime operator+(DtTime a, const DtTime& b)
     {
         return a += b;
@@ -444,7 +470,10 @@ public:
     {
         return a %= b;
     }
+    /// @}
 
+    /// @{
+    /// One tick on, or back, at the same rate; behind the operand they return the time before.
     constexpr DtTime& operator++() noexcept
     {
         ++_index;
@@ -470,6 +499,7 @@ public:
         --_index;
         return before;
     }
+    /// @}
 
     /// Writes "(1001 @ (30000/1001=29.97))".
     ZU_BASE_API void dump(std::ostream& os) const;
@@ -547,6 +577,8 @@ constexpr DtTimeIndex crossMultRhs(const DtTime& a, const DtTime& b) noexcept
     return DtArithmetic::multiply(rates, b.getCount());
 }
 
+/// @{
+/// Compare crossMultLhs() with crossMultRhs(): by instant, as the class says.
 constexpr bool operator<(const DtTime& a, const DtTime& b) noexcept
 {
     return crossMultLhs(a, b) < crossMultRhs(a, b);
@@ -576,6 +608,7 @@ constexpr bool operator!=(const DtTime& a, const DtTime& b) noexcept
 {
     return crossMultLhs(a, b) != crossMultRhs(a, b);
 }
+/// @}
 
 /// Writes the count, as the stream formats integers.
 ZU_BASE_API std::ostream& operator<<(std::ostream& os, const DtTimeIndex& index);
@@ -585,18 +618,20 @@ ZU_BASE_API std::ostream& operator<<(std::ostream& os, const DtTime& time);
 
 } // namespace Zu
 
-/// Equal indices have equal hashes.
+/// Hashes counts, for unordered containers.
 template <> struct std::hash<Zu::DtTimeIndex>
 {
+    /// Equal indices have equal hashes.
     std::size_t operator()(const Zu::DtTimeIndex& index) const noexcept
     {
         return std::hash<long long>()(index);
     }
 };
 
-/// Times of one instant have equal hashes, whatever their rates, as long as no product wraps.
+/// Hashes times, for unordered containers.
 template <> struct std::hash<Zu::DtTime>
 {
+    /// Times of one instant have equal hashes, whatever their rates, as long as no product wraps.
     ZU_BASE_API std::size_t operator()(const Zu::DtTime& time) const noexcept;
 };
 

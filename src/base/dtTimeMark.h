@@ -20,9 +20,13 @@ public:
     /// Stream time 0 at 1/1, and the reference time that was never set.
     DtTimeMark() = default;
 
+    /// The stream is at `streamTime` when the clock is at `refTime`.
     DtTimeMark(const DtTime& streamTime, const DtRefTime& refTime);
 
+    /// The position in the stream.
     DtTime getStreamTime() const;
+
+    /// The moment on the reference clock.
     DtRefTime getRefTime() const;
 
     /// Where the stream is at that moment, truncated toward zero to the stream's ticks. The rate of

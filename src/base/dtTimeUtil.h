@@ -19,9 +19,11 @@ class ZU_BASE_API DtTimeUtil
 public:
     DtTimeUtil() = delete;
 
+    /// @{
     /// The seconds from tick 0, (denominator / numerator) * count.
     static float getSecondsFloat(const DtTime& time);
     static double getSecondsDouble(const DtTime& time);
+    /// @}
 
     /// The time at that rate, truncated toward zero. Raises DtEx::BadRate if the rate is 0.
     static DtTime getDtTimeFromSeconds(const Rational& rate, double seconds);
@@ -52,11 +54,13 @@ public:
     static Interval<DtTimeIndex> getInclusiveDtTimeIndexInterval(const DtTime& rateSource,
                                                                  const Interval<float>& seconds);
 
+    /// @{
     /// The bounds in seconds, at the rate of `rateSource`.
     static Interval<double> getSecondsIntervalDouble(const DtTime& rateSource,
                                                      const Interval<DtTimeIndex>& indices);
     static Interval<float> getSecondsIntervalFloat(const DtTime& rateSource,
                                                    const Interval<DtTimeIndex>& indices);
+    /// @}
 };
 
 } // namespace Zu

@@ -30,8 +30,13 @@ class ZU_BASE_API EnvVar
 public:
     /// The default may be null.
     EnvVar(const char* name, const char* defaultValue);
+
+    /// @{
+    /// Copies name, default and value; the registry stays as it is.
     EnvVar(const EnvVar& other);
     EnvVar& operator=(const EnvVar& other);
+    /// @}
+
     virtual ~EnvVar();
 
     /// Reads the environment again.
@@ -41,6 +46,7 @@ public:
     /// "<text of the environment>" default "<default>"`, with NIL for null.
     virtual void dump(std::ostream& os) const;
 
+    /// The name of the variable.
     const char* getName() const;
 
     /// The environment's text if there is one, else the default.
@@ -49,6 +55,7 @@ public:
     /// Sets a variable, as OsEnv::putVariable(); refreshes nothing.
     static void putEnv(const char* assignment);
 
+    /// The objects that there are.
     static EnvVarRegistry& getRegistry();
 
 protected:
@@ -69,6 +76,7 @@ private:
 class ZU_BASE_API EnvIntVar : public EnvVar
 {
 public:
+    /// The default stands for a variable that is not set.
     EnvIntVar(const char* name, int defaultValue);
     void refresh() override;
 
@@ -90,9 +98,12 @@ private:
 class ZU_BASE_API EnvDoubleVar : public EnvVar
 {
 public:
+    /// The default stands for a variable that is not set.
     EnvDoubleVar(const char* name, double defaultValue);
     void refresh() override;
     void dump(std::ostream& os) const override;
+
+    /// The number.
     double getValue() const;
 
 private:

@@ -24,8 +24,12 @@ class ZU_BASE_API ExBase
 public:
     /// `file` is cut to 127 characters; null leaves the name empty.
     ExBase(const char* file, int line);
+
+    /// @{
+    /// A copy has the place and the texts of its source.
     ExBase(const ExBase& other);
     ExBase& operator=(const ExBase& other);
+    /// @}
 
     /// The message, at most 1023 characters; owned by the object.
     virtual const char* getReason() const;

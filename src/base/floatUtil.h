@@ -84,6 +84,8 @@ public:
         return floor(x + static_cast<T>(0.5));
     }
 
+    /// @{
+    /// As the functions of the standard library; mod() as `std::fmod`, with the sign of `x`.
     static T mod(T x, T y)
     {
         return std::fmod(x, y);
@@ -98,6 +100,7 @@ public:
     {
         return std::sqrt(x);
     }
+    /// @}
 
     /// sqrt(x * x + y * y); not guarded against overflow on the way.
     static T hypot(T x, T y)
@@ -105,6 +108,8 @@ public:
         return std::sqrt(x * x + y * y);
     }
 
+    /// @{
+    /// As the functions of the standard library; angles are in radians.
     static T sin(T x)
     {
         return std::sin(x);
@@ -154,7 +159,10 @@ public:
     {
         return std::log10(x);
     }
+    /// @}
 
+    /// @{
+    /// As the questions of LtFPClass.
     static constexpr bool isnan(T x) noexcept
     {
         return LtFPClass::isNaN(x);
@@ -169,12 +177,15 @@ public:
     {
         return LtFPClass::isInfinity(x);
     }
+    /// @}
 
+    /// An angle in degrees.
     static constexpr T radiansToDegrees(T x) noexcept
     {
         return x * T(180) * choose(0.31830987F, 0.3183098861837907);
     }
 
+    /// An angle in radians.
     static constexpr T degreesToRadians(T x) noexcept
     {
         return x * choose(3.1415927F, 3.141592653589793) *
@@ -187,28 +198,32 @@ public:
         return !(abs(a - b) >= eps);
     }
 
+    /// Whether `a` is above `b` by more than `eps`.
     static constexpr bool isGreater(T a, T b, T eps) noexcept
     {
         return a > b + eps;
     }
 
+    /// Whether `a` is above `b`, or below it by less than `eps`.
     static constexpr bool isGreaterEqual(T a, T b, T eps) noexcept
     {
         return a > b - eps;
     }
 
+    /// Whether `a` is below `b` by more than `eps`, or an operand is a NaN.
     static constexpr bool isSmaller(T a, T b, T eps) noexcept
     {
         return !(a >= b - eps);
     }
 
+    /// Whether `a` is below `b`, or above it by less than `eps`, or an operand is a NaN.
     static constexpr bool isSmallerEqual(T a, T b, T eps) noexcept
     {
         return !(a >= b + eps);
     }
 
-    // With the tolerance of getCompareEps().
-
+    /// @{
+    /// With the tolerance of getCompareEps().
     static constexpr bool isEqual(T a, T b) noexcept
     {
         return isEqual(a, b, getCompareEps(a));
@@ -233,6 +248,7 @@ public:
     {
         return isSmallerEqual(a, b, getCompareEps(a));
     }
+    /// @}
 };
 
 /// One name for the mathematics of both precisions; an operation computes in the precision of its

@@ -24,9 +24,12 @@ namespace Zu
 class ZU_BASE_API HmGC
 {
 public:
+    /// Prints nowhere and raises nothing, until it is told to.
     HmGC();
     HmGC(const HmGC&) = default;
     HmGC& operator=(const HmGC&) = default;
+
+    /// Checks; may raise HmGCEx::ExGarbageDetected where there is a debugging heap.
     ~HmGC() noexcept(false);
 
     /// Where leaks are printed; not owned.
@@ -56,6 +59,7 @@ private:
     bool _stackDump = true;
 };
 
+/// The destructor may throw.
 template <> inline constexpr bool ownedMayThrow<HmGC> = true;
 
 } // namespace Zu

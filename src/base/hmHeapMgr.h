@@ -44,26 +44,36 @@ class ZU_BASE_API HmHeapMgr
     friend class InInit<ZuInit::heapMgr>;
 
 public:
+    /// How thoroughly the heap is checked, from the least to the most.
     enum SafetyLevel
     {
+        /// "some" in the environment.
         Some,
+        /// "full", or nothing that is known.
         Full,
+        /// "debug".
         Debug
     };
 
     /// What a pointer leads to.
     enum PtrType
     {
+        /// Either of the others.
         PtrAny,
+        /// One object.
         PtrObject,
+        /// An array.
         PtrArray
     };
 
     /// What may be done with the memory behind a pointer.
     enum PtrProtect
     {
+        /// It is not protected.
         ProtectNone,
+        /// It is protected against writing.
         ProtectWrite,
+        /// It is protected against every access.
         ProtectAll
     };
 
@@ -103,6 +113,7 @@ public:
     /// Writes statistics of allocations; here that they are not available.
     virtual void dumpMallocStats(std::ostream& os) const;
 
+    /// @{
     /// Each stores the new setting, and returns the one before.
     virtual SafetyLevel setSafetyLevel(SafetyLevel level);
     virtual bool setContinueOnError(bool continueOnError);
@@ -110,14 +121,18 @@ public:
     virtual bool setDumpHeapInfo(bool dumpHeapInfo);
     virtual bool setCheckAllMemory(bool checkAllMemory);
     virtual bool setDumpLeaks(bool dumpLeaks);
+    /// @}
 
     /// Writes what was allocated from one check point to another and not freed; nothing here.
     virtual void reportLeakage(std::uint32_t from, std::uint32_t to) const;
 
+    /// @{
+    /// Each stores the new setting, and returns the one before.
     virtual bool setDoDeferFreeing(bool doDeferFreeing);
     virtual std::uint32_t setDeferQueueLen(std::uint32_t length);
     virtual std::uint32_t setDeferSizeThreshold(std::uint32_t bytes);
     virtual std::uint32_t setCheckFrequency(std::uint32_t frequency);
+    /// @}
 
     /// The instance. Raises InSingletonEx::ExNotInitialized before the start of the package and
     /// after its end.
@@ -135,6 +150,7 @@ public:
     /// Whether errors go to the heap's own handler.
     bool isUseDefaultErrorHandler() const;
 
+    /// Whether dump() goes to standard output at start-up.
     bool isDumpHeapInfo() const;
 
     /// Whether each check looks at all memory.

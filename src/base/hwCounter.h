@@ -49,9 +49,11 @@ public:
     /// Seconds per tick. The engine must have been made; so for the two operations below.
     static double resolution();
 
+    /// @{
     /// Ticks per second are the numerator divided by the denominator.
     static int getRateNumerator();
     static int getRateDenominator();
+    /// @}
 
 private:
     // The same for callers that have made sure of the engine.

@@ -33,9 +33,11 @@ public:
     /// Seconds per tick.
     virtual double resolution() const = 0;
 
+    /// @{
     /// Ticks per second are the numerator divided by the denominator.
     virtual int getRateNumerator() const = 0;
     virtual int getRateDenominator() const = 0;
+    /// @}
 
     /// Writes the engine's name, rate and cycle on three lines, in the stream's number format.
     virtual void dump(std::ostream& os) const = 0;

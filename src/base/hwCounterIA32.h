@@ -15,7 +15,9 @@ namespace Zu
 /// The rate of a counter and what its values are shifted right by to be of that rate.
 struct HwCounterRate
 {
+    /// Ticks per second, after the shift.
     int _numerator;
+    /// In bits.
     std::uint32_t _shift;
 };
 

@@ -63,6 +63,7 @@ public:
     static const char* initSourceString();
 
 protected:
+    /// For clone(), which says what it raises.
     InContextAlias(const InContextAlias& other);
 
 private:
@@ -72,10 +73,13 @@ private:
     ArrayPtr<char> _key;
 };
 
+/// @{
+/// The kinds of aliases; see the table of InContextAlias.
 using InArgAlias = InContextAlias<InInitArg, 1>;
 using InEnvAlias = InContextAlias<InInitEnv, 1>;
 using InDefAlias = InContextAlias<InInitDef, 0>;
 using InOvrAlias = InContextAlias<InInitOvr, 0>;
+/// @}
 
 #if ZU_BASE_IMPORTS_TEMPLATES
 extern template class ZU_BASE_API InContextAlias<InInitArg, 1>;

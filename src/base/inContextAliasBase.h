@@ -51,6 +51,7 @@ public:
     const char* getDescription() const;
 
 protected:
+    /// For clone(): copies the texts, and whether the alias is initialised.
     InContextAliasBase(const InContextAliasBase& other);
 
 private:

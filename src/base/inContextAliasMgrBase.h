@@ -28,6 +28,7 @@ public:
     static const char* getApplicationName();
 
 protected:
+    /// For the managers of the kinds; the list is of all of them.
     InContextAliasMgrBase();
 
     /// The list; its strings are allocated with `new[]` and owned by it.

@@ -12,7 +12,7 @@ namespace Zu
 {
 
 /// Root of the exceptions of packages, aliases and variables. A name in a reason is cut to 256
-/// characters.
+/// characters; a null one counts as empty.
 class ZU_BASE_API InEx : public ExBase
 {
 public:
@@ -39,6 +39,7 @@ protected:
 class ZU_BASE_API InEx::ExPackageNotRegistered : public std::runtime_error, public InEx
 {
 public:
+    /// `package` is the name of the type of the missing package.
     ExPackageNotRegistered(const char* file, int line, const char* package);
 
     const char* what() const noexcept override;
@@ -59,6 +60,7 @@ public:
 class ZU_BASE_API InEx::ExPackageInitError : public std::runtime_error, public InEx
 {
 public:
+    /// `package` is the name of the package that raises.
     ExPackageInitError(const char* file, int line, const char* package);
 
     const char* what() const noexcept override;
@@ -117,55 +119,60 @@ public:
     ExBase* clone() const override;
 };
 
-/// Two variables with one handle: "Trying to register an object with an already used handle:
-/// '<handle>'."
+/// Two variables with one handle:
+/// "Trying to register an object with an already used handle: '<handle>'."
 class ZU_BASE_API InEx::ExHandleAlreadyInUse : public std::runtime_error, public InEx
 {
 public:
+    /// `handle` is the one in use.
     ExHandleAlreadyInUse(const char* file, int line, const char* handle);
 
     const char* what() const noexcept override;
     ExBase* clone() const override;
 };
 
-/// A value is asked for that is not there yet, or no more: "Trying to access an object that is not
-/// fully initialized: '<name>'."
+/// A value is asked for that is not there yet, or no more:
+/// "Trying to access an object that is not fully initialized: '<name>'."
 class ZU_BASE_API InEx::ExUninitializedObject : public std::logic_error, public InEx
 {
 public:
+    /// `name` is the handle of a variable, or the description of an alias.
     ExUninitializedObject(const char* file, int line, const char* name);
 
     const char* what() const noexcept override;
     ExBase* clone() const override;
 };
 
-/// A value is asked for that the context did not supply: "Trying to access an object that has an
-/// invalid value: '<name>'."
+/// A value is asked for that the context did not supply:
+/// "Trying to access an object that has an invalid value: '<name>'."
 class ZU_BASE_API InEx::ExInvalidObject : public std::logic_error, public InEx
 {
 public:
+    /// `name` is the description of the alias.
     ExInvalidObject(const char* file, int line, const char* name);
 
     const char* what() const noexcept override;
     ExBase* clone() const override;
 };
 
-/// Two aliases of one kind with one key: "Trying to re-create an already existing Context Alias:
-/// '<key>'."
+/// Two aliases of one kind with one key:
+/// "Trying to re-create an already existing Context Alias: '<key>'."
 class ZU_BASE_API InEx::ExContextAliasAlreadyDefined : public std::logic_error, public InEx
 {
 public:
+    /// `key` is the one of both aliases.
     ExContextAliasAlreadyDefined(const char* file, int line, const char* key);
 
     const char* what() const noexcept override;
     ExBase* clone() const override;
 };
 
-/// An override comes after the variable took its value: "Trying to override an InVariable that is
-/// already initialized: '<handle>'."
+/// An override comes after the variable took its value:
+/// "Trying to override an InVariable that is already initialized: '<handle>'."
 class ZU_BASE_API InEx::ExVariableAlreadyInitialized : public std::logic_error, public InEx
 {
 public:
+    /// `handle` is that of the variable.
     ExVariableAlreadyInitialized(const char* file, int line, const char* handle);
 
     const char* what() const noexcept override;
@@ -173,10 +180,11 @@ public:
 };
 
 /// An alias is built after its kind took its values: "Trying to do post initialization registration
-/// of context alias instance: '<description>' (key: <key>)."
+/// of context alias instance: '\<description\>' (key: \<key\>)."
 class ZU_BASE_API InEx::ExNoNewContextAliasAfterInit : public std::logic_error, public InEx
 {
 public:
+    /// Description and key of the late alias.
     ExNoNewContextAliasAfterInit(const char* file, int line, const char* description,
                                  const char* key);
 

@@ -35,11 +35,18 @@ namespace Zu
 class ZU_BASE_API InInitGuard
 {
 public:
+    /// @{
+    /// Starts the packages with the command line of `main`, which it takes from the caller; `argv`
+    /// may be declared in three ways.
     InInitGuard(int& argc, const char* const*& argv);
     InInitGuard(int& argc, char**& argv);
     InInitGuard(int& argc, const char**& argv);
+    /// @}
+
     InInitGuard(const InInitGuard&) = delete;
     InInitGuard& operator=(const InInitGuard&) = delete;
+
+    /// Stops the packages.
     ~InInitGuard() noexcept(false);
 };
 
@@ -52,9 +59,12 @@ public:
 class ZU_BASE_API InReinitGuard
 {
 public:
+    /// Begins a bracket; brackets may be nested.
     InReinitGuard();
     InReinitGuard(const InReinitGuard&) = delete;
     InReinitGuard& operator=(const InReinitGuard&) = delete;
+
+    /// Ends the bracket; the outermost one starts the new packages.
     ~InReinitGuard() noexcept(false);
 };
 

@@ -21,6 +21,7 @@ public:
     class ExAlreadyDestroyed;
 
 protected:
+    /// `name` is that of the type, `text` says what is wrong, without the full stop.
     InSingletonEx(const char* file, int line, const char* name, const char* text);
 };
 
@@ -28,6 +29,7 @@ protected:
 class ZU_BASE_API InSingletonEx::ExNotInitialized : public std::runtime_error, public InSingletonEx
 {
 public:
+    /// `name` is that of the singleton's type.
     ExNotInitialized(const char* file, int line, const char* name);
 
     const char* what() const noexcept override;
@@ -39,6 +41,7 @@ class ZU_BASE_API InSingletonEx::ExAlreadyInitialized : public std::runtime_erro
                                                         public InSingletonEx
 {
 public:
+    /// `name` is that of the singleton's type.
     ExAlreadyInitialized(const char* file, int line, const char* name);
 
     const char* what() const noexcept override;
@@ -50,6 +53,7 @@ class ZU_BASE_API InSingletonEx::ExAlreadyDestroyed : public std::runtime_error,
                                                       public InSingletonEx
 {
 public:
+    /// `name` is that of the singleton's type.
     ExAlreadyDestroyed(const char* file, int line, const char* name);
 
     const char* what() const noexcept override;

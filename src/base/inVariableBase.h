@@ -35,6 +35,7 @@ public:
     class ZU_BASE_API InContextAliasDummy : public InContextAliasBase
     {
     public:
+        /// As InContextAliasBase.
         explicit InContextAliasDummy(const char* description);
 
         InContextAliasBase* clone() const override;

@@ -37,19 +37,26 @@ public:
         CONTAINING
     };
 
+    /// @{
+    /// The one value, or from `min` to `max`, which are kept as they are.
     constexpr Interval(T value) noexcept : _min(value), _max(value) {}
     constexpr Interval(T min, T max) noexcept : _min(min), _max(max) {}
+    /// @}
 
+    /// Upper bound less lower bound; negative if the interval is inverted.
     constexpr T getLength() const noexcept
     {
         return _max - _min;
     }
 
+    /// Half the sum of the bounds.
     constexpr T getCenter() const noexcept
     {
         return (_max + _min) * static_cast<T>(0.5);
     }
 
+    /// @{
+    /// Moves both bounds.
     constexpr Interval& operator+=(T v) noexcept
     {
         _min += v;
@@ -63,7 +70,9 @@ public:
         _max -= v;
         return *this;
     }
+    /// @}
 
+    /// Adds the bounds of `o` to those here, each to its own.
     constexpr Interval& operator+=(const Interval& o) noexcept
     {
         const Interval other = o;
@@ -88,6 +97,7 @@ public:
         return *this;
     }
 
+    /// The bounds change places unless `v` is at or above 0; a division by 0 follows IEEE 754.
     constexpr Interval& operator/=(T v) noexcept
     {
         *this = v >= 0 ? Interval(ieeeDivide(_min, v), ieeeDivide(_max, v))
@@ -95,6 +105,8 @@ public:
         return *this;
     }
 
+    /// @{
+    /// As the operators of two intervals below.
     constexpr Interval& operator*=(const Interval& o) noexcept
     {
         return *this = *this * o;
@@ -104,6 +116,7 @@ public:
     {
         return *this = *this / o;
     }
+    /// @}
 
     /// From the least to the greatest product of the bounds.
     friend constexpr Interval operator*(const Interval& a, const Interval& b) noexcept
@@ -122,6 +135,8 @@ public:
                             static_cast<T>(ieeeDivide(1.0, static_cast<double>(b._min))));
     }
 
+    /// @{
+    /// As the operators that calculate in place.
     friend constexpr Interval operator+(Interval a, const Interval& b) noexcept
     {
         return a += b;
@@ -131,6 +146,7 @@ public:
     {
         return a -= b;
     }
+    /// @}
 
     /// Grows to take in `v`: the lower bound becomes `v` unless that is at or above it, the upper
     /// one if that is above it.
@@ -139,6 +155,7 @@ public:
         extend(Interval(v));
     }
 
+    /// Grows to take in `o`, each bound by the same rule with its own one of `o`.
     constexpr void extend(const Interval& o) noexcept
     {
         const Interval other = o;
@@ -153,6 +170,7 @@ public:
         intersect(Interval(v));
     }
 
+    /// Shrinks to what is common with `o`, each bound by the same rule with its own one of `o`.
     constexpr void intersect(const Interval& o) noexcept
     {
         const Interval other = o;
@@ -160,8 +178,8 @@ public:
         if (!(other._max >= _max)) _max = other._max;
     }
 
-    // Whether `v`, or all of `o`, lies inside; an open end does not belong to the interval.
-
+    /// @{
+    /// Whether `v`, or all of `o`, lies inside; an open end does not belong to the interval.
     constexpr bool containsClosed(T v) const noexcept
     {
         return v >= _min && v <= _max;
@@ -201,6 +219,7 @@ public:
     {
         return o._min >= _min && o._max < _max;
     }
+    /// @}
 
     /// What this is to `o`, where a common end point is a common part.
     constexpr Containment getInclusiveContainment(const Interval& o) const noexcept
@@ -225,6 +244,7 @@ public:
         return _max >= v ? v : _max;
     }
 
+    /// Whether the lower bound is above the upper one.
     constexpr bool isInverted() const noexcept
     {
         return _min > _max;
@@ -254,6 +274,7 @@ public:
         return a._min == b._min && a._max == b._max;
     }
 
+    /// Whether a bound differs; so with any NaN.
     friend constexpr bool operator!=(const Interval& a, const Interval& b) noexcept
     {
         return !(a == b);
@@ -266,7 +287,9 @@ public:
                   << "]";
     }
 
+    /// The lower bound.
     T _min;
+    /// The upper bound.
     T _max;
 
 private:
@@ -286,9 +309,10 @@ private:
 
 } // namespace Zu
 
-/// Equal intervals have equal hashes.
+/// Hashes intervals, for unordered containers.
 template <class T> struct std::hash<Zu::Interval<T>>
 {
+    /// Equal intervals have equal hashes.
     std::size_t operator()(const Zu::Interval<T>& interval) const noexcept
     {
         return std::hash<T>()(interval._min) * 31 + std::hash<T>()(interval._max);

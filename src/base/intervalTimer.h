@@ -16,11 +16,18 @@ namespace Zu
 class ZU_BASE_API IntervalTimer
 {
 public:
+    /// @{
+    /// Copies the name, as a pointer.
     IntervalTimer(const IntervalTimer& other);
     IntervalTimer& operator=(const IntervalTimer& other);
+    /// @}
+
     virtual ~IntervalTimer();
 
+    /// Stamps the beginning of the span.
     virtual void start() = 0;
+
+    /// Stamps the end of the span.
     virtual void stop() = 0;
 
     /// Seconds from the last start to the last stop. Nothing asks whether there were any: without
@@ -31,10 +38,14 @@ public:
     /// Seconds from the last start to now.
     virtual double sinceStart() const = 0;
 
+    /// Another name, which is kept as a pointer.
     void setName(const char* name);
+
+    /// The name that was given.
     const char* getName() const;
 
 protected:
+    /// The name is kept as a pointer.
     explicit IntervalTimer(const char* name);
 
 private:
@@ -46,6 +57,7 @@ private:
 class ZU_BASE_API HwIntervalTimer : public IntervalTimer
 {
 public:
+    /// The name is kept as a pointer.
     explicit HwIntervalTimer(const char* name = "anonymous");
 
     void start() override;
@@ -68,10 +80,13 @@ public:
         /// Reads the clock: whole seconds since an epoch, and the milliseconds of that second.
         void refresh();
 
+        /// The whole seconds.
         double seconds = 0;
+        /// 0 to 999.
         double milliseconds = 0;
     };
 
+    /// The name is kept as a pointer.
     explicit TodIntervalTimer(const char* name = "anonymous");
 
     void start() override;
@@ -80,7 +95,9 @@ public:
     double sinceStart() const override;
 
 protected:
+    /// When the span began.
     NativeTimer _start;
+    /// When the span ended.
     NativeTimer _stop;
 };
 

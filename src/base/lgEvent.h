@@ -25,6 +25,7 @@ namespace Zu
 class LgParts
 {
 public:
+    /// Inserts nothing: here are no operands yet.
     void insertInto(LgStream&) const {}
 };
 
@@ -32,8 +33,10 @@ public:
 template <class Before, class Part> class LgMoreParts
 {
 public:
+    /// The parts before are copied; an operand that is a reference stays one.
     LgMoreParts(const Before& before, Part part) : _before(before), _part(part) {}
 
+    /// Inserts all operands, the first one first.
     void insertInto(LgStream& stream) const
     {
         _before.insertInto(stream);
@@ -45,16 +48,21 @@ private:
     Part _part;
 };
 
+/// @{
+/// Whether a type is that of the operands of a log statement.
 template <class T> inline constexpr bool lgIsParts = false;
 template <> inline constexpr bool lgIsParts<LgParts> = true;
 template <class Before, class Part>
 inline constexpr bool lgIsParts<LgMoreParts<Before, Part>> = true;
+/// @}
 
 /// Numbers are kept as values, so that a constant that has a value and no place will do.
 template <class T>
 using LgKeptPart =
     std::conditional_t<std::is_arithmetic_v<T> || std::is_enum_v<T>, const T, const T&>;
 
+/// @{
+/// The operands of a log statement and one more.
 template <class Before, class T, class = std::enable_if_t<lgIsParts<Before>>,
           class = std::enable_if_t<!std::is_arithmetic_v<T> && !std::is_enum_v<T>>>
 LgMoreParts<Before, LgKeptPart<T>> operator<<(const Before& before, const T& part)
@@ -70,12 +78,14 @@ LgMoreParts<Before, LgKeptPart<T>> operator<<(const Before& before, T part)
 {
     return {before, part};
 }
+/// @}
 
 /// The insertion of one event's text into its queue. If it ends early, by an exception of an
 /// operand's insertion operator, the event is taken back.
 class LgInsertion
 {
 public:
+    /// For the event that the queue has reserved.
     explicit LgInsertion(LgQueue& queue) : _queue(&queue)
     {
         _queue->beginInsertion();
@@ -106,6 +116,7 @@ private:
 class ZU_BASE_API LgDirectLine
 {
 public:
+    /// Takes the text of the line.
     LgStream& getStream();
 
     /// Writes the line.
@@ -217,7 +228,8 @@ private:
 #define ZU_LOG(group, level, ...)                                                                  \
     ZU_LOG_NAMED(ZU_XGLUE(zuEvent, __COUNTER__), group, level, __VA_ARGS__)
 
-// Each statement has a name of its own: one may stand inside an operand of another.
+/// ZU_LOG with the name of the variable that it makes. Each statement has one of its own: it may
+/// stand inside an operand of another.
 #define ZU_LOG_NAMED(event, group, level, ...)                                                     \
     do                                                                                             \
     {                                                                                              \
@@ -225,6 +237,7 @@ private:
         if (event.isEnabled()) event.write(::Zu::LgParts() << __VA_ARGS__);                        \
     } while (false)
 
+/// @{
 /// The same for one level each: ZU_LOG_WARNING(Query, "took " << seconds << " s").
 #define ZU_LOG_INTERNAL_ERROR(group, ...) ZU_LOG(group, ::Zu::LgTypes::InternalError, __VA_ARGS__)
 #define ZU_LOG_FATAL_ERROR(group, ...) ZU_LOG(group, ::Zu::LgTypes::FatalError, __VA_ARGS__)
@@ -233,5 +246,6 @@ private:
 #define ZU_LOG_INFORMATIONAL(group, ...) ZU_LOG(group, ::Zu::LgTypes::Informational, __VA_ARGS__)
 #define ZU_LOG_TRACING(group, ...) ZU_LOG(group, ::Zu::LgTypes::Tracing, __VA_ARGS__)
 #define ZU_LOG_PROFILING(group, ...) ZU_LOG(group, ::Zu::LgTypes::Profiling, __VA_ARGS__)
+/// @}
 
 #endif

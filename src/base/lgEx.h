@@ -25,6 +25,7 @@ protected:
 class ZU_BASE_API LgEx::InvalidLevelString : public std::invalid_argument, public LgEx
 {
 public:
+    /// `text` is what was to be a level.
     InvalidLevelString(const char* file, int line, const char* text);
 
     const char* what() const noexcept override;

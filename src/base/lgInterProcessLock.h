@@ -25,6 +25,8 @@ public:
     LgInterProcessLock() = default;
     LgInterProcessLock(const LgInterProcessLock&) = delete;
     LgInterProcessLock& operator=(const LgInterProcessLock&) = delete;
+
+    /// Leaves the lock to its other users; a failure raises, unless an exception is under way.
     virtual ~LgInterProcessLock() noexcept(false);
 
     /// Waits for the lock, without a limit.
@@ -39,6 +41,7 @@ public:
     static LgInterProcessLock* create(const char* name);
 };
 
+/// The destructor may throw.
 template <> inline constexpr bool ownedMayThrow<LgInterProcessLock> = true;
 
 /// Holds a lock for the time of a scope; a null one costs nothing, which is the normal case of a
@@ -47,6 +50,7 @@ template <> inline constexpr bool ownedMayThrow<LgInterProcessLock> = true;
 class ZU_BASE_API LgInterProcessLockGuard
 {
 public:
+    /// Takes the lock, which may be null and must outlive the guard.
     explicit LgInterProcessLockGuard(LgInterProcessLock* l) : _lock(l)
     {
         if (_lock) lock();

@@ -67,6 +67,7 @@ public:
         return _loggerActive.load(std::memory_order_acquire);
     }
 
+    /// Says whether events go into queues.
     static void setLoggerActivation(bool active)
     {
         _loggerActive.store(active, std::memory_order_release);
@@ -78,6 +79,7 @@ public:
         return _blockingTrace.load(std::memory_order_relaxed);
     }
 
+    /// Says whether LgTrace::print() waits for room in the queue.
     static void setBlockingTrace(bool blocking)
     {
         _blockingTrace.store(blocking, std::memory_order_relaxed);
@@ -89,6 +91,8 @@ public:
         return _logTimeStamps.load(std::memory_order_relaxed);
     }
 
+    /// @{
+    /// Say whether lines and banners bear times.
     static void enableTimeStamps()
     {
         _logTimeStamps.store(true, std::memory_order_relaxed);
@@ -98,6 +102,7 @@ public:
     {
         _logTimeStamps.store(false, std::memory_order_relaxed);
     }
+    /// @}
 
     /// The origin of the times in lines, in ticks of HwCounter::timeStamp().
     static std::uint64_t getStart();

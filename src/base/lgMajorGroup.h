@@ -28,8 +28,12 @@ class ZU_BASE_API LgMajorGroup
 public:
     /// A group with the mask of the default threshold.
     LgMajorGroup();
+
+    /// @{
+    /// Copies the mask.
     LgMajorGroup(const LgMajorGroup& other);
     LgMajorGroup& operator=(const LgMajorGroup& other);
+    /// @}
 
     /// The bits of LgTypes::levelBit of the levels that are on.
     std::uint32_t getLogLevels() const

@@ -68,6 +68,7 @@ public:
         /// Asserts "!_oflow".
         void setLevel(LgTypes::Level level);
 
+        /// In ticks of HwCounter::timeStamp().
         void setTimeStamp(std::uint64_t timeStamp)
         {
             _timeStamp = timeStamp;
@@ -103,6 +104,7 @@ public:
     class ZU_BASE_API SuppressGuard
     {
     public:
+        /// The queue must outlive the guard.
         explicit SuppressGuard(LgQueue& queue);
         SuppressGuard(const SuppressGuard&) = delete;
         SuppressGuard& operator=(const SuppressGuard&) = delete;
@@ -115,9 +117,11 @@ public:
     /// A queue for the thread with this id.
     explicit LgQueue(std::uint32_t threadId = 0);
 
+    /// @{
     /// A copy shares both rings with its source, whose observer moves to it.
     LgQueue(LgQueue& source);
     LgQueue& operator=(LgQueue& source);
+    /// @}
 
     /// Asserts "_beg == _end": a queue is drained before it ends.
     ~LgQueue();
@@ -146,6 +150,7 @@ public:
         _inserting = true;
     }
 
+    /// Whether the text of an event is being inserted; the producer's.
     bool isInserting() const
     {
         return _inserting;
@@ -197,6 +202,7 @@ public:
     /// How many entries may wait at once: 1,023, of which the last is for lost events.
     static unsigned int getMaxSize();
 
+    /// @{
     /// The texts; insertion is the producer's, extraction the reader's.
     LgStream& getStream()
     {
@@ -207,6 +213,7 @@ public:
     {
         return _stream;
     }
+    /// @}
 
     /// The id that the constructor was given.
     std::uint32_t getThreadId() const

@@ -19,7 +19,11 @@ namespace Zu
 class LgRingIndex
 {
 public:
+    /// The beginning of a ring of this size, a power of two.
     explicit LgRingIndex(std::uint32_t size) noexcept : _mask(size - 1), _value(0) {}
+
+    /// @{
+    /// The same position in a ring of the same size.
     LgRingIndex(const LgRingIndex& other) noexcept : _mask(other._mask), _value(other.get()) {}
 
     LgRingIndex& operator=(const LgRingIndex& other) noexcept
@@ -28,7 +32,9 @@ public:
         set(other.get());
         return *this;
     }
+    /// @}
 
+    /// Moves to `value`, which wraps.
     LgRingIndex& operator=(std::uint32_t value) noexcept
     {
         set(value);
@@ -47,11 +53,14 @@ public:
         return _value.load(std::memory_order_relaxed);
     }
 
+    /// As get().
     operator std::uint32_t() const noexcept
     {
         return get();
     }
 
+    /// @{
+    /// One step forward, or back.
     LgRingIndex& operator++() noexcept
     {
         set(get() + 1);
@@ -63,6 +72,7 @@ public:
         set(get() - 1);
         return *this;
     }
+    /// @}
 
     /// The position before the step.
     std::uint32_t operator++(int) noexcept

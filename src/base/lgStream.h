@@ -35,13 +35,22 @@ class ZU_BASE_API LgStream
     friend class LgQueue;
 
 public:
+    /// Empty, with a ring of its own.
     LgStream();
+
+    /// @{
+    /// Shares the ring of the other one, and has its positions.
     LgStream(const LgStream& other);
     LgStream& operator=(const LgStream& other);
+    /// @}
+
     ~LgStream();
 
     // What the writer calls.
 
+    /// @{
+    /// Inserts a value in the form that the class says. A text is inserted up to its first NUL, and
+    /// a NUL as a character is none.
     LgStream& operator<<(const char* text)
     {
         if (!text) text = "(null)";
@@ -77,6 +86,7 @@ public:
     LgStream& operator<<(long double value);
     LgStream& operator<<(void* pointer);
     LgStream& operator<<(const void* pointer);
+    /// @}
 
     /// Applies a manipulator, of which there is one: ends().
     LgStream& operator<<(LgStream& (*manipulator)(LgStream&));

@@ -16,12 +16,19 @@ namespace Zu::LgTypes
 /// is a switch of its own.
 enum Level : std::int32_t
 {
+    /// Can't be switched off.
     InternalError,
+    /// Can't be switched off; the lowest threshold.
     FatalError,
+    /// The least severe of the errors.
     Error,
+    /// The threshold of groups unless another one is set.
     Warning,
+    /// Milder than a warning.
     Informational,
+    /// The mildest level.
     Tracing,
+    /// On or off beside the threshold.
     Profiling,
     /// How many levels there are.
     NUM_LEVELS

@@ -19,14 +19,19 @@ struct LmBlock
     /// Bits of `_flags`.
     enum Flags : std::uint32_t
     {
+        /// It can be read.
         Read = 4,
+        /// It can be written.
         Write = 8,
+        /// Its content can be executed.
         Execute = 16,
         /// What is written stays in this process.
         Copy = 32
     };
 
+    /// Bits of Flags.
     std::uint32_t _flags;
+    /// Where the piece begins.
     void* _address;
     /// The same address again.
     void* _mappedAddress;
@@ -40,11 +45,19 @@ class ZU_BASE_API LmLibrary
 public:
     /// Its path is "Unknown".
     LmLibrary();
+
+    /// Begins at `base`, without blocks. The path is copied; null gives the empty text.
     LmLibrary(void* base, const char* path);
+
+    /// @{
+    /// A copy has a path of its own; what is moved from keeps its addresses, without path and
+    /// blocks.
     LmLibrary(const LmLibrary& other);
     LmLibrary(LmLibrary&& other) noexcept;
     LmLibrary& operator=(const LmLibrary& other);
     LmLibrary& operator=(LmLibrary&& other) noexcept;
+    /// @}
+
     ~LmLibrary();
 
     /// Where it begins.

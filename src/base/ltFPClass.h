@@ -15,6 +15,8 @@ class LtFPClass
 public:
     LtFPClass() = delete;
 
+    /// @{
+    /// Whether it is no number.
     static constexpr bool isNaN(double x) noexcept
     {
         return x != x;
@@ -24,7 +26,10 @@ public:
     {
         return isNaN(static_cast<double>(x));
     }
+    /// @}
 
+    /// @{
+    /// Whether it is an infinity of either sign.
     static constexpr bool isInfinity(double x) noexcept
     {
         return isPositiveInfinity(x) || isNegativeInfinity(x);
@@ -34,7 +39,10 @@ public:
     {
         return isInfinity(static_cast<double>(x));
     }
+    /// @}
 
+    /// @{
+    /// Whether it is the infinity above all numbers.
     static constexpr bool isPositiveInfinity(double x) noexcept
     {
         return x == std::numeric_limits<double>::infinity();
@@ -44,7 +52,10 @@ public:
     {
         return isPositiveInfinity(static_cast<double>(x));
     }
+    /// @}
 
+    /// @{
+    /// Whether it is the infinity below all numbers.
     static constexpr bool isNegativeInfinity(double x) noexcept
     {
         return x == -std::numeric_limits<double>::infinity();
@@ -54,7 +65,9 @@ public:
     {
         return isNegativeInfinity(static_cast<double>(x));
     }
+    /// @}
 
+    /// @{
     /// Neither infinite nor a NaN.
     static constexpr bool isFinite(double x) noexcept
     {
@@ -65,6 +78,7 @@ public:
     {
         return isFinite(static_cast<double>(x));
     }
+    /// @}
 };
 
 } // namespace Zu

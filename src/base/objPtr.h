@@ -23,10 +23,15 @@ public:
     /// Takes ownership of `object`, which may be null.
     explicit ObjPtr(T* object) noexcept : Base(object) {}
 
+    /// @{
     /// Takes the object of a carrier or of another owner, which is left null.
     ObjPtr(Base& source) noexcept : Base(source) {}
     ObjPtr(Base&& source) noexcept : Base(source) {}
+    /// @}
 
+    /// @{
+    /// Deletes the object that is owned and takes that of the source, which is left null; nothing
+    /// when both are the same.
     ObjPtr& operator=(Base& source)
     {
         Base::operator=(source);
@@ -37,12 +42,15 @@ public:
         Base::operator=(source);
         return *this;
     }
+    /// @}
 
+    /// The object; there must be one.
     T& operator*() const
     {
         return *this->get();
     }
 
+    /// The object, for access to its members; there must be one.
     T* operator->() const noexcept
     {
         return this->get();
@@ -63,10 +71,15 @@ public:
     /// Takes ownership of `object`, which may be null.
     explicit ObjPtrRet(T* object) noexcept : Base(object) {}
 
+    /// @{
     /// Takes the object of an owner or of another carrier, which is left null.
     ObjPtrRet(Base& source) noexcept : Base(source) {}
     ObjPtrRet(Base&& source) noexcept : Base(source) {}
+    /// @}
 
+    /// @{
+    /// Deletes the object that is owned and takes that of the source, which is left null; nothing
+    /// when both are the same.
     ObjPtrRet& operator=(Base& source)
     {
         Base::operator=(source);
@@ -77,12 +90,15 @@ public:
         Base::operator=(source);
         return *this;
     }
+    /// @}
 
+    /// The object; there must be one.
     T& operator*() const
     {
         return *this->get();
     }
 
+    /// The object, for access to its members; there must be one.
     T* operator->() const noexcept
     {
         return this->get();

@@ -23,11 +23,15 @@ public:
     /// What kind of processor this is; UNKNOWN until initialize().
     enum Type
     {
+        /// A MIPS processor.
         MIPS,
+        /// A 32-bit x86 processor.
         IA32,
+        /// An Itanium processor.
         IA64,
         /// A 64-bit x86 processor. Deliberately without a name, see getTypeName().
         X64,
+        /// Not known, or not looked at.
         UNKNOWN
     };
 

@@ -22,9 +22,13 @@ public:
     /// 100-nanosecond ticks since the beginning of 1 January 1601, UTC. The high word comes first.
     struct DateRep
     {
+        /// The upper 32 bits of the count.
         std::uint32_t _high;
+        /// The lower 32 bits of the count.
         std::uint32_t _low;
 
+        /// @{
+        /// By the count.
         constexpr bool operator==(const DateRep& other) const noexcept
         {
             return _high == other._high && _low == other._low;
@@ -39,20 +43,26 @@ public:
         {
             return _high != other._high ? _high < other._high : _low < other._low;
         }
+        /// @}
     };
 
     /// The fields of a calendar, in the Gregorian one at all times.
     class ZU_BASE_API DateStruct
     {
     public:
+        /// The fields as they are given; nothing is checked.
         DateStruct(int year, int month, int day, int hour, int minute, double second,
                    int dayOfWeek);
 
+        /// With all its digits.
         int year;
         /// 1 to 12.
         int month;
+        /// 1 to 31.
         int day;
+        /// 0 to 23.
         int hour;
+        /// 0 to 59.
         int minute;
         /// With its fraction, to the millisecond.
         double second;
@@ -63,6 +73,7 @@ public:
     /// How the fields relate to the count.
     enum TimeMode
     {
+        /// As they are in UTC.
         TimeUniversal,
         /// By the platform's rules for local time.
         TimeLocal
@@ -71,9 +82,10 @@ public:
 
 } // namespace Zu
 
-/// Equal dates have equal hashes.
+/// Hashes dates, for unordered containers.
 template <> struct std::hash<Zu::OsDateTypes::DateRep>
 {
+    /// Equal dates have equal hashes.
     std::size_t operator()(const Zu::OsDateTypes::DateRep& date) const noexcept
     {
         return std::hash<std::uint64_t>()(std::uint64_t{date._high} << 32 | date._low);

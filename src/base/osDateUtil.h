@@ -20,8 +20,11 @@ namespace Zu
 class ZU_BASE_API OsDateUtil
 {
 public:
+    /// @{
+    /// For short.
     using DateRep = OsDateTypes::DateRep;
     using DateStruct = OsDateTypes::DateStruct;
+    /// @}
 
     OsDateUtil() = delete;
 

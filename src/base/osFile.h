@@ -43,9 +43,11 @@ public:
     /// in 32 bits, raises ExSysErrorWindows; OsFileTools has 64.
     virtual std::uint32_t getSize() const;
 
+    /// @{
     /// In whole seconds. Raise OsFileEx::ExInvalidPath.
     virtual ObjPtrRet<OsDateTypes::DateRep> getLastModificationTime() const;
     virtual ObjPtrRet<OsDateTypes::DateRep> getLastAccessTime() const;
+    /// @}
 
     /// What unbuffered transfers have to keep to: on Windows the sector size of the drive, which
     /// the path must begin with, or a failed assertion ends the process; on Linux the block size of
@@ -53,19 +55,25 @@ public:
     /// volume of another machine.
     virtual ObjPtrRet<OsFileTypes::UnbufferedInfo> getUnbufferedInfo() const;
 
+    /// @{
     /// The bits AccessRead and AccessWrite as far as a trial succeeds; AccessExecute is not looked
     /// at. What can't be found out is no access, as are a missing file and a directory. On Windows
     /// so is a file that is open elsewhere. Raise OsFileEx::ExNullFilePath alone.
     virtual int getAccess() const;
     virtual bool isReadable() const;
     virtual bool isWritable() const;
+    /// @}
 
+    /// @{
     /// What it is. Raise OsFileEx::ExInvalidPath.
     virtual bool isFile() const;
     virtual bool isDirectory() const;
+    /// @}
 
     /// Always false on Windows. A link that leads nowhere counts as missing.
     virtual bool isSymLink() const;
+
+    /// What it is. Raises OsFileEx::ExInvalidPath.
     virtual OsFileTypes::ElementType getType() const;
 
     /// Whether the path leads to anything. Raises OsFileEx::ExNullFilePath.
@@ -89,12 +97,14 @@ public:
     /// was copied stays. A FIFO is read to its end, so it is waited for.
     virtual void copyTo(const OsFilePath& target);
 
+    /// The path as it was given; owned by the object.
     const OsFilePath& getPath() const;
 
     /// Makes an empty file; see OsFsUtils::createFile().
     void create(const OsFileTypes::Permissions& permissions, bool exclusive);
 
 protected:
+    /// Lets the object stand for another path; touches no file.
     void setPath(const OsFilePath& path);
 
     /// A handle of the system for the bits of OsFileTypes::Access; the file must be there.

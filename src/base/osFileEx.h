@@ -12,7 +12,7 @@ namespace Zu
 {
 
 /// The scope of the file classes' exceptions; it is no class of theirs. A path in a reason is cut
-/// to 256 characters.
+/// to 256 characters; a null one counts as empty.
 class ZU_BASE_API OsFileEx
 {
 public:
@@ -82,6 +82,7 @@ public:
 class ZU_BASE_API OsFileEx::ExInvalidPath : public std::invalid_argument, public ExBase
 {
 public:
+    /// `path` is the one that was refused.
     ExInvalidPath(const char* file, int line, const char* path);
 
     const char* what() const noexcept override;
@@ -93,6 +94,7 @@ public:
 class ZU_BASE_API OsFileEx::ExPathNotWritable : public std::invalid_argument, public ExBase
 {
 public:
+    /// `path` is the one that was refused.
     ExPathNotWritable(const char* file, int line, const char* path);
 
     const char* what() const noexcept override;
@@ -103,6 +105,7 @@ public:
 class ZU_BASE_API OsFileEx::ExNoRemoteUnbuffered : public std::runtime_error, public ExBase
 {
 public:
+    /// `path` is the one on a volume of another machine.
     ExNoRemoteUnbuffered(const char* file, int line, const char* path);
 
     const char* what() const noexcept override;

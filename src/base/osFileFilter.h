@@ -46,6 +46,7 @@ public:
 class ZU_BASE_API OsLeafFileFilter : public OsFileFilter
 {
 public:
+    /// Without a suffix.
     OsLeafFileFilter();
 
     /// Copies the suffix; null is none.

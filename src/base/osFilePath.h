@@ -37,8 +37,13 @@ public:
     /// A copy of the text; null gives the empty path.
     OsFilePath(const char* path);
 
+    /// @{
+    /// A copy of the text.
     OsFilePath(const OsFilePath& other);
     OsFilePath& operator=(const OsFilePath& other);
+    /// @}
+
+    /// As set().
     OsFilePath& operator=(const char* path);
     ~OsFilePath();
 
@@ -51,9 +56,11 @@ public:
     /// Whether the text has no character.
     bool isEmpty() const;
 
+    /// @{
     /// Whether the path begins at a root; decided by the text alone, see the class's table.
     bool isAbsolute() const;
     static bool isAbsolute(const char* path);
+    /// @}
 
     /// Not isAbsolute().
     bool isRelative() const;
@@ -72,14 +79,18 @@ public:
     /// name of "/a" and of "/" is "/". Raises as getBaseName() does.
     OsFilePath getDirectoryName() const;
 
+    /// @{
     /// Appends a relative path, with a separator between unless this path is empty or ends in one.
     /// Raises OsFileEx::ExIllegalPathConcat if `path` is absolute.
     OsFilePath& operator+=(const OsFilePath& path);
     OsFilePath operator+(const OsFilePath& path) const;
+    /// @}
 
+    /// @{
     /// Appends one element. Raises OsFileEx::ExSeparatorNotAllowed if it holds a separator.
     OsFilePath& operator+=(const char* element);
     OsFilePath operator+(const char* element) const;
+    /// @}
 
     /// -1, 0 or 1 by the first byte that differs, bytes taken as unsigned; letter case counts on
     /// every platform.

@@ -26,9 +26,12 @@ class ZU_BASE_API OsFileReader
     friend class OsFileTools;
 
 public:
+    /// @{
     /// Opens a file that is there. Raise OsFileEx::ExNullFilePath for the empty path.
     explicit OsFileReader(const OsFilePath& path);
     explicit OsFileReader(const OsFile& file);
+    /// @}
+
     OsFileReader(const OsFileReader&) = delete;
     OsFileReader& operator=(const OsFileReader&) = delete;
 
@@ -55,6 +58,7 @@ private:
     std::int64_t _handle;
 };
 
+/// The destructor may throw.
 template <> inline constexpr bool ownedMayThrow<OsFileReader> = true;
 
 } // namespace Zu

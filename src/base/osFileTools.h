@@ -29,11 +29,13 @@ public:
     /// The size of a file, in bytes. Raises OsFileEx::ExInvalidPath if it isn't there.
     static std::uint64_t getSize64(const OsFilePath& path);
 
+    /// @{
     /// Move the position, and return where it is then, in bytes from the beginning.
     static std::int64_t seek64(OsFileReader& reader, std::int64_t offset,
                                OsFileTypes::SeekMode mode);
     static std::int64_t seek64(OsFileWriter& writer, std::int64_t offset,
                                OsFileTypes::SeekMode mode);
+    /// @}
 
     /// As OsFileWriter::reserve().
     static void reserve64(OsFileWriter& writer, std::int64_t size);

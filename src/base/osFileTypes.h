@@ -22,6 +22,7 @@ public:
     {
         /// A plain file.
         ElementRegular = 0,
+        /// A directory.
         ElementDirectory = 1,
         /// On Windows a file with other attributes than the plain ones, on Linux what is neither
         /// file nor directory: a FIFO, a socket, a device.
@@ -31,8 +32,11 @@ public:
     /// Where a position in a file is counted from.
     enum SeekMode
     {
+        /// From where it is now.
         SeekCurrent = 0,
+        /// From the beginning of the file.
         SeekBegin = 1,
+        /// From the end of the file.
         SeekEnd = 2
     };
 
@@ -51,6 +55,8 @@ public:
     {
     public:
         UnbufferedInfo() = default;
+
+        /// All in bytes.
         UnbufferedInfo(std::uint32_t alignment, std::uint32_t blockSize, std::uint32_t maxSize)
             : _alignment(alignment), _blockSize(blockSize), _maxSize(maxSize)
         {
@@ -83,8 +89,11 @@ public:
     /// Access to a file; the values combine as bits.
     enum Access
     {
+        /// The content can be read.
         AccessRead = 1,
+        /// The content can be written.
         AccessWrite = 2,
+        /// The file can be executed.
         AccessExecute = 4
     };
 
@@ -93,6 +102,7 @@ public:
     class Permissions
     {
     public:
+        /// Bits of Access for the owner, the owner's group and everybody else.
         Permissions(int user = AccessRead | AccessWrite, int group = AccessRead,
                     int other = AccessRead)
             : _userMode(user), _groupMode(group), _otherMode(other)

@@ -22,12 +22,15 @@ class ZU_BASE_API OsFileWriter
     friend class OsFileTools;
 
 public:
+    /// @{
     /// Makes the file, or empties the one that is there; `exclusive` raises ExSysErrorWindows
     /// instead. The permissions, less the umask, are those of a new file; Windows ignores them.
     /// Raise OsFileEx::ExNullFilePath for the empty path.
     OsFileWriter(const OsFilePath& path, const OsFileTypes::Permissions& permissions,
                  bool exclusive);
     OsFileWriter(const OsFile& file, const OsFileTypes::Permissions& permissions, bool exclusive);
+    /// @}
+
     OsFileWriter(const OsFileWriter&) = delete;
     OsFileWriter& operator=(const OsFileWriter&) = delete;
 
@@ -56,6 +59,7 @@ private:
     std::int64_t _handle;
 };
 
+/// The destructor may throw.
 template <> inline constexpr bool ownedMayThrow<OsFileWriter> = true;
 
 } // namespace Zu

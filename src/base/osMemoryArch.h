@@ -16,6 +16,7 @@ namespace Zu
 class ZU_BASE_API OsMemoryArch
 {
 public:
+    /// For the instance, which getInstance() makes.
     OsMemoryArch();
     OsMemoryArch(const OsMemoryArch&) = delete;
     OsMemoryArch& operator=(const OsMemoryArch&) = delete;

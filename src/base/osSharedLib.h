@@ -39,6 +39,7 @@ public:
     static const char* getSuffix();
 
 protected:
+    /// The path is copied.
     explicit OsSharedLib(const OsFilePath& path);
 
 private:

@@ -27,6 +27,7 @@ protected:
 class ZU_BASE_API OsSharedLibEx::ExCantOpenLib : public OsSharedLibEx, public std::runtime_error
 {
 public:
+    /// `message` is the system's; null texts count as empty.
     ExCantOpenLib(const char* file, int line, const char* path, const char* message);
 
     const char* what() const noexcept override;
@@ -39,6 +40,7 @@ class ZU_BASE_API OsSharedLibEx::ExFunctionNotFound : public OsSharedLibEx,
                                                       public std::runtime_error
 {
 public:
+    /// The library that was searched, and what for; null texts count as empty.
     ExFunctionNotFound(const char* file, int line, const char* path, const char* name);
 
     const char* what() const noexcept override;

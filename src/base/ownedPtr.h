@@ -15,6 +15,7 @@ template <class T> inline constexpr bool ownedMayThrow = false;
 /// Ends an object made with `new`.
 struct DisposeObject
 {
+    /// Deletes the object, which may be null. `T` must be complete.
     template <class T> static void dispose(T* object) noexcept(!ownedMayThrow<T>)
     {
         static_cast<void>(sizeof(T)); // an incomplete type does not compile
@@ -25,6 +26,7 @@ struct DisposeObject
 /// Ends an array made with `new[]`.
 struct DisposeArray
 {
+    /// Deletes the array, which may be null. `T` must be complete.
     template <class T> static void dispose(T* array) noexcept(!ownedMayThrow<T>)
     {
         static_cast<void>(sizeof(T)); // an incomplete type does not compile
@@ -47,6 +49,8 @@ public:
         takeFrom(source);
         return *this;
     }
+
+    /// The same.
     OwnedPtr& operator=(OwnedPtr&& source)
     {
         takeFrom(source);
@@ -75,11 +79,17 @@ public:
 
 protected:
     OwnedPtr() noexcept = default;
+
+    /// Takes ownership; the pointer may be null.
     explicit OwnedPtr(T* pointer) noexcept : _pointer(pointer) {}
+
+    /// Takes the pointer of the source, which is left null.
     OwnedPtr(OwnedPtr& source) noexcept : _pointer(source.release()) {}
+
+    /// The same.
     OwnedPtr(OwnedPtr&& source) noexcept : _pointer(source.release()) {}
 
-    // An object whose destructor may throw must be able to do so through its owner.
+    /// Ends what is owned. An object whose destructor may throw can do so through its owner.
     ~OwnedPtr() noexcept(!ownedMayThrow<T>)
     {
         Disposal::dispose(_pointer);

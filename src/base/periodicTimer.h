@@ -65,13 +65,17 @@ public:
     PeriodicTimer& operator=(const PeriodicTimer& other);
 
 protected:
+    /// Stopped, with this interval in seconds.
     explicit PeriodicTimer(double interval);
 
     /// Stopped, with the interval of the other one.
     PeriodicTimer(const PeriodicTimer& other);
 
+    /// When the beat started, in seconds of getCurrentTime().
     double _startTime;
+    /// Seconds from one beat to the next.
     double _interval;
+    /// Whether the beat runs.
     bool _running;
 };
 

@@ -38,6 +38,7 @@ public:
 class ZU_BASE_API PrEx::ExBadCounterIndex : public std::runtime_error, public PrEx
 {
 public:
+    /// `index` is the one that was refused.
     ExBadCounterIndex(const char* file, int line, unsigned int index);
 
     const char* what() const noexcept override;
@@ -48,6 +49,7 @@ public:
 class ZU_BASE_API PrEx::ExBadCounterInstance : public std::runtime_error, public PrEx
 {
 public:
+    /// `name` is the one that was refused; null counts as empty.
     ExBadCounterInstance(const char* file, int line, const char* name);
 
     const char* what() const noexcept override;
@@ -58,6 +60,7 @@ public:
 class ZU_BASE_API PrEx::ExBadCounterObjectIndex : public std::runtime_error, public PrEx
 {
 public:
+    /// `index` is the one that was refused.
     ExBadCounterObjectIndex(const char* file, int line, unsigned int index);
 
     const char* what() const noexcept override;

@@ -29,12 +29,15 @@ public:
     /// deliberately counts.
     virtual void consolidate(ProfilerBase& profiler);
 
-    /// In seconds.
+    /// @{
+    /// Of all cycles, in seconds; 0 when there is none.
     double totalTime() const;
     double averageTime() const;
     double minTime() const;
     double maxTime() const;
+    /// @}
 
+    /// How many cycles were added.
     int cycles() const;
 
 private:

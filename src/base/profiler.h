@@ -26,11 +26,16 @@ public:
     ProfilerBase& operator=(const ProfilerBase&) = default;
     virtual ~ProfilerBase();
 
+    /// @{
     /// The name is kept as a pointer.
     virtual void setName(const char* name) = 0;
     virtual const char* getName() const = 0;
+    /// @}
 
+    /// Begins a span of the cycle.
     virtual void start() = 0;
+
+    /// Adds the span from the last start to the cycle, however often it is called.
     virtual void stop() = 0;
 
     /// Closes the cycle, which counts even if nothing was started in it.
@@ -42,11 +47,13 @@ public:
     /// What the running cycle has so far.
     virtual double cycleTime() const = 0;
 
+    /// @{
     /// Of all closed cycles; so for what follows. Each is 0 when there is none.
     virtual double totalTime() const = 0;
     virtual double averageTime() const = 0;
     virtual double minTime() const = 0;
     virtual double maxTime() const = 0;
+    /// @}
 
     /// The sample deviation; 0 for fewer than two cycles. It comes from running sums, deliberately:
     /// when all cycles took the same time, rounding may make it a NaN.
@@ -60,6 +67,7 @@ public:
 template <class T> class ZU_BASE_VISIBLE Profiler : public ProfilerBase
 {
 public:
+    /// The name is kept as a pointer.
     explicit Profiler(const char* name = "anonymous") : _timer(name) {}
 
     void setName(const char* name) override
@@ -154,6 +162,7 @@ private:
 class ProfilerSpan
 {
 public:
+    /// Starts the profiler, which must outlive the span; its end stops it.
     explicit ProfilerSpan(ProfilerBase& profiler) : _profiler(profiler)
     {
         _profiler.start();
@@ -175,6 +184,7 @@ private:
 class ProfilerCycle
 {
 public:
+    /// The profiler must outlive the cycle, whose end closes it there.
     explicit ProfilerCycle(ProfilerBase& profiler) : _profiler(profiler) {}
     ProfilerCycle(const ProfilerCycle&) = delete;
     ProfilerCycle& operator=(const ProfilerCycle&) = delete;

@@ -52,6 +52,8 @@ public:
             lowestTerms();
     }
 
+    /// @{
+    /// The terms as they are held.
     constexpr std::int32_t getNumerator() const noexcept
     {
         return _numerator;
@@ -61,6 +63,7 @@ public:
     {
         return _denominator;
     }
+    /// @}
 
     /// Numerator through denominator.
     constexpr double getDouble() const noexcept
@@ -141,6 +144,8 @@ private:
     std::int32_t _denominator;
 };
 
+/// @{
+/// Compare both terms: exactly.
 constexpr bool operator==(const Rational& a, const Rational& b) noexcept
 {
     return a.getNumerator() == b.getNumerator() && a.getDenominator() == b.getDenominator();
@@ -150,10 +155,14 @@ constexpr bool operator!=(const Rational& a, const Rational& b) noexcept
 {
     return !(a == b);
 }
+/// @}
 
 /// How far apart two rationals are at least that the ordering tells apart.
 inline constexpr double RATIONAL_TOLERANCE = 1e-7;
 
+/// @{
+/// Compare as `double`. `<` and `>` are true beyond RATIONAL_TOLERANCE alone, `<=` and `>=` also
+/// for what lies closer on the other side.
 constexpr bool operator<(const Rational& a, const Rational& b) noexcept
 {
     return a.getDouble() < b.getDouble() - RATIONAL_TOLERANCE;
@@ -173,15 +182,17 @@ constexpr bool operator>=(const Rational& a, const Rational& b) noexcept
 {
     return a.getDouble() > b.getDouble() - RATIONAL_TOLERANCE;
 }
+/// @}
 
 /// As Rational::dump().
 ZU_BASE_API std::ostream& operator<<(std::ostream& os, const Rational& rational);
 
 } // namespace Zu
 
-/// Equal rationals have equal hashes.
+/// Hashes rationals, for unordered containers.
 template <> struct std::hash<Zu::Rational>
 {
+    /// Equal rationals have equal hashes.
     std::size_t operator()(const Zu::Rational& rational) const noexcept
     {
         const auto numerator = static_cast<std::uint32_t>(rational.getNumerator());

@@ -30,6 +30,7 @@ template <class T> std::vector<T> edgesOf(unsigned int nBins, T min, T max)
     return edges;
 }
 
+/// A copy of the edges of `nBins` bins, which are one more than there are bins.
 template <class T> std::vector<T> edgesOf(unsigned int nBins, const T* edges)
 {
     return std::vector<T>(edges, edges + nBins + 1);
@@ -50,6 +51,7 @@ template <class T> int uniformBin(T x, T first, T width, unsigned int nBins)
     return floorToInt(ieeeDivide(x - first, width) * static_cast<T>(nBins));
 }
 
+/// Whether there is a bin of this index.
 inline bool isBin(int i, unsigned int nBins)
 {
     return i >= 0 && static_cast<unsigned int>(i) < nBins;
@@ -60,6 +62,7 @@ inline bool isBin(int i, unsigned int nBins)
 class Counter
 {
 public:
+    /// So many bins, all at 0.
     explicit Counter(unsigned int nBins) : _nBins(nBins), _counts(TABLES * tableSize()) {}
 
     /// Whether counting so many values costs less than adding each.
@@ -75,6 +78,7 @@ public:
             ++_counts[k % TABLES * tableSize() + static_cast<std::uint32_t>(bins[k])];
     }
 
+    /// How many values of the bin were added.
     std::uint32_t countOf(unsigned int bin) const
     {
         std::uint32_t count = 0;

@@ -24,6 +24,7 @@ namespace Zu
 template <class T, class Range> class RnDirectionalHistogram
 {
 public:
+    /// Cells without weight: so many cosines, times so many angles.
     RnDirectionalHistogram(unsigned int nBinsTheta, unsigned int nBinsPhi);
     RnDirectionalHistogram(const RnDirectionalHistogram&) = default;
     RnDirectionalHistogram& operator=(const RnDirectionalHistogram&) = default;
@@ -35,10 +36,17 @@ public:
     /// The cell of a cosine and an angle. What lies behind the last cells is in these.
     virtual void getBinIndicesCosine(T cosTheta, T phi, int& i, int& j) const;
 
-    /// Adds the weight, or 1, to the cell of a direction.
+    /// Adds the weight to the cell of the direction, which getBinIndicesCosine() tells of the
+    /// cosine of `theta`.
     void addAngles(T theta, T phi, T weight);
+
+    /// The same with the weight 1.
     void addAngles(T theta, T phi);
+
+    /// Adds the weight to the cell that getBinIndicesCosine() tells.
     void addCosine(T cosTheta, T phi, T weight);
+
+    /// The same with the weight 1.
     void addCosine(T cosTheta, T phi);
 
     /// Draws `n` directions, by getSampleCosine(), and adds each with the weight 1. Deliberately
@@ -54,8 +62,10 @@ public:
     /// The weight in all cells.
     T getTotal() const;
 
-    /// The number of bins of each kind.
+    /// The number of bins of the cosine.
     T getSizeTheta() const;
+
+    /// The number of bins of `phi`.
     T getSizePhi() const;
 
     /// Takes all weights out of the cells.
@@ -84,16 +94,26 @@ private:
 /// Cosines from -1 to 1.
 struct RnSphericalRange
 {
+    /// How far the cosines reach.
     template <class T> static constexpr T SPAN = T(2);
+
+    /// The lowest cosine.
     template <class T> static constexpr T LOWEST = T(-1);
+
+    /// Of all directions, in steradians.
     template <class T> static constexpr T SOLID_ANGLE = T(12.566370614359172);
 };
 
 /// Cosines from 0 to 1.
 struct RnHemisphericalRange
 {
+    /// How far the cosines reach.
     template <class T> static constexpr T SPAN = T(1);
+
+    /// The lowest cosine.
     template <class T> static constexpr T LOWEST = T(0);
+
+    /// Of all directions, in steradians.
     template <class T> static constexpr T SOLID_ANGLE = T(6.283185307179586);
 };
 

@@ -24,18 +24,38 @@ template <class T, class Interface, class Shape>
 class ZU_BASE_VISIBLE RnDirectionalRng : public Interface
 {
 public:
+    /// The next direction, from the next pair of the source.
     void getSampleXYZ(T& x, T& y, T& z) override;
+
+    /// The next direction, from the next pair of the source.
     void getSampleAngles(T& theta, T& phi) override;
+
+    /// The next direction, from the next pair of the source.
     void getSampleCosine(T& cosTheta, T& phi) override;
+
+    /// `n` directions from a sequence of the source, with the values of its pairs the other way
+    /// round.
     void getSequenceXYZ(unsigned int n, T* x, T* y, T* z) override;
+
+    /// `n` directions from a sequence of the source.
     void getSequenceAngles(unsigned int n, T* theta, T* phi) override;
+
+    /// `n` directions from a sequence of the source.
     void getSequenceCosine(unsigned int n, T* cosTheta, T* phi) override;
+
+    /// The density of the shape where the cosine is `z`; `x` and `y` don't matter.
     T getPdfXYZ(T x, T y, T z) const override;
+
+    /// The density of the shape at the cosine of `theta`; `phi` doesn't matter.
     T getPdfAngles(T theta, T phi) const override;
+
+    /// The density of the shape at the cosine; `phi` doesn't matter.
     T getPdfCosine(T cosTheta, T phi) const override;
 
     /// Restarts the source.
     void restart() override;
+
+    /// The name of the shape.
     const char* getName() const override;
 
 protected:
@@ -52,16 +72,26 @@ private:
 /// The whole sphere, evenly.
 struct RnUniformSphericalShape
 {
+    /// The answer of getName().
     static constexpr const char* NAME = "Uniform spherical";
+
+    /// The cosine of the polar angle for the first value of a pair.
     template <class T> static T cosTheta(T u);
+
+    /// The density at a cosine of the polar angle, per steradian.
     template <class T> static T density(T cosTheta);
 };
 
 /// The upper half, evenly. The lower half is answered the same density.
 struct RnUniformHemisphericalShape
 {
+    /// The answer of getName().
     static constexpr const char* NAME = "Uniform hemispherical";
+
+    /// The cosine of the polar angle for the first value of a pair.
     template <class T> static T cosTheta(T u);
+
+    /// The density at a cosine of the polar angle, per steradian.
     template <class T> static T density(T cosTheta);
 };
 
@@ -69,8 +99,13 @@ struct RnUniformHemisphericalShape
 /// negative.
 struct RnCosineHemisphericalShape
 {
+    /// The answer of getName().
     static constexpr const char* NAME = "Cosine hemispherical";
+
+    /// The cosine of the polar angle for the first value of a pair.
     template <class T> static T cosTheta(T u);
+
+    /// The density at a cosine of the polar angle, per steradian.
     template <class T> static T density(T cosTheta);
 };
 
@@ -80,6 +115,7 @@ class ZU_BASE_VISIBLE RnUniformSphericalRng
     : public RnDirectionalRng<T, RnSphericalRng<T>, RnUniformSphericalShape>
 {
 public:
+    /// Raises ExInternalError "Assertion '_rng' failed." for no source.
     explicit RnUniformSphericalRng(RnBiRng<T>* rng);
     virtual ~RnUniformSphericalRng();
 };
@@ -90,6 +126,7 @@ class ZU_BASE_VISIBLE RnUniformHemisphericalRng
     : public RnDirectionalRng<T, RnHemisphericalRng<T>, RnUniformHemisphericalShape>
 {
 public:
+    /// Raises ExInternalError "Assertion '_rng' failed." for no source.
     explicit RnUniformHemisphericalRng(RnBiRng<T>* rng);
     virtual ~RnUniformHemisphericalRng();
 };
@@ -100,6 +137,7 @@ class ZU_BASE_VISIBLE RnCosineHemisphericalRng
     : public RnDirectionalRng<T, RnHemisphericalRng<T>, RnCosineHemisphericalShape>
 {
 public:
+    /// Raises ExInternalError "Assertion '_rng' failed." for no source.
     explicit RnCosineHemisphericalRng(RnBiRng<T>* rng);
     virtual ~RnCosineHemisphericalRng();
 };

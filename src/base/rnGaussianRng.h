@@ -14,13 +14,17 @@ namespace Zu
 /// The declared fraction of a Gaussian source: that of four sigmas on each side.
 template <class T> struct RnGaussianFraction;
 
+/// In single precision.
 template <> struct RnGaussianFraction<float>
 {
+    /// The fraction.
     static constexpr float VALUE = 0x1.fff7b2p-1F;
 };
 
+/// In double precision.
 template <> struct RnGaussianFraction<double>
 {
+    /// The fraction.
     static constexpr double VALUE = 0x1.fff7b2a98afe5p-1;
 };
 
@@ -36,10 +40,12 @@ template <> struct RnGaussianFraction<double>
 template <class T> class RnGaussianRng : public RnRng<T>
 {
 public:
+    /// @{
     /// Mean 0 and sigma 1 unless they are given. Raises ExInternalError "Assertion '_uniRng'
     /// failed." for no source, and then "Assertion '_sigma > 0' failed."; a NaN passes.
     explicit RnGaussianRng(RnRng<T>* uniRng);
     RnGaussianRng(RnRng<T>* uniRng, T mean, T sigma);
+    /// @}
 
     T operator()() override;
     void getSample(T& value) override;
@@ -58,8 +64,13 @@ public:
 
     virtual ~RnGaussianRng();
 
+    /// The mean of the samples.
     T getMean() const;
+
+    /// The standard deviation of the samples.
     T getSigma() const;
+
+    /// The source that is shaped.
     RnRng<T>* getUniRng() const;
 
     /// The next value for mean 0 and sigma 1.

@@ -17,9 +17,11 @@ namespace Zu
 template <class T, int N> class ZU_BASE_VISIBLE RnHaltonMultiRng : public RnUnitBoxRng<T, N>
 {
 public:
+    /// @{
     /// The first N primes as bases, unless N others are given.
     RnHaltonMultiRng();
     explicit RnHaltonMultiRng(const unsigned int* const primes);
+    /// @}
 
     void getSample(T* const values) override;
     void getSequence(unsigned int n, T** const arrays) override;
@@ -52,9 +54,12 @@ class ZU_BASE_VISIBLE RnHaltonBiRng : public RnUnitSquareRng<T, RnHaltonMultiRng
 public:
     using RnUnitSquareRng<T, RnHaltonMultiRng<T, 2>>::restart;
 
+    /// @{
     /// Bases 2 and 3 unless they are given.
     RnHaltonBiRng();
     RnHaltonBiRng(unsigned int prime0, unsigned int prime1);
+    /// @}
+
     virtual ~RnHaltonBiRng();
 
     /// The next point is number `n + 1`.

@@ -24,9 +24,11 @@ namespace Zu
 template <class T, int N> class RnHammersleyMultiRng : public RnUnitBoxRng<T, N>
 {
 public:
+    /// @{
     /// The first N - 1 primes as bases, unless N - 1 others are given. They are not checked.
     explicit RnHammersleyMultiRng(unsigned int length);
     RnHammersleyMultiRng(unsigned int length, const unsigned int* const primes);
+    /// @}
 
     void getSample(T* const values) override;
 
@@ -66,9 +68,12 @@ template <class T> class RnHammersleyBiRng : public RnUnitSquareRng<T, RnHammers
 public:
     using RnUnitSquareRng<T, RnHammersleyMultiRng<T, 2>>::restart;
 
+    /// @{
     /// The base of the second coordinate is 2 unless it is given.
     explicit RnHammersleyBiRng(unsigned int length);
     RnHammersleyBiRng(unsigned int length, unsigned int prime);
+    /// @}
+
     virtual ~RnHammersleyBiRng();
 
     /// As for RnHammersleyMultiRng.

@@ -76,11 +76,13 @@ public:
     void dumpInventor(std::ostream& out) const;
 
 protected:
+    /// The number of bins, as an integer.
     unsigned int getBinCount() const
     {
         return _nBins;
     }
 
+    /// The first edge.
     T getFirstEdge() const
     {
         return _edges.front();
@@ -104,6 +106,7 @@ private:
 template <class T> class RnUniformHistogram : public RnHistogram<T>
 {
 public:
+    /// `nBins` bins from `min` to `max`.
     RnUniformHistogram(unsigned int nBins, T min, T max);
     RnUniformHistogram(const RnUniformHistogram&) = default;
     RnUniformHistogram& operator=(const RnUniformHistogram&) = default;

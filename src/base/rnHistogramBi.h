@@ -57,9 +57,11 @@ public:
     /// The weight in all cells.
     T getTotal() const;
 
+    /// @{
     /// The number of bins on each axis.
     T getSizeX() const;
     T getSizeY() const;
+    /// @}
 
     /// Takes all weights out of the cells.
     void clear();
@@ -74,6 +76,8 @@ public:
     void dumpInventor(std::ostream& out) const;
 
 protected:
+    /// @{
+    /// The number of bins on an axis, as an integer.
     unsigned int getBinCountX() const
     {
         return _nBinsX;
@@ -83,7 +87,10 @@ protected:
     {
         return _nBinsY;
     }
+    /// @}
 
+    /// @{
+    /// The first edge on an axis.
     T getFirstEdgeX() const
     {
         return _edgesX.front();
@@ -93,6 +100,7 @@ protected:
     {
         return _edgesY.front();
     }
+    /// @}
 
 private:
     // The place of a cell in storage; false for a pair outside.
@@ -114,6 +122,7 @@ private:
 template <class T> class RnUniformHistogramBi : public RnHistogramBi<T>
 {
 public:
+    /// `nBinsX` times `nBinsY` cells, between the limits on each axis.
     RnUniformHistogramBi(unsigned int nBinsX, unsigned int nBinsY, T minX, T maxX, T minY, T maxY);
     RnUniformHistogramBi(const RnUniformHistogramBi&) = default;
     RnUniformHistogramBi& operator=(const RnUniformHistogramBi&) = default;

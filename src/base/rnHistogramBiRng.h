@@ -33,11 +33,13 @@ public:
     /// The pairs of `n` calls of getSample(), which a derived class may have replaced.
     void getSequence(unsigned int n, T* x, T* y) override;
 
+    /// @{
     /// Of the range from the first to the last edge on each axis.
     void getEfficientWidth(T& x, T& y) const override;
     void getEfficientMin(T& x, T& y) const override;
     void getEfficientMax(T& x, T& y) const override;
     T getEfficientFraction() const override;
+    /// @}
 
     /// The probability of the cell of a pair, 0 outside of all. Deliberately it is not divided by
     /// the area of the cell.

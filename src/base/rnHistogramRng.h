@@ -33,11 +33,13 @@ public:
     void getSample(T& value) override;
     void getSequence(unsigned int n, T* values) override;
 
+    /// @{
     /// Of the range from the first to the last edge, whatever the bins hold.
     T getEfficientWidth() const override;
     T getEfficientMin() const override;
     T getEfficientMax() const override;
     T getEfficientFraction() const override;
+    /// @}
 
     /// The density in the bin of `x`; 0 outside of all.
     T getPdf(T x) const override;

@@ -12,17 +12,20 @@
 namespace Zu
 {
 
-/// The numbers of the generator.
+/// What the integers of the generator are multiplied by.
 template <class T> struct RnLecuyerScale;
 
+/// In single precision.
 template <> struct RnLecuyerScale<float>
 {
     /// The float nearest to 1/2147483563.
     static constexpr float VALUE = 0x1p-31F;
 };
 
+/// In double precision.
 template <> struct RnLecuyerScale<double>
 {
+    /// 1/2147483563, rounded.
     static constexpr double VALUE = 1.0 / 2147483563.0;
 };
 
@@ -38,10 +41,12 @@ template <> struct RnLecuyerScale<double>
 template <class T> class ZU_BASE_VISIBLE RnLecuyerUniformRng : public RnUniformRng<T>
 {
 public:
+    /// @{
     /// Seeds 55555 and 99999 unless they are given.
     RnLecuyerUniformRng();
     explicit RnLecuyerUniformRng(unsigned int seed0);
     RnLecuyerUniformRng(unsigned int seed0, unsigned int seed1);
+    /// @}
 
     T operator()() override;
     void getSample(T& value) override;
@@ -72,6 +77,7 @@ public:
         return eval() * (max - min) + min;
     }
 
+    /// The next value times `max`.
     [[gnu::always_inline]] T evalScaled(T max)
     {
         return eval() * max;

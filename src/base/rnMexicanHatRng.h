@@ -17,10 +17,12 @@ namespace Zu
 template <class T> class ZU_BASE_VISIBLE RnMexicanHatRng : public RnRng<T>
 {
 public:
+    /// @{
     /// Center 0 and width 1 unless they are given. Raises ExInternalError "Assertion 'rng != 0'
     /// failed." for no source, and then "Assertion '_halfwidth > 0' failed."; a NaN passes.
     explicit RnMexicanHatRng(RnRng<T>* rng);
     RnMexicanHatRng(RnRng<T>* rng, T center, T width);
+    /// @}
 
     T operator()() override;
     void getSample(T& value) override;
@@ -39,6 +41,7 @@ public:
 
     virtual ~RnMexicanHatRng();
 
+    /// The source that is shaped.
     RnRng<T>* getUniRng() const;
 
     /// The next value for center 0 and sides of 1.

@@ -20,6 +20,7 @@ namespace Zu
 template <class T> class ZU_BASE_VISIBLE RnNiederreiterMultiRng : public RnUnitBoxRng<T, 4>
 {
 public:
+    /// At the first point.
     RnNiederreiterMultiRng();
 
     void getSample(T* const values) override;

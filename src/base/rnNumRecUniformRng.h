@@ -21,9 +21,12 @@ namespace Zu
 template <class T> class ZU_BASE_VISIBLE RnNumRecUniformRng : public RnUniformRng<T>
 {
 public:
+    /// @{
     /// Seed 0 unless it is given.
     RnNumRecUniformRng();
     explicit RnNumRecUniformRng(unsigned int seed);
+    /// @}
+
     RnNumRecUniformRng(const RnNumRecUniformRng&) = delete;
     RnNumRecUniformRng& operator=(const RnNumRecUniformRng&) = delete;
 
@@ -59,6 +62,7 @@ public:
         return eval() * (max - min) + min;
     }
 
+    /// The next value times `max`.
     [[gnu::always_inline]] T evalScaled(T max)
     {
         return eval() * max;

@@ -30,10 +30,12 @@ public:
     /// The next `n` values, as `n` successive draws, into `values[0..n-1]`.
     virtual void getSequence(unsigned int n, T* values) = 0;
 
+    /// @{
     /// The range in which samples effectively lie: its width, lower and upper end.
     virtual T getEfficientWidth() const = 0;
     virtual T getEfficientMin() const = 0;
     virtual T getEfficientMax() const = 0;
+    /// @}
 
     /// The fraction of the probability that the range is declared to hold.
     virtual T getEfficientFraction() const = 0;
@@ -64,10 +66,12 @@ public:
     /// The next `n` pairs, into two arrays of `n` values.
     virtual void getSequence(unsigned int n, T* x, T* y) = 0;
 
+    /// @{
     /// The range of each coordinate: its width, lower and upper end.
     virtual void getEfficientWidth(T& x, T& y) const = 0;
     virtual void getEfficientMin(T& x, T& y) const = 0;
     virtual void getEfficientMax(T& x, T& y) const = 0;
+    /// @}
 
     /// The fraction of the probability that the whole rectangle is declared to hold.
     virtual T getEfficientFraction() const = 0;
@@ -75,9 +79,11 @@ public:
     /// The joint density.
     virtual T getPdf(T x, T y) const = 0;
 
+    /// @{
     /// As for RnRng.
     virtual void restart() = 0;
     virtual const char* getName() const = 0;
+    /// @}
 
 protected:
     RnBiRng() = default;
@@ -96,10 +102,12 @@ public:
     /// The next `n` tuples; `arrays` holds N pointers, one array of `n` values per coordinate.
     virtual void getSequence(unsigned int n, T** const arrays) = 0;
 
+    /// @{
     /// The range of each coordinate: its width, lower and upper end, N values each.
     virtual void getEfficientWidth(T* const widths) const = 0;
     virtual void getEfficientMin(T* const mins) const = 0;
     virtual void getEfficientMax(T* const maxs) const = 0;
+    /// @}
 
     /// The fraction of the probability that the whole box is declared to hold.
     virtual T getEfficientFraction() const = 0;
@@ -107,9 +115,11 @@ public:
     /// The joint density at `values[0..N-1]`.
     virtual T getPdf(T* const values) const = 0;
 
+    /// @{
     /// As for RnRng.
     virtual void restart() = 0;
     virtual const char* getName() const = 0;
+    /// @}
 
 protected:
     RnMultiRng() = default;
@@ -123,24 +133,32 @@ protected:
 template <class T> class ZU_BASE_VISIBLE RnSphericalRng
 {
 public:
+    /// @{
     /// The next direction.
     virtual void getSampleXYZ(T& x, T& y, T& z) = 0;
     virtual void getSampleAngles(T& theta, T& phi) = 0;
     virtual void getSampleCosine(T& cosTheta, T& phi) = 0;
+    /// @}
 
+    /// @{
     /// The next `n` directions, into arrays of `n` values.
     virtual void getSequenceXYZ(unsigned int n, T* x, T* y, T* z) = 0;
     virtual void getSequenceAngles(unsigned int n, T* theta, T* phi) = 0;
     virtual void getSequenceCosine(unsigned int n, T* cosTheta, T* phi) = 0;
+    /// @}
 
+    /// @{
     /// The density, per steradian.
     virtual T getPdfXYZ(T x, T y, T z) const = 0;
     virtual T getPdfAngles(T theta, T phi) const = 0;
     virtual T getPdfCosine(T cosTheta, T phi) const = 0;
+    /// @}
 
+    /// @{
     /// As for RnRng.
     virtual void restart() = 0;
     virtual const char* getName() const = 0;
+    /// @}
 
 protected:
     RnSphericalRng() = default;

@@ -36,8 +36,11 @@ public:
     /// which reaches the very end of its cell.
     struct Choice
     {
+        /// Its index.
         std::uint32_t _cell;
+        /// How far into it.
         T _fraction;
+        /// Whether the draw is behind the whole table.
         bool _isEnd;
     };
 

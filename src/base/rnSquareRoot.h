@@ -9,6 +9,7 @@
 namespace Zu
 {
 
+/// @{
 /// The processor's own instruction: a platform's function may round twice where the compiler does
 /// not take its place.
 [[gnu::always_inline]] inline double rnSquareRoot(double value)
@@ -21,6 +22,7 @@ namespace Zu
 {
     return _mm_cvtss_f32(_mm_sqrt_ss(_mm_set_ss(value)));
 }
+/// @}
 
 } // namespace Zu
 

@@ -25,20 +25,25 @@ template <class T> class RnBitGenerator
     static constexpr int BITS = sizeof(T) == sizeof(float) ? 16 : 31;
 
 public:
+    /// An integer of the bits.
     using result_type = std::uint32_t;
 
+    /// Draws from `rng`.
     explicit RnBitGenerator(RnRng<T>& rng) : _rng(&rng) {}
 
+    /// No bit is set.
     static constexpr result_type min()
     {
         return 0;
     }
 
+    /// All bits are set: 16 of a `float`'s source, 31 of a `double`'s.
     static constexpr result_type max()
     {
         return (result_type(1) << BITS) - 1;
     }
 
+    /// The bits of the next sample.
     result_type operator()()
     {
         const T scaled = (*_rng)() * static_cast<T>(result_type(1) << BITS);
@@ -57,10 +62,14 @@ private:
 template <class T> class RnDistribution
 {
 public:
+    /// That of the samples.
     using result_type = T;
 
+    /// Draws from `rng`.
     explicit RnDistribution(RnRng<T>& rng) : _rng(&rng) {}
 
+    /// @{
+    /// The next sample of the source.
     result_type operator()()
     {
         return (*_rng)();
@@ -70,7 +79,9 @@ public:
     {
         return (*_rng)();
     }
+    /// @}
 
+    /// @{
     /// The range in which samples effectively lie.
     result_type min() const
     {
@@ -81,6 +92,7 @@ public:
     {
         return _rng->getEfficientMax();
     }
+    /// @}
 
     /// Restarts the source.
     void reset()
@@ -97,6 +109,7 @@ private:
 template <class T, class Engine = std::mt19937> class RnEngineRng : public RnUniformRng<T>
 {
 public:
+    /// Copies the engine, in its present state.
     explicit RnEngineRng(const Engine& engine = Engine()) : _start(engine), _engine(engine) {}
 
     virtual ~RnEngineRng() = default;

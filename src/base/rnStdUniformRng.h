@@ -37,6 +37,8 @@ public:
 
     /// The next value, scaled to a range.
     T evalRange(T min, T max);
+
+    /// The next value times `max`.
     T evalScaled(T max);
 
 private:

@@ -22,9 +22,11 @@ namespace Zu
 template <class T> class ZU_BASE_VISIBLE RnVanDerCorputRng : public RnUniformRng<T>
 {
 public:
+    /// @{
     /// Base 2 unless it is given; the first point is number 1.
     RnVanDerCorputRng();
     explicit RnVanDerCorputRng(unsigned int base);
+    /// @}
 
     T operator()() override;
     void getSample(T& value) override;
@@ -44,10 +46,13 @@ public:
     /// Another base, from the next point on; the points' numbers go on.
     void setBase(unsigned int base);
 
+    /// The base of the digits.
     unsigned int getBase() const;
 
     /// The next value, scaled to a range.
     T evalRange(T min, T max);
+
+    /// The next value times `max`.
     T evalScaled(T max);
 
 private:

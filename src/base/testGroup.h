@@ -55,7 +55,10 @@ public:
     /// Null for a group without a name.
     const char* getName() const;
 
+    /// What setPrintHeaders() was told.
     bool getPrintHeaders() const;
+
+    /// What setGroupNameInArgs() was told.
     bool getGroupNameInArgs() const;
 
     /// The first group of this name; null if there is none, and for null.
@@ -79,7 +82,7 @@ protected:
     explicit TestGroup(const char* name = nullptr);
 
     /// The texts are copied; null takes one away. A name that another group has raises
-    /// ExInternalError "Duplicate test group : "<name>"." and leaves this one without a name.
+    /// ExInternalError `Duplicate test group : "<name>".` and leaves this one without a name.
     void setName(const char* name);
 
     /// What stands behind the name in printInstances().

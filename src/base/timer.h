@@ -21,9 +21,11 @@ public:
     TimerBase& operator=(const TimerBase&) = default;
     virtual ~TimerBase();
 
+    /// @{
     /// The name is kept as a pointer.
     virtual void setName(const char* name) = 0;
     virtual const char* getName() const = 0;
+    /// @}
 
     /// Begins a span; the total stays.
     virtual void start() = 0;
@@ -42,6 +44,7 @@ public:
 template <class T> class ZU_BASE_VISIBLE Timer : public TimerBase
 {
 public:
+    /// Stopped, with the total 0. The name is kept as a pointer.
     explicit Timer(const char* name = "anonymous") : _timer(name) {}
 
     void setName(const char* name) override

@@ -41,8 +41,8 @@ public:
     /// on before. The file is kept as a pointer unless it is null.
     static TraceLevel* registerLevel(const char* name, const char* file);
 
-    /// Applies an option text; null does nothing. Raises ExInternalError "Unknown token "<token>"
-    /// in trace options."; what stands before it holds.
+    /// Applies an option text; null does nothing. Raises ExInternalError
+    /// `Unknown token "<token>" in trace options.`; what stands before it holds.
     static void setOptions(const char* options);
 
     /// Writes all levels, whether they are on, and the sources that registered them.

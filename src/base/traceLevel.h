@@ -22,6 +22,7 @@ public:
     TraceLevel(const TraceLevel&) = delete;
     TraceLevel& operator=(const TraceLevel&) = delete;
 
+    /// The name; owned by the level.
     const char* getName() const
     {
         return _name.get();
