@@ -1,5 +1,6 @@
 #include "base/textToDouble.h"
 
+#include <cctype>
 #include <charconv>
 #include <cstring>
 #include <limits>
@@ -10,9 +11,22 @@ namespace Zu
 namespace
 {
 
+// Whether a digit follows "0x", perhaps behind a point. Without one the number is the "0" alone,
+// whatever else from_chars() would take there: a sign, "inf", "nan".
 bool isHexadecimal(const char* text)
 {
-    return text[0] == '0' && (text[1] == 'x' || text[1] == 'X');
+    if (text[0] != '0' || (text[1] != 'x' && text[1] != 'X')) return false;
+    const char* const digit = text[2] == '.' ? text + 3 : text + 2;
+    return std::isxdigit(static_cast<unsigned char>(*digit)) != 0;
+}
+
+// Where a number that begins here must have ended: the standard library takes "p+-1" for an
+// exponent.
+const char* boundOf(const char* begin, bool isHex)
+{
+    const char* const mark = isHex ? std::strpbrk(begin, "pP") : nullptr;
+    if (mark && mark[1] == '+' && mark[2] == '-') return mark;
+    return begin + std::strlen(begin);
 }
 
 // Whether a number that does not fit is too great, and not too small: whether its digits before the
@@ -43,7 +57,9 @@ bool isTooGreat(const char* begin, const char* end, bool isHex)
         if (isBegun && !isBehindPoint) ++places;
         if (!isBegun && isBehindPoint) --places;
     }
-    return places * (isHex ? 4 : 1) + exponent > 0;
+    long magnitude = 0;
+    if (__builtin_add_overflow(places * (isHex ? 4 : 1), exponent, &magnitude)) return exponent > 0;
+    return magnitude > 0;
 }
 
 } // namespace
@@ -58,7 +74,7 @@ double textToDouble(const char* text)
     const char* const begin = isHex ? text + 2 : text;
     double value = 0;
     const auto format = isHex ? std::chars_format::hex : std::chars_format::general;
-    const auto result = std::from_chars(begin, begin + std::strlen(begin), value, format);
+    const auto result = std::from_chars(begin, boundOf(begin, isHex), value, format);
     if (result.ec == std::errc::invalid_argument) return 0;
     if (result.ec == std::errc::result_out_of_range)
         value = isTooGreat(begin, result.ptr, isHex) ? std::numeric_limits<double>::infinity() : 0;

@@ -39,6 +39,16 @@ TEST(TextToDouble, ReadsTheNumberAtTheBeginning)
         {"0x10", 16},
         {"-0X1p4", -16},
         {"0x1.8", 1.5},
+        // Behind "0x" stands a digit, or the number is the "0".
+        {"0x", 0},
+        {"0x.", 0},
+        {"0x.8", 0.5},
+        {"0x-5", 0},
+        {"0xinf", 0},
+        {"0xnan", 0},
+        {"0x3ap+1", 116},
+        {"0x3ap+-1", 58},
+        {"0x3ap-+1", 58},
         {"inf", INFINITE},
         {"-Infinity", -INFINITE},
         {"1e400", INFINITE},
@@ -46,6 +56,8 @@ TEST(TextToDouble, ReadsTheNumberAtTheBeginning)
         {"1e-400", 0},
         {"1e99999999999999999999", INFINITE},
         {"1e-99999999999999999999", 0},
+        {"1e9223372036854775807", INFINITE},
+        {"1e-9223372036854775807", 0},
         {"0.00001e401", INFINITE},
         {"100000e-400", 0},
         {"0x1p2000", INFINITE},
@@ -55,12 +67,20 @@ TEST(TextToDouble, ReadsTheNumberAtTheBeginning)
     for (const auto& row : rows) EXPECT_EQ(textToDouble(row._text), row._value) << row._text;
     EXPECT_TRUE(std::isnan(textToDouble("nan")));
     EXPECT_TRUE(std::signbit(textToDouble("-0")));
+    EXPECT_TRUE(std::signbit(textToDouble("-0x")));
 }
 
 TEST(TextToDouble, ANumberOfManyDigitsBeyondTheRangeIsInfinite)
 {
     EXPECT_EQ(textToDouble(std::string(400, '9').c_str()), INFINITE);
     EXPECT_EQ(textToDouble(("0." + std::string(400, '0') + "1").c_str()), 0);
+}
+
+TEST(TextToDouble, DigitsBehindTheFirstThatCountsMakeNoNumberSmaller)
+{
+    EXPECT_EQ(textToDouble(("1." + std::string(500, '0') + "e400").c_str()), INFINITE);
+    EXPECT_EQ(textToDouble(("0.1" + std::string(500, '0') + "e400").c_str()), INFINITE);
+    EXPECT_EQ(textToDouble(("0x1." + std::string(600, '0') + "p2000").c_str()), INFINITE);
 }
 
 } // namespace

@@ -1,0 +1,49 @@
+// How options stand on a command line, written anew to hold the library's parser against.
+
+#ifndef ZU_FUZZ_OPTIONWALK_H
+#define ZU_FUZZ_OPTIONWALK_H
+
+#include <cstddef>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace fuzz
+{
+
+class OptionWalk
+{
+public:
+    static constexpr int END = -1;
+    static constexpr int UNKNOWN = '?';
+
+    // The first word, the program's name, counts as walked through.
+    OptionWalk(std::vector<std::string> words, std::string options);
+
+    int next();
+    const std::optional<std::string>& nextValue();
+
+    const std::optional<std::string>& value() const
+    {
+        return _value;
+    }
+
+    std::size_t index() const
+    {
+        return _index;
+    }
+
+private:
+    void takeNextWord();
+
+    std::vector<std::string> _words;
+    std::string _options;
+    std::optional<std::string> _value;
+    std::size_t _index = 0;
+    // What of the word is still to be read.
+    std::string _rest;
+};
+
+} // namespace fuzz
+
+#endif
