@@ -23,6 +23,19 @@ constexpr int NAPS = 5;
 // A look around without cause, should a wake-up ever get lost.
 constexpr std::chrono::milliseconds PATIENCE{250};
 
+// What can't be asked is looked at: the failure that is met then is told, and tried again.
+bool areEventsPending()
+{
+    try
+    {
+        return LgReader().eventsPending();
+    }
+    catch (const std::exception&)
+    {
+        return true;
+    }
+}
+
 } // namespace
 
 LgServiceReader::LgServiceReader(LgServiceThreads& threads) : _threads(threads)
@@ -47,7 +60,7 @@ void LgServiceReader::rest(int& naps)
         ++naps;
         return;
     }
-    _threads.news().listen([this] { return _stop || LgReader().eventsPending(); }, PATIENCE);
+    _threads.news().listen([this] { return _stop || areEventsPending(); }, PATIENCE);
 }
 
 void LgServiceReader::run()

@@ -6,6 +6,7 @@
 #include "base/lgQueue.h"
 #include "base/lgTypes.h"
 
+#include <atomic>
 #include <charconv>
 #include <cstring>
 #include <iostream>
@@ -62,8 +63,10 @@ char* appendText(char* place, LgQueue& q, const LgQueue::Entry& e)
     return place + length;
 }
 
-// In one piece: a line costs one call of the system.
-void writeLine(std::ostream& out, const char* line, std::size_t length)
+std::atomic<std::uint64_t> unwrittenCount{0};
+
+// In one piece: a line costs one call of the system. False if the stream has not taken it.
+bool writeLine(std::ostream& out, const char* line, std::size_t length)
 {
     if (LgLog::isTimeStampsEnabled())
     {
@@ -75,16 +78,18 @@ void writeLine(std::ostream& out, const char* line, std::size_t length)
     {
         // What write() and flush() do, with the stream's preparations for output made once.
         const std::ostream::sentry prepared(out);
-        if (!prepared) return;
+        if (!prepared) return false;
         const auto size = static_cast<std::streamsize>(length);
         const bool isWritten = out.rdbuf()->sputn(line, size) == size;
-        if (!isWritten || out.rdbuf()->pubsync() != 0) out.setstate(std::ios::badbit);
+        if (isWritten && out.rdbuf()->pubsync() == 0) return true;
+        out.setstate(std::ios::badbit);
     }
     catch (...)
     {
-        // Of a stream that a client has asked to raise. Nobody looks at failures: the line is lost,
-        // and the event is removed all the same.
+        // Of a stream that a client has asked to raise. The line is lost, and the event is removed
+        // all the same.
     }
+    return false;
 }
 
 } // namespace
@@ -128,6 +133,11 @@ bool LgReader::findEarliest(LgQueue*& earliest)
     return true;
 }
 
+std::uint64_t LgReader::getUnwrittenCount()
+{
+    return unwrittenCount.load(std::memory_order_relaxed);
+}
+
 void LgReader::flushAll()
 {
     while (flushEarliest()) continue;
@@ -146,7 +156,9 @@ void LgReader::flushQueue(LgQueue* q)
     end = appendText(end, *q, e);
     *end++ = '\n';
     const auto length = static_cast<std::size_t>(end - line);
-    if (std::ostream* const out = LgLog::getLevelOutput(level)) writeLine(*out, line, length);
+    std::ostream* const out = LgLog::getLevelOutput(level);
+    if (out && !writeLine(*out, line, length) && !e.isOverflowEntry())
+        unwrittenCount.fetch_add(1, std::memory_order_relaxed);
     if (LgLog::isLevelEchoed(level)) writeLine(std::cout, line, length);
     q->removeEntry();
 }

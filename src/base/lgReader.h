@@ -6,6 +6,8 @@
 
 #include "base/baseApi.h"
 
+#include <cstdint>
+
 namespace Zu
 {
 
@@ -21,8 +23,8 @@ class LgQueue;
 /// first.
 ///
 /// A line goes to the file of its level and, if the level is echoed, to standard output, and is
-/// flushed; a level with neither swallows it. Failures to write are not looked at. What the lock
-/// between processes raises reaches the caller.
+/// flushed; a level with neither swallows it. What a file does not take is lost, without a word,
+/// but counted. What the lock between processes raises reaches the caller.
 ///
 /// The queue of a thread that has ended is deleted once it is empty.
 ///
@@ -40,6 +42,11 @@ public:
     /// Writes all events, until no queue has one; so it does not return while producers keep up a
     /// steady stream.
     void flushAll();
+
+    /// How many events the files of their levels have not taken whole, since the process began:
+    /// they could not be opened, or the disk was full. Of one at which a file failed the rest may
+    /// yet be written when the file is closed. Any thread may ask.
+    static std::uint64_t getUnwrittenCount();
 
 private:
     // False if a queue was reaped on the way; then nothing is found yet.

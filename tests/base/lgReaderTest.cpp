@@ -772,14 +772,49 @@ TEST_F(LgReaderTest, AStreamThatFailedLosesItsLinesAndKeepsTheEcho)
     setAllLevels("%+all.log");
     start();
     Entered<LgQueue> queue;
+    const std::uint64_t unwritten = LgReader::getUnwrittenCount();
     LgLog::getLevelOutput(LgTypes::Warning)->setstate(std::ios_base::badbit);
     addEvent(queue, LgTypes::Warning, "lost");
     EXPECT_EQ(printedBy([&] { EXPECT_TRUE(_reader.flushEarliest()); }), "lost\n");
     EXPECT_TRUE(queue.isEmpty());
+    EXPECT_EQ(LgReader::getUnwrittenCount(), unwritten + 1);
     LgLog::getLevelOutput(LgTypes::Warning)->clear();
     addEvent(queue, LgTypes::Warning, "written");
     EXPECT_EQ(printedBy([&] { EXPECT_TRUE(_reader.flushEarliest()); }), "written\n");
     EXPECT_EQ(written(), "written\n");
+    EXPECT_EQ(LgReader::getUnwrittenCount(), unwritten + 1);
+}
+
+// Takes nothing.
+class FullBuffer : public std::streambuf
+{
+};
+
+// Only events that a file should have had: lost ones are in another count, and the echo is no file.
+TEST_F(LgReaderTest, EventsThatAFullFileDoesNotTakeAreCounted)
+{
+    setAllLevels("%+all.log");
+    start();
+    Entered<LgQueue> queue;
+    std::ostream& file = *LgLog::getLevelOutput(LgTypes::Warning);
+    FullBuffer full;
+    std::streambuf* const former = file.rdbuf(&full);
+    const std::uint64_t unwritten = LgReader::getUnwrittenCount();
+    std::uint64_t events = 0;
+    for (; queue.reserveEntry(LgTypes::Warning); ++events)
+    {
+        queue.getStream() << "lost" << Zu::ends;
+        queue.addEntry();
+    }
+    ASSERT_EQ(queue.getLostCount(), 1U);
+    printedBy([&] { _reader.flushAll(); });
+    EXPECT_EQ(LgReader::getUnwrittenCount(), unwritten + events);
+    file.rdbuf(former);
+    addEvent(queue, LgTypes::Warning, "written");
+    std::streambuf* const formerOut = std::cout.rdbuf(&full);
+    _reader.flushAll();
+    std::cout.rdbuf(formerOut);
+    EXPECT_EQ(LgReader::getUnwrittenCount(), unwritten + events);
 }
 
 TEST_F(LgReaderTest, AFailedStandardOutputLeavesTheFile)
@@ -799,11 +834,6 @@ TEST_F(LgReaderTest, AFailedStandardOutputLeavesTheFile)
     EXPECT_EQ(written(), "text\n");
     EXPECT_TRUE(queue.isEmpty());
 }
-
-// Takes nothing.
-class FullBuffer : public std::streambuf
-{
-};
 
 TEST_F(LgReaderTest, AStreamThatIsAskedToRaiseLosesItsLinesAllTheSame)
 {

@@ -1,0 +1,44 @@
+#include "stress/hardEnd.h"
+
+#include <cstdlib>
+#include <malloc.h>
+#include <windows.h>
+
+namespace stress
+{
+
+void killSelf()
+{
+    // What the runtime has for an abort, so that a killed process looks the same on both platforms.
+    constexpr UINT KILLED = 3;
+    TerminateProcess(GetCurrentProcess(), KILLED);
+    while (true) Sleep(INFINITE);
+}
+
+void* allocateAligned(std::size_t size, std::size_t alignment)
+{
+    return _aligned_malloc(size, alignment);
+}
+
+void freeAligned(void* memory)
+{
+    _aligned_free(memory);
+}
+
+// Nobody comes here: what needs limits is left out on Windows.
+ResourceLimit::ResourceLimit(Resource resource, std::uint64_t limit)
+    : _resource(resource), _former(limit)
+{
+    std::abort();
+}
+
+ResourceLimit::~ResourceLimit() = default;
+
+void letLongFilesFail() {}
+
+std::uint64_t addressSpace()
+{
+    return 0;
+}
+
+} // namespace stress
