@@ -46,6 +46,20 @@ bool setFileLock(int file, off_t byte, short kind, bool wait)
     return result == 0;
 }
 
+struct stat statusOf(int file)
+{
+    struct stat status = {};
+    if (fstat(file, &status) != 0) raise(errno);
+    return status;
+}
+
+// Whoever can write to a mutex leads the library that works on it to write elsewhere, so memory
+// that another user made or can change is not touched.
+bool isOwn(const struct stat& status)
+{
+    return S_ISREG(status.st_mode) && status.st_uid == geteuid() && (status.st_mode & 0077) == 0;
+}
+
 void makeMutex(pthread_mutex_t& mutex)
 {
     pthread_mutexattr_t attributes;
@@ -67,7 +81,7 @@ public:
     explicit SharedMemory(const char* name) : SharedMemory()
     {
         if (name)
-            openNamed(lgLockName(name));
+            openNamed(lgLockName(name, geteuid()));
         else
             map(MAP_SHARED | MAP_ANONYMOUS);
     }
@@ -114,8 +128,9 @@ private:
     {
         _file = shm_open(name.c_str(), O_RDWR | O_CREAT, 0600);
         if (_file < 0) raise(errno);
-        struct stat status = {};
-        if (!setFileLock(_file, CHANGE, F_WRLCK, true) || fstat(_file, &status) != 0) raise(errno);
+        if (!isOwn(statusOf(_file))) raise(EACCES);
+        if (!setFileLock(_file, CHANGE, F_WRLCK, true)) raise(errno);
+        const auto status = statusOf(_file);
         if (status.st_nlink == 0) return false;
         if (status.st_size < static_cast<off_t>(sizeof(pthread_mutex_t)) &&
             ftruncate(_file, sizeof(pthread_mutex_t)) != 0)

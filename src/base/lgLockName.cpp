@@ -16,10 +16,10 @@ bool isPlain(char c)
 
 } // namespace
 
-std::string lgLockName(const char* name)
+std::string lgLockName(const char* name, std::uint32_t user)
 {
     constexpr char DIGITS[] = "0123456789abcdef";
-    std::string text = "/ZU-lock-";
+    std::string text = "/ZU-lock-" + std::to_string(user) + "-";
     for (; *name != '\0'; ++name)
     {
         const auto byte = static_cast<unsigned char>(*name);

@@ -9,6 +9,7 @@
 #include "base/osEnv.h"
 #include "base/osFilePath.h"
 #include "base/osFsUtils.h"
+#include "base/osOutputFile.h"
 
 #include <cstring>
 #include <ctime>
@@ -219,8 +220,8 @@ void LgLog::openOutputs()
         if (!info._file) continue;
         info._output = openedBefore(i);
         if (info._output) continue;
-        const auto mode = info._append ? std::ios::app : std::ios::trunc;
-        info._output = new std::ofstream(info._file, std::ios::out | std::ios::binary | mode);
+        info._output = new std::ofstream;
+        osOpenOutput(*info._output, info._file, info._append);
         const LgInterProcessLockGuard guard(getInterProcessLock());
         writeBanner(*info._output);
     }

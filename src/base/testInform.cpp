@@ -2,6 +2,7 @@
 
 #include "base/exDefine.h"
 #include "base/osEnv.h"
+#include "base/osOutputFile.h"
 #include "base/traceManager.h"
 
 #include <fstream>
@@ -17,10 +18,14 @@ void inform(const char* prefix, const char* text)
 {
     const std::string message = std::string(prefix) + ExText::orEmpty(text);
     const char* const file = OsEnv::getVariable("ZU_RUN_TEST_MSGS");
-    if (file && *file != '\0')
-        std::ofstream(file, std::ios::out | std::ios::binary | std::ios::trunc) << message << '\n';
-    else
+    if (!file || *file == '\0')
+    {
         TraceManager::getInstance().print(message.c_str());
+        return;
+    }
+    std::ofstream stream;
+    osOpenOutput(stream, file, false);
+    stream << message << '\n';
 }
 
 } // namespace

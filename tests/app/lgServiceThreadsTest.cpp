@@ -1,5 +1,7 @@
 #include "app/lgServiceThreads.h"
 
+#include "app/lgServiceRegistry.h"
+#include "base/exInternalError.h"
 #include "base/lgLog.h"
 #include "base/lgReader.h"
 #include "support/platform.h"
@@ -125,6 +127,51 @@ TEST_F(LgServiceThreadsTest, AProducerMakesRoomItselfWhenNoServiceRuns)
     queue.waitForSpace(100);
     EXPECT_FALSE(queue.isFull());
     EXPECT_TRUE(add(queue, "further"));
+}
+
+TEST_F(LgServiceThreadsTest, RoomThatJustDoesIsNotWaitedFor)
+{
+    _threads.start();
+    LgQueue& queue = *LgServiceThreads::queueOfThread();
+    ASSERT_TRUE(add(queue, "kept"));
+    _threads.stop();
+    const auto room = static_cast<int>(queue.getStream().getNumCharacters());
+    queue.waitForSpace(room);
+    EXPECT_FALSE(queue.isEmpty());
+    // Whoever lacks room while no service runs writes events.
+    queue.waitForSpace(room + 1);
+    EXPECT_TRUE(queue.isEmpty());
+}
+
+// It can't be asked for a while, as a lock can't be taken whose holder is gone.
+class HesitantRegistry : public Zu::LgServiceRegistry
+{
+public:
+    Zu::List<LgQueue*> getQueueList() const override
+    {
+        if (_refusals == 0) return LgServiceRegistry::getQueueList();
+        --_refusals;
+        throw Zu::ExInternalError(__FILE__, __LINE__, "no list");
+    }
+
+    static inline int _refusals = 0;
+};
+
+TEST_F(LgServiceThreadsTest, AProducerThatMakesRoomTriesAgainWhatFails)
+{
+    Zu::LgLog::setRegistry(Zu::ObjPtr<Zu::LgRegistry>(new HesitantRegistry));
+    _threads.start();
+    LgQueue& queue = *LgServiceThreads::queueOfThread();
+    while (add(queue, "kept")) continue;
+    _threads.stop();
+    HesitantRegistry::_refusals = LgServiceThreads::LAST_TRIES - 1;
+    EXPECT_NO_THROW(queue.waitForSpace(100));
+    EXPECT_EQ(HesitantRegistry::_refusals, 0);
+    EXPECT_FALSE(queue.isFull());
+    HesitantRegistry::_refusals = LgServiceThreads::LAST_TRIES;
+    while (add(queue, "kept")) continue;
+    EXPECT_THROW(queue.waitForSpace(100), Zu::ExInternalError);
+    EXPECT_EQ(HesitantRegistry::_refusals, 0);
 }
 
 TEST_F(LgServiceThreadsTest, AProducerThatWaitsForRoomGoesOnWhenAnEventIsTaken)

@@ -595,6 +595,29 @@ TEST_F(LogTraceManagerTest, WithoutARunningLoggerLinesGoToStandardOutput)
     EXPECT_EQ(lines(), Texts());
 }
 
+TEST_F(LogTraceManagerTest, LinesOfManyThreadsAreWholeWithoutARunningLogger)
+{
+    constexpr int THREADS = 6;
+    constexpr int LINES = 200;
+    const LogTraceManager manager;
+    YieldingBuffer buffer;
+    {
+        const support::CoutGuard guard(buffer);
+        std::vector<std::thread> threads;
+        for (int thread = 0; thread < THREADS; ++thread)
+            threads.emplace_back(
+                [thread]
+                {
+                    for (int i = 0; i < LINES; ++i) ZU_TRACE(Main, "line of " << thread);
+                });
+        for (std::thread& thread : threads) thread.join();
+    }
+    std::map<std::string, int> counts;
+    for (const std::string& line : support::linesOf(buffer.text())) ++counts[line];
+    EXPECT_EQ(counts.size(), static_cast<std::size_t>(THREADS));
+    for (const auto& [line, count] : counts) EXPECT_EQ(count, LINES) << line;
+}
+
 TEST_F(LogTraceManagerTest, TheOptionPrefixChangesNothing)
 {
     const LogTraceManager manager;

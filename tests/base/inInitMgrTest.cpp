@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <gtest/gtest.h>
+#include <sstream>
 #include <string>
 #include <vector>
 
@@ -216,6 +217,13 @@ TEST(InInitMgr, GetEnvGivesTheEnvironmentOfTheBeginning)
                           "no name null\n"
                           "startup::name = 'changed' from Zu::InContextAlias<Zu::InInitEnv, 1>\n"
                           "end of main\n");
+}
+
+TEST(InInitMgr, ReportsThatThereAreNoCycles)
+{
+    std::ostringstream os;
+    EXPECT_EQ(&Zu::InInitMgr::getInstance().reportCycles(os), &os);
+    EXPECT_EQ(os.str(), "No dependency cycles to report.\n");
 }
 
 TEST(InInitMgr, TheBodiesOfThePackagesMakeProcessorFactsAndCounterReady)

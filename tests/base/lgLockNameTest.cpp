@@ -1,6 +1,7 @@
 #include "base/lgLockName.h"
 
 #include <cstddef>
+#include <cstdint>
 #include <gtest/gtest.h>
 #include <random>
 #include <string>
@@ -8,7 +9,8 @@
 namespace
 {
 
-const std::string PREFIX = "/ZU-lock-";
+constexpr std::uint32_t USER = 1000;
+const std::string PREFIX = "/ZU-lock-1000-";
 
 // The name that a text of this form stands for.
 std::string decoded(const std::string& text)
@@ -29,18 +31,25 @@ std::string decoded(const std::string& text)
 
 TEST(LgLockName, PlainNamesStandBehindThePrefixAsTheyAre)
 {
-    EXPECT_EQ(Zu::lgLockName("MyLock-2_b.x"), "/ZU-lock-MyLock-2_b.x");
-    EXPECT_EQ(Zu::lgLockName(".."), "/ZU-lock-..");
-    EXPECT_EQ(Zu::lgLockName(""), "/ZU-lock-");
+    EXPECT_EQ(Zu::lgLockName("MyLock-2_b.x", USER), "/ZU-lock-1000-MyLock-2_b.x");
+    EXPECT_EQ(Zu::lgLockName("..", USER), "/ZU-lock-1000-..");
+    EXPECT_EQ(Zu::lgLockName("", USER), "/ZU-lock-1000-");
+}
+
+TEST(LgLockName, EachUserHasLocksOfHisOwn)
+{
+    EXPECT_EQ(Zu::lgLockName("a", 0), "/ZU-lock-0-a");
+    EXPECT_EQ(Zu::lgLockName("a", 4294967294), "/ZU-lock-4294967294-a");
+    EXPECT_NE(Zu::lgLockName("1-a", 1), Zu::lgLockName("a", 11));
 }
 
 TEST(LgLockName, OtherBytesAreEscaped)
 {
-    EXPECT_EQ(Zu::lgLockName("a b"), "/ZU-lock-a%20b");
-    EXPECT_EQ(Zu::lgLockName("100%"), "/ZU-lock-100%25");
-    EXPECT_EQ(Zu::lgLockName("%20"), "/ZU-lock-%2520");
-    EXPECT_EQ(Zu::lgLockName("\x01"), "/ZU-lock-%01");
-    EXPECT_EQ(Zu::lgLockName("\x80\x99"), "/ZU-lock-%80%99");
+    EXPECT_EQ(Zu::lgLockName("a b", USER), "/ZU-lock-1000-a%20b");
+    EXPECT_EQ(Zu::lgLockName("100%", USER), "/ZU-lock-1000-100%25");
+    EXPECT_EQ(Zu::lgLockName("%20", USER), "/ZU-lock-1000-%2520");
+    EXPECT_EQ(Zu::lgLockName("\x01", USER), "/ZU-lock-1000-%01");
+    EXPECT_EQ(Zu::lgLockName("\x80\x99", USER), "/ZU-lock-1000-%80%99");
 }
 
 TEST(LgLockName, EveryByteIsEitherKeptOrEscaped)
@@ -51,7 +60,7 @@ TEST(LgLockName, EveryByteIsEitherKeptOrEscaped)
     for (int byte = 1; byte < 256; ++byte)
     {
         const std::string name(1, static_cast<char>(byte));
-        const std::string text = Zu::lgLockName(name.c_str());
+        const std::string text = Zu::lgLockName(name.c_str(), USER);
         if (kept.find(name) != std::string::npos)
         {
             EXPECT_EQ(text, PREFIX + name) << byte;
@@ -75,7 +84,7 @@ TEST(LgLockName, NamesOfDifferentTextStayDifferentAndNoneLeadsElsewhere)
         std::string name;
         for (auto length = random() % 12; length > 0; --length)
             name += characters[random() % characters.size()];
-        const std::string text = Zu::lgLockName(name.c_str());
+        const std::string text = Zu::lgLockName(name.c_str(), USER);
         ASSERT_EQ(decoded(text), name);
         ASSERT_EQ(text.rfind('/'), 0U) << name;
         ASSERT_EQ(text.find('\\'), std::string::npos) << name;

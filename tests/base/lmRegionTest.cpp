@@ -481,6 +481,15 @@ TEST(LmRegion, WhatIsNoLineOfTheMapIsToldSo)
     }
 }
 
+TEST(LmRegion, AMappingMayBeEmptyButDoesNotEndBeforeItBegins)
+{
+    MapLine line{};
+    ASSERT_TRUE(Zu::LmRegion::parseMapLine("1000-1000 r-xp 00000000 fd:00 12 /a", line));
+    EXPECT_EQ(line._begin, 0x1000U);
+    EXPECT_EQ(line._end, 0x1000U);
+    EXPECT_FALSE(Zu::LmRegion::parseMapLine("1000-fff r-xp 00000000 fd:00 12 /a", line));
+}
+
 // Every beginning of a line is one or none, and nothing behind it is read.
 TEST(LmRegion, ALineMayEndAnywhere)
 {

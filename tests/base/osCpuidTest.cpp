@@ -397,6 +397,17 @@ TEST(OsCpuid, AMissingDeterministicCacheLeafIsNotRead)
     }
 }
 
+TEST(OsCpuid, TheDeterministicCacheLeafIsReadWhereItIsTheHighest)
+{
+    Processor processor = modernProcessor();
+    processor._highestLeaf = 4;
+    const Caches caches = processor.decode();
+    expectCache(caches._l1Data, 49152, 12, 64);
+    expectCache(caches._l1Instruction, 65536, 8, 64);
+    expectCache(caches._l2Unified, 1310720, 20, 64);
+    EXPECT_EQ(caches._pageSize, systemPage);
+}
+
 TEST(OsCpuid, PartitionsCountIntoTheSize)
 {
     Processor processor = modernProcessor();

@@ -571,6 +571,19 @@ TEST_F(PeriodicTimerBeatTest, TheHalfSecondOfTheCheckBeginsAfterTheStart)
     EXPECT_EQ(timer._waits, 2U);
 }
 
+// No destructor follows for a timer whose constructor asks.
+TEST_F(PeriodicTimerBeatTest, ACheckThatRaisesLeavesTheTimerAsItWas)
+{
+    const auto noTime = []() -> double { throw std::runtime_error("no time"); };
+    FakeBeat timer(EIGHTH);
+    EXPECT_THROW(timer.isBeating(UNIT, noTime), std::runtime_error);
+    EXPECT_FALSE(timer._running);
+    EXPECT_EQ(timer._calls, Calls({"begin 125", "end"}));
+    timer.start();
+    EXPECT_THROW(timer.isBeating(UNIT, noTime), std::runtime_error);
+    EXPECT_TRUE(timer._running);
+}
+
 TEST_F(PeriodicTimerBeatTest, TheCheckMayBeRepeated)
 {
     ScriptedBeat timer(EIGHTH, {EIGHTH, NEVER, EIGHTH});

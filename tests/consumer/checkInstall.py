@@ -1,6 +1,7 @@
 """Installs a build, moves it, and builds and runs a project of somebody else with it.
 
-Once by its CMake package and once by its pkg-config files.
+Once by its CMake package and once by its pkg-config files; then the same with the packages made of
+the build, unpacked.
 """
 
 import os
@@ -30,6 +31,26 @@ def installed(build, place):
     return place / "moved"
 
 
+def unpacked(build, place):
+    """The tree that the packages hold."""
+    call("cpack", "--config", build / "CPackConfig.cmake", "-B", place)
+    for archive in place.glob("*.zip"):
+        shutil.unpack_archive(archive, place)
+        return place / archive.stem
+    packages = sorted(place.glob("*.deb"))
+    names = [call("dpkg-deb", "--field", package, "Package").strip() for package in packages]
+    if names != ["libzubase-dev", "libzubase0.2"]:
+        sys.exit(f"these packages came: {names}")
+    needed = call("dpkg-deb", "--field", packages[0], "Depends").strip()
+    if needed != "libzubase0.2 (= 0.2.0)":
+        sys.exit(f"{packages[0].name} needs '{needed}'")
+    if "libstdc++6" not in call("dpkg-deb", "--field", packages[1], "Depends"):
+        sys.exit(f"{packages[1].name} does not say what it needs")
+    for package in packages:
+        call("dpkg-deb", "--extract", package, place / "root")
+    return place / "root" / "usr"
+
+
 def run(program, prefix, emulator):
     """Checks what a program writes, with the libraries of the prefix."""
     environment = dict(os.environ)
@@ -49,10 +70,10 @@ def checkPackage(source, place, prefix, toolchain, emulator, suffix):
     """Builds by find_package."""
     # For another platform packages are looked for among that platform's alone.
     words = [f"-DCMAKE_TOOLCHAIN_FILE={toolchain}", f"-DZUbase_DIR={prefix}/lib/cmake/ZUbase"]
-    call("cmake", "-S", source, "-B", place / "package", "-G", "Ninja",
+    call("cmake", "-S", source, "-B", place / "byPackage", "-G", "Ninja",
          f"-DCMAKE_PREFIX_PATH={prefix}", *(words if toolchain else []))
-    call("cmake", "--build", place / "package")
-    run(place / "package" / f"consumer{suffix}", prefix, emulator)
+    call("cmake", "--build", place / "byPackage")
+    run(place / "byPackage" / f"consumer{suffix}", prefix, emulator)
 
 
 def checkPkgConfig(source, place, prefix, compiler, emulator, suffix):
@@ -61,7 +82,7 @@ def checkPkgConfig(source, place, prefix, compiler, emulator, suffix):
     environment["PKG_CONFIG_PATH"] = str(prefix / "lib" / "pkgconfig")
     flags = shlex.split(
         call("pkg-config", "--cflags", "--libs", "zuapp", "zubase", env=environment))
-    program = place / "plain" / f"consumer{suffix}"
+    program = place / "byPkgConfig" / f"consumer{suffix}"
     program.parent.mkdir()
     call(compiler, "-std=c++17", source / "consumer.cpp", "-o", program, *flags, "-pthread")
     run(program, prefix, emulator)
@@ -71,10 +92,13 @@ def main():
     source, build, compiler, toolchain, emulator = sys.argv[1:]
     suffix = ".exe" if toolchain else ""
     with tempfile.TemporaryDirectory() as name:
-        place = pathlib.Path(name)
-        prefix = installed(build, place)
-        checkPackage(pathlib.Path(source), place, prefix, toolchain, emulator, suffix)
-        checkPkgConfig(pathlib.Path(source), place, prefix, compiler, emulator, suffix)
+        for kind, made in ("installed", installed), ("packages", unpacked):
+            place = pathlib.Path(name) / kind
+            place.mkdir()
+            prefix = made(pathlib.Path(build), place)
+            checkPackage(pathlib.Path(source), place, prefix, toolchain, emulator, suffix)
+            checkPkgConfig(pathlib.Path(source), place, prefix, compiler, emulator, suffix)
+            print(f"{kind}: by the CMake package and by pkg-config")
 
 
 if __name__ == "__main__":

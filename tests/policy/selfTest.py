@@ -4,6 +4,7 @@ import tempfile
 import unittest
 from pathlib import Path
 
+import checkHeaders
 import checkLayers
 import checkSnippets
 import checkSources
@@ -356,6 +357,25 @@ class Sources(PolicyTest):
     def testWideRowsOfTablesPass(self):
         wide = "    /// | " + 100 * "x" + "\n// " + 97 * "x" + "\n"
         self.assertSources({"src/base/high.cpp": own("high") + wide})
+
+
+class HeadersTest(unittest.TestCase):
+    """What checkHeaders says about one header."""
+
+    def findingFor(self, text):
+        with tempfile.TemporaryDirectory() as name:
+            root = Path(name)
+            (root / "src").mkdir()
+            (root / "src/a.h").write_text(text, encoding="utf-8")
+            return checkHeaders.compileAlone(root, "c++", "c++17", "a.h")
+
+    def testAHeaderThatStandsAlonePasses(self):
+        self.assertEqual(self.findingFor("#include <string>\nstd::string text();\n"), "")
+
+    def testWhatLeansOnOthersOrWarnsFails(self):
+        for text in ("std::string text();\n", "inline char f(int i) { return i; }\n"):
+            with self.subTest(text=text):
+                self.assertIn("a.h, c++ -std=c++17:\n", self.findingFor(text))
 
 
 class SnippetsTest(unittest.TestCase):

@@ -6,10 +6,15 @@
 #include "base/inInitMgr.h"
 
 #include <iostream>
+#include <vector>
 
 int main(int argc, char** argv)
 {
-    const Zu::InInitGuard guard(argc, argv);
+    // As a program has them that makes its words itself.
+    std::vector<const char*> words(argv, argv + argc + 1);
+    const char** theWords = words.data();
+    const Zu::InInitGuard guard(argc, theWords);
+    if (theWords) std::cout << "the words are still there" << std::endl;
     Zu::InInitMgr::getInstance().dump(std::cout);
     for (const char* word : Zu::InContextAliasMgrBase::getUnboundArgs())
         std::cout << "word '" << word << "'" << std::endl;

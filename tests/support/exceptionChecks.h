@@ -132,8 +132,11 @@ inline ExceptionRow rootFirst(ExceptionRow row)
 // it. The characters around the cut differ from their neighbours.
 inline std::string longName(char letter)
 {
-    return std::string(63, letter) + "<>" + std::string(190, letter) + "()" +
-           std::string(254, letter) + "[]" + std::string(87, letter);
+    std::string name(63, letter);
+    name.append("<>").append(190, letter);
+    name.append("()").append(254, letter);
+    name.append("[]").append(87, letter);
+    return name;
 }
 
 inline std::string cutName(char letter, std::size_t length)

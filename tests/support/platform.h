@@ -5,6 +5,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <string>
 
 namespace support
 {
@@ -33,6 +34,13 @@ std::size_t openHandles();
 // Sets the mode bits that new files do not get, and gives the bits that were set before. Windows
 // has no such modes: nothing happens there.
 unsigned int setModeMask(unsigned int mask);
+
+// The number of the user; 0 on Windows, which has none.
+std::uint32_t userId();
+
+// Makes another user the owner of a file, a link or a directory; false without the right to do so,
+// and on Windows.
+bool giveToAnotherUser(const std::string& path);
 
 // Whether the platform's own call resolves paths of up to 1,023 characters, as Windows does and
 // Wine does not.

@@ -1,0 +1,200 @@
+#include "base/osOutputFile.h"
+
+#include "support/fileTest.h"
+#include "support/platform.h"
+#include "support/tempDir.h"
+
+#include <cstdint>
+#include <filesystem>
+#include <fstream>
+#include <gtest/gtest.h>
+#include <string>
+
+namespace
+{
+
+constexpr std::uint32_t ME = 1000;
+constexpr std::uint32_t SYSTEM = 0;
+constexpr std::uint32_t OTHER = 1001;
+
+TEST(OsOutputFile, APlaceIsSharedWhereOthersMayWriteOrAnotherUserRules)
+{
+    struct Row
+    {
+        std::uint32_t _owner;
+        std::uint32_t _mode;
+        bool _expected;
+    };
+    for (const auto& [owner, mode, expected] : {
+             Row{ME, 0700, false},
+             Row{ME, 0755, false},
+             // The group is one that the user has chosen.
+             Row{ME, 0775, false},
+             Row{ME, 0777, true},
+             Row{ME, 0702, true},
+             Row{SYSTEM, 0755, false},
+             Row{SYSTEM, 01777, true},
+             Row{OTHER, 0755, true},
+             Row{OTHER, 0700, true},
+         })
+        EXPECT_EQ(Zu::osIsSharedPlace({owner, mode, false, 2}, ME), expected)
+            << owner << ' ' << std::oct << mode;
+    EXPECT_TRUE(Zu::osIsSharedPlace({OTHER, 0755, false, 2}, SYSTEM));
+}
+
+TEST(OsOutputFile, WhatStandsThereIsOnesOwnWithoutASecondName)
+{
+    EXPECT_TRUE(Zu::osIsOwnOutput({ME, 0600, true, 1}, ME));
+    EXPECT_TRUE(Zu::osIsOwnOutput({ME, 0666, true, 1}, ME));
+    EXPECT_FALSE(Zu::osIsOwnOutput({ME, 0600, true, 2}, ME));
+    EXPECT_FALSE(Zu::osIsOwnOutput({OTHER, 0666, true, 1}, ME));
+    EXPECT_FALSE(Zu::osIsOwnOutput({SYSTEM, 0666, true, 1}, ME));
+    // A link or a pipe of one's own.
+    EXPECT_TRUE(Zu::osIsOwnOutput({ME, 0777, false, 2}, ME));
+    EXPECT_FALSE(Zu::osIsOwnOutput({OTHER, 0777, false, 1}, ME));
+}
+
+// Writes a line to the file; whether it was opened.
+bool writes(const std::string& name, bool appends)
+{
+    std::ofstream stream;
+    Zu::osOpenOutput(stream, name.c_str(), appends);
+    stream << "line\n";
+    stream.close();
+    return !stream.fail();
+}
+
+class OsOutputFileTest : public testing::Test
+{
+protected:
+    std::string file(const std::string& name) const
+    {
+        return _directory.file(name);
+    }
+
+    support::TempDir _directory;
+};
+
+// The same in a directory that all may write to. Windows has no such modes.
+class OsOutputFileSharedTest : public OsOutputFileTest
+{
+protected:
+    void SetUp() override
+    {
+        if (support::onWindows) GTEST_SKIP() << "Windows has no modes, and its place is private.";
+        std::filesystem::permissions(_directory.path(), std::filesystem::perms{01777});
+    }
+};
+
+TEST_F(OsOutputFileTest, TextIsWrittenAsItIsAndAppendedOnDemand)
+{
+    EXPECT_TRUE(writes(file("f"), false));
+    EXPECT_EQ(support::readFile(file("f")), "line\n");
+    EXPECT_TRUE(writes(file("f"), true));
+    EXPECT_EQ(support::readFile(file("f")), "line\nline\n");
+    EXPECT_TRUE(writes(file("f"), false));
+    EXPECT_EQ(support::readFile(file("f")), "line\n");
+}
+
+TEST_F(OsOutputFileTest, WhatCanNotBeOpenedFailsTheStream)
+{
+    for (const std::string& name : {std::string(), _directory.path(), file("no/f")})
+        EXPECT_FALSE(writes(name, false)) << name;
+}
+
+TEST_F(OsOutputFileTest, NothingStaysOpen)
+{
+    writes(file("f"), false);
+    const auto before = support::openHandles();
+    for (const std::string& name : {file("f"), file("no/f"), _directory.path()})
+        writes(name, false);
+    EXPECT_EQ(support::openHandles(), before);
+}
+
+TEST_F(OsOutputFileTest, InAPrivatePlaceLinksAreFollowed)
+{
+    if (support::onWindows) GTEST_SKIP() << "Making links takes a right there.";
+    support::writeFile(file("target"), "old");
+    std::filesystem::create_symlink(file("target"), file("link"));
+    EXPECT_TRUE(writes(file("link"), false));
+    EXPECT_EQ(support::readFile(file("target")), "line\n");
+}
+
+TEST_F(OsOutputFileSharedTest, ANewFileIsReadableByItsOwnerAlone)
+{
+    EXPECT_TRUE(writes(file("f"), false));
+    EXPECT_EQ(support::modeOf(file("f")), 0600U);
+    EXPECT_EQ(support::readFile(file("f")), "line\n");
+}
+
+TEST_F(OsOutputFileSharedTest, AFileOfOnesOwnIsTakenAsItIs)
+{
+    support::writeFile(file("f"), "old\n");
+    EXPECT_TRUE(writes(file("f"), true));
+    EXPECT_EQ(support::readFile(file("f")), "old\nline\n");
+    EXPECT_TRUE(writes(file("f"), false));
+    EXPECT_EQ(support::readFile(file("f")), "line\n");
+}
+
+TEST_F(OsOutputFileSharedTest, ALinkOfOnesOwnIsFollowed)
+{
+    support::writeFile(file("target"), "old");
+    std::filesystem::create_symlink(file("target"), file("link"));
+    EXPECT_TRUE(writes(file("link"), false));
+    EXPECT_EQ(support::readFile(file("target")), "line\n");
+}
+
+TEST_F(OsOutputFileSharedTest, ASecondNameOfAFileIsRefused)
+{
+    support::writeFile(file("target"), "old");
+    std::filesystem::create_hard_link(file("target"), file("f"));
+    EXPECT_FALSE(writes(file("f"), false));
+    EXPECT_FALSE(writes(file("f"), true));
+    EXPECT_EQ(support::readFile(file("target")), "old");
+}
+
+TEST_F(OsOutputFileSharedTest, ALinkOfAnotherUserIsRefused)
+{
+    support::writeFile(file("target"), "old");
+    std::filesystem::create_symlink(file("target"), file("link"));
+    if (!support::giveToAnotherUser(file("link"))) GTEST_SKIP() << "That takes the system's user.";
+    EXPECT_FALSE(writes(file("link"), false));
+    EXPECT_FALSE(writes(file("link"), true));
+    EXPECT_EQ(support::readFile(file("target")), "old");
+    // Nor is a missing target made.
+    std::filesystem::remove(file("target"));
+    EXPECT_FALSE(writes(file("link"), false));
+    EXPECT_FALSE(std::filesystem::exists(file("target")));
+}
+
+TEST_F(OsOutputFileSharedTest, AFileOfAnotherUserIsRefused)
+{
+    support::writeFile(file("f"), "old");
+    std::filesystem::permissions(file("f"), std::filesystem::perms{0666});
+    if (!support::giveToAnotherUser(file("f"))) GTEST_SKIP() << "That takes the system's user.";
+    EXPECT_FALSE(writes(file("f"), false));
+    EXPECT_FALSE(writes(file("f"), true));
+    EXPECT_EQ(support::readFile(file("f")), "old");
+}
+
+TEST_F(OsOutputFileSharedTest, ADirectoryOfAnotherUserIsAPlaceLikeThat)
+{
+    std::filesystem::create_directory(file("d"));
+    support::writeFile(file("target"), "old");
+    std::filesystem::create_hard_link(file("target"), file("d/f"));
+    if (!support::giveToAnotherUser(file("d"))) GTEST_SKIP() << "That takes the system's user.";
+    EXPECT_FALSE(writes(file("d/f"), false));
+    EXPECT_EQ(support::readFile(file("target")), "old");
+    EXPECT_TRUE(writes(file("d/g"), false));
+}
+
+TEST_F(OsOutputFileSharedTest, NamesWithoutADirectoryStandInTheCurrentOne)
+{
+    const support::CurrentDirectoryGuard current(_directory.path());
+    support::writeFile("target", "old");
+    std::filesystem::create_hard_link("target", "f");
+    EXPECT_FALSE(writes("f", false));
+    EXPECT_EQ(support::readFile("target"), "old");
+}
+
+} // namespace
