@@ -10,7 +10,7 @@
 
 #include <algorithm>
 #include <cstddef>
-#include <functional>
+#include <optional> // std::hash, at a quarter of the cost of <functional>
 #include <ostream>
 
 namespace Zu
