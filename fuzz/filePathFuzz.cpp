@@ -6,7 +6,7 @@
 #include "base/osPathText.h"
 
 #include "fuzzTarget.h"
-#include "platform.h"
+#include "support/platform.h"
 
 #include <algorithm>
 #include <cstddef>
@@ -31,7 +31,7 @@ std::string joined(const std::string& base, const std::string& element)
 
 bool isAbsolute(const std::string& path)
 {
-    if (!fuzz::onWindows) return path.substr(0, 1) == "/";
+    if (!support::onWindows) return path.substr(0, 1) == "/";
     return path.size() > 2 && (path[1] == ':' || path.substr(0, 2) == "\\\\");
 }
 
@@ -109,7 +109,7 @@ void checkParts(const std::string& path)
     if (!parts) return;
     FUZZ_REQUIRE(parts->_base.find(SEPARATOR) == std::string::npos);
     FUZZ_REQUIRE(parts->_extension == extensionOf(parts->_base));
-    if (fuzz::onWindows) return;
+    if (support::onWindows) return;
     const std::string current = std::filesystem::current_path().string();
     const std::string full = Zu::osLexicalFullPath(current, path);
     FUZZ_REQUIRE(full.size() < 1024);
@@ -150,7 +150,7 @@ void checkResolution(const std::string& currentDir, const std::string& path)
     if (!path.empty() && path.back() == '/') FUZZ_REQUIRE(full.back() == '/');
     if (full.size() > 1 && full.back() == '/') FUZZ_REQUIRE(path.back() == '/');
     // The standard library has another rule for separators at the end, and other paths on Windows.
-    if (fuzz::onWindows) return;
+    if (support::onWindows) return;
     namespace fs = std::filesystem;
     const fs::path joinedPath = fs::path(inSingleRoot(base)) / fs::path(inSingleRoot(path));
     const std::string standard = joinedPath.lexically_normal().string();

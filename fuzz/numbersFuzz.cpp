@@ -5,7 +5,7 @@
 #include "base/textToInt.h"
 
 #include "fuzzTarget.h"
-#include "platform.h"
+#include "support/platform.h"
 
 #include <algorithm>
 #include <bit>
@@ -46,7 +46,7 @@ void checkDouble(const std::string& text)
     const double number = Zu::textToDouble(copy.get());
     FUZZ_REQUIRE(errno == 17);
     // What Windows' own reads is not by the rules of C99.
-    if (!fuzz::onWindows) FUZZ_REQUIRE(isSame(number, std::strtod(copy.get(), nullptr)));
+    if (!support::onWindows) FUZZ_REQUIRE(isSame(number, std::strtod(copy.get(), nullptr)));
 }
 
 void checkRoundTrip(double value, std::chars_format format)

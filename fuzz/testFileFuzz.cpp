@@ -8,8 +8,8 @@
 #include "coutCapture.h"
 #include "fuzzTarget.h"
 #include "hardwareCounter.h"
-#include "platform.h"
 #include "scratchDir.h"
+#include "support/platform.h"
 
 #include <algorithm>
 #include <cstddef>
@@ -197,7 +197,7 @@ void run(fuzz::Input input)
     const std::vector<std::uint8_t> bytes = input.takeRest();
     // Windows has other ends for the lines and for the text.
     const auto isEnd = [](std::uint8_t byte) { return byte == '\r' || byte == 26; };
-    if (fuzz::onWindows && std::any_of(bytes.begin(), bytes.end(), isEnd)) return;
+    if (support::onWindows && std::any_of(bytes.begin(), bytes.end(), isEnd)) return;
     std::ofstream(theFile, std::ios::binary | std::ios::trunc)
         .write(reinterpret_cast<const char*>(bytes.data()),
                static_cast<std::streamsize>(bytes.size()));
