@@ -2,10 +2,9 @@
 
 #include "base/inArgBinding.h"
 
-#include "base/inContextAliasBase.h"
-
 #include "fuzzTarget.h"
 #include "optionWalk.h"
+#include "support/fakeAlias.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -20,32 +19,9 @@
 namespace
 {
 
+using support::FakeAlias;
 using Texts = std::vector<std::string>;
 using Values = std::map<char, std::optional<std::string>>;
-
-class Alias : public Zu::InContextAliasBase
-{
-public:
-    explicit Alias(std::string key) : InContextAliasBase("alias"), _key(std::move(key)) {}
-
-    InContextAliasBase* clone() const override
-    {
-        return nullptr;
-    }
-
-    std::uint32_t getPriority() const override
-    {
-        return 0;
-    }
-
-    const char* getKey() const override
-    {
-        return _key.c_str();
-    }
-
-private:
-    std::string _key;
-};
 
 // A key is a letter, perhaps with ":" behind it. The two characters that mean something to the
 // parser itself are none.
@@ -74,12 +50,12 @@ std::pair<Values, std::size_t> bind(const Texts& keys, const Texts& words)
 
 void run(fuzz::Input input)
 {
-    std::vector<std::unique_ptr<Alias>> owners;
+    std::vector<std::unique_ptr<FakeAlias>> owners;
     std::set<Zu::InContextAliasBase*> aliases;
     for (const std::string& key : fuzz::split(input.takeLine(), ' '))
     {
         if (!isKey(key)) continue;
-        owners.push_back(std::make_unique<Alias>(key));
+        owners.push_back(std::make_unique<FakeAlias>(key));
         aliases.insert(owners.back().get());
     }
     // Which of two aliases of a letter comes first is said by the set.

@@ -5,11 +5,12 @@
 #include "base/lgMajorGroup.h"
 #include "base/lgTypes.h"
 
-#include "coutCapture.h"
 #include "fuzzTarget.h"
+#include "support/streamCapture.h"
 
 #include <algorithm>
 #include <cstdint>
+#include <iostream>
 #include <map>
 #include <optional>
 #include <sstream>
@@ -145,7 +146,7 @@ void run(fuzz::Input input)
 
     Masks masks;
     std::string told;
-    const fuzz::CoutCapture capture;
+    const support::StreamCapture capture(std::cout);
     for (const std::string& text : input.takeLines())
         FUZZ_REQUIRE(libraryParses(text) == parse(text, defaultMask, masks, told));
     FUZZ_REQUIRE(capture.text() == told);

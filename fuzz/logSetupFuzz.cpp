@@ -7,15 +7,16 @@
 #include "base/lgTypes.h"
 #include "base/osEnv.h"
 
-#include "coutCapture.h"
 #include "fuzzTarget.h"
 #include "hardwareCounter.h"
-#include "scratchDir.h"
+#include "support/streamCapture.h"
+#include "support/tempDir.h"
 
 #include <array>
 #include <cstddef>
 #include <filesystem>
 #include <fstream>
+#include <iostream>
 #include <iterator>
 #include <map>
 #include <optional>
@@ -73,7 +74,7 @@ struct Setting
     std::optional<std::string> _file;
 };
 
-Setting settingOf(const std::string& text, int level, const fuzz::ScratchDir& dir)
+Setting settingOf(const std::string& text, int level, const support::TempDir& dir)
 {
     Setting setting;
     setting._value = text;
@@ -138,7 +139,7 @@ std::string displayOf(const Settings& settings)
 
 void checkSetup(const Settings& settings)
 {
-    const fuzz::CoutCapture capture;
+    const support::StreamCapture capture(std::cout);
     LgLog::displaySetup();
     FUZZ_REQUIRE(capture.text() == displayOf(settings));
     for (std::size_t i = 0; i < settings.size(); ++i)
@@ -178,7 +179,7 @@ void checkFiles(const Settings& settings)
 void run(fuzz::Input input)
 {
     fuzz::startHardwareCounter();
-    static const fuzz::ScratchDir theDir;
+    static const support::TempDir theDir;
     for (const char* const name : {"events.log", "prof.log", "even.log", "odd.log"})
         std::filesystem::remove(theDir.file(name));
     Settings settings;

@@ -5,17 +5,18 @@
 #include "base/testGroup.h"
 #include "base/testPerformer.h"
 
-#include "coutCapture.h"
 #include "fuzzTarget.h"
 #include "hardwareCounter.h"
-#include "scratchDir.h"
 #include "support/platform.h"
+#include "support/streamCapture.h"
+#include "support/tempDir.h"
 
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
 #include <fstream>
+#include <iostream>
 #include <optional>
 #include <ostream>
 #include <sstream>
@@ -191,7 +192,7 @@ void checkReport(const Zu::TestPerformer& performer, const std::vector<Record>& 
 void run(fuzz::Input input)
 {
     fuzz::startHardwareCounter();
-    static const fuzz::ScratchDir theDir;
+    static const support::TempDir theDir;
     static const std::string theFile = theDir.file("groups");
     isGroup("");
     const std::vector<std::uint8_t> bytes = input.takeRest();
@@ -206,7 +207,7 @@ void run(fuzz::Input input)
     journal.clear();
     runs = 0;
     std::optional<std::string> error;
-    const fuzz::CoutCapture capture;
+    const support::StreamCapture capture(std::cout);
     // A performer keeps the arguments of all files, so each file has its own.
     Zu::TestPerformer performer(Zu::TestPerformer::getInstance());
     try

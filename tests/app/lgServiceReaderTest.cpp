@@ -2,11 +2,11 @@
 
 #include "base/lgLog.h"
 #include "support/runningLogger.h"
+#include "support/streamCapture.h"
 
 #include <atomic>
 #include <gtest/gtest.h>
 #include <iostream>
-#include <sstream>
 #include <stdexcept>
 #include <string>
 #include <thread>
@@ -103,7 +103,7 @@ private:
 class LgServiceReaderFailureTest : public LgServiceReaderTest
 {
 protected:
-    LgServiceReaderFailureTest() : _former(std::cerr.rdbuf(_errors.rdbuf()))
+    LgServiceReaderFailureTest() : _errors(std::cerr)
     {
         Zu::LgLog::setRegistry(Zu::ObjPtr<Zu::LgRegistry>(new FailingRegistry));
         FailingRegistry::_failing = true;
@@ -111,7 +111,6 @@ protected:
 
     ~LgServiceReaderFailureTest() override
     {
-        std::cerr.rdbuf(_former);
         FailingRegistry::_failing = false;
     }
 
@@ -121,8 +120,7 @@ protected:
         while (FailingRegistry::_asked < before + count) std::this_thread::yield();
     }
 
-    std::ostringstream _errors;
-    std::streambuf* _former;
+    support::StreamCapture _errors;
 };
 
 TEST_F(LgServiceReaderFailureTest, EndsThoughEveryTryFails)
@@ -132,8 +130,8 @@ TEST_F(LgServiceReaderFailureTest, EndsThoughEveryTryFails)
         // More failures than are tried at the end.
         waitForTries(LgServiceThreads::LAST_TRIES + 5);
     }
-    EXPECT_EQ(_errors.str(), "The log service can't write an event and tries again: no list\n"
-                             "The log service ends with events that it could not write.\n");
+    EXPECT_EQ(_errors.text(), "The log service can't write an event and tries again: no list\n"
+                              "The log service ends with events that it could not write.\n");
 }
 
 TEST_F(LgServiceReaderFailureTest, GoesOnWhenTryingHelps)
@@ -144,7 +142,7 @@ TEST_F(LgServiceReaderFailureTest, GoesOnWhenTryingHelps)
         FailingRegistry::_failing = false;
         waitForTries(3);
     }
-    EXPECT_EQ(_errors.str(), "The log service can't write an event and tries again: no list\n");
+    EXPECT_EQ(_errors.text(), "The log service can't write an event and tries again: no list\n");
 }
 
 } // namespace

@@ -7,6 +7,7 @@
 #include "support/childProcess.h"
 #include "support/platform.h"
 #include "support/runningLogger.h"
+#include "support/streamCapture.h"
 #include "support/tempDir.h"
 
 #include <algorithm>
@@ -33,29 +34,6 @@ using Zu::LgService;
 using Zu::LgServiceEx;
 namespace LgTypes = Zu::LgTypes;
 using Texts = std::vector<std::string>;
-
-// Standard error of the library, as far as it goes through std::cerr.
-class CapturedErrors
-{
-public:
-    CapturedErrors() : _former(std::cerr.rdbuf(_text.rdbuf())) {}
-    CapturedErrors(const CapturedErrors&) = delete;
-    CapturedErrors& operator=(const CapturedErrors&) = delete;
-
-    ~CapturedErrors()
-    {
-        std::cerr.rdbuf(_former);
-    }
-
-    std::string text() const
-    {
-        return _text.str();
-    }
-
-private:
-    std::ostringstream _text;
-    std::streambuf* _former;
-};
 
 class LgServiceTest : public testing::Test
 {
@@ -307,8 +285,7 @@ TEST_F(LgServiceTest, BlockingTraceLosesNothing)
     constexpr int LINES = 3000;
     const auto lock = startWithLock();
     Zu::LgLog::setBlockingTrace(true);
-    std::ostringstream out;
-    std::streambuf* const former = std::cout.rdbuf(out.rdbuf());
+    const support::StreamCapture out(std::cout);
     {
         const LgService service;
         lock->lock();
@@ -325,9 +302,8 @@ TEST_F(LgServiceTest, BlockingTraceLosesNothing)
         producer.join();
         EXPECT_EQ(service.getLostCount(), 0U);
     }
-    std::cout.rdbuf(former);
     Zu::LgLog::setBlockingTrace(false);
-    const Texts lines = support::linesOf(out.str());
+    const Texts lines = support::linesOf(out.text());
     ASSERT_EQ(lines.size(), static_cast<std::size_t>(LINES));
     for (int i = 0; i < LINES; ++i)
     {
@@ -384,7 +360,8 @@ TEST_F(LgServiceTest, ALoggerThatIsStartedAnewServesTheThreadsThatAreThere)
 
 TEST_F(LgServiceTest, TheReaderSurvivesALockWhoseHolderHasDied)
 {
-    const CapturedErrors errors;
+    // Standard error of the library, as far as it goes through std::cerr.
+    const support::StreamCapture errors(std::cerr);
     const auto lock = startWithLock();
     const support::ProgramResult holder = support::runProgram("serviceProgram", {"die", _lockName});
     ASSERT_EQ(holder.exitCode, 0);

@@ -12,6 +12,7 @@
 #include <cstdint>
 #include <cstdio>
 #include <gtest/gtest.h>
+#include <iostream>
 #include <limits>
 #include <map>
 #include <memory>
@@ -409,7 +410,7 @@ TEST_F(ThreadTraceManagerTest, LinesOfManyThreadsAreWhole)
     std::vector<std::uint32_t> ids(THREADS);
     YieldingBuffer buffer;
     {
-        const support::CoutGuard guard(buffer);
+        const support::BufferGuard guard(std::cout, buffer);
         // All of them live until all are done, so that no id comes twice.
         std::vector<std::thread> threads;
         Turns turns;
@@ -602,7 +603,7 @@ TEST_F(LogTraceManagerTest, LinesOfManyThreadsAreWholeWithoutARunningLogger)
     const LogTraceManager manager;
     YieldingBuffer buffer;
     {
-        const support::CoutGuard guard(buffer);
+        const support::BufferGuard guard(std::cout, buffer);
         std::vector<std::thread> threads;
         for (int thread = 0; thread < THREADS; ++thread)
             threads.emplace_back(

@@ -1,6 +1,6 @@
 #include "base/inArgBinding.h"
 
-#include "base/inContextAliasBase.h"
+#include "support/fakeAlias.h"
 
 #include <cstring>
 #include <deque>
@@ -13,32 +13,7 @@
 namespace
 {
 
-class FakeAlias : public Zu::InContextAliasBase
-{
-public:
-    explicit FakeAlias(std::string key) : InContextAliasBase("fake"), _key(std::move(key)) {}
-
-    InContextAliasBase* clone() const override
-    {
-        return nullptr;
-    }
-    std::uint32_t getPriority() const override
-    {
-        return 0;
-    }
-    const char* getKey() const override
-    {
-        return _key.c_str();
-    }
-
-    std::optional<std::string> value() const
-    {
-        return isValid() ? std::optional<std::string>(getValue()) : std::nullopt;
-    }
-
-private:
-    std::string _key;
-};
+using support::FakeAlias;
 
 // Binds a command line to aliases with these keys; the set sees them in this order, by address.
 struct Binding
@@ -72,7 +47,9 @@ struct Binding
     std::vector<std::optional<std::string>> values() const
     {
         std::vector<std::optional<std::string>> values;
-        for (const FakeAlias* alias : _aliases) values.push_back(alias->value());
+        for (const FakeAlias* alias : _aliases)
+            values.push_back(alias->isValid() ? std::optional<std::string>(alias->getValue())
+                                              : std::nullopt);
         return values;
     }
 

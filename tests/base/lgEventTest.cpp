@@ -4,6 +4,7 @@
 #include "base/hwCounter.h"
 #include "base/lgTrace.h"
 #include "base/osCpuInfo.h"
+#include "support/streamCapture.h"
 
 #include <algorithm>
 #include <cstddef>
@@ -14,7 +15,6 @@
 #include <iostream>
 #include <limits>
 #include <map>
-#include <sstream>
 #include <stdexcept>
 #include <string>
 #include <string_view>
@@ -194,13 +194,10 @@ protected:
     template <class Act> std::string written(Act act)
     {
         LgLog::setLoggerActivation(false);
-        std::ostringstream stream;
-        std::streambuf* const old = std::cout.rdbuf(stream.rdbuf());
-        act();
-        std::cout.rdbuf(old);
+        std::string text = support::coutOf(act);
         LgLog::setLoggerActivation(true);
         EXPECT_TRUE(_queue.isEmpty());
-        return stream.str();
+        return text;
     }
 
     template <class Act> static std::string assertionOf(Act act)

@@ -8,6 +8,7 @@
 
 #include "support/childProcess.h"
 #include "support/logTest.h"
+#include "support/streamCapture.h"
 #include "support/tempDir.h"
 
 #include <algorithm>
@@ -811,9 +812,10 @@ TEST_F(LgReaderTest, EventsThatAFullFileDoesNotTakeAreCounted)
     EXPECT_EQ(LgReader::getUnwrittenCount(), unwritten + events);
     file.rdbuf(former);
     addEvent(queue, LgTypes::Warning, "written");
-    std::streambuf* const formerOut = std::cout.rdbuf(&full);
-    _reader.flushAll();
-    std::cout.rdbuf(formerOut);
+    {
+        const support::BufferGuard guard(std::cout, full);
+        _reader.flushAll();
+    }
     EXPECT_EQ(LgReader::getUnwrittenCount(), unwritten + events);
 }
 

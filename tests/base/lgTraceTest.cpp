@@ -5,11 +5,10 @@
 #include "base/lgQueue.h"
 #include "base/osCpuInfo.h"
 #include "support/assertionText.h"
+#include "support/streamCapture.h"
 
 #include <cstddef>
 #include <gtest/gtest.h>
-#include <iostream>
-#include <sstream>
 #include <string>
 #include <string_view>
 #include <thread>
@@ -18,6 +17,7 @@
 namespace
 {
 
+using support::coutOf;
 using Zu::LgLog;
 using Zu::LgQueue;
 using Zu::LgTrace;
@@ -139,16 +139,6 @@ protected:
         return all;
     }
 
-    // What print() writes to standard output.
-    template <class Print> static std::string written(Print print)
-    {
-        std::ostringstream stream;
-        std::streambuf* const old = std::cout.rdbuf(stream.rdbuf());
-        print();
-        std::cout.rdbuf(old);
-        return stream.str();
-    }
-
     // A text in which no two stretches are alike.
     static std::string longText(std::size_t length)
     {
@@ -183,7 +173,7 @@ TEST_F(LgTraceTest, TextsComeInTheirOrderAndKeepTheirNewLines)
 
 TEST_F(LgTraceTest, AnEmptyTextNeitherWritesNorReserves)
 {
-    EXPECT_EQ(written([] { LgTrace::print(""); }), "");
+    EXPECT_EQ(coutOf([] { LgTrace::print(""); }), "");
     EXPECT_EQ(_calls, 0);
     EXPECT_TRUE(_queue.isEmpty());
     // A queue that is full counts every attempt.
@@ -191,7 +181,7 @@ TEST_F(LgTraceTest, AnEmptyTextNeitherWritesNorReserves)
     LgTrace::print("");
     EXPECT_EQ(_queue.getLostCount(), 0U);
     LgLog::setLoggerActivation(false);
-    EXPECT_EQ(written([] { LgTrace::print(""); }), "");
+    EXPECT_EQ(coutOf([] { LgTrace::print(""); }), "");
 }
 
 TEST_F(LgTraceTest, AnEmptyTextDoesNotWait)
@@ -204,7 +194,7 @@ TEST_F(LgTraceTest, AnEmptyTextDoesNotWait)
 TEST_F(LgTraceTest, WhileTheLoggerIsInactiveTextsAreLinesOfStandardOutput)
 {
     LgLog::setLoggerActivation(false);
-    EXPECT_EQ(written(
+    EXPECT_EQ(coutOf(
                   []
                   {
                       LgTrace::print("one 100%s");
@@ -220,7 +210,7 @@ TEST_F(LgTraceTest, WhileTheLoggerIsInactiveBlockingIsIgnored)
     drainWhenBlocked();
     LgLog::setLoggerActivation(false);
     const std::string text = longText(100000);
-    EXPECT_EQ(written([&] { LgTrace::print(text.c_str()); }), text + '\n');
+    EXPECT_EQ(coutOf([&] { LgTrace::print(text.c_str()); }), text + '\n');
     EXPECT_TRUE(_waits.empty());
     EXPECT_EQ(_calls, 0);
     EXPECT_TRUE(_queue.isEmpty());

@@ -8,6 +8,7 @@
 #include "support/traceTest.h"
 
 #include <gtest/gtest.h>
+#include <iostream>
 #include <memory>
 #include <sstream>
 #include <string>
@@ -203,7 +204,7 @@ TEST_F(TraceManagerTest, EachLineIsFlushed)
 {
     CountingBuffer buffer;
     {
-        const support::CoutGuard guard(buffer);
+        const support::BufferGuard guard(std::cout, buffer);
         _default.print("one");
         EXPECT_EQ(buffer._flushes, 1);
         _default.print("two\nlines");

@@ -7,43 +7,16 @@
 #include "base/traceLevel.h"
 
 #include "support/childProcess.h"
+#include "support/streamCapture.h"
 
 #include <gtest/gtest.h>
-#include <iostream>
 #include <optional>
 #include <sstream>
-#include <streambuf>
 #include <string>
 #include <vector>
 
 namespace support
 {
-
-// Sends what is written to std::cout elsewhere until the scope ends.
-class CoutGuard
-{
-public:
-    explicit CoutGuard(std::streambuf& buffer) : _former(std::cout.rdbuf(&buffer)) {}
-    CoutGuard(const CoutGuard&) = delete;
-    CoutGuard& operator=(const CoutGuard&) = delete;
-
-    ~CoutGuard()
-    {
-        std::cout.rdbuf(_former);
-    }
-
-private:
-    std::streambuf* _former;
-};
-
-// What an act writes to std::cout.
-template <class Act> std::string coutOf(Act act)
-{
-    std::stringbuf buffer;
-    const CoutGuard guard(buffer);
-    act();
-    return buffer.str();
-}
 
 // The options before and after the test are the defaults; levels stay known.
 class TracingTest : public testing::Test

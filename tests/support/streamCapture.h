@@ -1,0 +1,63 @@
+// What a program writes to one of its standard streams.
+
+#ifndef ZU_TESTS_STREAMCAPTURE_H
+#define ZU_TESTS_STREAMCAPTURE_H
+
+#include <iostream>
+#include <ostream>
+#include <sstream>
+#include <streambuf>
+#include <string>
+
+namespace support
+{
+
+// Sends what is written to a stream elsewhere until the scope ends.
+class BufferGuard
+{
+public:
+    BufferGuard(std::ostream& stream, std::streambuf& buffer)
+        : _stream(stream), _former(stream.rdbuf(&buffer))
+    {
+    }
+
+    BufferGuard(const BufferGuard&) = delete;
+    BufferGuard& operator=(const BufferGuard&) = delete;
+
+    ~BufferGuard()
+    {
+        _stream.rdbuf(_former);
+    }
+
+private:
+    std::ostream& _stream;
+    std::streambuf* _former;
+};
+
+// Keeps what is written to a stream while it lives.
+class StreamCapture
+{
+public:
+    explicit StreamCapture(std::ostream& stream) : _guard(stream, _kept) {}
+
+    std::string text() const
+    {
+        return _kept.str();
+    }
+
+private:
+    std::stringbuf _kept;
+    BufferGuard _guard;
+};
+
+// What an act writes to std::cout.
+template <class Act> std::string coutOf(Act act)
+{
+    const StreamCapture capture(std::cout);
+    act();
+    return capture.text();
+}
+
+} // namespace support
+
+#endif
