@@ -44,6 +44,14 @@ function(zu_show_own_names target)
   endif()
 endfunction()
 
+# What the static form of a library is made of: the objects of its shared form, so that nothing is
+# compiled twice. On Windows objects say that they are exported, and are compiled once more.
+function(zu_parts_of_archive shared parts)
+  if(NOT WIN32)
+    set(${parts} $<TARGET_OBJECTS:${shared}> PARENT_SCOPE)
+  endif()
+endfunction()
+
 if(WIN32)
   set(zuPlatform Windows)
 else()

@@ -64,6 +64,8 @@ bool canOpen(const char* path, int flags)
 
 bool momentOf(const timespec& time, Moment& moment)
 {
+    // localtime_r may go by the zone of an earlier call.
+    tzset();
     tm fields;
     if (!localtime_r(&time.tv_sec, &fields)) return false;
     if (fields.tm_year > std::numeric_limits<int>::max() - 1900)

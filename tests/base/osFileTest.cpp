@@ -10,6 +10,7 @@
 #include "support/fileTest.h"
 #include "support/platform.h"
 #include "support/tempDir.h"
+#include "support/variableGuard.h"
 #include "support/vtableSlot.h"
 
 #include <chrono>
@@ -35,6 +36,7 @@ using support::noise;
 using support::onWindows;
 using support::readFile;
 using support::slotOf;
+using support::VariableGuard;
 using support::writeFile;
 using Zu::ArrayPtr;
 using Zu::ExSysErrorWindows;
@@ -565,6 +567,23 @@ TEST_F(OsFileTest, AModificationTimeThatIsSetIsTold)
             const ObjPtr<OsDateTypes::DateRep> date(plain.getLastModificationTime());
             EXPECT_EQ(countOf(*date), countOf(time));
         }
+}
+
+// The system tells local time, which is turned back: both by the zone of now.
+TEST_F(OsFileLinuxTest, AChangeOfTheZoneChangesNoDate)
+{
+    using namespace std::chrono;
+    using namespace std::chrono_literals;
+    const OsFile plain = made("f", "content");
+    const sys_time<nanoseconds> time = sys_days(2024y / July / 15) + 12h;
+    setLastWrite(file("f"), time);
+    const VariableGuard zone("TZ");
+    for (const char* const value : {"XYZ-5", "XYZ3", "UTC0"})
+    {
+        zone.set(value);
+        const ObjPtr<OsDateTypes::DateRep> date(plain.getLastModificationTime());
+        EXPECT_EQ(countOf(*date), countOf(time)) << value;
+    }
 }
 
 TEST_F(OsFileLinuxTest, ADateBefore1970IsRoundedDownToo)

@@ -4,6 +4,7 @@
 
 #include <cstring>
 #include <gtest/gtest.h>
+#include <string>
 #include <windows.h>
 
 namespace
@@ -34,7 +35,9 @@ protected:
         RegDeleteKeyA(HKEY_CURRENT_USER, name);
     }
 
-    static constexpr const char* name = "Software\\ZUbaseTest";
+    // Processes that run at the same time have a key each.
+    const std::string _keyName = "Software\\ZUbaseTest" + std::to_string(GetCurrentProcessId());
+    const char* const name = _keyName.c_str();
 };
 
 TEST_F(OsRegKeyHandleTest, ValuesAreRead)
