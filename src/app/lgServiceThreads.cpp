@@ -92,13 +92,14 @@ LgQueue* LgServiceThreads::makeQueue()
     _queues.push_back(queue.get());
     try
     {
-        LgServiceRegistry().registerQueue(queue.get());
         ThreadSlot::set(ThreadSlot::QUEUE, queue.get());
+        // Last: from here on a reader may look at it.
+        LgServiceRegistry().registerQueue(queue.get());
     }
     catch (...)
     {
-        LgServiceRegistry().deregisterQueue(queue.get());
         _queues.remove(queue.get());
+        if (ThreadSlot::get(ThreadSlot::QUEUE)) ThreadSlot::set(ThreadSlot::QUEUE, nullptr);
         throw;
     }
     return queue.release();

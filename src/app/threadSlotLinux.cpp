@@ -1,5 +1,7 @@
 #include "app/threadSlot.h"
 
+#include <cerrno>
+#include <new>
 #include <pthread.h>
 #include <system_error>
 
@@ -40,6 +42,7 @@ void* get(Slot slot)
 void set(Slot slot, void* value)
 {
     const int code = pthread_setspecific(keys[slot], value);
+    if (code == ENOMEM) throw std::bad_alloc();
     if (code != 0) throw std::system_error(code, std::generic_category(), "pthread_setspecific");
     values[slot] = value;
 }

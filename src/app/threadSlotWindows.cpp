@@ -1,5 +1,6 @@
 #include "app/threadSlot.h"
 
+#include <new>
 #include <system_error>
 #include <windows.h>
 
@@ -58,7 +59,9 @@ void* get(Slot slot)
 
 void set(Slot slot, void* value)
 {
-    if (!FlsSetValue(slots[slot], value)) raise("FlsSetValue");
+    if (FlsSetValue(slots[slot], value)) return;
+    if (GetLastError() == ERROR_NOT_ENOUGH_MEMORY) throw std::bad_alloc();
+    raise("FlsSetValue");
 }
 
 } // namespace Zu::ThreadSlot

@@ -130,13 +130,21 @@ private:
         if (_file < 0) raise(errno);
         if (!isOwn(statusOf(_file))) raise(EACCES);
         if (!setFileLock(_file, CHANGE, F_WRLCK, true)) raise(errno);
-        const auto status = statusOf(_file);
-        if (status.st_nlink == 0) return false;
-        if (status.st_size < static_cast<off_t>(sizeof(pthread_mutex_t)) &&
-            ftruncate(_file, sizeof(pthread_mutex_t)) != 0)
-            raise(errno);
+        if (statusOf(_file).st_nlink == 0) return false;
+        reserve(name);
         map(MAP_SHARED);
         return true;
+    }
+
+    // Memory that is only promised would end the process when it is touched and there is none.
+    void reserve(const std::string& name)
+    {
+        int code = 0;
+        do code = posix_fallocate(_file, 0, sizeof(pthread_mutex_t));
+        while (code == EINTR);
+        if (code == 0) return;
+        if (setFileLock(_file, USE, F_WRLCK, false)) shm_unlink(name.c_str());
+        raise(code);
     }
 
     void map(int flags)

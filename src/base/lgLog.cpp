@@ -13,9 +13,11 @@
 
 #include <cstring>
 #include <ctime>
+#include <exception>
 #include <fstream>
 #include <iomanip>
 #include <iostream>
+#include <sstream>
 #include <string>
 
 namespace Zu
@@ -50,6 +52,7 @@ struct Kept
     // The files' names: what the environment and the freed arrays held may be gone while a level
     // still names its file.
     std::string _files[LgTypes::NUM_LEVELS];
+    bool _isFileMissing[LgTypes::NUM_LEVELS] = {};
 };
 
 Kept& kept()
@@ -84,16 +87,28 @@ bool isUsable(const char* directory)
     }
 }
 
+// In one piece, as every line.
 void writeBanner(std::ostream& out)
 {
-    out << "===== Message Logger Startup =====" << std::endl;
-    if (!LgLog::isTimeStampsEnabled()) return;
-    const std::time_t now = std::time(nullptr);
-    const std::streamsize precision = out.precision();
-    out << "===== Started on " << std::ctime(&now) << "\n"
-        << "===== Clock Frequency: " << std::fixed << std::setprecision(9)
-        << HwCounter::resolution() << std::endl;
-    out.precision(precision);
+    std::ostringstream banner;
+    banner << "===== Message Logger Startup =====\n";
+    if (LgLog::isTimeStampsEnabled())
+    {
+        const std::time_t now = std::time(nullptr);
+        banner << "===== Started on " << std::ctime(&now) << "\n"
+               << "===== Clock Frequency: " << std::fixed << std::setprecision(9)
+               << HwCounter::resolution() << "\n";
+        // As readers of the stream's format may count on.
+        out << std::fixed;
+    }
+    out << banner.str() << std::flush;
+}
+
+void writeLastBanner(std::ofstream& out)
+{
+    const LgInterProcessLockGuard guard(LgLog::getInterProcessLock());
+    out << "===== Message Logger Stopped =====\n" << std::flush;
+    out.close();
 }
 
 } // namespace
@@ -112,12 +127,25 @@ void LgLog::init()
     ZU_INTERNAL_ASSERT(file_prof == 0);
     ZU_INTERNAL_ASSERT(file_log == 0);
     kept()._registry = ObjPtr<LgRegistry>(new LgSimpleRegistry);
-    readLevels(chooseFiles());
-    readDefaultLevel();
-    LgMajorGroup::initialize(OsEnv::getVariable("ZU_LOG_GROUPS"));
-    readSwitches();
-    _start = HwCounter::timeStamp();
-    openOutputs();
+    bool hasGroups = false;
+    try
+    {
+        readLevels(chooseFiles());
+        readDefaultLevel();
+        LgMajorGroup::initialize(OsEnv::getVariable("ZU_LOG_GROUPS"));
+        hasGroups = true;
+        readSwitches();
+        _start = HwCounter::timeStamp();
+        openOutputs();
+    }
+    catch (...)
+    {
+        // It may be tried again.
+        if (hasGroups) LgMajorGroup::finalize();
+        abandonOutputs();
+        freeFileNames();
+        throw;
+    }
 }
 
 // Makes the log directory and the names of the files in it; false, and no names, if the system
@@ -156,6 +184,8 @@ void LgLog::readLevels(bool directoryUsable)
         {
             info = parseEnvVar(nullptr);
         }
+        const bool usesDirectory = !OsEnv::getVariable(name) && level != LgTypes::Tracing;
+        kept()._isFileMissing[level] = usesDirectory && !directoryUsable;
         if (!info._file) continue;
         kept()._files[level] = std::string(info._file);
         info._file = kept()._files[level].c_str();
@@ -239,18 +269,37 @@ std::ofstream* LgLog::openedBefore(int level)
 
 void LgLog::destroy()
 {
+    freeFileNames();
+    std::exception_ptr lockError;
+    for (int i = 0; i < LgTypes::NUM_LEVELS; ++i)
+    {
+        if (!_level[i]._file) continue;
+        ZU_INTERNAL_ASSERT_TEXT(_level[i]._output, "_level[i]._output");
+        try
+        {
+            writeLastBanner(*_level[i]._output);
+        }
+        catch (...)
+        {
+            // One lock of all of them: only the first to take it can be told that its owner died.
+            if (!lockError) lockError = std::current_exception();
+        }
+        closeOutput(i);
+    }
+    LgMajorGroup::finalize();
+    if (lockError) std::rethrow_exception(lockError);
+}
+
+void LgLog::freeFileNames()
+{
     delete[] file_prof;
     file_prof = nullptr;
     delete[] file_log;
     file_log = nullptr;
-    for (int i = 0; i < LgTypes::NUM_LEVELS; ++i)
-        if (_level[i]._file) closeOutput(i);
-    LgMajorGroup::finalize();
 }
 
 void LgLog::closeOutput(int level)
 {
-    ZU_INTERNAL_ASSERT_TEXT(_level[level]._output, "_level[i]._output");
     std::ofstream* const output = _level[level]._output;
     for (int later = level + 1; later < LgTypes::NUM_LEVELS; ++later)
     {
@@ -258,11 +307,18 @@ void LgLog::closeOutput(int level)
         _level[later]._output = nullptr;
         _level[later]._file = nullptr;
     }
-    const LgInterProcessLockGuard guard(getInterProcessLock());
-    *output << "===== Message Logger Stopped =====" << std::endl;
-    output->close();
     delete output;
     _level[level]._output = nullptr;
+}
+
+// What a start that failed has opened.
+void LgLog::abandonOutputs()
+{
+    for (int i = 0; i < LgTypes::NUM_LEVELS; ++i)
+    {
+        if (_level[i]._output) closeOutput(i);
+        _level[i]._file = nullptr;
+    }
 }
 
 void LgLog::displaySetup()
@@ -299,6 +355,11 @@ bool LgLog::isLevelEchoed(LgTypes::Level level)
 std::ostream* LgLog::getLevelOutput(LgTypes::Level level)
 {
     return _level[level]._output;
+}
+
+bool LgLog::isFileMissing(LgTypes::Level level)
+{
+    return kept()._isFileMissing[level];
 }
 
 LgRegistry* LgLog::getRegistry()

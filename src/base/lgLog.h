@@ -40,12 +40,14 @@ public:
 
     /// Reads the environment and opens the log files, each with a banner. What opens no file is
     /// not reported: its text vanishes. What OsFsUtils::createDir() raises because a file stands in
-    /// the place of the log directory, and what LgInterProcessLock::create() raises, leaves it.
-    /// Asserts "file_prof == 0" and "file_log == 0".
+    /// the place of the log directory, and what LgInterProcessLock::create() and its lock() raise,
+    /// leaves it; it may be called again then. Asserts "file_prof == 0" and "file_log == 0".
     static void init();
 
     /// Closes the log files, each with a banner, and ends the groups. Events that wait in queues
-    /// can't reach a file from here on: LgReader::flushAll() belongs before it.
+    /// can't reach a file from here on: LgReader::flushAll() belongs before it. What taking the
+    /// lock raises leaves it once everything else is done, and the file that it was taken for has
+    /// no banner.
     static void destroy();
 
     /// Prints where each level's text goes.
@@ -113,6 +115,11 @@ public:
     /// The stream of the level's file; null if it has none.
     static std::ostream* getLevelOutput(LgTypes::Level level);
 
+    /// Whether the level's text was to go to a file in the log directory, which could not be made:
+    /// it has no file then, and what would have been written there is counted by
+    /// LgReader::getUnwrittenCount().
+    static bool isFileMissing(LgTypes::Level level);
+
     /// Whether the level's text may go to standard output while the logger is inactive: all but
     /// Profiling.
     static bool isInactiveOutputAllowed(LgTypes::Level level)
@@ -150,6 +157,8 @@ private:
     static void openOutputs();
     static std::ofstream* openedBefore(int level);
     static void closeOutput(int level);
+    static void abandonOutputs();
+    static void freeFileNames();
 
     static LevelInfo _level[LgTypes::NUM_LEVELS];
     static char* file_prof;

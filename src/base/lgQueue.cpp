@@ -3,6 +3,8 @@
 #include "base/hwCounter.h"
 #include "base/internalAssert.h"
 
+#include <limits>
+
 namespace Zu
 {
 
@@ -37,7 +39,9 @@ void LgQueue::Entry::incOverflowCount()
 {
     ZU_INTERNAL_ASSERT(_oflow);
     // One writer: a load and a store do, and a locked instruction would cost more.
-    _value.store(_value.load(std::memory_order_relaxed) + 1, std::memory_order_relaxed);
+    const std::int32_t count = _value.load(std::memory_order_relaxed);
+    if (count != std::numeric_limits<std::int32_t>::max())
+        _value.store(count + 1, std::memory_order_relaxed);
 }
 
 void LgQueue::Entry::setLevel(LgTypes::Level level)

@@ -157,8 +157,8 @@ void LgReader::flushQueue(LgQueue* q)
     *end++ = '\n';
     const auto length = static_cast<std::size_t>(end - line);
     std::ostream* const out = LgLog::getLevelOutput(level);
-    if (out && !writeLine(*out, line, length) && !e.isOverflowEntry())
-        unwrittenCount.fetch_add(1, std::memory_order_relaxed);
+    const bool isWritten = out ? writeLine(*out, line, length) : !LgLog::isFileMissing(level);
+    if (!isWritten && !e.isOverflowEntry()) unwrittenCount.fetch_add(1, std::memory_order_relaxed);
     if (LgLog::isLevelEchoed(level)) writeLine(std::cout, line, length);
     q->removeEntry();
 }

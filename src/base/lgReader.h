@@ -44,8 +44,8 @@ public:
     void flushAll();
 
     /// How many events the files of their levels have not taken whole, since the process began:
-    /// they could not be opened, or the disk was full. Of one at which a file failed the rest may
-    /// yet be written when the file is closed. Any thread may ask.
+    /// they could not be opened, their directory could not be made, or the disk was full. Events of
+    /// a level that has no file by its set-up are not among them. Any thread may ask.
     static std::uint64_t getUnwrittenCount();
 
 private:

@@ -1,6 +1,7 @@
 #include "base/lmLibraries.h"
 
 #include "base/lmRegion.h"
+#include "base/osDescriptor.h"
 
 #include <cerrno>
 #include <fcntl.h>
@@ -12,31 +13,17 @@ namespace Zu
 namespace
 {
 
-struct Descriptor
-{
-    explicit Descriptor(int descriptor) : _descriptor(descriptor) {}
-    Descriptor(const Descriptor&) = delete;
-    Descriptor& operator=(const Descriptor&) = delete;
-
-    ~Descriptor()
-    {
-        if (_descriptor >= 0) close(_descriptor);
-    }
-
-    const int _descriptor;
-};
-
 // The whole map; what could be read of it.
 std::string readMap()
 {
     std::string map;
-    const Descriptor file(open("/proc/self/maps", O_RDONLY | O_CLOEXEC));
-    if (file._descriptor < 0) return map;
+    const OsDescriptor file(open("/proc/self/maps", O_RDONLY | O_CLOEXEC));
+    if (file.get() < 0) return map;
     // The system gives whole lines, as many as fit.
     char buffer[65536];
     for (;;)
     {
-        const ssize_t count = read(file._descriptor, buffer, sizeof buffer);
+        const ssize_t count = read(file.get(), buffer, sizeof buffer);
         if (count < 0 && errno == EINTR) continue;
         if (count <= 0) return map;
         map.append(buffer, static_cast<std::size_t>(count));

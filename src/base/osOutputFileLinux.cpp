@@ -1,5 +1,7 @@
 #include "base/osOutputFile.h"
 
+#include "base/osDescriptor.h"
+
 #include <cerrno>
 #include <fcntl.h>
 #include <fstream>
@@ -16,46 +18,75 @@ namespace
 
 OsOwnership ownershipOf(const struct stat& status)
 {
-    return {status.st_uid, status.st_mode & 07777u, S_ISREG(status.st_mode), status.st_nlink};
+    return {status.st_uid, status.st_mode & 07777u, status.st_nlink};
 }
 
-bool isInSharedPlace(std::string_view name)
+// The directory of a name, held so that nobody can exchange it. A link of another user leads where
+// he likes.
+int openDirectory(std::string_view name)
 {
     const auto slash = name.rfind('/');
     std::string directory = ".";
-    if (slash != std::string_view::npos) directory = name.substr(0, slash + 1);
+    if (slash != std::string_view::npos)
+    {
+        // With a slash at its end a link would be followed.
+        const auto last = name.find_last_not_of('/', slash);
+        directory = last == std::string_view::npos ? "/" : name.substr(0, last + 1);
+    }
+    OsDescriptor place(open(directory.c_str(), O_PATH | O_NOFOLLOW | O_CLOEXEC));
     struct stat status = {};
-    return stat(directory.c_str(), &status) == 0 && osIsSharedPlace(ownershipOf(status), geteuid());
+    if (place.get() < 0 || fstat(place.get(), &status) != 0) return -1;
+    if (!S_ISLNK(status.st_mode)) return place.release();
+    if (!osIsTrustedLink(ownershipOf(status), geteuid())) return -1;
+    return open(directory.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC);
 }
 
-// A descriptor of the file itself, or of the link that stands in its place; it can't be exchanged.
-int fixed(const char* name)
+bool isOwn(const struct stat& status)
 {
-    const int made = open(name, O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0600);
-    if (made >= 0 || errno != EEXIST) return made;
-    return open(name, O_PATH | O_NOFOLLOW | O_CLOEXEC);
+    return osIsOwnOutput(ownershipOf(status), geteuid());
+}
+
+// Opens what stands in a shared place. Nothing is emptied, or waited for, before it is known whose
+// it is.
+int openChecked(int place, const char* name, bool appends)
+{
+    const int flags = O_WRONLY | O_CREAT | O_CLOEXEC | (appends ? O_APPEND : 0);
+    OsDescriptor file(openat(place, name, flags | O_NOFOLLOW | O_NONBLOCK, 0600));
+    struct stat status = {};
+    if (file.get() >= 0)
+    {
+        if (fstat(file.get(), &status) != 0 || !isOwn(status)) return -1;
+        if (fcntl(file.get(), F_SETFL, flags & O_APPEND) != 0) return -1;
+        if (!appends && S_ISREG(status.st_mode) && ftruncate(file.get(), 0) != 0) return -1;
+        return file.release();
+    }
+    // A link, or a pipe that nobody reads yet.
+    if (errno != ELOOP && errno != ENXIO) return -1;
+    if (fstatat(place, name, &status, AT_SYMLINK_NOFOLLOW) != 0 || !isOwn(status)) return -1;
+    return openat(place, name, flags | (appends ? 0 : O_TRUNC), 0600);
+}
+
+int openIn(int place, const char* name, bool appends)
+{
+    struct stat status = {};
+    if (fstat(place, &status) != 0) return -1;
+    if (osIsSharedPlace(ownershipOf(status), geteuid())) return openChecked(place, name, appends);
+    const int flags = O_WRONLY | O_CREAT | O_CLOEXEC | (appends ? O_APPEND : O_TRUNC);
+    return openat(place, name, flags, 0666);
 }
 
 } // namespace
 
 void osOpenOutput(std::ofstream& file, const char* name, bool appends)
 {
-    const auto mode =
-        std::ios::out | std::ios::binary | (appends ? std::ios::app : std::ios::trunc);
-    if (!isInSharedPlace(name))
-    {
-        file.open(name, mode);
-        return;
-    }
-    const int descriptor = fixed(name);
-    struct stat status = {};
-    if (descriptor >= 0 && fstat(descriptor, &status) == 0 &&
-        osIsOwnOutput(ownershipOf(status), geteuid()))
-        file.open(S_ISREG(status.st_mode) ? "/proc/self/fd/" + std::to_string(descriptor) : name,
-                  mode);
+    const OsDescriptor place(openDirectory(name));
+    const std::string_view path = name;
+    const std::string leaf(path.substr(path.rfind('/') + 1));
+    OsDescriptor descriptor(place.get() < 0 ? -1 : openIn(place.get(), leaf.c_str(), appends));
+    if (descriptor.get() >= 0 && osAdoptOutput(file, descriptor.get(), appends))
+        descriptor.release();
     else
         file.setstate(std::ios::failbit);
-    if (descriptor >= 0) close(descriptor);
 }
 
 } // namespace Zu

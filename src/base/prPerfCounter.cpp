@@ -7,7 +7,6 @@
 
 #include <cstdio>
 #include <cstring>
-#include <limits>
 #include <optional>
 #include <span>
 
@@ -149,15 +148,15 @@ std::optional<std::uint64_t> valueOf(Bytes block, Bytes definition)
 
 } // namespace
 
-std::vector<unsigned char> prPerformanceData(unsigned int objectIndex, const PrQuery& query)
+std::vector<unsigned char> prPerformanceData(unsigned int objectIndex, const PrQuery& query,
+                                             std::uint32_t largest)
 {
     constexpr std::uint32_t FIRST_SIZE = 8192;
     constexpr std::uint32_t STEP = 1024;
-    constexpr std::uint32_t LARGEST = std::numeric_limits<std::uint32_t>::max() - STEP;
 
     char valueName[20];
     std::snprintf(valueName, sizeof valueName, "%d", static_cast<int>(objectIndex));
-    for (std::uint32_t size = FIRST_SIZE; size <= LARGEST; size += STEP)
+    for (std::uint32_t size = FIRST_SIZE; size <= largest; size += STEP)
     {
         std::vector<unsigned char> buffer(size);
         if (!query(valueName, buffer.data(), size)) return buffer;

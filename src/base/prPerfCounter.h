@@ -24,9 +24,11 @@ using PrQuery =
     std::function<bool(const char* valueName, unsigned char* buffer, std::uint32_t size)>;
 
 /// The data of an object as the query gives them: it is repeated with a buffer of 8192 bytes and
-/// 1024 more each time until they fit. What was not filled is 0. Raises ExInternalError when no
-/// size of 32 bits is enough.
-std::vector<unsigned char> prPerformanceData(unsigned int objectIndex, const PrQuery& query);
+/// 1024 more each time until they fit. What was not filled is 0. Raises ExInternalError when the
+/// largest size is not enough: far beyond what any system has, since a source that always wants
+/// more must not go on for hours.
+std::vector<unsigned char> prPerformanceData(unsigned int objectIndex, const PrQuery& query,
+                                             std::uint32_t largest = 16 * 1024 * 1024);
 
 /// The value in a block of the format PERF_DATA_BLOCK. A length of 0, or one that leads out of what
 /// it is part of, ends the walk that it is met in, and the rest counts as not there.

@@ -43,11 +43,25 @@ bool queryData(const char* valueName, unsigned char* buffer, std::uint32_t size)
     return result == ERROR_MORE_DATA;
 }
 
+// The query opens the data, and with them the libraries of those who provide them.
+struct OpenData
+{
+    OpenData() = default;
+    OpenData(const OpenData&) = delete;
+    OpenData& operator=(const OpenData&) = delete;
+
+    ~OpenData()
+    {
+        RegCloseKey(HKEY_PERFORMANCE_DATA);
+    }
+};
+
 } // namespace
 
 std::uint64_t prGetCounterValue(unsigned int objectIndex, unsigned int counterIndex,
                                 const char* instance)
 {
+    const OpenData data;
     return prCounterValueIn(prPerformanceData(objectIndex, &queryData), objectIndex, counterIndex,
                             instance);
 }

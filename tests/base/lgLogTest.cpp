@@ -623,15 +623,26 @@ TEST_F(LgLogTest, WithoutALogDirectoryOnlyFilesOfTheirOwnNameAreWritten)
         LgLog::disableTimeStamps();
         support::addEvent(queue, LgTypes::Error, "nowhere");
         support::addEvent(queue, LgTypes::InternalError, "nowhere");
+        support::addEvent(queue, LgTypes::Profiling, "nowhere");
         support::addEvent(queue, LgTypes::Tracing, "printed");
+        const std::uint64_t unwritten = Zu::LgReader::getUnwrittenCount();
         EXPECT_EQ(printedBy([] { Zu::LgReader().flushAll(); }), "printed\n");
         EXPECT_TRUE(queue.isEmpty());
+        // All but that of tracing.
+        EXPECT_EQ(Zu::LgReader::getUnwrittenCount(), unwritten + 3);
         destroy();
 
         set("ZU_LOG_PROFILING", "prof");
         set("ZU_LOG_INTERNAL_ERROR", "%");
+        set("ZU_LOG_RECOVERABLE_ERROR", "--");
         init();
-        EXPECT_EQ(displayed(), setupText({"stdout, ", "", "", "", "", "stdout, ", "prof "}));
+        EXPECT_EQ(displayed(), setupText({"stdout, ", "", DISABLED, "", "", "stdout, ", "prof "}));
+        support::Entered<LgQueue> later;
+        support::addEvent(later, LgTypes::InternalError, "printed");
+        support::addEvent(later, LgTypes::Warning, "nowhere");
+        support::addEvent(later, LgTypes::Error, "not wanted");
+        EXPECT_EQ(printedBy([] { Zu::LgReader().flushAll(); }), "printed\n");
+        EXPECT_EQ(Zu::LgReader::getUnwrittenCount(), unwritten + 4);
         destroy();
         EXPECT_EQ(support::bytesOf("prof"), std::string(START_BANNER) + STOP_BANNER);
         std::filesystem::remove("prof");
@@ -1142,6 +1153,70 @@ TEST(LgLog, BannersAreWrittenUnderTheLock)
               "destroy: system error\nfree for others\nend of main\n");
     EXPECT_EQ(logOutputOf({"abandon", name, "start"}, environment),
               "start: system error\nend of main\n");
+}
+
+// The file that is closed first is not under the lock, and has no banner; nothing else is left out.
+TEST(LgLog, AnEndThatIsToldOfADeadHolderIsWhole)
+{
+    const TempDir dir;
+    const TempDir files;
+    const std::string name = lockNameOf(dir);
+    EXPECT_EQ(logOutputOf({"init", "abandon", name, "destroy"},
+                          {{"ZU_INTERNAL_INTERPROCESS_LOG_LOCK", name},
+                           {"ZU_LOG_DISABLE_TIMESTAMPS", "1"},
+                           {"ZU_LOG_INTERNAL_ERROR", files.file("first.log")},
+                           {"B7Q_TEST_DIR", files.path()}}),
+              "destroy: system error\nend of main\n");
+    const std::string whole = std::string(START_BANNER) + STOP_BANNER;
+    EXPECT_EQ(support::bytesOf(files.file("first.log")), START_BANNER);
+    EXPECT_EQ(support::bytesOf(files.file("events.log")), whole);
+    EXPECT_EQ(support::bytesOf(files.file("prof.log")), whole);
+}
+
+TEST(LgLog, AStartThatFailedMayBeTriedAgain)
+{
+    const TempDir dir;
+    const TempDir files;
+    const std::string name = lockNameOf(dir);
+    const std::string lock = "ZU_INTERNAL_INTERPROCESS_LOG_LOCK";
+    const std::string whole = std::string(START_BANNER) + STOP_BANNER;
+    support::writeBytes(files.file("plain"), "plain\n");
+    const struct
+    {
+        const char* _what;
+        std::vector<std::string> _steps;
+        Environment _environment;
+        std::string _error;
+    } cases[] = {
+        {"a dead holder",
+         {"abandon", name, "init", "init"},
+         {{lock, name}},
+         "init: system error\n"},
+        {"a lock that can't be made",
+         {"init", "set", lock + "=" + name, "init"},
+         {{lock, std::string(20000, 'x')}},
+         "init: system error\n"},
+        {"a file in the place of the directory",
+         {"init", "set", "B7Q_TEST_DIR=" + files.path(), "init"},
+         {{"B7Q_TEST_DIR", files.file("plain")}},
+         "init: A regular file with the same path name exists.\n"},
+    };
+    for (const auto& row : cases)
+    {
+        SCOPED_TRACE(row._what);
+        Environment environment = {{"ZU_LOG_DISABLE_TIMESTAMPS", "1"},
+                                   {"B7Q_TEST_DIR", files.path()},
+                                   {"ZU_LOG_WARNING", files.file("warning.log")}};
+        for (const auto& [variable, value] : row._environment) environment[variable] = value;
+        std::vector<std::string> steps = row._steps;
+        steps.emplace_back("destroy");
+        EXPECT_EQ(logOutputOf(steps, environment), row._error + "end of main\n");
+        for (const char* const file : {"events.log", "prof.log", "warning.log"})
+        {
+            EXPECT_EQ(support::bytesOf(files.file(file)), whole) << file;
+            std::filesystem::remove(files.file(file));
+        }
+    }
 }
 
 TEST(LgLog, ALaterLockReplacesTheFormerOne)

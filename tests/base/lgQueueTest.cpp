@@ -4,9 +4,12 @@
 #include "base/osCpuInfo.h"
 
 #include <array>
+#include <cstddef>
 #include <cstdint>
+#include <cstring>
 #include <deque>
 #include <gtest/gtest.h>
+#include <limits>
 #include <random>
 #include <string>
 #include <thread>
@@ -383,6 +386,27 @@ TEST(LgQueueEntry, BecomesAnOverflowEntryAndBack)
     entry.setLevel(LgTypes::Error);
     entry.setOverflowEntry(false);
     EXPECT_EQ(entry.getLevel(), LgTypes::Error);
+}
+
+// A loop that logs while a disk stands still gets there in minutes.
+TEST(LgQueueEntry, ItsCountStaysAtTheLargest)
+{
+    constexpr std::int32_t LARGEST = std::numeric_limits<std::int32_t>::max();
+    LgQueue::Entry entry;
+    entry.setOverflowEntry(true);
+    constexpr std::int32_t MARK = 0x5A;
+    while (entry.getOverflowCount() < MARK) entry.incOverflowCount();
+    // Counting that far takes too long: the count is found in the entry, and set.
+    auto* const bytes = reinterpret_cast<unsigned char*>(&entry);
+    std::size_t place = 0;
+    while (std::memcmp(bytes + place, &MARK, sizeof MARK) != 0) place += sizeof MARK;
+    const std::int32_t almost = LARGEST - 1;
+    std::memcpy(bytes + place, &almost, sizeof almost);
+    for (int i = 0; i < 3; ++i)
+    {
+        entry.incOverflowCount();
+        EXPECT_EQ(entry.getOverflowCount(), LARGEST);
+    }
 }
 
 using LgQueueDeathTest = LgQueueTest;

@@ -3,6 +3,7 @@
 #include "base/osFilePlatform.h"
 
 #include "base/exSysError.h"
+#include "base/lgInterProcessLock.h"
 #include "base/osDirectory.h"
 #include "base/osFile.h"
 #include "base/osFileEx.h"
@@ -21,8 +22,11 @@
 #include <filesystem>
 #include <gtest/gtest.h>
 #include <iterator>
+#include <memory>
 #include <new>
+#include <pthread.h>
 #include <string>
+#include <unistd.h>
 #include <vector>
 
 namespace
@@ -75,6 +79,25 @@ TEST_F(OsFileFaultTest, AFailedOpeningRaisesItsCode)
     EXPECT_EQ(codeOf([&] { const OsFileReader reader(existing); }), EMFILE);
     EXPECT_EQ(codeOf([&] { const OsFileWriter writer(existing, usual, false); }), EMFILE);
     EXPECT_EQ(readFile(file("f")), "content");
+}
+
+// Memory that were only promised would end the process when it is touched.
+TEST(LockFaultTest, WithoutMemoryForItALockIsAnError)
+{
+    const std::string name = "ZuFaults" + std::to_string(getpid());
+    const std::string object = "/dev/shm/ZU-lock-" + std::to_string(geteuid()) + "-" + name;
+    {
+        const Fault fault(Call::FALLOCATE, ENOSPC);
+        EXPECT_EQ(codeOf([&] { Zu::LgInterProcessLock::create(name.c_str()); }), ENOSPC);
+        EXPECT_FALSE(std::filesystem::exists(object));
+    }
+    const Fault fault(Call::FALLOCATE, EINTR, 3);
+    const std::unique_ptr<Zu::LgInterProcessLock> lock(
+        Zu::LgInterProcessLock::create(name.c_str()));
+    EXPECT_EQ(fault.failures(), 3);
+    EXPECT_EQ(std::filesystem::file_size(object), sizeof(pthread_mutex_t));
+    lock->lock();
+    lock->unlock();
 }
 
 TEST_F(OsFileFaultTest, InterruptedReadingIsResumed)

@@ -1030,6 +1030,22 @@ TEST(PrPerformanceData, TheBufferGrowsInStepsUntilTheDataFit)
     }
 }
 
+TEST(PrPerformanceData, DataWithoutAnEndAreAnError)
+{
+    Source source{1000000};
+    std::string reason;
+    try
+    {
+        Zu::prPerformanceData(238, std::ref(source), 10240);
+    }
+    catch (const Zu::ExInternalError& exception)
+    {
+        reason = exception.getReason();
+    }
+    EXPECT_EQ(reason, "Performance data without an end.");
+    EXPECT_EQ(source._sizes, (Sizes{8192, 9216, 10240}));
+}
+
 TEST(PrPerformanceData, ManyStepsAreTaken)
 {
     Source source{100000};

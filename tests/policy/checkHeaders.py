@@ -19,8 +19,9 @@ WARNINGS = ("-Wall", "-Wextra", "-Wpedantic", "-Wconversion", "-Wshadow", "-Werr
 def publicHeaders(root):
     """As includes name them."""
     for folder in ("base", "app"):
-        for name in checkSources.listedFiles(root / "src" / folder)["publicHeaders"]:
-            yield f"{folder}/{name}"
+        for kind, names in checkSources.listedFiles(root / "src" / folder).items():
+            if kind.startswith("publicHeaders"):
+                yield from (f"{folder}/{name}" for name in names)
 
 
 def compileAlone(root, compiler, standard, header):

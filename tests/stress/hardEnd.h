@@ -38,8 +38,8 @@ private:
     std::uint64_t _former;
 };
 
-// A file that would get too long is an error of the write from here on, not the end of the process.
-void letLongFilesFail();
+// A file that would get too long ends the process in the calling thread, whatever that blocks.
+void letLongFilesKill();
 
 // How much address space the process has.
 std::uint64_t addressSpace();

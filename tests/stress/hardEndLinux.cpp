@@ -56,9 +56,12 @@ ResourceLimit::~ResourceLimit()
     exchangeLimit(_resource, _former);
 }
 
-void letLongFilesFail()
+void letLongFilesKill()
 {
-    std::signal(SIGXFSZ, SIG_IGN);
+    sigset_t signals;
+    sigemptyset(&signals);
+    sigaddset(&signals, SIGXFSZ);
+    if (pthread_sigmask(SIG_UNBLOCK, &signals, nullptr) != 0) std::abort();
 }
 
 std::uint64_t addressSpace()

@@ -34,7 +34,7 @@ ResourceLimit::ResourceLimit(Resource resource, std::uint64_t limit)
 
 ResourceLimit::~ResourceLimit() = default;
 
-void letLongFilesFail() {}
+void letLongFilesKill() {}
 
 std::uint64_t addressSpace()
 {

@@ -40,6 +40,7 @@ enum class Call
     // The error 0 gives a count of 0.
     WRITE,
     FTRUNCATE,
+    FALLOCATE,
     LSEEK,
     FSYNC,
     STAT,

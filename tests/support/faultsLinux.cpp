@@ -48,6 +48,7 @@ extern "C"
     ssize_t __real_read(int descriptor, void* buffer, size_t size);
     ssize_t __real_write(int descriptor, const void* buffer, size_t size);
     int __real_ftruncate(int descriptor, off_t size);
+    int __real_posix_fallocate(int descriptor, off_t offset, off_t size);
     off_t __real_lseek(int descriptor, off_t offset, int origin);
     int __real_fsync(int descriptor);
     int __real_stat(const char* path, struct stat* status);
@@ -91,6 +92,13 @@ extern "C"
     int __wrap_ftruncate(int descriptor, off_t size)
     {
         return fails(Call::FTRUNCATE) ? -1 : __real_ftruncate(descriptor, size);
+    }
+
+    int __wrap_posix_fallocate(int descriptor, off_t offset, off_t size)
+    {
+        int error = 0;
+        if (support::isToFail(Call::FALLOCATE, error)) return error;
+        return __real_posix_fallocate(descriptor, offset, size);
     }
 
     off_t __wrap_lseek(int descriptor, off_t offset, int origin)

@@ -1,0 +1,38 @@
+/// @file
+/// An open descriptor; part of the library for Linux only. Internal to the library.
+
+#ifndef ZU_BASE_OSDESCRIPTOR_H
+#define ZU_BASE_OSDESCRIPTOR_H
+
+namespace Zu
+{
+
+/// Closes what it holds; a negative number is nothing.
+class OsDescriptor
+{
+public:
+    explicit OsDescriptor(int number) : _number(number) {}
+    OsDescriptor(const OsDescriptor&) = delete;
+    OsDescriptor& operator=(const OsDescriptor&) = delete;
+    ~OsDescriptor();
+
+    int get() const
+    {
+        return _number;
+    }
+
+    /// Gives it to the caller, who closes it.
+    int release()
+    {
+        const int number = _number;
+        _number = -1;
+        return number;
+    }
+
+private:
+    int _number;
+};
+
+} // namespace Zu
+
+#endif

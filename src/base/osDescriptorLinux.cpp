@@ -1,0 +1,13 @@
+#include "base/osDescriptor.h"
+
+#include <unistd.h>
+
+namespace Zu
+{
+
+OsDescriptor::~OsDescriptor()
+{
+    if (_number >= 0) close(_number);
+}
+
+} // namespace Zu
