@@ -14,7 +14,7 @@ import re
 import sys
 from pathlib import Path
 
-PUBLIC = re.compile(r"\bset\(\s*publicHeaders\s([^()]*)\)")
+PUBLIC = re.compile(r"\bset\(\s*publicHeaders\w*\s([^()]*)\)")
 COMMENT = r"(?P<comment>^[ \t]*//.*\n)?"
 DEFAULTED = re.compile(
     COMMENT + r"^[ \t]*(?!\w+:\n)[^;{}#/\s][^;{}#/]*\)[^;{}#/()]*= (?:default|delete);\n",
@@ -30,8 +30,8 @@ HASH = re.compile(r"^((?:///.*\n)*template <.*> struct )std::(hash<.*>\n\{\n(?:.
 
 def isPublic(path):
     """Whether the header is one of those that are installed."""
-    found = PUBLIC.search((path.parent / "CMakeLists.txt").read_text(encoding="utf-8"))
-    return path.name in found[1].split()
+    lists = PUBLIC.findall((path.parent / "CMakeLists.txt").read_text(encoding="utf-8"))
+    return any(path.name in names.split() for names in lists)
 
 
 def emptied(match):

@@ -8,7 +8,7 @@
 
 // The system's own types, declared as its headers do, so that those need not be included.
 struct HKEY__;
-typedef HKEY__* HKEY;
+typedef HKEY__* HKEY; ///< A key of the registry.
 struct _FILETIME;
 
 namespace Zu
