@@ -177,8 +177,14 @@ void checkConversion(const DtTime& time, const Rational& to)
     {
         const Zu::DtTimeIndex converted = time.convertRate(to).getCount();
         const Rational from = time.getRate();
-        const Wide above = Wide{from.getDenominator()} * to.getNumerator();
-        const Wide below = Wide{to.getDenominator()} * from.getNumerator();
+        Wide above = Wide{from.getDenominator()} * to.getNumerator();
+        Wide below = Wide{to.getDenominator()} * from.getNumerator();
+        // Of a reduced ratio the numerator has the sign.
+        if (below < 0)
+        {
+            above = -above;
+            below = -below;
+        }
         const Wide count = std::int64_t{time.getCount()};
         if (from == to || !isSmall(above) || !isSmall(below) || !fits(above * count)) return;
         FUZZ_REQUIRE(Wide{std::int64_t{converted}} == above * count / below);
