@@ -4,7 +4,7 @@
 #ifndef ZU_APP_APPAPI_H
 #define ZU_APP_APPAPI_H
 
-#include "base/baseApi.h"
+#include "../base/baseApi.h"
 
 /// @def ZU_APP_API
 /// A class or function of the application kit that clients may use.

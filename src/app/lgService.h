@@ -4,7 +4,7 @@
 #ifndef ZU_APP_LGSERVICE_H
 #define ZU_APP_LGSERVICE_H
 
-#include "app/appApi.h"
+#include "appApi.h"
 
 #include <cstdint>
 #include <memory>

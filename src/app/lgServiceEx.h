@@ -4,8 +4,8 @@
 #ifndef ZU_APP_LGSERVICEEX_H
 #define ZU_APP_LGSERVICEEX_H
 
-#include "app/appApi.h"
-#include "base/exBase.h"
+#include "../base/exBase.h"
+#include "appApi.h"
 
 #include <stdexcept>
 

@@ -4,7 +4,7 @@
 #ifndef ZU_APP_LGSERVICEREADER_H
 #define ZU_APP_LGSERVICEREADER_H
 
-#include "app/lgServiceThreads.h"
+#include "lgServiceThreads.h"
 
 #include <atomic>
 #include <thread>

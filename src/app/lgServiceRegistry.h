@@ -4,8 +4,8 @@
 #ifndef ZU_APP_LGSERVICEREGISTRY_H
 #define ZU_APP_LGSERVICEREGISTRY_H
 
-#include "base/containers.h"
-#include "base/lgRegistry.h"
+#include "../base/containers.h"
+#include "../base/lgRegistry.h"
 
 #include <mutex>
 

@@ -4,8 +4,8 @@
 #ifndef ZU_APP_LGSERVICETHREADS_H
 #define ZU_APP_LGSERVICETHREADS_H
 
-#include "app/lgBell.h"
-#include "base/lgQueue.h"
+#include "../base/lgQueue.h"
+#include "lgBell.h"
 
 #include <atomic>
 #include <chrono>

@@ -4,8 +4,8 @@
 #ifndef ZU_APP_THREADTRACEMANAGER_H
 #define ZU_APP_THREADTRACEMANAGER_H
 
-#include "app/appApi.h"
-#include "base/traceManager.h"
+#include "../base/traceManager.h"
+#include "appApi.h"
 
 namespace Zu
 {

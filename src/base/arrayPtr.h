@@ -4,7 +4,7 @@
 #ifndef ZU_BASE_ARRAYPTR_H
 #define ZU_BASE_ARRAYPTR_H
 
-#include "base/ownedPtr.h"
+#include "ownedPtr.h"
 
 #include <cstddef>
 

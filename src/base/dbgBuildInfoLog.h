@@ -4,7 +4,7 @@
 #ifndef ZU_BASE_DBGBUILDINFOLOG_H
 #define ZU_BASE_DBGBUILDINFOLOG_H
 
-#include "base/lgTypes.h"
+#include "lgTypes.h"
 
 #include <string>
 

@@ -4,10 +4,10 @@
 #ifndef ZU_BASE_DBGBUILDINFOMGR_H
 #define ZU_BASE_DBGBUILDINFOMGR_H
 
-#include "base/baseApi.h"
-#include "base/dbgBuildInfo.h"
-#include "base/inInit.h"
-#include "base/objPtr.h"
+#include "baseApi.h"
+#include "dbgBuildInfo.h"
+#include "inInit.h"
+#include "objPtr.h"
 
 #include <iosfwd>
 

@@ -4,9 +4,9 @@
 #ifndef ZU_BASE_DBGBUILDINFOUTIL_H
 #define ZU_BASE_DBGBUILDINFOUTIL_H
 
-#include "base/baseApi.h"
-#include "base/dbgBuildInfo.h"
-#include "base/objPtr.h"
+#include "baseApi.h"
+#include "dbgBuildInfo.h"
+#include "objPtr.h"
 
 namespace Zu
 {

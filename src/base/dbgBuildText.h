@@ -4,8 +4,8 @@
 #ifndef ZU_BASE_DBGBUILDTEXT_H
 #define ZU_BASE_DBGBUILDTEXT_H
 
-#include "base/baseApi.h"
-#include "base/dbgBuildInfo.h"
+#include "baseApi.h"
+#include "dbgBuildInfo.h"
 
 namespace Zu
 {

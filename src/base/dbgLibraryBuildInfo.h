@@ -4,7 +4,7 @@
 #ifndef ZU_BASE_DBGLIBRARYBUILDINFO_H
 #define ZU_BASE_DBGLIBRARYBUILDINFO_H
 
-#include "base/dbgBuildText.h"
+#include "dbgBuildText.h"
 
 namespace Zu
 {

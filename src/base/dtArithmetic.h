@@ -4,7 +4,7 @@
 #ifndef ZU_BASE_DTARITHMETIC_H
 #define ZU_BASE_DTARITHMETIC_H
 
-#include "base/truncateTo.h"
+#include "truncateTo.h"
 
 #include <cstdint>
 #include <limits>

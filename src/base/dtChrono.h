@@ -4,7 +4,7 @@
 #ifndef ZU_BASE_DTCHRONO_H
 #define ZU_BASE_DTCHRONO_H
 
-#include "base/dtTime.h"
+#include "dtTime.h"
 
 #include <chrono>
 #include <cstdint>

@@ -4,9 +4,9 @@
 #ifndef ZU_BASE_DTREFCLOCKSOURCE_H
 #define ZU_BASE_DTREFCLOCKSOURCE_H
 
-#include "base/arrayPtr.h"
-#include "base/baseApi.h"
-#include "base/rational.h"
+#include "arrayPtr.h"
+#include "baseApi.h"
+#include "rational.h"
 
 #include <cstdint>
 

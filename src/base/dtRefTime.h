@@ -4,10 +4,10 @@
 #ifndef ZU_BASE_DTREFTIME_H
 #define ZU_BASE_DTREFTIME_H
 
-#include "base/baseApi.h"
-#include "base/dtRefClockSource.h"
-#include "base/dtTime.h"
-#include "base/objPtr.h"
+#include "baseApi.h"
+#include "dtRefClockSource.h"
+#include "dtTime.h"
+#include "objPtr.h"
 
 #include <iosfwd>
 

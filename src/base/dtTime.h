@@ -4,11 +4,11 @@
 #ifndef ZU_BASE_DTTIME_H
 #define ZU_BASE_DTTIME_H
 
-#include "base/baseApi.h"
-#include "base/dtArithmetic.h"
-#include "base/dtEx.h"
-#include "base/ieeeDivide.h"
-#include "base/rational.h"
+#include "baseApi.h"
+#include "dtArithmetic.h"
+#include "dtEx.h"
+#include "ieeeDivide.h"
+#include "rational.h"
 
 #include <cstddef>
 #include <cstdint>

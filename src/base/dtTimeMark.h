@@ -4,9 +4,9 @@
 #ifndef ZU_BASE_DTTIMEMARK_H
 #define ZU_BASE_DTTIMEMARK_H
 
-#include "base/baseApi.h"
-#include "base/dtRefTime.h"
-#include "base/dtTime.h"
+#include "baseApi.h"
+#include "dtRefTime.h"
+#include "dtTime.h"
 
 #include <iosfwd>
 

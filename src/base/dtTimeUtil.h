@@ -4,10 +4,10 @@
 #ifndef ZU_BASE_DTTIMEUTIL_H
 #define ZU_BASE_DTTIMEUTIL_H
 
-#include "base/arrayPtr.h"
-#include "base/baseApi.h"
-#include "base/dtTime.h"
-#include "base/interval.h"
+#include "arrayPtr.h"
+#include "baseApi.h"
+#include "dtTime.h"
+#include "interval.h"
 
 namespace Zu
 {

@@ -4,7 +4,7 @@
 #ifndef ZU_BASE_DUPLICATESTRING_H
 #define ZU_BASE_DUPLICATESTRING_H
 
-#include "base/arrayPtr.h"
+#include "arrayPtr.h"
 
 namespace Zu
 {

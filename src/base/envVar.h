@@ -4,8 +4,8 @@
 #ifndef ZU_BASE_ENVVAR_H
 #define ZU_BASE_ENVVAR_H
 
-#include "base/baseApi.h"
-#include "base/containers.h"
+#include "baseApi.h"
+#include "containers.h"
 
 #include <iosfwd>
 

@@ -4,7 +4,7 @@
 #ifndef ZU_BASE_EXBADEXCEPTION_H
 #define ZU_BASE_EXBADEXCEPTION_H
 
-#include "base/exBase.h"
+#include "exBase.h"
 
 #include <exception>
 

@@ -4,7 +4,7 @@
 #ifndef ZU_BASE_EXDEFINE_H
 #define ZU_BASE_EXDEFINE_H
 
-#include "base/exBase.h"
+#include "exBase.h"
 
 #include <cstdarg>
 #include <cstdio>

@@ -4,8 +4,8 @@
 #ifndef ZU_BASE_FLOATUTIL_H
 #define ZU_BASE_FLOATUTIL_H
 
-#include "base/ltFPClass.h"
-#include "base/truncateTo.h"
+#include "ltFPClass.h"
+#include "truncateTo.h"
 
 #include <cmath>
 #include <cstdint>

@@ -4,9 +4,9 @@
 #ifndef ZU_BASE_HMGC_H
 #define ZU_BASE_HMGC_H
 
-#include "base/arrayPtr.h"
-#include "base/baseApi.h"
-#include "base/ownedPtr.h"
+#include "arrayPtr.h"
+#include "baseApi.h"
+#include "ownedPtr.h"
 
 #include <iosfwd>
 

@@ -4,7 +4,7 @@
 #ifndef ZU_BASE_HMGCEX_H
 #define ZU_BASE_HMGCEX_H
 
-#include "base/exBase.h"
+#include "exBase.h"
 
 namespace Zu
 {

@@ -4,9 +4,9 @@
 #ifndef ZU_BASE_HMHEAPMGR_H
 #define ZU_BASE_HMHEAPMGR_H
 
-#include "base/baseApi.h"
-#include "base/inInit.h"
-#include "base/inSingleton.h"
+#include "baseApi.h"
+#include "inInit.h"
+#include "inSingleton.h"
 
 #include <cstdint>
 #include <iosfwd>

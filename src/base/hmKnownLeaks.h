@@ -4,7 +4,7 @@
 #ifndef ZU_BASE_HMKNOWNLEAKS_H
 #define ZU_BASE_HMKNOWNLEAKS_H
 
-#include "base/arrayPtr.h"
+#include "arrayPtr.h"
 
 namespace Zu
 {

@@ -4,9 +4,9 @@
 #ifndef ZU_BASE_HWCOUNTER_H
 #define ZU_BASE_HWCOUNTER_H
 
-#include "base/baseApi.h"
-#include "base/hwCounterEng.h"
-#include "base/inInit.h"
+#include "baseApi.h"
+#include "hwCounterEng.h"
+#include "inInit.h"
 
 #include <cstdint>
 #include <iosfwd>

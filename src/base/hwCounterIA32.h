@@ -4,8 +4,8 @@
 #ifndef ZU_BASE_HWCOUNTERIA32_H
 #define ZU_BASE_HWCOUNTERIA32_H
 
-#include "base/baseApi.h"
-#include "base/hwCounterEng.h"
+#include "baseApi.h"
+#include "hwCounterEng.h"
 
 #include <cstdint>
 

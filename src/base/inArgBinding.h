@@ -4,7 +4,7 @@
 #ifndef ZU_BASE_INARGBINDING_H
 #define ZU_BASE_INARGBINDING_H
 
-#include "base/containers.h"
+#include "containers.h"
 
 #include <set>
 

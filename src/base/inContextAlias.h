@@ -4,10 +4,10 @@
 #ifndef ZU_BASE_INCONTEXTALIAS_H
 #define ZU_BASE_INCONTEXTALIAS_H
 
-#include "base/arrayPtr.h"
-#include "base/baseApi.h"
-#include "base/inContextAliasBase.h"
-#include "base/inContextAliasMgr.h"
+#include "arrayPtr.h"
+#include "baseApi.h"
+#include "inContextAliasBase.h"
+#include "inContextAliasMgr.h"
 
 #include <cstdint>
 

@@ -4,8 +4,8 @@
 #ifndef ZU_BASE_INCONTEXTALIASMGR_H
 #define ZU_BASE_INCONTEXTALIASMGR_H
 
-#include "base/baseApi.h"
-#include "base/inContextAliasMgrBase.h"
+#include "baseApi.h"
+#include "inContextAliasMgrBase.h"
 
 #include <set>
 

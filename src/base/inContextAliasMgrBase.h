@@ -4,8 +4,8 @@
 #ifndef ZU_BASE_INCONTEXTALIASMGRBASE_H
 #define ZU_BASE_INCONTEXTALIASMGRBASE_H
 
-#include "base/baseApi.h"
-#include "base/containers.h"
+#include "baseApi.h"
+#include "containers.h"
 
 namespace Zu
 {

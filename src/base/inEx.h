@@ -4,7 +4,7 @@
 #ifndef ZU_BASE_INEX_H
 #define ZU_BASE_INEX_H
 
-#include "base/exBase.h"
+#include "exBase.h"
 
 #include <stdexcept>
 

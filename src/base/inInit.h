@@ -4,9 +4,9 @@
 #ifndef ZU_BASE_ININIT_H
 #define ZU_BASE_ININIT_H
 
-#include "base/baseApi.h"
-#include "base/inPackageInit.h"
-#include "base/zuInit.h"
+#include "baseApi.h"
+#include "inPackageInit.h"
+#include "zuInit.h"
 
 #include <typeinfo>
 

@@ -4,8 +4,8 @@
 #ifndef ZU_BASE_ININITMGRIMPL_H
 #define ZU_BASE_ININITMGRIMPL_H
 
-#include "base/containers.h"
-#include "base/inDependencyRows.h"
+#include "containers.h"
+#include "inDependencyRows.h"
 
 #include <cstdint>
 #include <iosfwd>

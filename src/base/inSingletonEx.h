@@ -4,7 +4,7 @@
 #ifndef ZU_BASE_INSINGLETONEX_H
 #define ZU_BASE_INSINGLETONEX_H
 
-#include "base/inEx.h"
+#include "inEx.h"
 
 #include <stdexcept>
 

@@ -4,9 +4,9 @@
 #ifndef ZU_BASE_INVARIABLE_H
 #define ZU_BASE_INVARIABLE_H
 
-#include "base/baseApi.h"
-#include "base/inContextAlias.h"
-#include "base/inVariableBase.h"
+#include "baseApi.h"
+#include "inContextAlias.h"
+#include "inVariableBase.h"
 
 namespace Zu
 {

@@ -4,9 +4,9 @@
 #ifndef ZU_BASE_INVARIABLEBASE_H
 #define ZU_BASE_INVARIABLEBASE_H
 
-#include "base/arrayPtr.h"
-#include "base/baseApi.h"
-#include "base/inContextAliasBase.h"
+#include "arrayPtr.h"
+#include "baseApi.h"
+#include "inContextAliasBase.h"
 
 #include <cstdint>
 #include <map>

@@ -4,9 +4,9 @@
 #ifndef ZU_BASE_INTERVAL_H
 #define ZU_BASE_INTERVAL_H
 
-#include "base/floatUtil.h"
-#include "base/ieeeDivide.h"
-#include "base/withoutNaNSign.h"
+#include "floatUtil.h"
+#include "ieeeDivide.h"
+#include "withoutNaNSign.h"
 
 #include <algorithm>
 #include <cstddef>

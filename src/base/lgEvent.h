@@ -4,15 +4,15 @@
 #ifndef ZU_BASE_LGEVENT_H
 #define ZU_BASE_LGEVENT_H
 
-#include "base/assertions.h"
-#include "base/baseApi.h"
-#include "base/lgLog.h"
-#include "base/lgMajorGroup.h"
-#include "base/lgMinorGroup.h"
-#include "base/lgQueue.h"
-#include "base/lgStream.h"
-#include "base/lgTypes.h"
-#include "base/xGlue.h"
+#include "assertions.h"
+#include "baseApi.h"
+#include "lgLog.h"
+#include "lgMajorGroup.h"
+#include "lgMinorGroup.h"
+#include "lgQueue.h"
+#include "lgStream.h"
+#include "lgTypes.h"
+#include "xGlue.h"
 
 #include <type_traits>
 

@@ -4,7 +4,7 @@
 #ifndef ZU_BASE_LGEX_H
 #define ZU_BASE_LGEX_H
 
-#include "base/exBase.h"
+#include "exBase.h"
 
 #include <stdexcept>
 

@@ -4,8 +4,8 @@
 #ifndef ZU_BASE_LGINTERPROCESSLOCK_H
 #define ZU_BASE_LGINTERPROCESSLOCK_H
 
-#include "base/baseApi.h"
-#include "base/ownedPtr.h"
+#include "baseApi.h"
+#include "ownedPtr.h"
 
 namespace Zu
 {

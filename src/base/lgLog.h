@@ -4,11 +4,11 @@
 #ifndef ZU_BASE_LGLOG_H
 #define ZU_BASE_LGLOG_H
 
-#include "base/baseApi.h"
-#include "base/lgInterProcessLock.h"
-#include "base/lgRegistry.h"
-#include "base/lgTypes.h"
-#include "base/objPtr.h"
+#include "baseApi.h"
+#include "lgInterProcessLock.h"
+#include "lgRegistry.h"
+#include "lgTypes.h"
+#include "objPtr.h"
 
 #include <atomic>
 #include <cstdint>

@@ -4,8 +4,8 @@
 #ifndef ZU_BASE_LGMAJORGROUP_H
 #define ZU_BASE_LGMAJORGROUP_H
 
-#include "base/baseApi.h"
-#include "base/lgTypes.h"
+#include "baseApi.h"
+#include "lgTypes.h"
 
 #include <atomic>
 #include <cstdint>

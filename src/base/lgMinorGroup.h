@@ -4,9 +4,9 @@
 #ifndef ZU_BASE_LGMINORGROUP_H
 #define ZU_BASE_LGMINORGROUP_H
 
-#include "base/baseApi.h"
-#include "base/lgMajorGroup.h"
-#include "base/lgTypes.h"
+#include "baseApi.h"
+#include "lgMajorGroup.h"
+#include "lgTypes.h"
 
 namespace Zu
 {

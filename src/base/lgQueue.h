@@ -4,11 +4,11 @@
 #ifndef ZU_BASE_LGQUEUE_H
 #define ZU_BASE_LGQUEUE_H
 
-#include "base/baseApi.h"
-#include "base/lgRingIndex.h"
-#include "base/lgStream.h"
-#include "base/lgTypes.h"
-#include "base/objPtr.h"
+#include "baseApi.h"
+#include "lgRingIndex.h"
+#include "lgStream.h"
+#include "lgTypes.h"
+#include "objPtr.h"
 
 #include <atomic>
 #include <cstddef>

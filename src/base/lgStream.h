@@ -4,8 +4,8 @@
 #ifndef ZU_BASE_LGSTREAM_H
 #define ZU_BASE_LGSTREAM_H
 
-#include "base/baseApi.h"
-#include "base/lgRingIndex.h"
+#include "baseApi.h"
+#include "lgRingIndex.h"
 
 #include <atomic>
 #include <cstddef>

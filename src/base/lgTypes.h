@@ -4,7 +4,7 @@
 #ifndef ZU_BASE_LGTYPES_H
 #define ZU_BASE_LGTYPES_H
 
-#include "base/baseApi.h"
+#include "baseApi.h"
 
 #include <cstdint>
 

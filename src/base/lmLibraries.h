@@ -4,8 +4,8 @@
 #ifndef ZU_BASE_LMLIBRARIES_H
 #define ZU_BASE_LMLIBRARIES_H
 
-#include "base/baseApi.h"
-#include "base/lmLibrary.h"
+#include "baseApi.h"
+#include "lmLibrary.h"
 
 #include <vector>
 

@@ -4,8 +4,8 @@
 #ifndef ZU_BASE_LMLIBRARY_H
 #define ZU_BASE_LMLIBRARY_H
 
-#include "base/arrayPtr.h"
-#include "base/baseApi.h"
+#include "arrayPtr.h"
+#include "baseApi.h"
 
 #include <cstdint>
 #include <vector>

@@ -5,7 +5,7 @@
 #ifndef ZU_BASE_LMREGION_H
 #define ZU_BASE_LMREGION_H
 
-#include "base/lmLibrary.h"
+#include "lmLibrary.h"
 
 #include <cstdint>
 #include <functional>

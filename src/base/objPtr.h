@@ -4,7 +4,7 @@
 #ifndef ZU_BASE_OBJPTR_H
 #define ZU_BASE_OBJPTR_H
 
-#include "base/ownedPtr.h"
+#include "ownedPtr.h"
 
 namespace Zu
 {

@@ -4,7 +4,7 @@
 #ifndef ZU_BASE_OSCPUID_H
 #define ZU_BASE_OSCPUID_H
 
-#include "base/osCpuInfo.h"
+#include "osCpuInfo.h"
 
 #include <cstdint>
 #include <functional>

@@ -4,7 +4,7 @@
 #ifndef ZU_BASE_OSDATETYPES_H
 #define ZU_BASE_OSDATETYPES_H
 
-#include "base/baseApi.h"
+#include "baseApi.h"
 
 #include <cstddef>
 #include <cstdint>

@@ -4,8 +4,8 @@
 #ifndef ZU_BASE_OSDATEUTIL_H
 #define ZU_BASE_OSDATEUTIL_H
 
-#include "base/baseApi.h"
-#include "base/osDateTypes.h"
+#include "baseApi.h"
+#include "osDateTypes.h"
 
 namespace Zu
 {

@@ -4,13 +4,13 @@
 #ifndef ZU_BASE_OSDIRECTORY_H
 #define ZU_BASE_OSDIRECTORY_H
 
-#include "base/baseApi.h"
-#include "base/containers.h"
-#include "base/objPtr.h"
-#include "base/osFile.h"
-#include "base/osFileFilter.h"
-#include "base/osFilePath.h"
-#include "base/osFileTypes.h"
+#include "baseApi.h"
+#include "containers.h"
+#include "objPtr.h"
+#include "osFile.h"
+#include "osFileFilter.h"
+#include "osFilePath.h"
+#include "osFileTypes.h"
 
 namespace Zu
 {

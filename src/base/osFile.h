@@ -4,12 +4,12 @@
 #ifndef ZU_BASE_OSFILE_H
 #define ZU_BASE_OSFILE_H
 
-#include "base/arrayPtr.h"
-#include "base/baseApi.h"
-#include "base/objPtr.h"
-#include "base/osDateTypes.h"
-#include "base/osFilePath.h"
-#include "base/osFileTypes.h"
+#include "arrayPtr.h"
+#include "baseApi.h"
+#include "objPtr.h"
+#include "osDateTypes.h"
+#include "osFilePath.h"
+#include "osFileTypes.h"
 
 #include <cstdint>
 

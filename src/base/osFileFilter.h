@@ -4,9 +4,9 @@
 #ifndef ZU_BASE_OSFILEFILTER_H
 #define ZU_BASE_OSFILEFILTER_H
 
-#include "base/arrayPtr.h"
-#include "base/baseApi.h"
-#include "base/osFilePath.h"
+#include "arrayPtr.h"
+#include "baseApi.h"
+#include "osFilePath.h"
 
 namespace Zu
 {

@@ -5,8 +5,8 @@
 #ifndef ZU_BASE_OSFILEHANDLE_H
 #define ZU_BASE_OSFILEHANDLE_H
 
-#include "base/osFilePath.h"
-#include "base/osFileTypes.h"
+#include "osFilePath.h"
+#include "osFileTypes.h"
 
 #include <cstdint>
 

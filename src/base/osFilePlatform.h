@@ -4,7 +4,7 @@
 #ifndef ZU_BASE_OSFILEPLATFORM_H
 #define ZU_BASE_OSFILEPLATFORM_H
 
-#include "base/osFileTypes.h"
+#include "osFileTypes.h"
 
 #include <cstdint>
 #include <memory>

@@ -4,12 +4,12 @@
 #ifndef ZU_BASE_OSFILETOOLS_H
 #define ZU_BASE_OSFILETOOLS_H
 
-#include "base/baseApi.h"
-#include "base/containers.h"
-#include "base/objPtr.h"
-#include "base/osDirectory.h"
-#include "base/osFileReader.h"
-#include "base/osFileWriter.h"
+#include "baseApi.h"
+#include "containers.h"
+#include "objPtr.h"
+#include "osDirectory.h"
+#include "osFileReader.h"
+#include "osFileWriter.h"
 
 #include <cstdint>
 #include <string>

@@ -4,7 +4,7 @@
 #ifndef ZU_BASE_OSFILETYPES_H
 #define ZU_BASE_OSFILETYPES_H
 
-#include "base/baseApi.h"
+#include "baseApi.h"
 
 #include <cstdint>
 

@@ -4,11 +4,11 @@
 #ifndef ZU_BASE_OSFILEWRITER_H
 #define ZU_BASE_OSFILEWRITER_H
 
-#include "base/baseApi.h"
-#include "base/osFile.h"
-#include "base/osFilePath.h"
-#include "base/osFileTypes.h"
-#include "base/ownedPtr.h"
+#include "baseApi.h"
+#include "osFile.h"
+#include "osFilePath.h"
+#include "osFileTypes.h"
+#include "ownedPtr.h"
 
 #include <cstdint>
 

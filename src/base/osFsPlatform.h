@@ -4,7 +4,7 @@
 #ifndef ZU_BASE_OSFSPLATFORM_H
 #define ZU_BASE_OSFSPLATFORM_H
 
-#include "base/osFileTypes.h"
+#include "osFileTypes.h"
 
 namespace Zu
 {

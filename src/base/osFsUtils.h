@@ -4,8 +4,8 @@
 #ifndef ZU_BASE_OSFSUTILS_H
 #define ZU_BASE_OSFSUTILS_H
 
-#include "base/baseApi.h"
-#include "base/osFileTypes.h"
+#include "baseApi.h"
+#include "osFileTypes.h"
 
 namespace Zu
 {

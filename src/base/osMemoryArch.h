@@ -4,7 +4,7 @@
 #ifndef ZU_BASE_OSMEMORYARCH_H
 #define ZU_BASE_OSMEMORYARCH_H
 
-#include "base/baseApi.h"
+#include "baseApi.h"
 
 namespace Zu
 {

@@ -4,8 +4,8 @@
 #ifndef ZU_BASE_OSMEMORYARCHIMP_H
 #define ZU_BASE_OSMEMORYARCHIMP_H
 
-#include "base/osCpuInfo.h"
-#include "base/osMemoryArch.h"
+#include "osCpuInfo.h"
+#include "osMemoryArch.h"
 
 namespace Zu
 {

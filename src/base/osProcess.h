@@ -4,8 +4,8 @@
 #ifndef ZU_BASE_OSPROCESS_H
 #define ZU_BASE_OSPROCESS_H
 
-#include "base/baseApi.h"
-#include "base/objPtr.h"
+#include "baseApi.h"
+#include "objPtr.h"
 
 namespace Zu
 {

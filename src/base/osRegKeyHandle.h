@@ -4,7 +4,7 @@
 #ifndef ZU_BASE_OSREGKEYHANDLE_H
 #define ZU_BASE_OSREGKEYHANDLE_H
 
-#include "base/baseApi.h"
+#include "baseApi.h"
 
 // The system's own types, declared as its headers do, so that those need not be included.
 struct HKEY__;

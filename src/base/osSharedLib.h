@@ -4,9 +4,9 @@
 #ifndef ZU_BASE_OSSHAREDLIB_H
 #define ZU_BASE_OSSHAREDLIB_H
 
-#include "base/baseApi.h"
-#include "base/objPtr.h"
-#include "base/osFilePath.h"
+#include "baseApi.h"
+#include "objPtr.h"
+#include "osFilePath.h"
 
 namespace Zu
 {

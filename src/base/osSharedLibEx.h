@@ -4,7 +4,7 @@
 #ifndef ZU_BASE_OSSHAREDLIBEX_H
 #define ZU_BASE_OSSHAREDLIBEX_H
 
-#include "base/exBase.h"
+#include "exBase.h"
 
 #include <stdexcept>
 

@@ -4,7 +4,7 @@
 #ifndef ZU_BASE_PERIODICTIMERBEAT_H
 #define ZU_BASE_PERIODICTIMERBEAT_H
 
-#include "base/periodicTimer.h"
+#include "periodicTimer.h"
 
 #include <cstdint>
 #include <functional>

@@ -4,7 +4,7 @@
 #ifndef ZU_BASE_POW2_H
 #define ZU_BASE_POW2_H
 
-#include "base/assertions.h"
+#include "assertions.h"
 
 #include <cstdint>
 

@@ -4,8 +4,8 @@
 #ifndef ZU_BASE_PROFCONSOLIDATOR_H
 #define ZU_BASE_PROFCONSOLIDATOR_H
 
-#include "base/baseApi.h"
-#include "base/profiler.h"
+#include "baseApi.h"
+#include "profiler.h"
 
 #include <iosfwd>
 #include <limits>

@@ -4,9 +4,9 @@
 #ifndef ZU_BASE_PROFILER_H
 #define ZU_BASE_PROFILER_H
 
-#include "base/baseApi.h"
-#include "base/intervalTimer.h"
-#include "base/lgStream.h"
+#include "baseApi.h"
+#include "intervalTimer.h"
+#include "lgStream.h"
 
 #include <cmath>
 #include <iosfwd>

@@ -4,7 +4,7 @@
 #ifndef ZU_BASE_PROFILERREPORT_H
 #define ZU_BASE_PROFILERREPORT_H
 
-#include "base/withoutNaNSign.h"
+#include "withoutNaNSign.h"
 
 #include <iomanip>
 #include <ostream>

@@ -4,9 +4,9 @@
 #ifndef ZU_BASE_RATIONAL_H
 #define ZU_BASE_RATIONAL_H
 
-#include "base/baseApi.h"
-#include "base/ieeeDivide.h"
-#include "base/rationalEx.h"
+#include "baseApi.h"
+#include "ieeeDivide.h"
+#include "rationalEx.h"
 
 #include <cstddef>
 #include <cstdint>

@@ -4,9 +4,9 @@
 #ifndef ZU_BASE_RNBINS_H
 #define ZU_BASE_RNBINS_H
 
-#include "base/ieeeDivide.h"
-#include "base/truncateTo.h"
-#include "base/withoutNaNSign.h"
+#include "ieeeDivide.h"
+#include "truncateTo.h"
+#include "withoutNaNSign.h"
 
 #include <algorithm>
 #include <cmath>

@@ -4,7 +4,7 @@
 #ifndef ZU_BASE_RNDIRECTIONALHISTOGRAM_H
 #define ZU_BASE_RNDIRECTIONALHISTOGRAM_H
 
-#include "base/rnRng.h"
+#include "rnRng.h"
 
 #include <cstdint>
 #include <iosfwd>
@@ -134,6 +134,6 @@ public:
 
 } // namespace Zu
 
-#include "base/rnDirectionalHistogram.imp"
+#include "rnDirectionalHistogram.imp"
 
 #endif

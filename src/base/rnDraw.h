@@ -4,8 +4,8 @@
 #ifndef ZU_BASE_RNDRAW_H
 #define ZU_BASE_RNDRAW_H
 
-#include "base/baseApi.h"
-#include "base/rnRng.h"
+#include "baseApi.h"
+#include "rnRng.h"
 
 namespace Zu
 {

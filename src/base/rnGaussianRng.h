@@ -4,7 +4,7 @@
 #ifndef ZU_BASE_RNGAUSSIANRNG_H
 #define ZU_BASE_RNGAUSSIANRNG_H
 
-#include "base/rnRng.h"
+#include "rnRng.h"
 
 #include <cstdint>
 
@@ -92,6 +92,6 @@ private:
 
 } // namespace Zu
 
-#include "base/rnGaussianRng.imp"
+#include "rnGaussianRng.imp"
 
 #endif

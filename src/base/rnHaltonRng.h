@@ -4,9 +4,9 @@
 #ifndef ZU_BASE_RNHALTONRNG_H
 #define ZU_BASE_RNHALTONRNG_H
 
-#include "base/baseApi.h"
-#include "base/rnUnitBox.h"
-#include "base/rnVanDerCorputRng.h"
+#include "baseApi.h"
+#include "rnUnitBox.h"
+#include "rnVanDerCorputRng.h"
 
 namespace Zu
 {

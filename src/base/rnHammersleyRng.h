@@ -4,8 +4,8 @@
 #ifndef ZU_BASE_RNHAMMERSLEYRNG_H
 #define ZU_BASE_RNHAMMERSLEYRNG_H
 
-#include "base/rnUnitBox.h"
-#include "base/rnVanDerCorputRng.h"
+#include "rnUnitBox.h"
+#include "rnVanDerCorputRng.h"
 
 #include <cstdint>
 
@@ -85,6 +85,6 @@ private:
 
 } // namespace Zu
 
-#include "base/rnHammersleyRng.imp"
+#include "rnHammersleyRng.imp"
 
 #endif

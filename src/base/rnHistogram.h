@@ -4,9 +4,9 @@
 #ifndef ZU_BASE_RNHISTOGRAM_H
 #define ZU_BASE_RNHISTOGRAM_H
 
-#include "base/rnBins.h"
-#include "base/rnRng.h"
-#include "base/rnSearch.h"
+#include "rnBins.h"
+#include "rnRng.h"
+#include "rnSearch.h"
 
 #include <cstdint>
 #include <iosfwd>
@@ -125,6 +125,6 @@ private:
 
 } // namespace Zu
 
-#include "base/rnHistogram.imp"
+#include "rnHistogram.imp"
 
 #endif

@@ -4,8 +4,8 @@
 #ifndef ZU_BASE_RNHISTOGRAMBI_H
 #define ZU_BASE_RNHISTOGRAMBI_H
 
-#include "base/rnRng.h"
-#include "base/rnSearch.h"
+#include "rnRng.h"
+#include "rnSearch.h"
 
 #include <cstdint>
 #include <iosfwd>
@@ -138,6 +138,6 @@ private:
 
 } // namespace Zu
 
-#include "base/rnHistogramBi.imp"
+#include "rnHistogramBi.imp"
 
 #endif

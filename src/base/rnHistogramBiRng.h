@@ -4,9 +4,9 @@
 #ifndef ZU_BASE_RNHISTOGRAMBIRNG_H
 #define ZU_BASE_RNHISTOGRAMBIRNG_H
 
-#include "base/rnHistogramBi.h"
-#include "base/rnRng.h"
-#include "base/rnSampler.h"
+#include "rnHistogramBi.h"
+#include "rnRng.h"
+#include "rnSampler.h"
 
 #include <cstdint>
 #include <vector>
@@ -69,6 +69,6 @@ private:
 
 } // namespace Zu
 
-#include "base/rnHistogramBiRng.imp"
+#include "rnHistogramBiRng.imp"
 
 #endif

@@ -4,9 +4,9 @@
 #ifndef ZU_BASE_RNHISTOGRAMRNG_H
 #define ZU_BASE_RNHISTOGRAMRNG_H
 
-#include "base/rnHistogram.h"
-#include "base/rnRng.h"
-#include "base/rnSampler.h"
+#include "rnHistogram.h"
+#include "rnRng.h"
+#include "rnSampler.h"
 
 #include <cstdint>
 #include <vector>
@@ -64,6 +64,6 @@ private:
 
 } // namespace Zu
 
-#include "base/rnHistogramRng.imp"
+#include "rnHistogramRng.imp"
 
 #endif

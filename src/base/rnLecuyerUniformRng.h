@@ -4,8 +4,8 @@
 #ifndef ZU_BASE_RNLECUYERUNIFORMRNG_H
 #define ZU_BASE_RNLECUYERUNIFORMRNG_H
 
-#include "base/baseApi.h"
-#include "base/rnUniformRng.h"
+#include "baseApi.h"
+#include "rnUniformRng.h"
 
 #include <cstdint>
 

@@ -4,8 +4,8 @@
 #ifndef ZU_BASE_RNNIEDERREITERMULTIRNG_H
 #define ZU_BASE_RNNIEDERREITERMULTIRNG_H
 
-#include "base/baseApi.h"
-#include "base/rnUnitBox.h"
+#include "baseApi.h"
+#include "rnUnitBox.h"
 
 #include <cstdint>
 

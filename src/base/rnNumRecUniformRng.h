@@ -4,10 +4,10 @@
 #ifndef ZU_BASE_RNNUMRECUNIFORMRNG_H
 #define ZU_BASE_RNNUMRECUNIFORMRNG_H
 
-#include "base/arrayPtr.h"
-#include "base/assertions.h"
-#include "base/baseApi.h"
-#include "base/rnUniformRng.h"
+#include "arrayPtr.h"
+#include "assertions.h"
+#include "baseApi.h"
+#include "rnUniformRng.h"
 
 #include <cstdint>
 

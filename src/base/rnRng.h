@@ -4,7 +4,7 @@
 #ifndef ZU_BASE_RNRNG_H
 #define ZU_BASE_RNRNG_H
 
-#include "base/baseApi.h"
+#include "baseApi.h"
 
 /// Sources of samples come for `float` and `double`. A sampler that is written against one of these
 /// interfaces runs unchanged on pseudo-random, low-discrepancy, shaped and measured sources.

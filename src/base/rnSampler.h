@@ -4,8 +4,8 @@
 #ifndef ZU_BASE_RNSAMPLER_H
 #define ZU_BASE_RNSAMPLER_H
 
-#include "base/rnBins.h"
-#include "base/rnSearch.h"
+#include "rnBins.h"
+#include "rnSearch.h"
 
 #include <cstdint>
 #include <limits>

@@ -4,7 +4,7 @@
 #ifndef ZU_BASE_RNSTDADAPTERS_H
 #define ZU_BASE_RNSTDADAPTERS_H
 
-#include "base/rnUniformRng.h"
+#include "rnUniformRng.h"
 
 #include <cstdint>
 #include <limits>

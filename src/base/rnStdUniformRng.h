@@ -4,7 +4,7 @@
 #ifndef ZU_BASE_RNSTDUNIFORMRNG_H
 #define ZU_BASE_RNSTDUNIFORMRNG_H
 
-#include "base/rnUniformRng.h"
+#include "rnUniformRng.h"
 
 #include <cstdint>
 
@@ -49,6 +49,6 @@ private:
 
 } // namespace Zu
 
-#include "base/rnStdUniformRng.imp"
+#include "rnStdUniformRng.imp"
 
 #endif

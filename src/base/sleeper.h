@@ -4,9 +4,9 @@
 #ifndef ZU_BASE_SLEEPER_H
 #define ZU_BASE_SLEEPER_H
 
-#include "base/baseApi.h"
-#include "base/inInit.h"
-#include "base/inSingleton.h"
+#include "baseApi.h"
+#include "inInit.h"
+#include "inSingleton.h"
 
 namespace Zu
 {

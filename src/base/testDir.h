@@ -4,8 +4,8 @@
 #ifndef ZU_BASE_TESTDIR_H
 #define ZU_BASE_TESTDIR_H
 
-#include "base/baseApi.h"
-#include "base/osFilePath.h"
+#include "baseApi.h"
+#include "osFilePath.h"
 
 namespace Zu
 {

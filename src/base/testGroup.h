@@ -4,7 +4,7 @@
 #ifndef ZU_BASE_TESTGROUP_H
 #define ZU_BASE_TESTGROUP_H
 
-#include "base/baseApi.h"
+#include "baseApi.h"
 
 #include <iosfwd>
 #include <memory>

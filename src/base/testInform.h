@@ -4,7 +4,7 @@
 #ifndef ZU_BASE_TESTINFORM_H
 #define ZU_BASE_TESTINFORM_H
 
-#include "base/baseApi.h"
+#include "baseApi.h"
 
 namespace Zu
 {

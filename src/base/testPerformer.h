@@ -4,10 +4,10 @@
 #ifndef ZU_BASE_TESTPERFORMER_H
 #define ZU_BASE_TESTPERFORMER_H
 
-#include "base/baseApi.h"
-#include "base/intervalTimer.h"
-#include "base/osFilePath.h"
-#include "base/profiler.h"
+#include "baseApi.h"
+#include "intervalTimer.h"
+#include "osFilePath.h"
+#include "profiler.h"
 
 #include <array>
 #include <cstdint>

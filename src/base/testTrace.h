@@ -4,8 +4,8 @@
 #ifndef ZU_BASE_TESTTRACE_H
 #define ZU_BASE_TESTTRACE_H
 
-#include "base/trace.h"
-#include "base/traceStatement.h"
+#include "trace.h"
+#include "traceStatement.h"
 
 #include <string>
 

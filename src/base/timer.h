@@ -4,8 +4,8 @@
 #ifndef ZU_BASE_TIMER_H
 #define ZU_BASE_TIMER_H
 
-#include "base/baseApi.h"
-#include "base/intervalTimer.h"
+#include "baseApi.h"
+#include "intervalTimer.h"
 
 #include <iosfwd>
 

@@ -4,9 +4,9 @@
 #ifndef ZU_BASE_TRACE_H
 #define ZU_BASE_TRACE_H
 
-#include "base/baseApi.h"
-#include "base/exBase.h"
-#include "base/traceLevel.h"
+#include "baseApi.h"
+#include "exBase.h"
+#include "traceLevel.h"
 
 #include <atomic>
 #include <cstdint>

@@ -4,9 +4,9 @@
 #ifndef ZU_BASE_TRACELEVEL_H
 #define ZU_BASE_TRACELEVEL_H
 
-#include "base/arrayPtr.h"
-#include "base/baseApi.h"
-#include "base/containers.h"
+#include "arrayPtr.h"
+#include "baseApi.h"
+#include "containers.h"
 
 #include <atomic>
 

@@ -4,8 +4,8 @@
 #ifndef ZU_BASE_TRACEMANAGER_H
 #define ZU_BASE_TRACEMANAGER_H
 
-#include "base/baseApi.h"
-#include "base/trace.h"
+#include "baseApi.h"
+#include "trace.h"
 
 #include <cstdint>
 

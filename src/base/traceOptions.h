@@ -4,7 +4,7 @@
 #ifndef ZU_BASE_TRACEOPTIONS_H
 #define ZU_BASE_TRACEOPTIONS_H
 
-#include "base/traceLevel.h"
+#include "traceLevel.h"
 
 #include <cstdint>
 #include <iosfwd>

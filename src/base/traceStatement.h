@@ -4,9 +4,9 @@
 #ifndef ZU_BASE_TRACESTATEMENT_H
 #define ZU_BASE_TRACESTATEMENT_H
 
-#include "base/trace.h"
-#include "base/traceManager.h"
-#include "base/xGlue.h"
+#include "trace.h"
+#include "traceManager.h"
+#include "xGlue.h"
 
 #include <optional>
 #include <sstream>

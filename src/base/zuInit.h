@@ -4,7 +4,7 @@
 #ifndef ZU_BASE_ZUINIT_H
 #define ZU_BASE_ZUINIT_H
 
-#include "base/baseApi.h"
+#include "baseApi.h"
 
 /// The empty classes that identify packages: `Zu::InInit<ZuInit::logger>` is the package "logger".
 /// A client puts its tags here or into a namespace of its own.

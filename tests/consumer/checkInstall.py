@@ -12,7 +12,8 @@ import subprocess
 import sys
 import tempfile
 
-EXPECTED = ["items 3", "Unknown application name / version.", "API Corvane 0.2 pre-alpha: "]
+EXPECTED = ["items 3", "own 7 9 beside of the library", "prefixed 3/2",
+            "Unknown application name / version.", "API Corvane 0.2 pre-alpha: "]
 
 
 def call(*words, **options):
@@ -84,7 +85,8 @@ def checkPkgConfig(source, place, prefix, compiler, emulator, suffix):
         call("pkg-config", "--cflags", "--libs", "zuapp", "zubase", env=environment))
     program = place / "byPkgConfig" / f"consumer{suffix}"
     program.parent.mkdir()
-    call(compiler, "-std=c++17", source / "consumer.cpp", "-o", program, *flags, "-pthread")
+    call(compiler, "-std=c++17", f"-I{source / 'own'}", *sorted(source.glob("*.cpp")), "-o", program,
+         *flags, "-pthread")
     run(program, prefix, emulator)
 
 

@@ -49,15 +49,15 @@ def own(name, *more):
 GOOD = {
     "tests/policy/layers.txt": LAYERS,
     "src/base/CMakeLists.txt": BUILD,
-    "src/base/base.h": header("base", '#include "base/high.h"'),
+    "src/base/base.h": header("base", '#include "high.h"'),
     "src/base/low.h": header("low"),
     "src/base/lowWindows.cpp": own("low", "#include <windows.h>"),
-    "src/base/middle.h": header("middle", '#include "base/low.h"', "#include <string>"),
-    "src/base/middle.imp": header("middle", '#include "base/middle.h"', kind="IMP"),
+    "src/base/middle.h": header("middle", '#include "low.h"', "#include <string>"),
+    "src/base/middle.imp": header("middle", '#include "middle.h"', kind="IMP"),
     "src/base/middle.cpp": own("middle", '#include "base/middleParts.h"'),
     "src/base/middleLinux.cpp": own("middleParts", "#include <sys/stat.h>"),
     "src/base/middleWinNT.cpp": own("middle"),
-    "src/base/middleParts.h": header("middleParts", '#include "base/middle.h"'),
+    "src/base/middleParts.h": header("middleParts", '#include "middle.h"'),
     "src/base/high.h": header("high"),
     "src/base/high.cpp": own("high", '#include "base/middle.h"'),
     "src/base/highInit.cpp": '#include "base/high.h"\n',
@@ -122,7 +122,7 @@ class Layers(PolicyTest):
                           "tests/policy/layers.txt:5: [table] high stands in two rows")
 
     def testUpwardInclude(self):
-        self.assertLayers({"src/base/low.h": header("low", '#include "base/high.h"'),
+        self.assertLayers({"src/base/low.h": header("low", '#include "high.h"'),
                            "src/base/high.cpp": own("high")}, "src/base/low.h:7: [upward]")
 
     def testUpwardIncludeOfAHalf(self):
@@ -132,7 +132,7 @@ class Layers(PolicyTest):
 
     def testStatedUpwardIncludePasses(self):
         changes = self.changedTable("one-sided", "upward: low -> high : a reason\none-sided")
-        changes["src/base/low.h"] = header("low", '#include "base/high.h"')
+        changes["src/base/low.h"] = header("low", '#include "high.h"')
         self.assertLayers({**changes, "src/base/high.cpp": own("high")})
 
     def testExceptionWithoutReason(self):
@@ -154,7 +154,7 @@ class Layers(PolicyTest):
 
     def testCircleOfThreeByWayOfAnException(self):
         changes = self.changedTable("one-sided", "upward: low -> high : a reason\none-sided")
-        changes["src/base/low.h"] = header("low", '#include "base/high.h"')
+        changes["src/base/low.h"] = header("low", '#include "high.h"')
         self.assertLayers(changes, "src/base/high.cpp:2: [circle] high -> middle -> low -> high")
 
     def testIncludeOfASource(self):
@@ -169,13 +169,17 @@ class Layers(PolicyTest):
         self.assertLayers({"src/base/high.cpp": own("high", '#include "middle.h"')},
                           "src/base/high.cpp:2: [include]")
 
+    def testHeaderThatLooksForAnotherAlongTheIncludePath(self):
+        self.assertLayers({"src/base/high.h": header("high", '#include "base/low.h"')},
+                          "src/base/high.h:7: [include]")
+
     def testIncludeInAngleBrackets(self):
         self.assertLayers({"src/base/high.cpp": own("high", "#  include <base/middle.h>")},
                           "src/base/high.cpp:2: [include]")
 
     def testKitOnItsLevelPasses(self):
         changes = self.changedTable("5 base\n", "5 base\n6 kit\n")
-        self.assertLayers({**changes, "src/app/kit.h": '#include "base/high.h"\n'})
+        self.assertLayers({**changes, "src/app/kit.h": '#include "../base/high.h"\n'})
 
     def testKitBelowItsLevel(self):
         changes = self.changedTable("5 base\n", "5 base\n5 kit\n")
@@ -320,11 +324,11 @@ class Sources(PolicyTest):
         self.assertSources(self.changedBuild("    base.h\n", ""), "src/base/base.h:1: [public]")
 
     def testUmbrellaWithAnInternalHeader(self):
-        text = header("base", '#include "base/high.h"', '#include "base/low.h"')
+        text = header("base", '#include "high.h"', '#include "low.h"')
         self.assertSources({"src/base/base.h": text}, "src/base/base.h:8: [public]")
 
     def testPublicHeaderThatNeedsAnInternalOne(self):
-        self.assertSources({"src/base/high.h": header("high", '#include "base/low.h"')},
+        self.assertSources({"src/base/high.h": header("high", '#include "low.h"')},
                            "src/base/high.h:7: [public]")
 
     def testSourceWithoutTests(self):

@@ -1,5 +1,6 @@
 """What the policy checks know of the source tree: its files, includes and components."""
 
+import posixpath
 import re
 from pathlib import Path
 
@@ -47,11 +48,18 @@ class Source:
         return f"{Path(self.name).parent.as_posix()}/{self.stem}.h"
 
     def includes(self):
-        """The includes as (line, text between the marks, whether in quotes)."""
+        """The includes as (line, name, whether in quotes).
+
+        Sources name files of the project from src/. Headers name them from their own folder, so
+        that they find each other beside themselves, wherever a client's include path leads.
+        """
         for number, line in enumerate(self.lines, 1):
             found = INCLUDE.match(line)
             if found:
-                yield number, found["name"][1:-1], found["name"][0] == '"'
+                name, quoted = found["name"][1:-1], found["name"][0] == '"'
+                if quoted and self.isHeader:
+                    name = posixpath.normpath(posixpath.join(posixpath.dirname(self.name), name))
+                yield number, name, quoted
 
     def conditions(self):
         """The preprocessor's conditions as (line, text), with continuation lines joined."""

@@ -6,6 +6,10 @@
 
 #include <iostream>
 
+// See names.cpp and prefixed.cpp.
+void writeOwnTimer();
+void writePrefixed();
+
 struct Store
 {
     int _items = 3;
@@ -20,5 +24,7 @@ int main(int argc, char** argv)
     Zu::InSingleton<Store>::create(new Store);
     std::cout << "items " << Zu::InSingleton<Store>::getInstance()._items << std::endl;
     Zu::InSingleton<Store>::destroy();
+    writeOwnTimer();
+    writePrefixed();
     Zu::DbgBuildInfoMgr::printBuildInfo(std::cout, false);
 }
