@@ -93,6 +93,8 @@
 #include "osUtils.h"
 #include "ownedPtr.h"
 #include "periodicTimer.h"
+#include "plainNumber.h"
+#include "plainTextStream.h"
 #include "pow2.h"
 #include "prEx.h"
 #include "profConsolidator.h"

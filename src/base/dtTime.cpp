@@ -1,5 +1,7 @@
 #include "base/dtTime.h"
 
+#include "base/plainNumber.h"
+
 #include <numeric>
 #include <ostream>
 
@@ -13,7 +15,7 @@ void DtTime::dump(std::ostream& os) const
 
 std::ostream& operator<<(std::ostream& os, const DtTimeIndex& index)
 {
-    return os << static_cast<long long>(index);
+    return os << plainNumber(static_cast<long long>(index));
 }
 
 std::ostream& operator<<(std::ostream& os, const DtTime& time)

@@ -1,9 +1,9 @@
 #include "base/envVar.h"
 
 #include "base/osEnv.h"
+#include "base/plainNumber.h"
 #include "base/textToDouble.h"
 #include "base/textToInt.h"
-#include "base/withoutNaNSign.h"
 
 #include <iomanip>
 #include <ostream>
@@ -99,7 +99,7 @@ void EnvIntVar::convert()
 void EnvIntVar::dump(std::ostream& os) const
 {
     dumpName(os);
-    os << " value " << _intValue << " default " << _intDefault;
+    os << " value " << plainNumber(_intValue) << " default " << plainNumber(_intDefault);
 }
 
 int EnvIntVar::getValue() const
@@ -127,8 +127,7 @@ void EnvDoubleVar::convert()
 void EnvDoubleVar::dump(std::ostream& os) const
 {
     dumpName(os);
-    os << " value " << withoutNaNSign(_doubleValue) << " default "
-       << withoutNaNSign(_doubleDefault);
+    os << " value " << plainNumber(_doubleValue) << " default " << plainNumber(_doubleDefault);
 }
 
 double EnvDoubleVar::getValue() const

@@ -1,6 +1,7 @@
 #include "base/hwCounterIA32.h"
 
 #include "base/osCpuInfo.h"
+#include "base/plainNumber.h"
 
 #include <limits>
 #include <ostream>
@@ -75,8 +76,9 @@ int HwCounterIA32::getRateDenominator() const
 void HwCounterIA32::dump(std::ostream& os) const
 {
     os << "HwCounterIA32:" << std::endl;
-    os << "Rate         = " << _rateNumerator << "/" << _rateDenominator << std::endl;
-    os << "Cycle        = " << _cycle << " seconds" << std::endl;
+    os << "Rate         = " << plainNumber(_rateNumerator) << "/" << plainNumber(_rateDenominator)
+       << std::endl;
+    os << "Cycle        = " << plainNumber(_cycle) << " seconds" << std::endl;
 }
 
 } // namespace Zu

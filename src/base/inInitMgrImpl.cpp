@@ -4,6 +4,7 @@
 #include "base/inEx.h"
 #include "base/inPackageInit.h"
 #include "base/internalAssert.h"
+#include "base/plainNumber.h"
 #include "base/typeName.h"
 
 #include <algorithm>
@@ -106,7 +107,8 @@ void writeEntries(std::ostream& os, const Vector<InPackageEntry>& entries)
         if (!isAlive(entry)) continue;
         os << "\t'" << entry._package->getName() << "' ";
         if (entry._initialized)
-            os << "Initialized (" << entry._nbDependencies << " dependencies)" << std::endl;
+            os << "Initialized (" << plainNumber(entry._nbDependencies) << " dependencies)"
+               << std::endl;
         else
             os << "Not initialized" << std::endl;
     }
@@ -171,7 +173,8 @@ void InInitMgrImpl::collectPackages()
                      [](const InPackageEntry& a, const InPackageEntry& b)
                      { return std::strcmp(a._package->getName(), b._package->getName()) < 0; });
     _nbPckgs = static_cast<std::int32_t>(_packagesToInit.size());
-    if (inDebugInitialize()) inDebugStream() << "-->_nbPckgs:" << _nbPckgs << std::endl;
+    if (inDebugInitialize())
+        inDebugStream() << "-->_nbPckgs:" << plainNumber(_nbPckgs) << std::endl;
 }
 
 void InInitMgrImpl::buildRows()
@@ -184,8 +187,8 @@ void InInitMgrImpl::buildRows()
     {
         InPackageEntry& entry = _packagesToInit[static_cast<std::size_t>(i)];
         if (inDebugInitialize())
-            inDebugStream() << "_packagesToInit[" << i << "]: " << entry._package->getName()
-                            << std::endl;
+            inDebugStream() << "_packagesToInit[" << plainNumber(i)
+                            << "]: " << entry._package->getName() << std::endl;
         for (const std::type_info* type : entry._package->getDependencies())
         {
             const auto found = rowOf.find(*type);
@@ -295,12 +298,12 @@ std::ostream& InInitMgrImpl::dump(std::ostream& os) const
     if (_registered.empty())
         os << "No packages waiting to be initialize." << std::endl;
     else
-        os << _registered.size() << " packages waiting to be initialize:" << std::endl;
+        os << plainNumber(_registered.size()) << " packages waiting to be initialize:" << std::endl;
     writeEntries(os, _registered);
     if (_savedPackages.empty())
         os << "No packages saved." << std::endl;
     else
-        os << _savedPackages.size() << " packages currently saved:" << std::endl;
+        os << plainNumber(_savedPackages.size()) << " packages currently saved:" << std::endl;
     writeEntries(os, _savedPackages);
     if (_cycle)
     {

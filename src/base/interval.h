@@ -6,7 +6,7 @@
 
 #include "floatUtil.h"
 #include "ieeeDivide.h"
-#include "withoutNaNSign.h"
+#include "plainNumber.h"
 
 #include <algorithm>
 #include <cstddef>
@@ -280,11 +280,10 @@ public:
         return !(a == b);
     }
 
-    /// Writes "[0, 1]"; a NaN without a sign.
+    /// Writes "[0, 1]"; a NaN without a sign, and by no locale.
     friend std::ostream& operator<<(std::ostream& os, const Interval& interval)
     {
-        return os << "[" << withoutNaNSign(interval._min) << ", " << withoutNaNSign(interval._max)
-                  << "]";
+        return os << "[" << plainNumber(interval._min) << ", " << plainNumber(interval._max) << "]";
     }
 
     /// The lower bound.

@@ -10,6 +10,7 @@
 #include "base/osFilePath.h"
 #include "base/osFsUtils.h"
 #include "base/osOutputFile.h"
+#include "base/plainTextStream.h"
 
 #include <cstring>
 #include <ctime>
@@ -17,7 +18,7 @@
 #include <fstream>
 #include <iomanip>
 #include <iostream>
-#include <sstream>
+#include <locale>
 #include <string>
 
 namespace Zu
@@ -90,7 +91,7 @@ bool isUsable(const char* directory)
 // In one piece, as every line.
 void writeBanner(std::ostream& out)
 {
-    std::ostringstream banner;
+    PlainTextStream banner;
     banner << "===== Message Logger Startup =====\n";
     if (LgLog::isTimeStampsEnabled())
     {
@@ -251,6 +252,7 @@ void LgLog::openOutputs()
         info._output = openedBefore(i);
         if (info._output) continue;
         info._output = new std::ofstream;
+        info._output->imbue(std::locale::classic());
         osOpenOutput(*info._output, info._file, info._append);
         const LgInterProcessLockGuard guard(getInterProcessLock());
         writeBanner(*info._output);

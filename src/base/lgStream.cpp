@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <charconv>
+#include <climits>
 #include <cmath>
 #include <cstdio>
 #include <cstring>
@@ -16,6 +17,7 @@ namespace
 {
 
 constexpr char LOST_TEXT = '#';
+constexpr std::size_t DECIMALS = 6;
 
 } // namespace
 
@@ -154,10 +156,16 @@ LgStream& LgStream::operator<<(double value)
 LgStream& LgStream::operator<<(long double value)
 {
     if (std::isnan(value)) return *this << "nan";
-    // Sign, digits before the point, point, six digits, terminator.
-    char text[std::numeric_limits<long double>::max_exponent10 + 10];
+    // Sign, digits before the point, point of any locale, six digits, terminator.
+    char text[std::numeric_limits<long double>::max_exponent10 + 10 + MB_LEN_MAX];
     const int length = std::snprintf(text, sizeof text, "%Lf", value);
-    return insert(text, static_cast<std::size_t>(std::max(length, 0)));
+    const auto size = static_cast<std::size_t>(std::max(length, 0));
+    if (std::isinf(value)) return insert(text, size);
+    // What stands between whole number and decimals is the locale's.
+    const std::size_t point = std::strspn(text, "-0123456789");
+    std::memmove(text + point + 1, text + size - DECIMALS, DECIMALS);
+    text[point] = '.';
+    return insert(text, point + 1 + DECIMALS);
 }
 
 LgStream& LgStream::operator<<(void* pointer)
@@ -275,10 +283,13 @@ void LgStream::completeAtEdge()
     _readPosSeen = _readPos;
     if (_terminatorPending)
     {
-        // Nothing was inserted since the last string was closed, on a terminator that stands yet.
+        // Nothing was inserted since the last string was closed, on a terminator that stands yet:
+        // there is no other string.
         if (_writePos.plus(1) == _readPosSeen) return;
         ++_writePos;
         _terminatorPending = false;
+        findStraightEnd();
+        return;
     }
     // An empty string at the very beginning would leave no trace: it is put behind the first NUL,
     // which then counts as read.

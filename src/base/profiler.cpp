@@ -2,7 +2,9 @@
 
 #include "base/profilerReport.h"
 
-#include <cstdio>
+#include <charconv>
+#include <cstddef>
+#include <string_view>
 
 namespace Zu
 {
@@ -14,8 +16,10 @@ void writeRow(LgStream& stream, const char* label, double value)
 {
     // All digits of the greatest number, and nine decimals.
     char text[340];
-    std::snprintf(text, sizeof text, "%.9f", withoutNaNSign(value));
-    stream << label << static_cast<const char*>(text) << "\n";
+    const char* const end =
+        std::to_chars(text, text + sizeof text, withoutNaNSign(value), std::chars_format::fixed, 9)
+            .ptr;
+    stream << label << std::string_view(text, static_cast<std::size_t>(end - text)) << "\n";
 }
 
 } // namespace
@@ -25,7 +29,7 @@ ProfilerBase::~ProfilerBase() = default;
 std::ostream& operator<<(std::ostream& os, const ProfilerBase& profiler)
 {
     ProfilerReport report(os);
-    os << "Profiler " << profiler.getName() << ":" << std::endl;
+    os << "Profiler " << ProfilerReport::shownName(profiler) << ":" << std::endl;
     report.row("Nb of cycles:", profiler.cycles());
     report.row("Total time:", profiler.totalTime());
     report.row("Average time:", profiler.averageTime());

@@ -4,7 +4,8 @@
 #ifndef ZU_BASE_PROFILERREPORT_H
 #define ZU_BASE_PROFILERREPORT_H
 
-#include "withoutNaNSign.h"
+#include "plainNumber.h"
+#include "streamFormat.h"
 
 #include <iomanip>
 #include <ostream>
@@ -13,36 +14,35 @@ namespace Zu
 {
 
 /// The rows of a report on a stream: left-justified and fixed, with blanks. Puts flags, width and
-/// fill character back at its end.
+/// fill character back at its end. A width that the stream has is deliberately left for the first
+/// text of the report.
 class ProfilerReport
 {
 public:
-    explicit ProfilerReport(std::ostream& os)
-        : _os(os), _flags(os.flags()), _width(os.width(0)), _fill(os.fill(' '))
+    explicit ProfilerReport(std::ostream& os) : _os(os), _format(os)
     {
+        _os.fill(' ');
         _os << std::left << std::fixed;
     }
 
     ProfilerReport(const ProfilerReport&) = delete;
     ProfilerReport& operator=(const ProfilerReport&) = delete;
 
-    ~ProfilerReport()
+    /// The name of a timer or profiler as reports have it.
+    template <class Named> static const char* shownName(const Named& named)
     {
-        _os.flags(_flags);
-        _os.width(_width);
-        _os.fill(_fill);
+        const char* const name = named.getName();
+        return name ? name : "(null)";
     }
 
     template <class Value> void row(const char* label, Value value)
     {
-        _os << std::setw(8) << "" << std::setw(16) << label << withoutNaNSign(value) << std::endl;
+        _os << std::setw(8) << "" << std::setw(16) << label << plainNumber(value) << std::endl;
     }
 
 private:
     std::ostream& _os;
-    std::ios_base::fmtflags _flags;
-    std::streamsize _width;
-    char _fill;
+    StreamFormat _format;
 };
 
 } // namespace Zu

@@ -1,5 +1,7 @@
 #include "base/rational.h"
 
+#include "base/plainNumber.h"
+
 #include <ostream>
 
 namespace Zu
@@ -7,7 +9,8 @@ namespace Zu
 
 void Rational::dump(std::ostream& os) const
 {
-    os << "(" << _numerator << "/" << _denominator << "=" << getDouble() << ")";
+    os << "(" << plainNumber(_numerator) << "/" << plainNumber(_denominator) << "="
+       << plainNumber(getDouble()) << ")";
 }
 
 std::ostream& operator<<(std::ostream& os, const Rational& rational)

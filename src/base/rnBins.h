@@ -5,8 +5,8 @@
 #define ZU_BASE_RNBINS_H
 
 #include "ieeeDivide.h"
+#include "plainNumber.h"
 #include "truncateTo.h"
-#include "withoutNaNSign.h"
 
 #include <algorithm>
 #include <cmath>
@@ -128,9 +128,9 @@ template <class T> std::vector<T> cumulated(const std::vector<T>& bins)
 }
 
 /// A number as dumps have it.
-template <class T> T shown(T number)
+template <class T> PlainNumber<T> shown(T number)
 {
-    return withoutNaNSign(number);
+    return plainNumber(number);
 }
 
 /// What each scene begins with, up to its points.

@@ -3,11 +3,11 @@
 #include "base/duplicateString.h"
 #include "base/exDefine.h"
 #include "base/exInternalError.h"
+#include "base/plainTextStream.h"
 #include "base/testTrace.h"
 
 #include <cstring>
 #include <ostream>
-#include <sstream>
 #include <string>
 
 namespace Zu
@@ -144,7 +144,7 @@ void TestGroup::printInstances()
         if (group->_description) text += std::string(group->_description.get()) + "\n";
         testPrint(text);
     }
-    std::ostringstream levels;
+    PlainTextStream levels;
     Trace::printLevels(levels);
     testPrint(levels.str());
 }

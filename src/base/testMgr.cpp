@@ -9,6 +9,7 @@
 #include "base/inInitGuard.h"
 #include "base/lmLibraries.h"
 #include "base/osFilePath.h"
+#include "base/plainTextStream.h"
 #include "base/testGroup.h"
 #include "base/testHandlers.h"
 #include "base/testInform.h"
@@ -17,7 +18,6 @@
 #include "base/typeName.h"
 
 #include <cstring>
-#include <sstream>
 #include <string>
 #include <typeinfo>
 #include <vector>
@@ -64,7 +64,7 @@ using Words = std::vector<std::string>;
 void registerProgram()
 {
     DbgBuildInfoMgr::registerAppInfo(ObjPtr<DbgBuildInfo>(new TestSuiteBuildInfo));
-    std::ostringstream text;
+    PlainTextStream text;
     text << "Registered versioned libraries:\n";
     DbgBuildInfoMgr::printBuildInfo(text, false);
     DbgBuildInfoLog::log(LgTypes::Informational, text.str());
@@ -93,7 +93,7 @@ int runPerformance(const Words& args)
     }
     TestPerformer& performer = TestPerformer::getInstance();
     performer.execute(OsFilePath(args[2].c_str()));
-    std::ostringstream report;
+    PlainTextStream report;
     report << performer;
     testPrint(report.str());
     return SUCCESS;

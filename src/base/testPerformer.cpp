@@ -2,15 +2,16 @@
 
 #include "base/duplicateString.h"
 #include "base/exInternalError.h"
+#include "base/plainTextStream.h"
 #include "base/testGroup.h"
 #include "base/testTrace.h"
 #include "base/textToInt.h"
 
+#include <charconv>
 #include <cstdio>
 #include <cstring>
 #include <fstream>
 #include <ostream>
-#include <sstream>
 #include <string>
 
 namespace Zu
@@ -154,12 +155,12 @@ void TestPerformer::executeCycle(Record& record, int cycle)
     group.run(record._argc, record._args.data());
     stop();
     endCycle();
-    std::ostringstream report;
+    PlainTextStream report;
     report << "End of cycle.  Call terminate.\n_todProfiler\n" << _todProfiler;
     report << "\n_hwProfiler\n" << _hwProfiler;
     testPrint(report.str());
     group.terminate();
-    std::ostringstream result;
+    PlainTextStream result;
     group.dump(result);
     testPrint(result.str());
 }
@@ -196,9 +197,13 @@ std::ostream& operator<<(std::ostream& os, const TestPerformer& performer)
     {
         const TestPerformer::Record& record = performer._records[static_cast<std::size_t>(i)];
         // The largest double has 309 digits before its point.
+        char average[320];
+        *std::to_chars(average, average + sizeof average - 1, record._averageTime,
+                       std::chars_format::fixed, 6)
+             .ptr = '\0';
         char row[512];
-        std::snprintf(row, sizeof row, "%-24s %7d %14f    ", record._name,
-                      static_cast<int>(record._cycles), record._averageTime);
+        std::snprintf(row, sizeof row, "%-24s %7d %14s    ", record._name,
+                      static_cast<int>(record._cycles), average);
         os << row << wordsOf(record._args, record._argc) << "\n";
     }
     return os << "\n";

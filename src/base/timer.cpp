@@ -1,6 +1,7 @@
 #include "base/timer.h"
 
-#include "base/withoutNaNSign.h"
+#include "base/plainNumber.h"
+#include "base/profilerReport.h"
 
 #include <ostream>
 
@@ -11,7 +12,8 @@ TimerBase::~TimerBase() = default;
 
 std::ostream& operator<<(std::ostream& os, const TimerBase& timer)
 {
-    return os << "Timer " << timer.getName() << ": Total = " << withoutNaNSign(timer.totalTime());
+    return os << "Timer " << ProfilerReport::shownName(timer)
+              << ": Total = " << plainNumber(timer.totalTime());
 }
 
 } // namespace Zu

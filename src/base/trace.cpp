@@ -1,6 +1,10 @@
 #include "base/trace.h"
 
 #include "base/initOrder.h"
+#include "base/plainNumber.h"
+#include "base/plainNumerals.h"
+#include "base/plainTextStream.h"
+#include "base/streamFormat.h"
 #include "base/traceManager.h"
 #include "base/traceOptions.h"
 
@@ -9,7 +13,6 @@
 #include <cstdlib>
 #include <cstring>
 #include <iomanip>
-#include <sstream>
 
 namespace Zu
 {
@@ -71,19 +74,21 @@ void Trace::printPrefix(std::ostream&) {}
 void Trace::prefix(std::ostream& os, const char* file, int line)
 {
     const TraceOptions& options = TraceOptions::getInstance();
-    const std::ios_base::fmtflags flags = os.flags();
+    StreamFormat format(os);
+    format.setPlain();
     static std::atomic<bool> isFirst{true};
     if (isFirst.exchange(false) && options.isPrinting()) options.printLevels(os);
     if (options._pid) os << std::left << std::setw(10) << options._pidText;
     if (options._prefix) printPrefix(os);
+    // Whatever the hook has left there.
+    format.setPlain();
     if (options._line)
     {
         const std::string tail = options.tailOf(file);
         const auto width = static_cast<std::size_t>(options._fnWidth);
         os << std::left << std::setw(options._fnWidth) << tail.substr(0, width) << " ("
-           << std::right << std::setw(4) << line << ") ";
+           << std::right << std::setw(4) << plainNumber(line) << ") ";
     }
-    os.flags(flags);
     if (!options._indent || _indentation < 1) return;
     os << ' ';
     for (std::int32_t i = 1; i < _indentation; ++i) os << (i % 2 == 1 ? ' ' : '|');
@@ -91,6 +96,8 @@ void Trace::prefix(std::ostream& os, const char* file, int line)
 
 void Trace::log(std::ostream& os, const char* file, int line)
 {
+    StreamFormat format(os);
+    format.setPlain();
     prefix(os, file, line);
     if (TraceOptions::getInstance()._indent) os << "| ";
 }
@@ -138,8 +145,11 @@ void Trace::print(std::ostream& os, const char* file, int line, const char* form
     char text[1024];
     std::va_list arguments;
     va_start(arguments, format);
+    const PlainNumerals plain;
     std::vsnprintf(text, sizeof text, format, arguments);
     va_end(arguments);
+    StreamFormat streamFormat(os);
+    streamFormat.setPlain();
     log(os, file, line);
     os << static_cast<const char*>(text);
 }
@@ -148,7 +158,7 @@ void Trace::printException(const ExBase& ex, const char* file, int line)
 {
     static const TraceLevel* const level = registerLevel("Exceptions", __FILE__);
     if (!isEnabled(*level)) return;
-    std::ostringstream os;
+    PlainTextStream os;
     log(os, file, line);
     os << "Throwing exception " << ex.getDetailedReason();
     TraceManager::getInstance().print(os.str().c_str());
@@ -159,7 +169,7 @@ Trace::Entry::Entry(Trace& trace, const TraceLevel& level, const char* name, con
     : _trace(trace), _file(file), _line(line), _name(name), _written(isEnabled(level))
 {
     if (!_written) return;
-    std::ostringstream os;
+    PlainTextStream os;
     _trace.entering(os, _file, _line, _name);
     TraceManager::getInstance().print(os.str().c_str());
 }
@@ -167,7 +177,7 @@ Trace::Entry::Entry(Trace& trace, const TraceLevel& level, const char* name, con
 Trace::Entry::~Entry()
 {
     if (!_written) return;
-    std::ostringstream os;
+    PlainTextStream os;
     _trace.exiting(os, _file, _line, _name);
     TraceManager::getInstance().print(os.str().c_str());
 }

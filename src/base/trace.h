@@ -45,7 +45,8 @@ public:
     /// `Unknown token "<token>" in trace options.`; what stands before it holds.
     static void setOptions(const char* options);
 
-    /// Writes all levels, whether they are on, and the sources that registered them.
+    /// Writes all levels, whether they are on, and the sources that registered them, whatever the
+    /// format of the stream, which is put back.
     static void printLevels(std::ostream& os);
 
     /// Whether tracing and the level are on.
@@ -55,13 +56,15 @@ public:
     }
 
     /// Writes what opens every line: process, prefix, file and line, indentation, each as the
-    /// options say.
+    /// options say. This and the operations below write the same text whatever the format of the
+    /// stream, and put that back: flags, width and fill character.
     void prefix(std::ostream& os, const char* file, int line);
 
     /// Writes what opens the line of a statement.
     void log(std::ostream& os, const char* file, int line);
 
-    /// Writes a line with a text made as `printf` makes it, cut to 1,023 characters.
+    /// Writes a line with a text made as `printf` makes it in the locale "C", cut to 1,023
+    /// characters.
     [[gnu::format(printf, 5, 6)]] void print(std::ostream& os, const char* file, int line,
                                              const char* format, ...);
 

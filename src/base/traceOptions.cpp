@@ -5,6 +5,7 @@
 #include "base/exInternalError.h"
 #include "base/inOptionParser.h"
 #include "base/osUtils.h"
+#include "base/streamFormat.h"
 #include "base/textToInt.h"
 #include "base/trace.h"
 
@@ -212,7 +213,8 @@ const char* TraceOptions::tailOf(const char* file) const
 
 void TraceOptions::printLevels(std::ostream& os) const
 {
-    const std::ios_base::fmtflags flags = os.flags();
+    StreamFormat format(os);
+    format.setPlain();
     os << "\nRegistered trace levels:\n\n";
     for (const auto& [name, level] : _levels)
     {
@@ -226,7 +228,6 @@ void TraceOptions::printLevels(std::ostream& os) const
         os << "\n";
     }
     os << "\n";
-    os.flags(flags);
 }
 
 } // namespace Zu

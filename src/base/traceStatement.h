@@ -4,12 +4,12 @@
 #ifndef ZU_BASE_TRACESTATEMENT_H
 #define ZU_BASE_TRACESTATEMENT_H
 
+#include "plainTextStream.h"
 #include "trace.h"
 #include "traceManager.h"
 #include "xGlue.h"
 
 #include <optional>
-#include <sstream>
 #include <utility>
 
 /// Makes a level known to the source that it stands in, outside of functions:
@@ -24,13 +24,14 @@
     static_assert(true)
 
 /// Traces a line if the level is on: ZU_TRACE(Parser, "token " << token). When it is off, nothing
-/// of the operands is evaluated. An operand may be whatever a standard stream takes.
+/// of the operands is evaluated. An operand may be whatever a standard stream takes; this one has
+/// the locale "C", whatever the global one is.
 #define ZU_TRACE(level, ...)                                                                       \
     do                                                                                             \
     {                                                                                              \
         if (::Zu::Trace::isEnabled(*TraceLevels::level))                                           \
         {                                                                                          \
-            std::ostringstream zuTraceStream;                                                      \
+            ::Zu::PlainTextStream zuTraceStream;                                                   \
             ::Zu::TraceManager::getInstance().getTrace().log(zuTraceStream, __FILE__, __LINE__);   \
             zuTraceStream << __VA_ARGS__;                                                          \
             ::Zu::TraceManager::getInstance().print(zuTraceStream.str().c_str());                  \

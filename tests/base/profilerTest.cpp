@@ -636,7 +636,21 @@ TEST(Profiler, TheReportPutsFlagsWidthAndFillBack)
     EXPECT_EQ(os.fill(), '*');
     EXPECT_EQ(os.precision(), 2);
     os << 2.5;
-    EXPECT_EQ(os.str(), reportOf(profiler, 2) + "****2.50e+00");
+    // The width is that of the first text, too.
+    const std::string report = reportOf(profiler, 2);
+    EXPECT_EQ(report.substr(0, 9), "Profiler ");
+    EXPECT_EQ(os.str(), "Profiler    " + report.substr(9) + "****2.50e+00");
+}
+
+TEST(Profiler, ANullNameIsShownAsSuch)
+{
+    Zu::Profiler<Zu::TodIntervalTimer> profiler;
+    profiler.setName(nullptr);
+    std::ostringstream os;
+    os << static_cast<const ProfilerBase&>(profiler);
+    EXPECT_TRUE(os.good());
+    EXPECT_EQ(os.str().substr(0, 28), "Profiler (null):\n        Nb ");
+    EXPECT_EQ(ringReportOf(profiler).substr(0, 17), "Profiler (null):\n");
 }
 
 TEST(Profiler, TheReportLeavesAPlainStreamPlain)

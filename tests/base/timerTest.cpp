@@ -232,6 +232,16 @@ TEST(Timer, TheReportIsNameAndTotalWithoutALineEnd)
     EXPECT_EQ(reportOf(FakeTimer()), "Timer anonymous: Total = 0");
 }
 
+TEST(Timer, ANullNameIsShownAsSuch)
+{
+    FakeTimer timer;
+    timer.setName(nullptr);
+    std::ostringstream os;
+    os << static_cast<const TimerBase&>(timer);
+    EXPECT_EQ(os.str(), "Timer (null): Total = 0");
+    EXPECT_TRUE(os.good());
+}
+
 TEST(Timer, TheReportOfARunningTimerHasTheRunningSpan)
 {
     FakeTimer timer("t");

@@ -245,6 +245,47 @@ TEST_F(TraceTest, OptionsSayWhatOpensALine)
     }
 }
 
+// What an operation writes to a stream that has a format of its own, which it puts back.
+template <class Write> std::string formattedTextOf(Write write)
+{
+    std::ostringstream stream;
+    stream << std::hex << std::showbase << std::internal << std::setw(20) << std::setfill('*');
+    const auto flags = stream.flags();
+    write(stream);
+    EXPECT_EQ(stream.flags(), flags);
+    EXPECT_EQ(stream.width(), 20);
+    EXPECT_EQ(stream.fill(), '*');
+    return stream.str();
+}
+
+TEST_F(TraceTest, TheFormatOfAStreamDoesNotShowAndIsPutBack)
+{
+    set("pid,line,fnwidth=12");
+    Marked trace;
+    EXPECT_EQ(formattedTextOf([&](std::ostream& os) { trace.prefix(os, FILE_NAME, 77); }),
+              padded(std::to_string(support::processId()), 10) + "[P]trace.cpp    (  77) ");
+    set("nopid,noline");
+    EXPECT_EQ(formattedTextOf([&](std::ostream& os) { trace.log(os, FILE_NAME, 77); }), "[P]| ");
+    EXPECT_EQ(
+        formattedTextOf([&](std::ostream& os) { trace.print(os, FILE_NAME, 77, "%s", "text"); }),
+        "[P]| text");
+    EXPECT_EQ(formattedTextOf([](std::ostream& os) { Trace::printLevels(os); }), levelsText());
+}
+
+TEST_F(TraceTest, AHookThatLeavesAFormatChangesNothingBehindIt)
+{
+    class HexTrace : public Trace
+    {
+        void printPrefix(std::ostream& os) override
+        {
+            os << std::hex << std::setfill('#') << std::setw(9);
+        }
+    };
+    set("line,fnwidth=12");
+    HexTrace trace;
+    EXPECT_EQ(prefixOf(trace, FILE_NAME, 77), "trace.cpp    (  77) ");
+}
+
 TEST_F(TraceTest, OptionsHoldFromOneTextToTheNext)
 {
     set("line");
