@@ -3,6 +3,7 @@
 #include "base/assertions.h"
 #include "base/duplicateString.h"
 #include "base/lgEx.h"
+#include "base/streamFormat.h"
 
 #include <algorithm>
 #include <cstring>
@@ -10,6 +11,7 @@
 #include <iostream>
 #include <list>
 #include <map>
+#include <string>
 
 namespace Zu
 {
@@ -28,7 +30,17 @@ struct ByBytes
 // Copies of the groups' names, in order of first use, and the groups by those copies. Both are
 // there from initialize() to finalize().
 using Names = std::list<ArrayPtr<char>>;
-using MajorGroups = std::map<const char*, LgMajorGroup, ByBytes>;
+using MajorGroups = std::map<const char*, LgMajorGroup*, ByBytes>;
+
+// The groups themselves stay to the end of the process, one for each name: a minor group may
+// outlive finalize(), and with a new start of the logger it belongs to the group of that name.
+using KeptGroups = std::map<std::string, LgMajorGroup, std::less<>>;
+
+KeptGroups& keptGroups()
+{
+    static KeptGroups* const theGroups = new KeptGroups;
+    return *theGroups;
+}
 
 // How both variables are used; for readers of the program's texts, never for the program.
 [[maybe_unused, gnu::used]] constexpr const char* USAGE_OF_DEFAULT_LEVEL =
@@ -112,7 +124,13 @@ LgMajorGroup& LgMajorGroup::getInstanceForName(const char* name)
 {
     ZU_ASSERT(names);
     ZU_ASSERT(majorGroups);
-    return (*majorGroups)[nameCopy(name)];
+    LgMajorGroup*& group = (*majorGroups)[nameCopy(name)];
+    if (!group)
+    {
+        group = &keptGroups()[name];
+        *group = LgMajorGroup();
+    }
+    return *group;
 }
 
 void LgMajorGroup::parse(const char* text)
@@ -142,6 +160,7 @@ void LgMajorGroup::initialize(const char* text)
     ZU_ASSERT(!majorGroups);
     names = new Names;
     majorGroups = new MajorGroups;
+    for (auto& [name, group] : keptGroups()) group = LgMajorGroup();
     if (text) parse(text);
 }
 
@@ -158,10 +177,14 @@ void LgMajorGroup::finalize()
 void LgMajorGroup::printAll(std::ostream& out)
 {
     ZU_ASSERT(majorGroups);
-    out << "Major Groups:\n";
+    StreamFormat format(out);
+    const char fill = out.fill();
+    format.setPlain();
+    out.fill(fill);
+    out << std::right << "Major Groups:\n";
     for (const auto& [name, group] : *majorGroups)
     {
-        const std::uint32_t mask = group.getLogLevels();
+        const std::uint32_t mask = group->getLogLevels();
         out << std::setw(24) << name << " ";
         for (int level = LgTypes::Tracing; level >= LgTypes::FatalError; --level)
         {

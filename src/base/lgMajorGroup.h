@@ -58,18 +58,20 @@ public:
     static std::uint32_t getLevelMask(LgTypes::Level level);
 
     /// The group of this name, made with the default threshold if there is none; the name is
-    /// copied. The reference is good until finalize(). Asserts "names" and "majorGroups".
+    /// copied. The reference is good for ever: see finalize(). Asserts "names" and "majorGroups".
     static LgMajorGroup& getInstanceForName(const char* name);
 
     /// Sets the thresholds that the text names, "group=level,group=level...". A text that is no
     /// level is told on standard output and its pair skipped; a pair without a level asserts "s".
     static void parse(const char* text);
 
-    /// Makes the process's groups, and those that the text names unless it is null. Asserts
+    /// Begins without any group, and makes those that the text names unless it is null. Asserts
     /// "!names" and "!majorGroups".
     static void initialize(const char* text);
 
-    /// Ends all groups. Asserts "names" and "majorGroups".
+    /// Ends all groups: no name is known any more. Their objects stay, each with its mask, since
+    /// minor groups may still ask them. The next initialize() gives them the mask of a new group,
+    /// and who asks for the name gets the same object. Asserts "names" and "majorGroups".
     static void finalize();
 
     /// Writes the groups in byte order of their names. The word for the threshold is deliberately

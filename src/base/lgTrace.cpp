@@ -14,6 +14,13 @@ namespace Zu
 namespace
 {
 
+// In one piece, so that lines of several threads do not mix.
+void printDirectly(const char* mess)
+{
+    const std::string line = std::string(mess) + '\n';
+    std::cout.write(line.data(), static_cast<std::streamsize>(line.size())).flush();
+}
+
 void printInPieces(const char* mess)
 {
     const std::string text(mess);
@@ -39,7 +46,7 @@ void LgTrace::print(const char* mess)
     if (*mess == '\0') return;
     if (!LgLog::isLoggerActive())
     {
-        std::cout.write(mess, static_cast<std::streamsize>(std::strlen(mess))) << std::endl;
+        printDirectly(mess);
         return;
     }
     LgQueue& q = LgLog::getQueue();

@@ -1,6 +1,7 @@
 #include "base/traceManager.h"
 
 #include <iostream>
+#include <string>
 
 namespace Zu
 {
@@ -62,7 +63,10 @@ void TraceManager::unregisterManager(TraceManager* manager)
 
 void TraceManager::print(const char* text) const
 {
-    if (text && *text != '\0') std::cout << text << std::endl;
+    if (!text || *text == '\0') return;
+    // In one piece, so that lines of several threads do not mix.
+    const std::string line = std::string(text) + '\n';
+    std::cout.write(line.data(), static_cast<std::streamsize>(line.size())).flush();
 }
 
 } // namespace Zu

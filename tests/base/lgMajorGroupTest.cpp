@@ -1,8 +1,10 @@
 #include "base/lgMajorGroup.h"
 
 #include "base/exInternalError.h"
+#include "base/lgMinorGroup.h"
 
 #include <gtest/gtest.h>
+#include <iomanip>
 #include <sstream>
 #include <string>
 
@@ -203,6 +205,43 @@ TEST_F(LgMajorGroupTest, PrintsGroupsInByteOrder)
                          "a name of more than twenty-four characters , Profiling\n"
                          "                       b Tracing\n"
                          "                       c , Profiling\n");
+}
+
+TEST_F(LgMajorGroupTest, PrintsTheSameOnAnyStreamAndPutsItsFormatBack)
+{
+    initialize("UI=Error");
+    std::ostringstream os;
+    os << std::left << std::hex << std::setw(40) << std::setfill('*');
+    const auto flags = os.flags();
+    LgMajorGroup::printAll(os);
+    // The fill character is the stream's, deliberately.
+    EXPECT_EQ(os.str(), "Major Groups:\n**********************UI Tracing\n");
+    EXPECT_EQ(os.flags(), flags);
+    EXPECT_EQ(os.width(), 40);
+    EXPECT_EQ(os.fill(), '*');
+}
+
+TEST_F(LgMajorGroupTest, AMinorGroupMayOutliveItsMajorGroup)
+{
+    initialize("UI=Tracing,Database=Profiling");
+    const Zu::LgMinorGroup minor(LgMajorGroup::getInstanceForName("UI"), "Window");
+    const Zu::LgMinorGroup other(LgMajorGroup::getInstanceForName("Database"), "Query");
+    LgMajorGroup::finalize();
+    // It keeps its levels.
+    EXPECT_TRUE(minor.isLevelEnabled(LgTypes::Tracing));
+    // With the next start it has those of a new group, or what the start says.
+    LgMajorGroup::setDefaultThreshold(LgTypes::Error);
+    initialize("UI=Informational");
+    EXPECT_EQ(printed(), "Major Groups:\n                      UI Tracing\n");
+    EXPECT_TRUE(minor.isLevelEnabled(LgTypes::Informational));
+    EXPECT_FALSE(minor.isLevelEnabled(LgTypes::Tracing));
+    EXPECT_TRUE(other.isLevelEnabled(LgTypes::Error));
+    EXPECT_FALSE(other.isLevelEnabled(LgTypes::Warning));
+    EXPECT_FALSE(other.isLevelEnabled(LgTypes::Profiling));
+    // It is the group that its name stands for.
+    LgMajorGroup::getInstanceForName("Database").setLogThreshold(LgTypes::Tracing, true);
+    EXPECT_TRUE(other.isLevelEnabled(LgTypes::Tracing));
+    EXPECT_EQ(levelsOf("Database"), 0xFCU);
 }
 
 TEST_F(LgMajorGroupTest, GroupsExistFromInitializeToFinalizeOnly)

@@ -228,6 +228,22 @@ TEST(LgStream, APieceThatFillsTheRingIsTakenAndItsTerminatorStaysPending)
     EXPECT_EQ(take(stream), next);
 }
 
+TEST(LgStream, AnEndBehindATerminatorThatWasNotSteppedPastIsNoString)
+{
+    SmallStream stream(16);
+    stream << "0123456789abcde" << Zu::ends;
+    EXPECT_EQ(take(stream), "0123456789abcde");
+    stream.resetOutputFlags();
+    stream << Zu::ends;
+    EXPECT_EQ(stream.getOutputFlags(), STRING_CLOSED);
+    EXPECT_EQ(stream.getNextSize(), 0U);
+    EXPECT_EQ(stream.getNumCharacters(), 14U);
+    // An empty text is one.
+    stream << "" << Zu::ends << "next" << Zu::ends;
+    EXPECT_EQ(take(stream), "");
+    EXPECT_EQ(take(stream), "next");
+}
+
 TEST(LgStream, APieceThatDoesNotFitBecomesAMark)
 {
     LgStream stream;
@@ -306,13 +322,19 @@ public:
 
     void complete()
     {
-        // A string was left on its terminator, and nothing found room since.
-        if (_left < 0 && _current.empty()) return;
+        if (_isPending)
+        {
+            // The last string was left on its terminator, and nothing was inserted since: it is
+            // stepped past if there is room by now, and there is no other string.
+            _isPending = _left < 0;
+            return;
+        }
         if (!_everUsed) --_left;
         _everUsed = true;
         _finished.push_back(_current);
         _current.clear();
         --_left;
+        _isPending = _left < 0;
     }
 
     std::string take()
@@ -341,12 +363,14 @@ private:
     void append(const std::string& text)
     {
         if (!_everUsed && !text.empty()) _everUsed = true;
+        _isPending = false;
         _current += text;
         _left -= static_cast<int>(text.size());
     }
 
     int _left;
     bool _overflowed = false;
+    bool _isPending = false;
     bool _everUsed = false;
     bool _everTaken = false;
     bool _startedEmpty = false;

@@ -205,6 +205,18 @@ TEST_F(LgTraceTest, WhileTheLoggerIsInactiveTextsAreLinesOfStandardOutput)
     EXPECT_TRUE(_queue.isEmpty());
 }
 
+// Lines of several threads would mix otherwise.
+TEST_F(LgTraceTest, WhileTheLoggerIsInactiveALineIsWrittenInOnePieceAndFlushed)
+{
+    LgLog::setLoggerActivation(false);
+    support::PieceRecorder recorder;
+    {
+        const support::BufferGuard guard(std::cout, recorder);
+        LgTrace::print("text\nof two lines");
+    }
+    EXPECT_EQ(recorder.pieces(), (Texts{"text\nof two lines\n", "|"}));
+}
+
 TEST_F(LgTraceTest, WhileTheLoggerIsInactiveBlockingIsIgnored)
 {
     drainWhenBlocked();

@@ -200,6 +200,16 @@ TEST_F(TraceManagerTest, NullAndEmptyTextsPrintNothing)
     EXPECT_EQ(coutOf([&] { _default.print(""); }), "");
 }
 
+TEST_F(TraceManagerTest, ALineIsWrittenInOnePiece)
+{
+    support::PieceRecorder recorder;
+    {
+        const support::BufferGuard guard(std::cout, recorder);
+        TraceManager::getInstance().print("text");
+    }
+    EXPECT_EQ(recorder.pieces(), (std::vector<std::string>{"text\n", "|"}));
+}
+
 TEST_F(TraceManagerTest, EachLineIsFlushed)
 {
     CountingBuffer buffer;

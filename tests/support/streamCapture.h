@@ -3,14 +3,48 @@
 #ifndef ZU_TESTS_STREAMCAPTURE_H
 #define ZU_TESTS_STREAMCAPTURE_H
 
+#include <cstddef>
 #include <iostream>
 #include <ostream>
 #include <sstream>
 #include <streambuf>
 #include <string>
+#include <vector>
 
 namespace support
 {
+
+// Keeps each piece that is written by itself, "|" behind each flush.
+class PieceRecorder : public std::streambuf
+{
+public:
+    const std::vector<std::string>& pieces() const
+    {
+        return _pieces;
+    }
+
+protected:
+    std::streamsize xsputn(const char* text, std::streamsize length) override
+    {
+        _pieces.emplace_back(text, static_cast<std::size_t>(length));
+        return length;
+    }
+
+    int_type overflow(int_type character) override
+    {
+        _pieces.emplace_back(1, traits_type::to_char_type(character));
+        return traits_type::not_eof(character);
+    }
+
+    int sync() override
+    {
+        _pieces.emplace_back("|");
+        return 0;
+    }
+
+private:
+    std::vector<std::string> _pieces;
+};
 
 // Sends what is written to a stream elsewhere until the scope ends.
 class BufferGuard
