@@ -85,8 +85,8 @@ def checkPkgConfig(source, place, prefix, compiler, emulator, suffix):
         call("pkg-config", "--cflags", "--libs", "zuapp", "zubase", env=environment))
     program = place / "byPkgConfig" / f"consumer{suffix}"
     program.parent.mkdir()
-    call(compiler, "-std=c++17", f"-I{source / 'own'}", *sorted(source.glob("*.cpp")), "-o", program,
-         *flags, "-pthread")
+    call(compiler, "-std=c++17", f"-I{source / 'own'}", *sorted(source.glob("*.cpp")),
+         "-o", program, *flags, "-pthread")
     run(program, prefix, emulator)
 
 

@@ -10,7 +10,7 @@ import pathlib
 import subprocess
 import sys
 
-import checkSources
+from sourceTree import Errors, Table
 
 STANDARDS = ("c++17", "c++20")
 WARNINGS = ("-Wall", "-Wextra", "-Wpedantic", "-Wconversion", "-Wshadow", "-Werror")
@@ -18,10 +18,8 @@ WARNINGS = ("-Wall", "-Wextra", "-Wpedantic", "-Wconversion", "-Wshadow", "-Werr
 
 def publicHeaders(root):
     """As includes name them."""
-    for folder in ("base", "app"):
-        for kind, names in checkSources.listedFiles(root / "src" / folder).items():
-            if kind.startswith("publicHeaders"):
-                yield from (f"{folder}/{name}" for name in names)
+    for row in Table(root, Errors()).rows.values():
+        yield from row.publicFiles
 
 
 def compileAlone(root, compiler, standard, header):

@@ -8,22 +8,16 @@ from pathlib import Path
 
 from sourceTree import Errors, Table, readSources
 
-KIT_LEVEL = 6
-
 
 def checkTable(table, sources, errors):
-    """Every component has its row, and every row its component."""
-    stems = {}
+    """Every file has its place in the table, and every place its file."""
+    known = {file: row for row in table.rows.values() for file in row.files}
     for source in sources.values():
-        stems.setdefault(source.stem, source)
-    for stem, source in sorted(stems.items()):
-        if table.component(stem) not in table.levels:
-            errors.add(source.shown, 1, "table", f"component {stem} is not in {table.shown}")
-        elif ("app/" in source.name) != (table.levels[table.component(stem)] == KIT_LEVEL):
-            errors.add(source.shown, 1, "table", f"level {KIT_LEVEL} is that of src/app")
-    for stem, line in [*table.rows.items(), *table.parts]:
-        if stem not in stems:
-            errors.add(table.shown, line, "table", f"no file of src belongs to {stem}")
+        if source.name not in known:
+            errors.add(source.shown, 1, "table", f"{table.shown} does not have it")
+    for file, row in known.items():
+        if file not in sources:
+            errors.add(table.shown, row.line, "table", f"there is no src/{file}")
 
 
 def resolveIncludes(sources, errors):
@@ -68,7 +62,7 @@ def checkIncludes(table, sources, errors):
         if pair[0] == pair[1]:
             continue
         edges.setdefault(pair[0], {}).setdefault(pair[1], (source.shown, line))
-        levels = [table.levels.get(component) for component in pair]
+        levels = [table.level(component) for component in pair]
         if None in levels or levels[1] <= levels[0]:
             continue
         used.add(pair)
@@ -85,7 +79,7 @@ def checkIncludes(table, sources, errors):
 
 def check(root):
     errors = Errors()
-    table = Table(root / "tests/policy/layers.txt", root, errors)
+    table = Table(root, errors)
     sources = readSources(root)
     checkTable(table, sources, errors)
     checkIncludes(table, sources, errors)

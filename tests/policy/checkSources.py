@@ -1,9 +1,9 @@
-"""Checks the form of the sources and that the lists of the build are complete.
+"""Checks the form of the sources, and that public headers and tests are where they belong.
 
 usage: checkSources.py [--require-tests] <root of the project>
 
-With --require-tests, every source but halves and packages has a test file that begins with its
-name: tests/base/osEnv*Test.cpp.
+With --require-tests, every source but halves and packages has a test file of its name, and every
+test file is in the build.
 """
 
 import re
@@ -51,24 +51,6 @@ def checkOwnHeaderFirst(sources, table, errors):
             errors.add(source.shown, line, "own header", f"{name} comes first, not {wanted}")
 
 
-def checkHalves(sources, table, errors):
-    """Where one platform has a half, the other has one."""
-    halves = {}
-    for source in sources.values():
-        if source.platform:
-            halves.setdefault(source.ownHeader, {})[source.platform] = source
-    oneSided = set()
-    for platforms in halves.values():
-        if len(platforms) == 1:
-            (platform, source), = platforms.items()
-            oneSided.add(source.path.name)
-            if source.path.name not in table.oneSided:
-                errors.add(source.shown, 1, "halves", f"only {platform} has this half")
-    for name, line in table.oneSided.items():
-        if name not in oneSided:
-            errors.add(table.shown, line, "exception", f"{name} is no half without a counterpart")
-
-
 def platformOf(header):
     """The platform that alone has this header, or None."""
     if WINDOWS_HEADERS.fullmatch(header):
@@ -103,72 +85,48 @@ def checkHeaders(sources, errors):
             errors.add(source.shown, 1, "purpose", "begins with /// @file and a line of purpose")
 
 
-def listedFiles(folder):
-    """The lists of files in the folder's CMakeLists.txt, by name, each with its lines."""
-    path = folder / "CMakeLists.txt"
-    text = path.read_text(encoding="utf-8") if path.exists() else ""
-    text = re.sub(r"#.*", "", text)
-    lists = {}
-    for found in re.finditer(r"\b(set|list)\(\s*(?:APPEND\s+)?(\w+)\s([^()]*)\)", text):
-        for name in re.finditer(r"[\w.]+\.(h|imp|cpp)\b", found[3]):
-            line = text.count("\n", 0, found.start(3) + name.start()) + 1
-            lists.setdefault(found[2], {}).setdefault(name[0], []).append(line)
-    return lists
-
-
-def checkLists(root, folder, sources, errors):
-    """The build knows every source, once and for the right platform, and nothing else."""
-    lists = listedFiles(root / "src" / folder)
-    shown = f"src/{folder}/CMakeLists.txt"
-    listed = {}
-    for listName, names in lists.items():
-        for name, lines in names.items():
-            source = sources.get(f"{folder}/{name}")
-            if source is None:
-                errors.add(shown, lines[0], "lists", f"{name} does not exist")
-                continue
-            listed.setdefault(name, []).extend(lines)
-            platform = listName.removeprefix("halves") if listName.startswith("halves") else None
-            if not source.isHeader and source.platform != platform:
-                errors.add(shown, lines[0], "lists", f"{name} does not belong to {listName}")
-    for source in sources.values():
-        if source.isHeader or not source.name.startswith(f"{folder}/"):
-            continue
-        lines = listed.get(source.path.name, [])
-        if not lines:
-            errors.add(source.shown, 1, "lists", f"{shown} does not list it")
-        elif len(lines) > 1:
-            errors.add(shown, lines[1], "lists", f"{source.path.name} is listed twice")
-    return lists.get("publicHeaders", {})
-
-
-def checkPublicHeaders(folder, public, sources, errors):
+def checkPublicHeaders(table, sources, errors):
     """The umbrella header includes all public headers, and these need no others."""
-    names = {f"{folder}/{name}" for name in public}
-    for name in names & sources.keys():
-        for line, included, _ in sources[name].includes():
-            if included.startswith(f"{folder}/") and included not in names:
+    public = {file for row in table.rows.values() for file in row.publicFiles}
+    for name in sorted(public & sources.keys()):
+        for line, included, quoted in sources[name].includes():
+            if quoted and included not in public:
                 errors.add(sources[name].shown, line, "public", f"{included} is not public")
-    umbrella = sources.get(f"{folder}/{folder}.h")
+    umbrella = sources.get("base/base.h")
     if umbrella is None:
         return
-    if umbrella.name not in names:
+    if umbrella.name not in public:
         errors.add(umbrella.shown, 1, "public", "is not listed as public")
     included = {name for _, name, _ in umbrella.includes()}
-    for name in sorted(names - included - {umbrella.name}):
-        if name.endswith(".h"):
-            errors.add(umbrella.shown, 1, "umbrella", f"{name} is public, but not included")
-
-
-def checkTests(root, sources, errors):
-    """Every portable source has tests of its name."""
-    tests = [path.relative_to(root / "tests").as_posix() for path in root.glob("tests/*/*Test.cpp")]
-    for source in sources.values():
-        if source.isHeader or source.platform or isPackage(source, sources):
+    for row in table.rows.values():
+        # What one platform alone has is not for everybody.
+        if row.access in ("internal", "public-on-Windows") or row.folder != "base":
             continue
-        wanted = source.name.removesuffix(".cpp")
-        if f"{wanted}Test.cpp" not in tests:
-            errors.add(source.shown, 1, "tests", f"there is no tests/{wanted}Test.cpp")
+        if row.file("h") not in included | {umbrella.name}:
+            errors.add(umbrella.shown, 1, "umbrella",
+                       f'#include "{row.name}.h" is missing: it is public')
+
+
+def checkTests(root, table, sources, errors):
+    """Every portable source has tests of its name, and every test is in the build."""
+    folders = sorted({row.folder for row in table.rows.values()})
+    tests = {path.relative_to(root / "tests").as_posix()
+             for folder in folders for path in (root / "tests" / folder).glob("*Test.cpp")}
+    for row in table.rows.values():
+        source = sources.get(row.file("cpp"))
+        if row.testFile and row.testFile not in tests:
+            errors.add(table.shown, row.line, "tests", f"there is no tests/{row.testFile}")
+        elif source and not row.testFile and not isPackage(source, sources):
+            errors.add(table.shown, row.line, "tests", f"{row.name} has no tests")
+    listed = {row.testFile for row in table.rows.values()}
+    for folder in folders:
+        build = root / "tests" / folder / "CMakeLists.txt"
+        text = re.sub(r"#.*", "", build.read_text(encoding="utf-8")) if build.exists() else ""
+        listed |= {f"{folder}/{name}" for name in re.findall(r"\b\w+Test\.cpp\b", text)}
+        for part in re.findall(r"(\w+)\$\{\w+\}(\w*)", text):
+            listed |= {test for test in tests if test.startswith(f"{folder}/{part[0]}")}
+    for test in sorted(tests - listed):
+        errors.add(f"tests/{test}", 1, "tests", f"neither {table.shown} nor the build has it")
 
 
 def checkText(root, errors):
@@ -192,17 +150,14 @@ def checkText(root, errors):
 
 def check(root, requireTests):
     errors = Errors()
-    table = Table(root / "tests/policy/layers.txt", root, errors)
+    table = Table(root, errors)
     sources = readSources(root)
     checkOwnHeaderFirst(sources, table, errors)
-    checkHalves(sources, table, errors)
     checkPlatforms(sources, errors)
     checkHeaders(sources, errors)
-    for folder in ("base", "app"):
-        public = checkLists(root, folder, sources, errors)
-        checkPublicHeaders(folder, public, sources, errors)
+    checkPublicHeaders(table, sources, errors)
     if requireTests:
-        checkTests(root, sources, errors)
+        checkTests(root, table, sources, errors)
     checkText(root, errors)
     return errors
 

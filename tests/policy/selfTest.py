@@ -9,30 +9,13 @@ import checkLayers
 import checkSnippets
 import checkSources
 
-LAYERS = """\
-0 low
-1 middle + middleParts : they are one thing
-2 high
-2 highInit
-5 base
-
-one-sided: lowWindows.cpp : a stated exception
-"""
-
-BUILD = """\
-set(publicHeaders
-    base.h
-    high.h)
-set(sources
-    high.cpp
-    middle.cpp)
-set(packages
-    highInit.cpp)
-set(halvesLinux
-    middleLinux.cpp)
-set(halvesWindows
-    lowWindows.cpp
-    middleWinNT.cpp)
+TABLE = """\
+0 low         internal  h Windows            - : only Windows has it
+1 middle      internal  h imp cpp Linux WinNT tested
+1 middleParts internal  h                    - of middle : they are one thing
+2 high        public    h cpp                tested
+2 highInit    internal  cpp                  -
+5 base        public    h                    -
 """
 
 
@@ -42,13 +25,22 @@ def header(name, *includes, kind="H"):
                       f"#define {guard}", "", *includes, "", "#endif", ""])
 
 
+def changedTable(old, new):
+    assert old in TABLE, old
+    return {"src/components.txt": TABLE.replace(old, new)}
+
+
+def withException(text):
+    return {"src/components.txt": f"{TABLE}upward: {text}\n"}
+
+
 def own(name, *more):
     return "\n".join([f'#include "base/{name}.h"', *more, ""])
 
 
 GOOD = {
-    "tests/policy/layers.txt": LAYERS,
-    "src/base/CMakeLists.txt": BUILD,
+    "src/components.txt": TABLE,
+    "tests/base/CMakeLists.txt": "zu_components(base)\n",
     "src/base/base.h": header("base", '#include "high.h"'),
     "src/base/low.h": header("low"),
     "src/base/lowWindows.cpp": own("low", "#include <windows.h>"),
@@ -89,37 +81,63 @@ class Layers(PolicyTest):
     def assertLayers(self, changes, *starts):
         self.assertFindings(checkLayers.check, changes, *starts)
 
-    def changedTable(self, old, new):
-        table = GOOD["tests/policy/layers.txt"]
-        self.assertIn(old, table)
-        return {"tests/policy/layers.txt": table.replace(old, new)}
-
     def testGoodTreePasses(self):
         self.assertLayers({})
 
-    def testComponentWithoutRow(self):
+    def testFileWithoutPlace(self):
         self.assertLayers({"src/base/other.h": header("other")}, "src/base/other.h:1: [table]")
+        self.assertLayers({"src/base/high.imp": header("high", kind="IMP")},
+                          "src/base/high.imp:1: [table]")
+        self.assertLayers({"src/base/lowLinux.cpp": own("low")},
+                          "src/base/lowLinux.cpp:1: [table]")
 
-    def testRowWithoutComponent(self):
-        self.assertLayers(self.changedTable("0 low\n", "0 low\n0 lower\n"),
-                          "tests/policy/layers.txt:2: [table] no file")
+    def testPlaceWithoutFile(self):
+        self.assertLayers(changedTable("2 high  ", "2 gone        internal  h -\n2 high  "),
+                          "src/components.txt:4: [table] there is no src/base/gone.h")
+        self.assertLayers({"src/base/middleLinux.cpp": None},
+                          "src/components.txt:2: [table] there is no src/base/middleLinux.cpp")
 
-    def testGroupWithoutPart(self):
-        self.assertLayers(self.changedTable("middleParts :", "middleParts middlePast :"),
-                          "tests/policy/layers.txt:2: [table] no file of src belongs to middlePast")
+    def testWhatIsNoRow(self):
+        for old, new in (("2 high  ", "2 high  secret"), ("tested\n1", "testing\n1"),
+                         ("5 base  ", "base   ")):
+            with self.subTest(new=new):
+                lines = self.findings(checkLayers.check, changedTable(old, new))
+                self.assertIn("[table] not a row of the table: ", "".join(lines))
+
+    def testKindThatNobodyKnows(self):
+        self.assertLayers(changedTable("h imp cpp", "h imp cpp cxx"),
+                          "src/components.txt:2: [table] cxx is no kind of file")
+
+    def testGroupWithoutWhole(self):
+        self.assertLayers(changedTable("of middle", "of muddle"),
+                          "src/base/middle.cpp:2: [circle]",
+                          "src/components.txt:3: [table] muddle is no component")
+
+    def testGroupOnTwoLevels(self):
+        lines = self.findings(checkLayers.check, changedTable("of middle", "of high"))
+        self.assertIn("src/components.txt:3: [table] high is on another level", lines)
 
     def testGroupWithoutReason(self):
-        lines = self.findings(checkLayers.check, self.changedTable(" : they are one thing", ""))
-        self.assertIn("tests/policy/layers.txt:2: [table] not a row of the table: "
-                      "1 middle + middleParts", lines)
+        self.assertLayers(changedTable(" of middle : they are one thing", " of middle"),
+                          "src/components.txt:3: [table] belonging")
+
+    def testReasonForNothing(self):
+        self.assertLayers(changedTable("cpp                tested", "cpp tested : why"),
+                          "src/components.txt:4: [table] the reason")
+
+    def testHalfWithoutCounterpart(self):
+        self.assertLayers(changedTable(" : only Windows has it", ""),
+                          "src/components.txt:1: [table] a half")
 
     def testRowsOutOfOrder(self):
-        self.assertLayers(self.changedTable("2 high\n2 highInit\n", "2 highInit\n2 high\n"),
-                          "tests/policy/layers.txt:4: [table] rows are sorted")
+        table = TABLE.splitlines(keepends=True)
+        table[3], table[4] = table[4], table[3]
+        self.assertLayers({"src/components.txt": "".join(table)},
+                          "src/components.txt:5: [table] rows are sorted")
 
     def testNameInTwoRows(self):
-        self.assertLayers(self.changedTable("2 highInit\n", "2 highInit\n3 high\n"),
-                          "tests/policy/layers.txt:5: [table] high stands in two rows")
+        self.assertLayers(changedTable("5 base", "3 high        internal  h -\n5 base"),
+                          "src/components.txt:6: [table] high stands in two rows")
 
     def testUpwardInclude(self):
         self.assertLayers({"src/base/low.h": header("low", '#include "high.h"'),
@@ -131,29 +149,28 @@ class Layers(PolicyTest):
                           "src/base/lowWindows.cpp:2: [upward]")
 
     def testStatedUpwardIncludePasses(self):
-        changes = self.changedTable("one-sided", "upward: low -> high : a reason\none-sided")
+        changes = withException("low -> high : a reason")
         changes["src/base/low.h"] = header("low", '#include "high.h"')
         self.assertLayers({**changes, "src/base/high.cpp": own("high")})
 
     def testExceptionWithoutReason(self):
-        self.assertLayers(self.changedTable("one-sided", "upward: low -> high\none-sided"),
-                          "tests/policy/layers.txt:7: [table]")
+        self.assertLayers(withException("low -> high"),
+                          "src/components.txt:7: [table]")
 
     def testUnusedException(self):
-        self.assertLayers(self.changedTable("one-sided", "upward: low -> high : why\none-sided"),
-                          "tests/policy/layers.txt:7: [exception]")
+        self.assertLayers(withException("low -> high : why"),
+                          "src/components.txt:7: [exception]")
 
     def testDownwardIncludeIsNoException(self):
-        self.assertLayers(self.changedTable("one-sided", "upward: high -> middle : why\none-sided"),
-                          "tests/policy/layers.txt:7: [exception]")
+        self.assertLayers(withException("high -> middle : why"),
+                          "src/components.txt:7: [exception]")
 
     def testCircleOfTwo(self):
-        changes = self.changedTable("1 middle + middleParts : they are one thing\n",
-                                    "1 middle\n1 middleParts\n")
+        changes = changedTable(" of middle : they are one thing", "")
         self.assertLayers(changes, "src/base/middle.cpp:2: [circle] middle -> middleParts")
 
     def testCircleOfThreeByWayOfAnException(self):
-        changes = self.changedTable("one-sided", "upward: low -> high : a reason\none-sided")
+        changes = withException("low -> high : a reason")
         changes["src/base/low.h"] = header("low", '#include "high.h"')
         self.assertLayers(changes, "src/base/high.cpp:2: [circle] high -> middle -> low -> high")
 
@@ -178,24 +195,22 @@ class Layers(PolicyTest):
                           "src/base/high.cpp:2: [include]")
 
     def testKitOnItsLevelPasses(self):
-        changes = self.changedTable("5 base\n", "5 base\n6 kit\n")
+        changes = {"src/components.txt": TABLE + "6 kit         internal  h                    -\n"}
         self.assertLayers({**changes, "src/app/kit.h": '#include "../base/high.h"\n'})
 
     def testKitBelowItsLevel(self):
-        changes = self.changedTable("5 base\n", "5 base\n5 kit\n")
-        self.assertLayers({**changes, "src/app/kit.h": "\n"}, "src/app/kit.h:1: [table] level")
+        changes = {"src/components.txt": TABLE + "5 kit         internal  h                    -\n"}
+        self.assertLayers({**changes, "src/app/kit.h": "\n"}, "src/app/kit.h:1: [table]",
+                          "src/components.txt:7: [table] there is no src/base/kit.h")
 
     def testLibraryOnTheLevelOfTheKit(self):
-        self.assertLayers(self.changedTable("5 base\n", "6 base\n"), "src/base/base.h:1: [table]")
+        self.assertLayers(changedTable("5 base  ", "6 base  "), "src/base/base.h:1: [table]",
+                          "src/components.txt:6: [table] there is no src/app/base.h")
 
 
 class Sources(PolicyTest):
     def assertSources(self, changes, *starts):
         self.assertFindings(lambda root: checkSources.check(root, True), changes, *starts)
-
-    def changedBuild(self, old, new):
-        self.assertIn(old, BUILD)
-        return {"src/base/CMakeLists.txt": BUILD.replace(old, new)}
 
     def testGoodTreePasses(self):
         self.assertSources({})
@@ -214,21 +229,6 @@ class Sources(PolicyTest):
     def testHalfBeginsWithASystemHeader(self):
         self.assertSources({"src/base/middleLinux.cpp": "#include <unistd.h>\n" + own("middle")},
                            "src/base/middleLinux.cpp:1: [own header]")
-
-    def testMissingWindowsHalf(self):
-        changes = self.changedBuild("    middleWinNT.cpp", "")
-        self.assertSources({**changes, "src/base/middleWinNT.cpp": None},
-                           "src/base/middleLinux.cpp:1: [halves]")
-
-    def testMissingLinuxHalf(self):
-        changes = self.changedBuild("    middleLinux.cpp", "")
-        self.assertSources({**changes, "src/base/middleLinux.cpp": None},
-                           "src/base/middleWinNT.cpp:1: [halves]")
-
-    def testUnusedOneSidedException(self):
-        changes = self.changedBuild("    middleLinux.cpp", "    middleLinux.cpp lowLinux.cpp")
-        self.assertSources({**changes, "src/base/lowLinux.cpp": own("low")},
-                           "tests/policy/layers.txt:7: [exception]")
 
     def testPlatformConditions(self):
         conditions = ["#ifdef _WIN32", "#if defined(__linux__)", "  #  ifndef WIN32",
@@ -286,42 +286,16 @@ class Sources(PolicyTest):
         text = header("low").replace("/// @file\n", "")
         self.assertSources({"src/base/low.h": text}, "src/base/low.h:1: [purpose]")
 
-    def testSourceThatTheBuildDoesNotKnow(self):
-        self.assertSources(self.changedBuild("    high.cpp", ""), "src/base/high.cpp:1: [lists]")
-
-    def testSourceInAComment(self):
-        self.assertSources(self.changedBuild("    high.cpp", "    # high.cpp"),
-                           "src/base/high.cpp:1: [lists]")
-
-    def testListedButMissing(self):
-        self.assertSources(self.changedBuild("    high.cpp", "    high.cpp\n    gone.cpp"),
-                           "src/base/CMakeLists.txt:6: [lists] gone.cpp does not exist")
-        lines = self.findings(lambda root: checkSources.check(root, False),
-                               self.changedBuild("    high.h", "    high.h\n    gone.h"))
-        self.assertIn("src/base/CMakeLists.txt:4: [lists] gone.h does not exist", lines)
-
-    def testListedTwice(self):
-        self.assertSources(self.changedBuild("    high.cpp", "    high.cpp high.cpp"),
-                           "src/base/CMakeLists.txt:5: [lists]")
-
-    def testHalfInTheListOfTheOtherPlatform(self):
-        changes = self.changedBuild("    middleLinux.cpp", "")["src/base/CMakeLists.txt"]
-        changes = changes.replace("lowWindows.cpp", "lowWindows.cpp\n    middleLinux.cpp")
-        self.assertSources({"src/base/CMakeLists.txt": changes},
-                           "src/base/CMakeLists.txt:13: [lists] middleLinux.cpp does not belong")
-
-    def testHalfInTheListOfAllPlatforms(self):
-        changes = self.changedBuild("    middleLinux.cpp", "")["src/base/CMakeLists.txt"]
-        changes = changes.replace("middle.cpp", "middle.cpp middleLinux.cpp")
-        self.assertSources({"src/base/CMakeLists.txt": changes},
-                           "src/base/CMakeLists.txt:6: [lists] middleLinux.cpp does not belong")
-
     def testUmbrellaWithoutAPublicHeader(self):
-        self.assertSources(self.changedBuild("    high.h", "    high.h low.h"),
-                           "src/base/base.h:1: [umbrella] base/low.h")
+        self.assertSources(changedTable("low         internal", "low         public  "),
+                           'src/base/base.h:1: [umbrella] #include "low.h" is missing')
+
+    def testUmbrellaWithoutWhatOnePlatformHas(self):
+        self.assertSources(changedTable("low         internal", "low         public-on-Windows"))
 
     def testUmbrellaThatIsNotPublic(self):
-        self.assertSources(self.changedBuild("    base.h\n", ""), "src/base/base.h:1: [public]")
+        self.assertSources(changedTable("base        public  ", "base        internal"),
+                           "src/base/base.h:1: [public]")
 
     def testUmbrellaWithAnInternalHeader(self):
         text = header("base", '#include "high.h"', '#include "low.h"')
@@ -332,24 +306,33 @@ class Sources(PolicyTest):
                            "src/base/high.h:7: [public]")
 
     def testSourceWithoutTests(self):
-        self.assertSources({"tests/base/middleTest.cpp": None}, "src/base/middle.cpp:1: [tests]")
-        self.assertSources({"tests/base/middleTest.cpp": None,
-                            "tests/base/middlePartsTest.cpp": "\n"},
-                           "src/base/middle.cpp:1: [tests]")
+        self.assertSources({"tests/base/middleTest.cpp": None},
+                           "src/components.txt:2: [tests] there is no tests/base/middleTest.cpp")
+        self.assertSources({**changedTable("WinNT tested", "WinNT -"),
+                            "tests/base/middleTest.cpp": None},
+                           "src/components.txt:2: [tests] middle has no tests")
 
     def testNamesOfTestsKeepTheCase(self):
         self.assertSources({"tests/base/middleTest.cpp": None, "tests/base/MiddleTest.cpp": "\n"},
-                           "src/base/middle.cpp:1: [tests]")
+                           "src/components.txt:2: [tests]",
+                           "tests/base/MiddleTest.cpp:1: [tests]")
+
+    def testTestThatNobodyBuilds(self):
+        more = {"tests/base/moreTest.cpp": "\n"}
+        self.assertSources(more, "tests/base/moreTest.cpp:1: [tests]")
+        self.assertSources({**more, "tests/base/CMakeLists.txt": "# moreTest.cpp\n"},
+                           "tests/base/moreTest.cpp:1: [tests]")
+        self.assertSources({**more, "tests/base/CMakeLists.txt": "add(moreTest.cpp)\n"})
 
     def testTestsAreRequiredOnRequest(self):
         self.assertFindings(lambda root: checkSources.check(root, False),
                             {"tests/base/middleTest.cpp": None})
 
     def testSourceNamedLikeAPackageNeedsTests(self):
-        changes = self.changedBuild("    high.cpp", "    high.cpp lowInit.cpp")
+        changes = changedTable("5 base  ", "2 lowInit     internal  h cpp -\n5 base  ")
         self.assertSources({**changes, "src/base/lowInit.h": header("lowInit"),
                             "src/base/lowInit.cpp": own("lowInit")},
-                           "src/base/lowInit.cpp:1: [tests]")
+                           "src/components.txt:6: [tests]")
 
     def testText(self):
         for name in ("src/base/high.cpp", "tests/base/middleTest.cpp", "examples/deep/a.cpp"):

@@ -7,6 +7,7 @@ from pathlib import Path
 CODE = (".h", ".imp", ".cpp")
 HALF = re.compile(r"(?P<component>.+?)(?P<platform>Windows|WinNT|Linux)\.cpp")
 CONDITION = re.compile(r"\s*#\s*(if|ifdef|ifndef|elif\w*)\b")
+KIT_LEVEL = 6
 INCLUDE = re.compile(r'\s*#\s*include\s*(?P<name>"[^"]*"|<[^>]*>)')
 
 
@@ -83,48 +84,106 @@ def readSources(root):
     return found
 
 
+class Row:
+    """One row of the table: a header with its .imp, its source and its halves."""
+
+    FORM = re.compile(
+        r"(?P<level>\d) (?P<name>\w+)"
+        r" +(?P<access>public|public-with-imp|public-on-Windows|internal)"
+        r" +(?P<kinds>\w+(?: \w+)*) +(?P<test>tested|tested-inside|tested-alone|-)"
+        r"(?: of (?P<component>\w+))?(?: : (?P<reason>\S.*))?")
+    SUFFIXES = {"h": ".h", "imp": ".imp", "cpp": ".cpp", "Linux": "Linux.cpp",
+                "Windows": "Windows.cpp", "WinNT": "WinNT.cpp"}
+
+    def __init__(self, found, number):
+        self.line = number
+        self.level = int(found["level"])
+        self.name = found["name"]
+        self.access = found["access"]
+        self.kinds = found["kinds"].split()
+        self.test = found["test"]
+        self.component = found["component"] or self.name
+        self.reason = found["reason"]
+
+    @property
+    def folder(self):
+        return "app" if self.level == KIT_LEVEL else "base"
+
+    def file(self, kind):
+        """The file of this kind as includes name it."""
+        return f"{self.folder}/{self.name}{self.SUFFIXES[kind]}"
+
+    @property
+    def files(self):
+        return [self.file(kind) for kind in self.kinds if kind in self.SUFFIXES]
+
+    @property
+    def publicFiles(self):
+        kinds = {"internal": (), "public-with-imp": ("h", "imp")}.get(self.access, ("h",))
+        return [self.file(kind) for kind in kinds]
+
+    @property
+    def isOneSided(self):
+        return ("Linux" in self.kinds) != bool({"Windows", "WinNT"} & set(self.kinds))
+
+    @property
+    def testFile(self):
+        return f"{self.folder}/{self.name}Test.cpp" if self.test != "-" else None
+
+
 class Table:
-    """The table of layers; see the head of layers.txt for its form."""
+    """The table of components; the head of the file explains its form."""
 
-    ROW = re.compile(r"(?P<level>\d) (?P<name>\w+)(?: \+ (?P<parts>\w+(?: \w+)*) : \S.*)?")
     UPWARD = re.compile(r"upward: (?P<source>\w+) -> (?P<target>\w+) : \S.*")
-    ONE_SIDED = re.compile(r"one-sided: (?P<file>\w+\.cpp) : \S.*")
 
-    def __init__(self, path, root, errors):
+    def __init__(self, root, errors):
+        path = root / "src/components.txt"
         self.shown = path.relative_to(root).as_posix()
-        self.levels = {}  # component -> level
-        self.rows = {}  # component -> line of its row
-        self.groups = {}  # stem -> component
-        self.parts = []  # the stems that groups name, as (stem, line)
+        self.rows = {}  # name -> row
         self.upward = {}  # (from, to) -> line
-        self.oneSided = {}  # file -> line
         last = (-1, "")
         for number, line in enumerate(path.read_text(encoding="utf-8").splitlines(), 1):
             if not line or line.startswith("#"):
                 continue
-            if row := self.ROW.fullmatch(line):
-                last = self._addRow(row, number, last, errors)
+            if found := Row.FORM.fullmatch(line):
+                last = self._addRow(Row(found, number), last, errors)
             elif exception := self.UPWARD.fullmatch(line):
                 self.upward[exception["source"], exception["target"]] = number
-            elif exception := self.ONE_SIDED.fullmatch(line):
-                self.oneSided[exception["file"]] = number
             else:
                 errors.add(self.shown, number, "table", f"not a row of the table: {line}")
+        for row in self.rows.values():
+            self._checkComponent(row, errors)
 
-    def _addRow(self, row, number, last, errors):
-        key = (int(row["level"]), row["name"].lower())
+    def _addRow(self, row, last, errors):
+        key = (row.level, row.name.lower())
         if key <= last:
-            errors.add(self.shown, number, "table", "rows are sorted by level, then by name")
-        parts = (row["parts"] or "").split()
-        for stem in [row["name"], *parts]:
-            if stem in self.groups:
-                errors.add(self.shown, number, "table", f"{stem} stands in two rows")
-            self.groups.setdefault(stem, row["name"])
-        self.levels.setdefault(row["name"], key[0])
-        self.rows.setdefault(row["name"], number)
-        self.parts += [(stem, number) for stem in parts]
+            errors.add(self.shown, row.line, "table", "rows are sorted by level, then by name")
+        if row.name in self.rows:
+            errors.add(self.shown, row.line, "table", f"{row.name} stands in two rows")
+        for kind in row.kinds:
+            if kind not in Row.SUFFIXES:
+                errors.add(self.shown, row.line, "table", f"{kind} is no kind of file")
+        if row.isOneSided and not row.reason:
+            errors.add(self.shown, row.line, "table", "a half without a counterpart needs a reason")
+        if row.reason and not row.isOneSided and row.component == row.name:
+            errors.add(self.shown, row.line, "table", "the reason explains nothing")
+        self.rows.setdefault(row.name, row)
         return key
+
+    def _checkComponent(self, row, errors):
+        whole = self.rows.get(row.component)
+        if row.component == row.name:
+            return
+        if whole is None or whole.component != whole.name:
+            errors.add(self.shown, row.line, "table", f"{row.component} is no component")
+        elif whole.level != row.level:
+            errors.add(self.shown, row.line, "table", f"{row.component} is on another level")
+        if not row.reason:
+            errors.add(self.shown, row.line, "table", "belonging to another one needs a reason")
 
     def component(self, stem):
         """The component to which the files with this stem belong."""
-        return self.groups.get(stem, stem)
+        return self.rows[stem].component if stem in self.rows else stem
+
+    def level(self, component):
+        return self.rows[component].level if component in self.rows else None
