@@ -30,8 +30,8 @@ class LgServiceReader;
 /// kit's registry and queue function stay with the logger when the service has ended.
 ///
 /// After a fork() the child has no service: its log statements write to standard output, the end of
-/// the object does nothing there, and a new one can't be made. Events that waited at the fork are
-/// written by the parent.
+/// the object does nothing there, and a new one can't be made; it can if none lived at the fork.
+/// Events that waited at the fork are written by the parent, and by nobody else.
 ///
 /// Thread-safety: made and ended by one thread, after the start of the package "logger" and before
 /// its end.
@@ -39,8 +39,8 @@ class ZU_APP_API LgService
 {
 public:
     /// Raises LgServiceEx::ExAlreadyRunning if there is one, LgServiceEx::ExLoggerNotStarted before
-    /// the start of the logger, LgServiceEx::ExForked in the child of a process that had one, and
-    /// std::system_error if the platform refuses a thread.
+    /// the start of the logger, LgServiceEx::ExForked in the child of a process that had one at the
+    /// fork, and std::system_error if the platform refuses a thread.
     LgService();
     LgService(const LgService&) = delete;
     LgService& operator=(const LgService&) = delete;

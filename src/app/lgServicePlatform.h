@@ -12,8 +12,9 @@ namespace Zu::LgServicePlatform
 /// Whether barrier() works here. Asked once, before it is called.
 bool prepareBarrier();
 
-/// Makes every other thread of the process pass a full memory barrier.
-void barrier();
+/// Makes every other thread of the process pass a full memory barrier; false if the system refuses,
+/// as it may do for want of memory.
+bool barrier();
 
 /// Sleeps for a tenth of a millisecond, or not at all and false where a sleep takes much longer.
 bool nap();

@@ -31,9 +31,9 @@ bool prepareBarrier()
 #endif
 }
 
-void barrier()
+bool barrier()
 {
-    callBarrier(MEMBARRIER_CMD_PRIVATE_EXPEDITED);
+    return callBarrier(MEMBARRIER_CMD_PRIVATE_EXPEDITED);
 }
 
 bool nap()

@@ -10,9 +10,10 @@ bool prepareBarrier()
     return true;
 }
 
-void barrier()
+bool barrier()
 {
     FlushProcessWriteBuffers();
+    return true;
 }
 
 bool nap()

@@ -20,22 +20,6 @@ constexpr int EVENTS_IN_A_ROW = 256;
 // A queue does not fill in so many naps, unless events come faster than they can be written.
 constexpr int NAPS = 5;
 
-// A look around without cause, should a wake-up ever get lost.
-constexpr std::chrono::milliseconds PATIENCE{250};
-
-// What can't be asked is looked at: the failure that is met then is told, and tried again.
-bool areEventsPending()
-{
-    try
-    {
-        return LgReader().eventsPending();
-    }
-    catch (const std::exception&)
-    {
-        return true;
-    }
-}
-
 } // namespace
 
 LgServiceReader::LgServiceReader(LgServiceThreads& threads) : _threads(threads)
@@ -60,7 +44,20 @@ void LgServiceReader::rest(int& naps)
         ++naps;
         return;
     }
-    _threads.news().listen([this] { return _stop || areEventsPending(); }, PATIENCE);
+    _threads.news().listen([this] { return _stop || isWorkWaiting(); }, _threads.getPatience());
+}
+
+// What can't be asked is looked at: the failure that is met then is told, and tried again.
+bool LgServiceReader::isWorkWaiting()
+{
+    try
+    {
+        return _threads.isWorkWaiting();
+    }
+    catch (const std::exception&)
+    {
+        return true;
+    }
 }
 
 void LgServiceReader::run()

@@ -35,6 +35,7 @@ private:
 
     void run();
     void rest(int& naps);
+    bool isWorkWaiting();
     Outcome writeSome();
     void report(const char* reason);
 

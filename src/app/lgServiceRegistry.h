@@ -26,7 +26,7 @@ public:
     /// as the process.
     static std::mutex& mutex();
 
-private:
+    /// The one list, for who holds mutex().
     static List<LgQueue*>& queues();
 };
 

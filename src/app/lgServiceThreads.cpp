@@ -19,9 +19,6 @@ namespace Zu
 namespace
 {
 
-// Nothing is known that would lose a wake-up; if something does, this is how long it lasts.
-constexpr std::chrono::milliseconds PATIENCE{250};
-
 class ServiceObserver : public LgQueue::Observer
 {
 public:
@@ -46,6 +43,20 @@ private:
     LgServiceThreads& _threads;
 };
 
+LgBell::Barrier barrier()
+{
+    return LgServicePlatform::prepareBarrier() ? &LgServicePlatform::barrier : nullptr;
+}
+
+// Takes all events out of a queue, unwritten.
+void dropEvents(LgQueue& queue)
+{
+    // As much as LgStream asks for.
+    char text[32768];
+    // An entry for losses has no text; then it is the next one's, or none.
+    for (; !queue.isEmpty(); queue.removeEntry()) queue.getStream().take(text);
+}
+
 bool hasSpace(const LgQueue& queue, int size)
 {
     return !queue.isFull() && queue.getStream().getNumCharacters() >= static_cast<unsigned>(size);
@@ -66,8 +77,7 @@ LgServiceThreads& LgServiceThreads::instance()
     return *theInstance;
 }
 
-LgServiceThreads::LgServiceThreads()
-    : _news(LgServicePlatform::prepareBarrier()), _room(LgServicePlatform::prepareBarrier())
+LgServiceThreads::LgServiceThreads() : _news(barrier()), _room(barrier())
 {
     ThreadSlot::setThreadEnded(ThreadSlot::QUEUE, [](void* queue)
                                { instance().threadEnded(static_cast<LgQueue*>(queue)); });
@@ -144,13 +154,27 @@ std::uint64_t LgServiceThreads::getLostCount()
     return count;
 }
 
+bool LgServiceThreads::isWorkWaiting()
+{
+    const std::lock_guard guard(_reading);
+    const List<LgQueue*> queues = LgLog::getRegistry()->getQueueList();
+    return std::any_of(queues.begin(), queues.end(),
+                       [](const LgQueue* queue)
+                       { return !queue->isEmpty() || !queue->isCreatorAlive(); });
+}
+
+bool LgServiceThreads::isWaitOver(const LgQueue& queue, int size) const
+{
+    return hasSpace(queue, size) || !isRunning();
+}
+
 void LgServiceThreads::waitForSpace(const LgQueue& queue, int size)
 {
     while (!hasSpace(queue, size))
     {
         if (isRunning())
         {
-            _room.listen([&] { return hasSpace(queue, size) || !isRunning(); }, PATIENCE);
+            _room.listen([&] { return isWaitOver(queue, size); }, _patience);
             continue;
         }
         // The service has ended between the caller's look and its event: nobody else will read.
@@ -190,15 +214,34 @@ void LgServiceThreads::unlockAfterFork()
     _reading.unlock();
 }
 
-// The child of a process with a service has no reader, and none of the threads whose queues it has
-// a copy of: what it logs goes to standard output.
+// The child of a process with a service has no reader: what it logs goes to standard output.
 void LgServiceThreads::goOnInChild()
 {
     // A child's child is one too.
     _isForked = _isForked || isRunning();
     if (_isForked) LgLog::setLoggerActivation(false);
     _running.store(false, std::memory_order_release);
+    _news.beginAnewInChild();
+    _room.beginAnewInChild();
+    leaveEventsToParent();
     unlockAfterFork();
+}
+
+// What waited at the fork is written there, and nowhere else. Of the threads the child has one; the
+// queues of the others are the next reader's.
+void LgServiceThreads::leaveEventsToParent()
+{
+    for (LgQueue* const queue : LgServiceRegistry::queues()) dropEvents(*queue);
+    const void* const own = ThreadSlot::get(ThreadSlot::QUEUE);
+    _queues.remove_if(
+        [this, own](LgQueue* queue)
+        {
+            dropEvents(*queue);
+            if (queue == own) return false;
+            _lostOfEnded += queue->getLostCount();
+            queue->creatorExit();
+            return true;
+        });
 }
 
 } // namespace Zu

@@ -63,14 +63,38 @@ public:
         return _room;
     }
 
-    /// Held by who reads events; a fork waits until it is free.
+    /// Held by who reads events or looks at the queues of other threads, since it is a reader that
+    /// deletes them; a fork waits until it is free.
     std::mutex& reading()
     {
         return _reading;
     }
 
+    /// Whether a reader has something to do: an event waits, or the queue of a thread that has
+    /// ended. Takes reading(). Raises what the registry does.
+    bool isWorkWaiting();
+
     /// Waits until the queue has room for `size` characters; the producer's.
     void waitForSpace(const LgQueue& queue, int size);
+
+    /// Whether who waits for that may go on: the room is there, or no service runs any more that
+    /// makes it.
+    bool isWaitOver(const LgQueue& queue, int size) const;
+
+    /// How long a thread sleeps at most, should a wake-up ever get lost.
+    std::chrono::milliseconds getPatience() const
+    {
+        return _patience;
+    }
+
+    /// Set while nobody sleeps, by tests: without end a lost wake-up shows.
+    void setPatience(std::chrono::milliseconds patience)
+    {
+        _patience = patience;
+    }
+
+    /// Nothing is known that would lose a wake-up; if something does, this is how long it lasts.
+    static constexpr std::chrono::milliseconds PATIENCE{250};
 
     /// How long a failing lock is left alone, and how often it is tried when no more is to come.
     static constexpr std::chrono::milliseconds PAUSE{20};
@@ -86,6 +110,7 @@ private:
     void lockForFork();
     void unlockAfterFork();
     void goOnInChild();
+    void leaveEventsToParent();
 
     std::mutex _mutex;
     // The queues of living threads. A reader deletes all others.
@@ -93,6 +118,7 @@ private:
     std::uint64_t _lostOfEnded = 0;
     bool _isForked = false;
     std::atomic<bool> _running{false};
+    std::chrono::milliseconds _patience{PATIENCE};
     std::mutex _reading;
     LgBell _news;
     LgBell _room;

@@ -1,11 +1,15 @@
 #include "app/lgBell.h"
 
 #include "app/lgServicePlatform.h"
+#include "support/platform.h"
 
 #include <atomic>
 #include <chrono>
+#include <cstdlib>
+#include <future>
 #include <gtest/gtest.h>
 #include <thread>
+#include <vector>
 
 namespace
 {
@@ -14,38 +18,56 @@ using Zu::LgBell;
 
 constexpr std::chrono::milliseconds NEVER{600000};
 
-// With the platform's barrier, where there is one, and without.
-class LgBellTest : public testing::TestWithParam<bool>
+int refusals = 0;
+
+// A barrier that works until it is called.
+bool refuse()
+{
+    ++refusals;
+    return false;
+}
+
+enum class Kind
+{
+    // The platform's, where there is one.
+    BARRIER,
+    NO_BARRIER,
+    REFUSED_BARRIER
+};
+
+class LgBellTest : public testing::TestWithParam<Kind>
 {
 protected:
-    static bool barrierWorks()
+    static LgBell::Barrier barrier()
     {
-        return GetParam() && Zu::LgServicePlatform::prepareBarrier();
+        if (GetParam() == Kind::REFUSED_BARRIER) return &refuse;
+        const bool isThere = GetParam() == Kind::BARRIER && Zu::LgServicePlatform::prepareBarrier();
+        return isThere ? &Zu::LgServicePlatform::barrier : nullptr;
     }
 };
 
 TEST_P(LgBellTest, DoesNotSleepWhenItHasHappened)
 {
-    LgBell bell(barrierWorks());
+    LgBell bell(barrier());
     EXPECT_TRUE(bell.listen([] { return true; }, NEVER));
 }
 
 TEST_P(LgBellTest, EndsAtTheLimitWhenNobodyRings)
 {
-    LgBell bell(barrierWorks());
+    LgBell bell(barrier());
     EXPECT_FALSE(bell.listen([] { return false; }, std::chrono::milliseconds(1)));
 }
 
 TEST_P(LgBellTest, ARingBeforeAnybodyListensWakesNobody)
 {
-    LgBell bell(barrierWorks());
+    LgBell bell(barrier());
     bell.ring();
     EXPECT_FALSE(bell.listen([] { return false; }, std::chrono::milliseconds(1)));
 }
 
 TEST_P(LgBellTest, ARingBetweenTheLookAndTheSleepIsHeard)
 {
-    LgBell bell(barrierWorks());
+    LgBell bell(barrier());
     const auto ringAfterTheLook = [&bell]
     {
         std::thread([&bell] { bell.ring(); }).join();
@@ -56,7 +78,7 @@ TEST_P(LgBellTest, ARingBetweenTheLookAndTheSleepIsHeard)
 
 TEST_P(LgBellTest, WakesAllWhoListen)
 {
-    LgBell bell(barrierWorks());
+    LgBell bell(barrier());
     std::atomic<bool> happened{false};
     std::atomic<int> listening{0};
     std::atomic<int> woken{0};
@@ -84,8 +106,8 @@ TEST_P(LgBellTest, WakesAllWhoListen)
 TEST_P(LgBellTest, LosesNoWakeUp)
 {
     constexpr int TURNS = 20000;
-    LgBell toEven(barrierWorks());
-    LgBell toOdd(barrierWorks());
+    LgBell toEven(barrier());
+    LgBell toOdd(barrier());
     std::atomic<int> turn{0};
     std::atomic<int> timeouts{0};
     const auto play = [&](int parity, LgBell& own, LgBell& other)
@@ -112,6 +134,139 @@ TEST_P(LgBellTest, LosesNoWakeUp)
     EXPECT_EQ(turn, TURNS + 2);
 }
 
-INSTANTIATE_TEST_SUITE_P(Both, LgBellTest, testing::Values(true, false));
+// In the child of a fork: threads that wait and are woken, in turn with the one that rings.
+bool wakesThreads(LgBell& bell)
+{
+    for (int i = 0; i < 3; ++i)
+    {
+        bool isWoken = false;
+        std::promise<void> isListening;
+        std::thread listener(
+            [&]
+            {
+                const auto look = [&isListening]
+                {
+                    isListening.set_value();
+                    return false;
+                };
+                isWoken = bell.listen(look, NEVER);
+            });
+        isListening.get_future().wait();
+        bell.ring();
+        listener.join();
+        if (!isWoken) return false;
+    }
+    return true;
+}
+
+// The child has copies of locks and waits of threads that it does not have.
+TEST_P(LgBellTest, BeginsAnewInAChildWhoeverListenedInTheParent)
+{
+    if (support::onWindows) GTEST_SKIP() << "Windows has no fork";
+    if (support::underSanitizer)
+        GTEST_SKIP() << "what the sanitizers lock does not survive a fork beside other threads";
+    LgBell bell(barrier());
+    std::atomic<bool> isOver{false};
+    std::atomic<int> looks{0};
+    std::vector<std::thread> listeners;
+    for (int i = 0; i < 3; ++i)
+        listeners.emplace_back(
+            [&]
+            {
+                const auto look = [&]
+                {
+                    ++looks;
+                    return isOver.load();
+                };
+                while (!isOver) bell.listen(look, NEVER);
+            });
+    // Now and then one of them is woken, so some are on their way to sleep and others on theirs
+    // back.
+    for (int round = 1; round <= 20; ++round)
+    {
+        while (looks < 3 * round) std::this_thread::yield();
+        const support::Side side = support::forkProcess();
+        if (side == support::Side::CHILD)
+        {
+            bell.beginAnewInChild();
+            std::_Exit(wakesThreads(bell) ? 0 : 1);
+        }
+        EXPECT_EQ(support::awaitForkedChild(), 0);
+        bell.ring();
+    }
+    isOver = true;
+    bell.ring();
+    for (std::thread& listener : listeners) listener.join();
+}
+
+// Of a barrier that takes its time.
+std::promise<void> isInBarrier;
+std::promise<void> mayLeaveBarrier;
+
+TEST(LgBell, BeginsAnewInAChildWhoeverHadLockedItInTheParent)
+{
+    if (support::onWindows) GTEST_SKIP() << "Windows has no fork";
+    if (support::underSanitizer)
+        GTEST_SKIP() << "what the sanitizers lock does not survive a fork beside other threads";
+    static int calls = 0;
+    LgBell bell(
+        []
+        {
+            if (++calls > 1) return true;
+            isInBarrier.set_value();
+            mayLeaveBarrier.get_future().wait();
+            return true;
+        });
+    std::thread listener([&bell] { bell.listen([] { return true; }, NEVER); });
+    isInBarrier.get_future().wait();
+    if (support::forkProcess() == support::Side::CHILD)
+    {
+        bell.beginAnewInChild();
+        std::_Exit(wakesThreads(bell) ? 0 : 1);
+    }
+    EXPECT_EQ(support::awaitForkedChild(), 0);
+    mayLeaveBarrier.set_value();
+    listener.join();
+}
+
+TEST(LgBell, ChargesTheListenerWhereThereIsABarrier)
+{
+    EXPECT_TRUE(LgBell(&Zu::LgServicePlatform::barrier).usesBarrier());
+    EXPECT_FALSE(LgBell(nullptr).usesBarrier());
+}
+
+TEST(LgBell, AsksABarrierThatRefusesNeverAgain)
+{
+    LgBell bell(&refuse);
+    refusals = 0;
+    for (int i = 0; i < 3; ++i) bell.listen([] { return true; }, NEVER);
+    EXPECT_EQ(refusals, 1);
+    EXPECT_FALSE(bell.usesBarrier());
+}
+
+TEST(LgBell, KeepsABarrierThatWorks)
+{
+    static int calls = 0;
+    LgBell bell(
+        []
+        {
+            ++calls;
+            return true;
+        });
+    for (int i = 0; i < 3; ++i) bell.listen([] { return true; }, NEVER);
+    EXPECT_EQ(calls, 3);
+    EXPECT_TRUE(bell.usesBarrier());
+}
+
+// A system that has the barrier and does not use it would only be slower.
+TEST(LgBell, ThePlatformsBarrierIsFoundWhereTheSystemHasIt)
+{
+    ASSERT_EQ(Zu::LgServicePlatform::prepareBarrier(), support::hasProcessBarrier());
+    if (!support::hasProcessBarrier()) GTEST_SKIP() << "the system has none that can be used";
+    EXPECT_TRUE(Zu::LgServicePlatform::barrier());
+}
+
+INSTANTIATE_TEST_SUITE_P(All, LgBellTest,
+                         testing::Values(Kind::BARRIER, Kind::NO_BARRIER, Kind::REFUSED_BARRIER));
 
 } // namespace

@@ -1,15 +1,23 @@
 #include "app/lgServiceReader.h"
 
+#include "app/lgServiceRegistry.h"
 #include "base/lgLog.h"
+#include "base/lgReader.h"
 #include "support/runningLogger.h"
 #include "support/streamCapture.h"
 
 #include <atomic>
+#include <chrono>
+#include <functional>
+#include <future>
 #include <gtest/gtest.h>
 #include <iostream>
+#include <mutex>
+#include <optional>
 #include <stdexcept>
 #include <string>
 #include <thread>
+#include <utility>
 #include <vector>
 
 namespace
@@ -17,6 +25,7 @@ namespace
 
 using Zu::LgQueue;
 using Zu::LgServiceReader;
+using Zu::LgServiceRegistry;
 using Zu::LgServiceThreads;
 namespace LgTypes = Zu::LgTypes;
 
@@ -70,6 +79,148 @@ TEST_F(LgServiceReaderTest, WakesUpForAnEvent)
 TEST_F(LgServiceReaderTest, EndsThoughNothingWasEverLogged)
 {
     const LgServiceReader reader(_threads);
+}
+
+// What happens around the copies of the list that a reader thread takes, until there were enough.
+// At every second one alone: a walk that deletes a queue takes a further copy.
+class HookedRegistry : public Zu::LgServiceRegistry
+{
+public:
+    Zu::List<LgQueue*> getQueueList() const override
+    {
+        const bool isReaders = !_isBusy && std::this_thread::get_id() != _thread;
+        if (!isReaders || ++_copies % 2 == 0 || _copies > ENOUGH)
+            return LgServiceRegistry::getQueueList();
+        _isBusy = true;
+        _before();
+        const Zu::List<LgQueue*> queues = LgServiceRegistry::getQueueList();
+        _behind();
+        _isBusy = false;
+        return queues;
+    }
+
+    // What it calls, and the thread to which it does nothing.
+    static void prepare(std::function<void()> before, std::function<void()> behind)
+    {
+        _thread = std::this_thread::get_id();
+        _copies = 0;
+        _before = std::move(before);
+        _behind = std::move(behind);
+        Zu::LgLog::setRegistry(Zu::ObjPtr<Zu::LgRegistry>(new HookedRegistry));
+    }
+
+    static void awaitCopies()
+    {
+        while (_copies <= ENOUGH) std::this_thread::yield();
+    }
+
+private:
+    // More than a reader takes before it first looks whether it may sleep.
+    static constexpr int ENOUGH = 40;
+
+    static inline std::atomic<int> _copies{0};
+    static inline std::atomic<bool> _isBusy{false};
+    static inline std::thread::id _thread;
+    static inline std::function<void()> _before;
+    static inline std::function<void()> _behind;
+};
+
+// A thread with a queue, until it is told to end.
+class Guest
+{
+public:
+    Guest()
+    {
+        std::promise<void> isThere;
+        _thread = std::thread(
+            [this, &isThere]
+            {
+                LgServiceThreads::queueOfThread();
+                isThere.set_value();
+                _end.get_future().wait();
+            });
+        isThere.get_future().wait();
+    }
+
+    void end()
+    {
+        _end.set_value();
+        _thread.join();
+    }
+
+private:
+    std::promise<void> _end;
+    std::thread _thread;
+};
+
+// A producer that waited for room when the last service ended reads itself, and deletes the queue
+// of a thread that has ended, at any moment: here whenever the reader has a copy of the list.
+TEST_F(LgServiceReaderTest, NobodyDeletesQueuesOfAListThatItGoesThrough)
+{
+    std::optional<Guest> guest;
+    int reads = 0;
+    const auto readIfFree = [&]
+    {
+        const std::unique_lock lock(_threads.reading(), std::try_to_lock);
+        if (!lock) return;
+        ++reads;
+        Zu::LgReader().flushEarliest();
+    };
+    HookedRegistry::prepare([&] { guest.emplace(); },
+                            [&]
+                            {
+                                guest->end();
+                                std::thread(readIfFree).join();
+                            });
+    {
+        const LgServiceReader reader(_threads);
+        HookedRegistry::awaitCopies();
+    }
+    EXPECT_EQ(reads, 0);
+}
+
+// The ring of a thread that ends may come between the reader's last walk and its sleep, when nobody
+// listens. Here, where no service runs, there is none at all. A reader that slept would never wake
+// up.
+TEST_F(LgServiceReaderTest, SleepsNotBesideTheQueueOfAThreadThatHasEnded)
+{
+    _threads.setPatience(std::chrono::hours(24));
+    _threads.stop();
+    HookedRegistry::prepare([] { Guest().end(); }, [] {});
+    {
+        const LgServiceReader reader(_threads);
+        HookedRegistry::awaitCopies();
+    }
+    _threads.setPatience(LgServiceThreads::PATIENCE);
+}
+
+TEST_F(LgServiceReaderTest, EventsAndEndsOfThreadsWakeItUp)
+{
+    constexpr int ROUNDS = 20;
+    _threads.setPatience(std::chrono::hours(24));
+    // Queues of threads that have ended are gone then.
+    Zu::LgReader().flushAll();
+    LgQueue& own = *LgServiceThreads::queueOfThread();
+    const std::size_t others = LgServiceRegistry().getQueueList().size();
+    {
+        const LgServiceReader reader(_threads);
+        const auto awaitSleep = [this]
+        {
+            while (!_threads.news().isListenedTo()) std::this_thread::yield();
+        };
+        for (int i = 0; i < ROUNDS; ++i)
+        {
+            awaitSleep();
+            add("event");
+            while (!own.isEmpty()) std::this_thread::yield();
+            Guest guest;
+            awaitSleep();
+            guest.end();
+            while (LgServiceRegistry().getQueueList().size() > others) std::this_thread::yield();
+        }
+    }
+    _threads.setPatience(LgServiceThreads::PATIENCE);
+    EXPECT_EQ(_logger.textsOf("events.log").size(), std::size_t{ROUNDS});
 }
 
 // A registry that can't be asked, in place of a lock that can't be taken: the reader sees the same.

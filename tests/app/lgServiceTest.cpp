@@ -472,4 +472,24 @@ TEST(LgServiceProgram, AChildOfAForkEndsAndLogsToStandardOutput)
     EXPECT_EQ(events, (Texts{"Service before the fork", "Service child ended with 3"}));
 }
 
+TEST(LgServiceProgram, WhatWaitedAtAForkIsWrittenOnceAndByTheParent)
+{
+    if (support::onWindows) GTEST_SKIP() << "Windows has no fork";
+    if (support::underSanitizer)
+        GTEST_SKIP() << "what the sanitizers lock does not survive a fork beside other threads";
+    const support::TempDir dir;
+    const support::ProgramResult result =
+        support::runProgram("serviceProgram", {"forkBetween"}, {{"B7Q_TEST_DIR", dir.path()}});
+    EXPECT_EQ(result.exitCode, 0);
+    EXPECT_EQ(result.err, "");
+    EXPECT_EQ(result.out, "in the child: lost 0, queues 1\n");
+    Texts expected{"Service in time", "Service late of the child", "Service in the child",
+                   "Service in a thread of the child"};
+    expected.insert(expected.end(), 1022, "Service late");
+    expected.insert(expected.end(),
+                    {"Service late of an ended thread", "Service late of a living thread",
+                     "Service child ended with 3"});
+    EXPECT_EQ(fileTexts(dir.file("events.log")), expected);
+}
+
 } // namespace

@@ -7,7 +7,10 @@
 #include "support/platform.h"
 #include "support/runningLogger.h"
 
+#include <atomic>
+#include <chrono>
 #include <gtest/gtest.h>
+#include <mutex>
 #include <string>
 #include <thread>
 #include <vector>
@@ -183,6 +186,77 @@ TEST_F(LgServiceThreadsTest, AProducerThatWaitsForRoomGoesOnWhenAnEventIsTaken)
     queue.waitForSpace(30000);
     EXPECT_GE(queue.getStream().getNumCharacters(), 30000U);
     reader.join();
+}
+
+TEST_F(LgServiceThreadsTest, AWaitIsOverWhenThereIsRoomOrNobodyMakesIt)
+{
+    _threads.start();
+    LgQueue& queue = *LgServiceThreads::queueOfThread();
+    ASSERT_TRUE(add(queue, "kept"));
+    const auto room = static_cast<int>(queue.getStream().getNumCharacters());
+    EXPECT_TRUE(_threads.isWaitOver(queue, room));
+    EXPECT_FALSE(_threads.isWaitOver(queue, room + 1));
+    while (add(queue, "kept")) continue;
+    EXPECT_FALSE(_threads.isWaitOver(queue, 1));
+    _threads.stop();
+    EXPECT_TRUE(_threads.isWaitOver(queue, 1));
+    Zu::LgReader().flushAll();
+    EXPECT_TRUE(_threads.isWaitOver(queue, room));
+}
+
+// Asked for by many producers at a time, whose wake-ups nothing but the rings brings.
+TEST_F(LgServiceThreadsTest, ProducersThatWaitForRoomAreWokenByItOrByTheEnd)
+{
+    constexpr int PRODUCERS = 3;
+    constexpr int EVENTS = 4000;
+    _threads.setPatience(std::chrono::hours(24));
+    _threads.start();
+    std::atomic<int> published{0};
+    std::vector<std::thread> producers;
+    for (int i = 0; i < PRODUCERS; ++i)
+        producers.emplace_back(
+            [&published]
+            {
+                LgQueue& queue = *LgServiceThreads::queueOfThread();
+                for (int event = 0; event < EVENTS; ++event, ++published)
+                {
+                    queue.waitForSpace(10);
+                    EXPECT_TRUE(add(queue, "waited"));
+                }
+            });
+    // What is left when nobody reads any more the producers write themselves.
+    while (published < PRODUCERS * EVENTS / 2)
+    {
+        const std::lock_guard guard(_threads.reading());
+        Zu::LgReader().flushEarliest();
+    }
+    _threads.stop();
+    for (std::thread& producer : producers) producer.join();
+    _threads.setPatience(LgServiceThreads::PATIENCE);
+    Zu::LgReader().flushAll();
+    EXPECT_EQ(_logger.textsOf("events.log").size(), std::size_t{PRODUCERS * EVENTS});
+}
+
+TEST_F(LgServiceThreadsTest, AReaderHasWorkWithEventsAndWithQueuesOfEndedThreads)
+{
+    _threads.start();
+    Zu::LgReader().flushAll();
+    EXPECT_FALSE(_threads.isWorkWaiting());
+    add(*LgServiceThreads::queueOfThread(), "event");
+    EXPECT_TRUE(_threads.isWorkWaiting());
+    Zu::LgReader().flushAll();
+    EXPECT_FALSE(_threads.isWorkWaiting());
+    std::thread([] { LgServiceThreads::queueOfThread(); }).join();
+    EXPECT_TRUE(_threads.isWorkWaiting());
+    Zu::LgReader().flushAll();
+    EXPECT_FALSE(_threads.isWorkWaiting());
+}
+
+// Without it everything works, too, but more slowly.
+TEST_F(LgServiceThreadsTest, RingingCostsNoMoreThanTheSystemAsksFor)
+{
+    EXPECT_EQ(_threads.news().usesBarrier(), support::hasProcessBarrier());
+    EXPECT_EQ(_threads.room().usesBarrier(), support::hasProcessBarrier());
 }
 
 TEST_F(LgServiceThreadsTest, ALoggerThatIsStartedAnewForgetsNoQueueOfAThreadThatHasEnded)

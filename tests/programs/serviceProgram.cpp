@@ -7,7 +7,9 @@
 #include "support/platform.h"
 
 #include <atomic>
+#include <cstdint>
 #include <cstdlib>
+#include <future>
 #include <iostream>
 #include <memory>
 #include <string>
@@ -105,6 +107,65 @@ int forkInTheMiddle()
     return 0;
 }
 
+// As a thread does that looked at the activity just before the end of the service.
+void addLate(const char* text)
+{
+    Zu::LgQueue& queue = Zu::LgLog::getQueue();
+    if (!queue.reserveEntry(Zu::LgTypes::Warning)) return;
+    queue.getStream() << "Service " << text << Zu::ends;
+    queue.addEntry();
+}
+
+// A child of a fork between two services, with events that came too late for the first one: of the
+// thread that forks, of one that lives, and of one that has ended.
+int forkBetweenServices()
+{
+    {
+        const Zu::LgService service;
+        ZU_LOG_WARNING(Service, "in time");
+    }
+    addLate("late");
+    // As many as leave the mark of a loss, too.
+    while (Zu::LgLog::getQueue().getLostCount() < 2) addLate("late");
+    std::thread([] { addLate("late of an ended thread"); }).join();
+    std::promise<void> isThere;
+    std::promise<void> end;
+    auto living = std::make_unique<std::thread>(
+        [&]
+        {
+            addLate("late of a living thread");
+            isThere.set_value();
+            end.get_future().wait();
+        });
+    isThere.get_future().wait();
+    if (support::forkProcess() == support::Side::CHILD)
+    {
+        static const std::thread* const ofTheParent = living.release();
+        if (!ofTheParent) return 4;
+        // Whoever reads in the child, nothing of the parent's is there.
+        Zu::LgReader reader;
+        if (reader.eventsPending()) return 5;
+        reader.flushAll();
+        addLate("late of the child");
+        auto service = std::make_unique<Zu::LgService>();
+        ZU_LOG_WARNING(Service, "in the child");
+        std::thread([] { ZU_LOG_WARNING(Service, "in a thread of the child"); }).join();
+        const std::uint64_t lost = service->getLostCount();
+        service.reset();
+        std::cout << "in the child: lost " << lost << ", queues "
+                  << Zu::LgLog::getRegistry()->getQueueList().size() << "\n";
+        return 3;
+    }
+    const int child = support::awaitForkedChild();
+    end.set_value();
+    living->join();
+    const Zu::LgService service;
+    // The queue is full.
+    while (!Zu::LgLog::getQueue().isEmpty()) std::this_thread::yield();
+    ZU_LOG_WARNING(Service, "child ended with " << child);
+    return 0;
+}
+
 int run(const std::string& what, char** words)
 {
     if (what == "die") dieWithLock(words[2]);
@@ -116,6 +177,7 @@ int run(const std::string& what, char** words)
     if (what == "threads") logFromThreads();
     if (what == "exit") exitInTheMiddle();
     if (what == "fork") result = forkInTheMiddle();
+    if (what == "forkBetween") result = forkBetweenServices();
     ZU_STOP_LOG_GROUP(Service);
     return result;
 }

@@ -3,6 +3,7 @@
 #include <cerrno>
 #include <filesystem>
 #include <iterator>
+#include <linux/membarrier.h>
 #include <sys/stat.h>
 #include <sys/syscall.h>
 #include <sys/wait.h>
@@ -46,6 +47,16 @@ bool giveToAnotherUser(const std::string& path)
 bool resolvesLongPaths()
 {
     return true;
+}
+
+bool hasProcessBarrier()
+{
+#if defined(__SANITIZE_THREAD__)
+    return false;
+#else
+    const long commands = syscall(SYS_membarrier, MEMBARRIER_CMD_QUERY, 0, 0);
+    return commands > 0 && (commands & MEMBARRIER_CMD_PRIVATE_EXPEDITED) != 0;
+#endif
 }
 
 void awaitEndOfAnyChild()

@@ -83,6 +83,11 @@ bool resolvesLongPaths()
     return GetFullPathNameA(path.c_str(), sizeof buffer, buffer, nullptr) == path.size();
 }
 
+bool hasProcessBarrier()
+{
+    return true;
+}
+
 void awaitEndOfAnyChild() {}
 
 Side forkProcess()
