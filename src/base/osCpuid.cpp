@@ -16,6 +16,9 @@ constexpr unsigned int ARCHITECTURE_AMD64 = 9;
 
 constexpr unsigned int SEE_DETERMINISTIC_LEAF = 0xFF;
 constexpr std::uint32_t DETERMINISTIC_LEAF = 4;
+constexpr std::uint32_t HIGHEST_EXTENDED_LEAF = 0x80000000;
+// Answers as the deterministic-cache leaf does.
+constexpr std::uint32_t EXTENDED_DETERMINISTIC_LEAF = 0x8000001D;
 // No processor has nearly as many caches; one that never says "no more" must not hang us.
 constexpr std::uint32_t MAX_CACHES = 64;
 
@@ -83,7 +86,7 @@ OsCpuInfo::CacheInfo deterministicCache(const OsCpuidRegisters& registers)
             static_cast<int>(lineSize)};
 }
 
-void readDeterministicCaches(const OsCpuid& cpuid, OsCpuInfo::CacheInfo* l1Data,
+void readDeterministicCaches(const OsCpuid& cpuid, std::uint32_t leaf, OsCpuInfo::CacheInfo* l1Data,
                              OsCpuInfo::CacheInfo* l1Instruction, OsCpuInfo::CacheInfo* l2Unified)
 {
     enum CacheType
@@ -95,7 +98,7 @@ void readDeterministicCaches(const OsCpuid& cpuid, OsCpuInfo::CacheInfo* l1Data,
     };
     for (std::uint32_t i = 0; i < MAX_CACHES; ++i)
     {
-        const OsCpuidRegisters registers = cpuid(DETERMINISTIC_LEAF, i);
+        const OsCpuidRegisters registers = cpuid(leaf, i);
         const std::uint32_t type = registers._eax & 0x1F;
         const std::uint32_t level = registers._eax >> 5 & 0x7;
         if (type == NO_MORE) return;
@@ -182,9 +185,16 @@ void osMemoryInfo(const OsCpuid& cpuid, int systemPageSize, OsCpuInfo::CacheInfo
         osDecodeCacheDescriptor(descriptor, l1Data, l1Instruction, l2Unified, pageSize);
         if (descriptor == SEE_DETERMINISTIC_LEAF) seeDeterministicLeaf = true;
     }
-    if (!seeDeterministicLeaf || highestLeaf < DETERMINISTIC_LEAF) return;
-    readDeterministicCaches(cpuid, l1Data, l1Instruction, l2Unified);
-    *pageSize = systemPageSize;
+    const auto isAnyKnown = [&]
+    { return l1Data->_size != 0 || l1Instruction->_size != 0 || l2Unified->_size != 0; };
+    if (seeDeterministicLeaf && highestLeaf >= DETERMINISTIC_LEAF)
+    {
+        readDeterministicCaches(cpuid, DETERMINISTIC_LEAF, l1Data, l1Instruction, l2Unified);
+        *pageSize = systemPageSize;
+    }
+    if (isAnyKnown() || cpuid(HIGHEST_EXTENDED_LEAF, 0)._eax < EXTENDED_DETERMINISTIC_LEAF) return;
+    readDeterministicCaches(cpuid, EXTENDED_DETERMINISTIC_LEAF, l1Data, l1Instruction, l2Unified);
+    if (isAnyKnown()) *pageSize = systemPageSize;
 }
 
 } // namespace Zu

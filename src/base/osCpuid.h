@@ -41,6 +41,8 @@ void osDecodeCacheDescriptor(unsigned int descriptor, OsCpuInfo::CacheInfo* l1Da
 
 /// Writes the caches and the page size from the descriptors of leaf 2. A processor that says there
 /// that its caches are in the deterministic-cache leaf gets them from that, and `systemPageSize`.
+/// One that tells no cache there, but has the extended leaf of the same form, as those of AMD do,
+/// gets them from that, and `systemPageSize`.
 void osMemoryInfo(const OsCpuid& cpuid, int systemPageSize, OsCpuInfo::CacheInfo* l1Data,
                   OsCpuInfo::CacheInfo* l1Instruction, OsCpuInfo::CacheInfo* l2Unified,
                   int* pageSize);

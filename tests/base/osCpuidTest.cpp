@@ -31,6 +31,8 @@ struct Processor
     std::uint32_t _highestLeaf = 2;
     std::vector<OsCpuidRegisters> _rounds;
     std::vector<OsCpuidRegisters> _deterministic;
+    std::uint32_t _highestExtendedLeaf = 0;
+    std::vector<OsCpuidRegisters> _extended;
     std::size_t _asked = 0;
 
     OsCpuidRegisters answer(std::uint32_t leaf, std::uint32_t subLeaf)
@@ -42,6 +44,8 @@ struct Processor
             return round < _rounds.size() ? _rounds[round] : OsCpuidRegisters{};
         }
         if (leaf == 4 && subLeaf < _deterministic.size()) return _deterministic[subLeaf];
+        if (leaf == 0x80000000) return {_highestExtendedLeaf, 0, 0, 0};
+        if (leaf == 0x8000001D && subLeaf < _extended.size()) return _extended[subLeaf];
         return {};
     }
 
@@ -456,6 +460,102 @@ TEST(OsCpuid, ADeterministicCacheLeafWithoutEndIsLeftAgain)
     expectAbsent(caches._l2Unified);
 }
 
+// One of AMD: it has the leaf of descriptors, which is empty, and no deterministic-cache leaf.
+Processor processorWithTheExtendedLeaf()
+{
+    Processor processor;
+    processor._highestLeaf = 0x10;
+    processor._rounds = {{0, 0, 0, 0}};
+    processor._highestExtendedLeaf = 0x8000001F;
+    processor._extended = {deterministicCache(dataCache, 1, 8, 1, 64, 64),
+                           deterministicCache(instructionCache, 1, 4, 1, 64, 256),
+                           deterministicCache(unifiedCache, 2, 8, 1, 64, 1024),
+                           deterministicCache(unifiedCache, 3, 16, 1, 64, 16384)};
+    return processor;
+}
+
+void expectExtended(const Caches& caches)
+{
+    expectCache(caches._l1Data, 32768, 8, 64);
+    expectCache(caches._l1Instruction, 65536, 4, 64);
+    expectCache(caches._l2Unified, 524288, 8, 64);
+    EXPECT_EQ(caches._pageSize, systemPage);
+}
+
+// As such a processor has them, bit for bit: of the second generation of the family 17 hex.
+TEST(OsCpuid, TheExtendedLeafIsReadWhereTheOthersAreEmpty)
+{
+    Processor processor = processorWithTheExtendedLeaf();
+    expectExtended(processor.decode());
+    processor._extended = {{0x00004121, 0x01C0003F, 0x0000003F, 0},
+                           {0x00004122, 0x01C0003F, 0x0000003F, 0},
+                           {0x00004143, 0x01C0003F, 0x000003FF, 2},
+                           {0x0001C163, 0x03C0003F, 0x00003FFF, 1}};
+    const Caches caches = processor.decode();
+    expectCache(caches._l1Data, 32768, 8, 64);
+    expectCache(caches._l1Instruction, 32768, 8, 64);
+    expectCache(caches._l2Unified, 524288, 8, 64);
+    EXPECT_EQ(caches._pageSize, systemPage);
+}
+
+TEST(OsCpuid, TheExtendedLeafIsReadWhereverNothingElseTellsACache)
+{
+    const std::vector<OsCpuidRegisters> answers = {
+        {1, 0, 0, 0},          // no descriptors
+        {0x80000001, 0, 0, 0}, // none that are valid
+        {1, 0xF0, 0x5A, 0},    // unknown ones
+        {1, 0x40, 0, 0},       // that there is no second level
+        {1, 3, 0, 0},          // a page alone
+        {1, 0xFF, 0, 0},       // a deterministic-cache leaf that is not there, or empty
+    };
+    for (const OsCpuidRegisters& answer : answers)
+        for (const std::uint32_t highest : {2U, 4U, 0x10U})
+        {
+            Processor processor = processorWithTheExtendedLeaf();
+            processor._highestLeaf = highest;
+            processor._rounds = {answer};
+            expectExtended(processor.decode());
+        }
+}
+
+TEST(OsCpuid, TheExtendedLeafIsNotReadWhereAnotherOneTellsACache)
+{
+    Processor modern = modernProcessor();
+    modern._highestExtendedLeaf = 0x8000001F;
+    modern._extended = processorWithTheExtendedLeaf()._extended;
+    expectCache(modern.decode()._l1Data, 49152, 12, 64);
+    for (const std::uint32_t descriptor : {0x0CU, 0x08U, 0x44U})
+    {
+        Processor processor = processorWithTheExtendedLeaf();
+        processor._rounds = {{1, descriptor, 0, 0}};
+        const Caches caches = processor.decode();
+        const int found =
+            caches._l1Data._size + caches._l1Instruction._size + caches._l2Unified._size;
+        EXPECT_EQ(found, descriptor == 0x44 ? 1048576 : 16384);
+        EXPECT_EQ(caches._pageSize, 0);
+    }
+}
+
+TEST(OsCpuid, WithoutTheExtendedLeafNothingIsKnown)
+{
+    for (const std::uint32_t highest : {0U, 0x80000000U, 0x80000008U, 0x8000001CU})
+    {
+        Processor processor = processorWithTheExtendedLeaf();
+        processor._highestExtendedLeaf = highest;
+        expectNothing(processor.decode());
+    }
+    Processor processor = processorWithTheExtendedLeaf();
+    processor._highestExtendedLeaf = 0x8000001D;
+    expectExtended(processor.decode());
+    // It is there, and empty.
+    processor._extended.clear();
+    expectNothing(processor.decode());
+    // A processor without descriptors is not asked for more.
+    processor = processorWithTheExtendedLeaf();
+    processor._highestLeaf = 1;
+    expectNothing(processor.decode());
+}
+
 TEST(OsCpuid, TypeGoesByTheArchitectureNumber)
 {
     EXPECT_EQ(osCpuTypeOf(6), OsCpuInfo::IA64);
@@ -511,6 +611,22 @@ TEST(OsCpuid, EachPartOfTheSignatureCanBeLeftOut)
     osCpuSignature(processor, nullptr, nullptr, &stepping);
     EXPECT_EQ(stepping, 3);
     osCpuSignature(processor, nullptr, nullptr, nullptr);
+}
+
+TEST(OsCpuid, AProcessorIsAskedForItsSignatureOnlyWhereAPartIsWanted)
+{
+    int asked = 0;
+    const OsCpuid counting = [&asked](std::uint32_t leaf, std::uint32_t) -> OsCpuidRegisters
+    {
+        ++asked;
+        return {leaf == 0 ? 1U : 0x543U, 0, 0, 0};
+    };
+    osCpuSignature(counting, nullptr, nullptr, nullptr);
+    EXPECT_EQ(asked, 0);
+    int part = -1;
+    osCpuSignature(counting, nullptr, nullptr, &part);
+    EXPECT_EQ(asked, 2);
+    EXPECT_EQ(part, 3);
 }
 
 TEST(OsCpuid, WithoutASignatureTheVariablesStayAsTheyWere)
