@@ -2,8 +2,10 @@
 
 #include "base/exSystemCode.h"
 #include "base/osSharedLibEx.h"
+#include "base/osSymbolTable.h"
 
 #include <cerrno>
+#include <cstdint>
 #include <dlfcn.h>
 #include <link.h>
 
@@ -13,6 +15,35 @@ namespace Zu
 namespace
 {
 
+static_assert(sizeof(OsElfSymbol) == sizeof(ElfW(Sym)));
+
+OsSymbolTable symbolsOf(const link_map& library)
+{
+    OsSymbolTable table;
+    // Most loaders turn the places in a library into addresses.
+    const auto at = [&library](ElfW(Addr) place) {
+        return reinterpret_cast<const void*>(place < library.l_addr ? library.l_addr + place
+                                                                    : place);
+    };
+    for (const ElfW(Dyn)* entry = library.l_ld; entry->d_tag != DT_NULL; ++entry)
+        switch (entry->d_tag)
+        {
+        case DT_STRTAB:
+            table._names = static_cast<const char*>(at(entry->d_un.d_ptr));
+            break;
+        case DT_SYMTAB:
+            table._symbols = static_cast<const OsElfSymbol*>(at(entry->d_un.d_ptr));
+            break;
+        case DT_HASH:
+            table._hash = static_cast<const std::uint32_t*>(at(entry->d_un.d_ptr));
+            break;
+        case DT_GNU_HASH:
+            table._gnuHash = static_cast<const std::uint32_t*>(at(entry->d_un.d_ptr));
+            break;
+        }
+    return table;
+}
+
 class OsSharedLibLinux final : public OsSharedLib
 {
 public:
@@ -21,22 +52,23 @@ public:
     void* getFunction(const char* name) override
     {
         void* const function = name ? dlsym(_module, name) : nullptr;
-        if (!function || !isOwn(function))
+        if (!function || !isOwn(function, name))
             throw OsSharedLibEx::ExFunctionNotFound(__FILE__, __LINE__, getPath().getChars(), name);
         return function;
     }
 
 private:
     // The loader also looks into the libraries that this one needs; those have functions of their
-    // own.
-    bool isOwn(void* function) const
+    // own. An indirect function of this one may stand anywhere, even in the kernel's own library.
+    bool isOwn(void* function, const char* name) const
     {
         link_map* own = nullptr;
+        if (dlinfo(_module, RTLD_DI_LINKMAP, &own) != 0) return false;
         link_map* found = nullptr;
         Dl_info info;
-        return dlinfo(_module, RTLD_DI_LINKMAP, &own) == 0 &&
-               dladdr1(function, &info, reinterpret_cast<void**>(&found), RTLD_DL_LINKMAP) != 0 &&
-               found == own;
+        const bool isFound =
+            dladdr1(function, &info, reinterpret_cast<void**>(&found), RTLD_DL_LINKMAP) != 0;
+        return (isFound && found == own) || osDefines(symbolsOf(*own), name);
     }
 
     void* const _module;

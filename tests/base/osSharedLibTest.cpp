@@ -5,6 +5,8 @@
 #include "support/platform.h"
 #include "support/tempDir.h"
 
+#include <cstddef>
+#include <ctime>
 #include <fstream>
 #include <gtest/gtest.h>
 #include <string>
@@ -138,6 +140,37 @@ TEST(OsSharedLib, FunctionsOfOtherLibrariesAreNotFound)
     for (const char* const name : {"malloc", "printf", "_ZN2Zu7OsUtils6getPidEv"})
         EXPECT_THROW(library->getFunction(name), OsSharedLibEx::ExFunctionNotFound) << name;
     EXPECT_THROW(library->getFunction(nullptr), OsSharedLibEx::ExFunctionNotFound);
+}
+
+// Where a function is, the library decides when it is loaded: it may lead to another library, or
+// into the system's own.
+TEST(OsSharedLib, AnIndirectFunctionOfALibraryIsItsOwnWhereverItLeads)
+{
+    if (onWindows) GTEST_SKIP() << "Libraries there have no such functions.";
+    for (const char* const name : {"indirectModule", "indirectModuleOldHash"})
+    {
+        const ObjPtr<OsSharedLib> library(
+            OsSharedLib::open(OsFilePath(support::modulePath(name).c_str())));
+        const auto length =
+            reinterpret_cast<std::size_t (*)(const char*)>(library->getFunction("indirectLength"));
+        EXPECT_EQ(length("four"), 4U);
+        const auto twice = reinterpret_cast<int (*)(int)>(library->getFunction("directTwice"));
+        EXPECT_EQ(twice(21), 42);
+        // It needs these, and others define them.
+        for (const char* const foreign : {"strlen", "time", "gettimeofday", "malloc", "nothing"})
+            EXPECT_THROW(library->getFunction(foreign), OsSharedLibEx::ExFunctionNotFound)
+                << name << " " << foreign;
+    }
+    const ObjPtr<OsSharedLib> runtime(OsSharedLib::open(OsFilePath("libc.so.6")));
+    const auto now = reinterpret_cast<std::time_t (*)(std::time_t*)>(runtime->getFunction("time"));
+    const std::time_t before = std::time(nullptr);
+    EXPECT_GE(now(nullptr), before);
+    for (const char* const name : {"gettimeofday", "strlen", "memcpy", "malloc", "printf"})
+        EXPECT_NE(runtime->getFunction(name), nullptr) << name;
+    // Of the library that the math library needs, too.
+    const ObjPtr<OsSharedLib> math(OsSharedLib::open(OsFilePath("libm.so.6")));
+    EXPECT_NE(math->getFunction("sin"), nullptr);
+    EXPECT_THROW(math->getFunction("gettimeofday"), OsSharedLibEx::ExFunctionNotFound);
 }
 
 TEST(OsSharedLib, AnEmptyNameIsNoLibrary)
