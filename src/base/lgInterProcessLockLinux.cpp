@@ -2,6 +2,7 @@
 
 #include "base/exSysError.h"
 #include "base/lgLockName.h"
+#include "base/osDescriptor.h"
 
 #include <cerrno>
 #include <cstdlib>
@@ -126,7 +127,7 @@ private:
     // Opens the file and holds CHANGE; false if the last user has removed it in between.
     bool openCurrent(const std::string& name)
     {
-        _file = shm_open(name.c_str(), O_RDWR | O_CREAT, 0600);
+        _file = osAboveStandard(shm_open(name.c_str(), O_RDWR | O_CREAT, 0600));
         if (_file < 0) raise(errno);
         if (!isOwn(statusOf(_file))) raise(EACCES);
         if (!setFileLock(_file, CHANGE, F_WRLCK, true)) raise(errno);

@@ -1,11 +1,17 @@
 /// @file
-/// An open descriptor; part of the library for Linux only. Internal to the library.
+/// Open descriptors; part of the library for Linux only. Internal to the library.
 
 #ifndef ZU_BASE_OSDESCRIPTOR_H
 #define ZU_BASE_OSDESCRIPTOR_H
 
 namespace Zu
 {
+
+/// The same open file under a number that is none of the standard streams', which a process may
+/// have been started without: what it then wrote to its standard output would land in the file.
+/// Children do not inherit it. Negative, with `errno` set, if there is no such number any more; a
+/// negative number stays as it is.
+int osAboveStandard(int number);
 
 /// Closes what it holds; a negative number is nothing.
 class OsDescriptor

@@ -82,7 +82,8 @@ void osOpenOutput(std::ofstream& file, const char* name, bool appends)
     const OsDescriptor place(openDirectory(name));
     const std::string_view path = name;
     const std::string leaf(path.substr(path.rfind('/') + 1));
-    OsDescriptor descriptor(place.get() < 0 ? -1 : openIn(place.get(), leaf.c_str(), appends));
+    OsDescriptor descriptor(
+        place.get() < 0 ? -1 : osAboveStandard(openIn(place.get(), leaf.c_str(), appends)));
     if (descriptor.get() >= 0 && osAdoptOutput(file, descriptor.get(), appends))
         descriptor.release();
     else

@@ -11,6 +11,26 @@ namespace Zu
 namespace
 {
 
+constexpr int LAST_STANDARD = 2;
+
+// A descriptor for a handle, which it closes; negative, and the handle is closed, if there is none.
+// It is none of the standard streams', which a process may have closed: what it then wrote to its
+// standard output would land in the file.
+int descriptorOf(HANDLE handle)
+{
+    const int descriptor = _open_osfhandle(reinterpret_cast<std::intptr_t>(handle), 0);
+    if (descriptor < 0) CloseHandle(handle);
+    if (descriptor < 0 || descriptor > LAST_STANDARD) return descriptor;
+    HANDLE twin = INVALID_HANDLE_VALUE;
+    const HANDLE process = GetCurrentProcess();
+    const bool isMade =
+        DuplicateHandle(process, handle, process, &twin, 0, FALSE, DUPLICATE_SAME_ACCESS);
+    // The number stays taken until the next one is found.
+    const int above = isMade ? descriptorOf(twin) : -1;
+    _close(descriptor);
+    return above;
+}
+
 // Negative if there is none.
 int openFile(const char* name, bool appends)
 {
@@ -18,10 +38,7 @@ int openFile(const char* name, bool appends)
     const HANDLE handle = CreateFileA(
         name, appends ? FILE_APPEND_DATA : GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE,
         nullptr, appends ? OPEN_ALWAYS : CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr);
-    if (handle == INVALID_HANDLE_VALUE) return -1;
-    const int descriptor = _open_osfhandle(reinterpret_cast<std::intptr_t>(handle), 0);
-    if (descriptor < 0) CloseHandle(handle);
-    return descriptor;
+    return handle == INVALID_HANDLE_VALUE ? -1 : descriptorOf(handle);
 }
 
 } // namespace

@@ -2,6 +2,7 @@
 
 #include "base/exSysError.h"
 #include "base/internalAssert.h"
+#include "base/osDescriptor.h"
 #include "base/sleeper.h"
 
 #include <cerrno>
@@ -19,7 +20,8 @@ namespace
 class Timer
 {
 public:
-    Timer() : _descriptor(timerfd_create(CLOCK_MONOTONIC, TFD_NONBLOCK | TFD_CLOEXEC))
+    Timer()
+        : _descriptor(osAboveStandard(timerfd_create(CLOCK_MONOTONIC, TFD_NONBLOCK | TFD_CLOEXEC)))
     {
         if (_descriptor < 0) throw ExSysErrorWindows(__FILE__, __LINE__);
     }

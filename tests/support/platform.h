@@ -6,6 +6,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <string>
+#include <vector>
 
 namespace support
 {
@@ -30,6 +31,19 @@ std::uint32_t threadId();
 // How many handles or descriptors the process has open, the same at each call while none is opened
 // or closed.
 std::size_t openHandles();
+
+// The numbers of the open descriptors of the runtime, in order; and whether children inherit one.
+std::vector<int> openDescriptors();
+bool isInherited(int descriptor);
+
+// Closes the descriptors 0, 1 and 2.
+void closeStandardStreams();
+
+// What the platform calls this host, by another call than the library's.
+std::string hostName();
+
+// The size of a page of memory, in bytes.
+int pageSize();
 
 // Sets the mode bits that new files do not get, and gives the bits that were set before. Windows
 // has no such modes: nothing happens there.

@@ -1,11 +1,13 @@
 #include "support/platform.h"
 
 #include <cerrno>
+#include <fcntl.h>
 #include <filesystem>
 #include <iterator>
 #include <linux/membarrier.h>
 #include <sys/stat.h>
 #include <sys/syscall.h>
+#include <sys/utsname.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -26,6 +28,36 @@ std::size_t openHandles()
 {
     return static_cast<std::size_t>(
         std::distance(std::filesystem::directory_iterator("/proc/self/fd"), {}));
+}
+
+std::vector<int> openDescriptors()
+{
+    constexpr int SOME = 1024;
+    std::vector<int> numbers;
+    for (int number = 0; number < SOME; ++number)
+        if (fcntl(number, F_GETFD) >= 0) numbers.push_back(number);
+    return numbers;
+}
+
+bool isInherited(int descriptor)
+{
+    return (fcntl(descriptor, F_GETFD) & FD_CLOEXEC) == 0;
+}
+
+void closeStandardStreams()
+{
+    for (const int number : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) close(number);
+}
+
+std::string hostName()
+{
+    utsname names;
+    return uname(&names) == 0 ? names.nodename : "";
+}
+
+int pageSize()
+{
+    return getpagesize();
 }
 
 unsigned int setModeMask(unsigned int mask)

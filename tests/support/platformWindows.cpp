@@ -1,6 +1,9 @@
 #include "support/platform.h"
 
+#include <cstdint>
+#include <cstdlib>
 #include <cstring>
+#include <io.h>
 #include <stdexcept>
 #include <string>
 #include <vector>
@@ -59,6 +62,44 @@ std::size_t openHandles()
         if (entry._process == GetCurrentProcessId()) ++count;
     }
     return count;
+}
+
+std::vector<int> openDescriptors()
+{
+    // The runtime answers a wrong number with EBADF once nobody handles it otherwise.
+    _set_invalid_parameter_handler(
+        [](const wchar_t*, const wchar_t*, const wchar_t*, unsigned int, std::uintptr_t) {});
+    constexpr int SOME = 64;
+    std::vector<int> numbers;
+    for (int number = 0; number < SOME; ++number)
+        if (_get_osfhandle(number) != -1) numbers.push_back(number);
+    return numbers;
+}
+
+bool isInherited(int descriptor)
+{
+    DWORD flags = 0;
+    const auto handle = reinterpret_cast<HANDLE>(_get_osfhandle(descriptor));
+    return GetHandleInformation(handle, &flags) && (flags & HANDLE_FLAG_INHERIT) != 0;
+}
+
+void closeStandardStreams()
+{
+    for (const int number : {0, 1, 2}) _close(number);
+}
+
+std::string hostName()
+{
+    char name[256] = "";
+    DWORD size = sizeof name;
+    return GetComputerNameExA(ComputerNameNetBIOS, name, &size) ? name : "";
+}
+
+int pageSize()
+{
+    SYSTEM_INFO info;
+    GetNativeSystemInfo(&info);
+    return static_cast<int>(info.dwPageSize);
 }
 
 unsigned int setModeMask(unsigned int)
