@@ -5,6 +5,7 @@
 #include "base/osFileHandle.h"
 #include "base/osFilePlatform.h"
 #include "base/osFsUtils.h"
+#include "base/osTreeCopier.h"
 
 #include <memory>
 #include <string>
@@ -56,7 +57,7 @@ bool isWithin(const OsFilePath& path, const OsFilePath& directory)
 }
 
 // Walks through a directory, along links as the copy will, and refuses what would never end: a
-// directory that lies in itself, or one that the copy would be made in.
+// directory that lies in itself, or one that the copy would be made in, and what is no file.
 class HierarchyCheck
 {
 public:
@@ -72,9 +73,13 @@ public:
                 if (OsFilePlatform::isSame(ancestor->getChars(), directory.getChars()))
                     refuse(directory);
         const ObjPtr<Vector<OsFilePath>> children =
-            OsDirectory(directory).getChildrenPath(OsFileTypes::PathFull, OsDirectoryFilter());
+            OsDirectory(directory).getChildrenPath(OsFileTypes::PathFull, OsPassThroughFilter());
         _ancestors.push_back(&directory);
-        for (const OsFilePath& child : *children) check(child);
+        for (const OsFilePath& child : *children)
+            if (OsFsUtils::isDirectory(child.getChars()))
+                check(child);
+            else if (OsFilePlatform::isSpecial(child.getChars()))
+                refuse(child);
         _ancestors.pop_back();
         _links -= isLink ? 1 : 0;
     }
@@ -86,19 +91,38 @@ private:
 };
 
 // What is at the target already may be a link into the source, whose root is known.
-void copyTree(const OsFilePath& source, const OsFilePath& target, const OsFilePath& root)
+void walk(const OsFilePath& source, const OsFilePath& target, const OsFilePath& root,
+          OsTreeCopier& copier)
 {
     if (OsFsUtils::fileExists(target.getChars()) && isWithin(target, root)) refuse(target);
     if (!OsFsUtils::isDirectory(source.getChars()))
     {
-        OsFile(source).copyTo(target);
+        copier.copyFile(source, target);
         return;
     }
-    OsFsUtils::createDir(target.getChars(), true);
+    copier.enterDirectory(source, target);
     const ObjPtr<Vector<OsFilePath>> names =
         OsDirectory(source).getChildrenPath(OsFileTypes::PathRelative, OsPassThroughFilter());
-    for (const OsFilePath& name : *names) copyTree(source + name, target + name, root);
+    for (const OsFilePath& name : *names) walk(source + name, target + name, root, copier);
+    copier.leaveDirectory(target);
 }
+
+// Copies content alone.
+class PlainCopier final : public OsTreeCopier
+{
+public:
+    void copyFile(const OsFilePath& source, const OsFilePath& target) override
+    {
+        OsFile(source).copyTo(target);
+    }
+
+    void enterDirectory(const OsFilePath&, const OsFilePath& target) override
+    {
+        OsFsUtils::createDir(target.getChars(), true);
+    }
+
+    void leaveDirectory(const OsFilePath&) override {}
+};
 
 } // namespace
 
@@ -191,25 +215,33 @@ void OsDirectory::removeChildren(const OsFileFilter& filter)
             OsFsUtils::deleteFile(path.getChars());
 }
 
+void OsDirectory::copyTree(const OsFilePath& source, const OsFilePath& target, OsTreeCopier& copier)
+{
+    if (OsFsUtils::isDirectory(source.getChars())) HierarchyCheck(target).check(source);
+    walk(source, target, source, copier);
+}
+
 void OsDirectory::copyHierarchy(const OsFilePath& source, const OsFilePath& target)
 {
     checkNotEmpty(source);
     checkNotEmpty(target);
-    if (OsFsUtils::isDirectory(source.getChars())) HierarchyCheck(target).check(source);
-    copyTree(source, target, source);
+    PlainCopier copier;
+    copyTree(source, target, copier);
+}
+
+OsFilePath OsDirectory::destinationOfCopy(const OsFilePath& source, const OsFilePath& target)
+{
+    checkNotEmpty(source);
+    checkNotEmpty(target);
+    if (!OsFsUtils::fileExists(target.getChars())) return target;
+    if (!OsFsUtils::isDirectory(target.getChars()))
+        throw OsFileEx::ExFileExists(__FILE__, __LINE__);
+    return target + source.getBaseName();
 }
 
 void OsDirectory::copyTo(const OsFilePath& target)
 {
-    checkNotEmpty(getPath());
-    checkNotEmpty(target);
-    OsFilePath destination = target;
-    if (OsFsUtils::fileExists(target.getChars()))
-    {
-        if (!OsFsUtils::isDirectory(target.getChars()))
-            throw OsFileEx::ExFileExists(__FILE__, __LINE__);
-        destination += getPath().getBaseName();
-    }
+    const OsFilePath destination = destinationOfCopy(getPath(), target);
     copyHierarchy(getPath(), destination);
 }
 

@@ -22,33 +22,16 @@ using OsFileHandle::checkNotEmpty;
 using OsFilePlatform::Closed;
 using OsFilePlatform::Moment;
 
-constexpr std::uint32_t CHUNK = 65536;
+// makeTime() looks at so many bits of a year.
+constexpr int END_OF_YEARS = 1 << 16;
 
 ObjPtrRet<OsDateTypes::DateRep> dateOf(const Moment& moment)
 {
     ObjPtrRet<OsDateTypes::DateRep> date(new OsDateTypes::DateRep{~0U, ~0U});
-    OsDateUtil::makeTime(moment._year, moment._month, moment._day, moment._hour, moment._minute,
-                         moment._second, OsDateTypes::TimeLocal, *date);
+    if (moment._year >= 0 && moment._year < END_OF_YEARS)
+        OsDateUtil::makeTime(moment._year, moment._month, moment._day, moment._hour, moment._minute,
+                             moment._second, moment._mode, *date);
     return date;
-}
-
-// A file that is there and may not be replaced; a directory is copied into.
-bool isBarred(const OsFilePath& target)
-{
-    return OsFsUtils::fileExists(target.getChars()) && !OsFile(target).isWritable();
-}
-
-void copyContent(OsFileReader& reader, OsFileWriter& writer)
-{
-    char buffer[CHUNK];
-    for (;;)
-    {
-        const std::uint32_t count = reader.read(buffer, CHUNK);
-        if (count == 0) return;
-        if (writer.write(buffer, count) == count) continue;
-        OsFilePlatform::setLastError(OsFilePlatform::Error::DiskFull);
-        throw ExSysErrorWindows(__FILE__, __LINE__);
-    }
 }
 
 } // namespace
@@ -207,25 +190,14 @@ void OsFile::renameTo(const OsFilePath& path)
 
 void OsFile::copyTo(const OsFilePath& target)
 {
-    checkPath();
-    checkNotEmpty(target);
-    if (OsFsUtils::isDirectory(_path.getChars()))
-        throw OsFileEx::ExInvalidPath(__FILE__, __LINE__, _path.getChars());
-    OsFilePath destination = target;
-    if (OsFsUtils::isDirectory(target.getChars()))
-        destination += _path.getBaseName();
-    else if (isBarred(target))
-        throw OsFileEx::ExPathNotWritable(__FILE__, __LINE__, target.getChars());
-    if (OsFilePlatform::isSame(_path.getChars(), destination.getChars()))
-        throw OsFileEx::ExInvalidPath(__FILE__, __LINE__, destination.getChars());
-
+    const OsFilePath destination = OsFileHandle::destinationOfCopy(_path, target);
     OsFileReader reader(_path);
     OsFileWriter writer(destination,
                         OsFileTypes::Permissions(OsFileTypes::AccessRead | OsFileTypes::AccessWrite,
                                                  OsFileTypes::AccessRead | OsFileTypes::AccessWrite,
                                                  0),
                         false);
-    copyContent(reader, writer);
+    OsFileHandle::copyAll(reader._handle, writer._handle);
     writer.close();
     reader.close();
 }

@@ -39,12 +39,14 @@ public:
     /// OsFileEx::ExInvalidPath.
     virtual ArrayPtrRet<char> getOwner() const;
 
-    /// In bytes. Raises OsFileEx::ExInvalidPath. A size of 4294967295 or more, which is not told
-    /// in 32 bits, raises ExSysErrorWindows; OsFileTools has 64.
+    /// In bytes. Raises OsFileEx::ExInvalidPath, and ExSysErrorWindows for a directory. A size of
+    /// 4294967295 or more, which is not told in 32 bits, raises ExSysErrorWindows; OsFileTools has
+    /// 64.
     virtual std::uint32_t getSize() const;
 
     /// @{
-    /// In whole seconds. Raise OsFileEx::ExInvalidPath.
+    /// In whole seconds. A date outside the years 1601 to 30827, which some file systems of Linux
+    /// can hold, is the count of all ones. Raise OsFileEx::ExInvalidPath.
     virtual ObjPtrRet<OsDateTypes::DateRep> getLastModificationTime() const;
     virtual ObjPtrRet<OsDateTypes::DateRep> getLastAccessTime() const;
     /// @}
@@ -94,7 +96,9 @@ public:
     /// name. Raises OsFileEx::ExPathNotWritable for a file that may not be written, and
     /// OsFileEx::ExInvalidPath, before anything is opened, for a copy onto itself and for a
     /// directory, which OsDirectory copies. A disk that gets full raises ExSysErrorWindows; what
-    /// was copied stays. A FIFO is read to its end, so it is waited for.
+    /// was copied stays. A FIFO is read to its end, so it is waited for. On Linux a new file has
+    /// the modes 0660, less the umask, whatever the modes of the source, and one that is there
+    /// keeps its own; OsFileTools::copyWithModesAndTimes() gives it those of the source.
     virtual void copyTo(const OsFilePath& target);
 
     /// The path as it was given; owned by the object.

@@ -3,13 +3,30 @@
 #include "base/exSysError.h"
 #include "base/osFileEx.h"
 #include "base/osFilePlatform.h"
+#include "base/osFsUtils.h"
 
 #include <cerrno>
+#include <cstddef>
 #include <exception>
 #include <limits>
 
 namespace Zu::OsFileHandle
 {
+
+namespace
+{
+
+// More than one call writes is cut, so that its count fits.
+constexpr std::size_t LARGEST_PIECE = std::size_t{1} << 30;
+
+// A file that is there and may not be replaced; a directory is copied into.
+bool isBarred(const char* target)
+{
+    return OsFsUtils::fileExists(target) &&
+           OsFilePlatform::accessTo(target, OsFileTypes::AccessWrite) == 0;
+}
+
+} // namespace
 
 void check(std::int64_t handle)
 {
@@ -41,6 +58,62 @@ std::int32_t seek32(std::int64_t handle, std::int32_t offset, OsFileTypes::SeekM
     seek(handle, before, OsFileTypes::SeekBegin);
     OsFilePlatform::setLastError(OsFilePlatform::Error::TooLarge);
     throw ExSysErrorWindows(__FILE__, __LINE__);
+}
+
+std::uint32_t read(std::int64_t handle, void* buffer, std::uint32_t size)
+{
+    check(handle);
+    char* const bytes = static_cast<char*>(buffer);
+    for (std::uint32_t total = 0;;)
+    {
+        std::uint32_t count = 0;
+        const bool isRead = OsFilePlatform::read(handle, bytes + total, size - total, count);
+        if (!isRead && total == 0) throw ExSysErrorWindows(__FILE__, __LINE__);
+        total += count;
+        // No call gives more than 2 GiB, and of what is no file another one might wait for ever.
+        if (count == 0 || total == size || !OsFilePlatform::isPlain(handle)) return total;
+    }
+}
+
+void writeAll(std::int64_t handle, std::string_view content, std::uint64_t& written)
+{
+    written = 0;
+    check(handle);
+    while (written < content.size())
+    {
+        const std::string_view piece = content.substr(written, LARGEST_PIECE);
+        const auto size = static_cast<std::uint32_t>(piece.size());
+        std::uint32_t count = 0;
+        const bool isDone = OsFilePlatform::write(handle, piece.data(), size, count);
+        written += count;
+        if (isDone && count == size) continue;
+        if (isDone) OsFilePlatform::setLastError(OsFilePlatform::Error::DiskFull);
+        throw ExSysErrorWindows(__FILE__, __LINE__);
+    }
+}
+
+void copyAll(std::int64_t from, std::int64_t to)
+{
+    char buffer[65536];
+    std::uint64_t written = 0;
+    while (const std::uint32_t count = read(from, buffer, sizeof buffer))
+        writeAll(to, {buffer, count}, written);
+}
+
+OsFilePath destinationOfCopy(const OsFilePath& source, const OsFilePath& target)
+{
+    checkNotEmpty(source);
+    checkNotEmpty(target);
+    if (OsFsUtils::isDirectory(source.getChars()))
+        throw OsFileEx::ExInvalidPath(__FILE__, __LINE__, source.getChars());
+    OsFilePath destination = target;
+    if (OsFsUtils::isDirectory(target.getChars()))
+        destination += source.getBaseName();
+    else if (isBarred(target.getChars()))
+        throw OsFileEx::ExPathNotWritable(__FILE__, __LINE__, target.getChars());
+    if (OsFilePlatform::isSame(source.getChars(), destination.getChars()))
+        throw OsFileEx::ExInvalidPath(__FILE__, __LINE__, destination.getChars());
+    return destination;
 }
 
 void close(std::int64_t& handle)

@@ -9,6 +9,7 @@
 #include "osFileTypes.h"
 
 #include <cstdint>
+#include <string_view>
 
 /// Each raises ExSysErrorANSI, with EBADF, for a closed handle, and ExSysErrorWindows where the
 /// system fails.
@@ -25,6 +26,20 @@ std::int64_t seek(std::int64_t handle, std::int64_t offset, OsFileTypes::SeekMod
 
 /// The same where the position must fit 32 bits: if it doesn't, it stays as it was.
 std::int32_t seek32(std::int64_t handle, std::int32_t offset, OsFileTypes::SeekMode mode);
+
+/// Reads up to `size` bytes, and says how many: less where the file ends, or where what is no file
+/// has no more yet. A failure behind a part ends that part, and the next read tells it.
+std::uint32_t read(std::int64_t handle, void* buffer, std::uint32_t size);
+
+/// Writes all bytes; a full disk raises, too. `written` says how many were written, also then.
+void writeAll(std::int64_t handle, std::string_view content, std::uint64_t& written);
+
+/// Copies what is left of one file to another.
+void copyAll(std::int64_t from, std::int64_t to);
+
+/// Where a copy of the file goes: to the target, or into it under the base name if it is a
+/// directory. Raises what OsFile::copyTo() does before it opens anything.
+OsFilePath destinationOfCopy(const OsFilePath& source, const OsFilePath& target);
 
 /// Closes it, and makes it -1 unless it is as it was.
 void close(std::int64_t& handle);

@@ -4,6 +4,7 @@
 #ifndef ZU_BASE_OSFILEPLATFORM_H
 #define ZU_BASE_OSFILEPLATFORM_H
 
+#include "osDateTypes.h"
 #include "osFileTypes.h"
 
 #include <cstdint>
@@ -41,11 +42,16 @@ Closed close(Handle handle);
 /// Moves the position, and tells where it is then, from the beginning.
 bool seek(Handle handle, std::int64_t offset, OsFileTypes::SeekMode mode, std::int64_t& position);
 
-/// The end of the file is no failure: `count` is then less than `size`.
+/// One call of the system, which may give less than there is; the end of the file is no failure and
+/// gives 0.
 bool read(Handle handle, void* buffer, std::uint32_t size, std::uint32_t& count);
 
-/// A full disk is no failure: `count` is then less than `size`.
+/// A full disk is no failure: `count` is then less than `size`. It says what was written also if
+/// the call fails.
 bool write(Handle handle, const void* buffer, std::uint32_t size, std::uint32_t& count);
+
+/// Whether it is a file on a disk, which ends where a read gives nothing, and is never waited for.
+bool isPlain(Handle handle);
 
 /// Gives the file this size, and moves the position there.
 bool resize(Handle handle, std::int64_t size);
@@ -53,6 +59,7 @@ bool resize(Handle handle, std::int64_t size);
 /// Brings what was written to the disk.
 bool flush(Handle handle);
 
+/// A directory has none: it fails.
 bool sizeOf(const char* path, std::uint64_t& size);
 
 /// Of the bits of `mask`, reading and writing, those that a trial shows.
@@ -63,9 +70,10 @@ bool typeOf(const char* path, OsFileTypes::ElementType& type);
 /// The name of the owner; empty where the platform has none.
 bool ownerOf(const char* path, std::string& owner);
 
-/// A moment in local time.
+/// A moment, in the calendar of the mode.
 struct Moment
 {
+    OsDateTypes::TimeMode _mode;
     int _year;
     int _month;
     int _day;
@@ -97,8 +105,13 @@ bool isLink(const char* path);
 /// Removes a link, whatever it leads to.
 bool removeLink(const char* path);
 
-/// Whether another file may take the name in one step: not that of a device, a FIFO or a socket.
-bool isReplaceable(const char* path);
+/// What a symbolic link that a replacement has to follow leads to, as it is written in the link. It
+/// fails for all else, and on Windows always.
+bool linkTarget(const char* path, std::string& target);
+
+/// Whether the path leads to a device, a FIFO or a socket, which no file can stand for, and whose
+/// content has no end; never on Windows.
+bool isSpecial(const char* path);
 
 /// Gives another name; never replaces what has it.
 bool rename(const char* path, const char* target);
@@ -106,8 +119,25 @@ bool rename(const char* path, const char* target);
 /// Gives another name in one step, in the place of what has it.
 bool replace(const char* path, const char* target);
 
-/// Gives a file the modes of another one, where there are modes.
-void copyModes(const char* from, const char* to);
+/// Gives an open file the owner and the modes of a plain file, as far as the system allows it and
+/// has them.
+void keepOwnerAndModes(const char* from, Handle to);
+
+/// The permission bits of a file or directory, where there are any, and its times, in the
+/// platform's own terms.
+struct Attributes
+{
+    std::uint32_t _mode;
+    std::int64_t _accessed[2];
+    std::int64_t _modified[2];
+};
+
+bool attributesOf(Handle handle, Attributes& attributes);
+bool setAttributes(Handle handle, const Attributes& attributes);
+
+/// Opens a directory for its attributes: to read them, or with OsFileTypes::AccessWrite also to set
+/// them. NONE if it fails.
+Handle openDirectory(const char* path, int access);
 
 /// Brings the names in the directory of a path to the disk, where that takes an extra step.
 void flushDirectoryOf(const char* path);
@@ -125,7 +155,8 @@ bool removeDirectory(const char* path);
 enum class Error
 {
     DiskFull,
-    TooLarge
+    TooLarge,
+    TooManyLinks
 };
 
 void setLastError(Error error);

@@ -1,10 +1,11 @@
 #include "base/osFilePlatform.h"
 
+#include "base/osDescriptor.h"
 #include "base/osFsPlatform.h"
 #include "base/osRemoteVolume.h"
 
-#include <algorithm>
 #include <cerrno>
+#include <climits>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -26,20 +27,22 @@ namespace Zu::OsFilePlatform
 namespace
 {
 
-// No call transfers more.
-constexpr std::uint32_t LARGEST_TRANSFER = 0x7ffff000;
-
 int descriptorOf(Handle handle)
 {
     return static_cast<int>(handle);
 }
 
+// What a call answers that a signal did not interrupt.
+template <class Call> auto resumed(const Call& call)
+{
+    auto result = call();
+    while (result == -1 && errno == EINTR) result = call();
+    return result;
+}
+
 Handle openFile(const char* path, int flags, mode_t mode = 0)
 {
-    int descriptor;
-    do descriptor = open(path, flags | O_CLOEXEC | O_NOCTTY, mode);
-    while (descriptor < 0 && errno == EINTR);
-    return descriptor;
+    return osAboveStandard(resumed([&] { return open(path, flags | O_CLOEXEC | O_NOCTTY, mode); }));
 }
 
 int flagsOf(int access)
@@ -64,17 +67,21 @@ bool canOpen(const char* path, int flags)
 
 bool momentOf(const timespec& time, Moment& moment)
 {
-    // localtime_r may go by the zone of an earlier call.
-    tzset();
+    // Local time would not tell apart the two hours at the end of daylight saving.
     tm fields;
-    if (!localtime_r(&time.tv_sec, &fields)) return false;
+    if (!gmtime_r(&time.tv_sec, &fields)) return false;
     if (fields.tm_year > std::numeric_limits<int>::max() - 1900)
     {
         errno = EOVERFLOW;
         return false;
     }
-    moment = {fields.tm_year + 1900, fields.tm_mon + 1, fields.tm_mday,
-              fields.tm_hour,        fields.tm_min,     fields.tm_sec};
+    moment = {OsDateTypes::TimeUniversal,
+              fields.tm_year + 1900,
+              fields.tm_mon + 1,
+              fields.tm_mday,
+              fields.tm_hour,
+              fields.tm_min,
+              fields.tm_sec};
     return true;
 }
 
@@ -112,9 +119,7 @@ bool seek(Handle handle, std::int64_t offset, OsFileTypes::SeekMode mode, std::i
 
 bool read(Handle handle, void* buffer, std::uint32_t size, std::uint32_t& count)
 {
-    ssize_t result;
-    do result = ::read(descriptorOf(handle), buffer, std::min(size, LARGEST_TRANSFER));
-    while (result < 0 && errno == EINTR);
+    const ssize_t result = resumed([&] { return ::read(descriptorOf(handle), buffer, size); });
     count = result < 0 ? 0 : static_cast<std::uint32_t>(result);
     return result >= 0;
 }
@@ -125,8 +130,7 @@ bool write(Handle handle, const void* buffer, std::uint32_t size, std::uint32_t&
     for (count = 0; count < size;)
     {
         const ssize_t result =
-            ::write(descriptorOf(handle), bytes + count, std::min(size - count, LARGEST_TRANSFER));
-        if (result < 0 && errno == EINTR) continue;
+            resumed([&] { return ::write(descriptorOf(handle), bytes + count, size - count); });
         if (result < 0) return isFull(errno);
         if (result == 0) return true;
         count += static_cast<std::uint32_t>(result);
@@ -134,26 +138,32 @@ bool write(Handle handle, const void* buffer, std::uint32_t size, std::uint32_t&
     return true;
 }
 
+bool isPlain(Handle handle)
+{
+    struct stat status;
+    return fstat(descriptorOf(handle), &status) == 0 && S_ISREG(status.st_mode);
+}
+
 bool resize(Handle handle, std::int64_t size)
 {
-    int result;
-    do result = ftruncate(descriptorOf(handle), size);
-    while (result < 0 && errno == EINTR);
-    return result == 0 && lseek(descriptorOf(handle), size, SEEK_SET) >= 0;
+    return resumed([&] { return ftruncate(descriptorOf(handle), size); }) == 0 &&
+           lseek(descriptorOf(handle), size, SEEK_SET) >= 0;
 }
 
 bool flush(Handle handle)
 {
-    int result;
-    do result = fsync(descriptorOf(handle));
-    while (result < 0 && errno == EINTR);
-    return result == 0;
+    return resumed([&] { return fsync(descriptorOf(handle)); }) == 0;
 }
 
 bool sizeOf(const char* path, std::uint64_t& size)
 {
     struct stat status;
     if (stat(path, &status) != 0) return false;
+    if (S_ISDIR(status.st_mode))
+    {
+        errno = EISDIR;
+        return false;
+    }
     size = static_cast<std::uint64_t>(status.st_size);
     return true;
 }
@@ -241,11 +251,19 @@ bool removeLink(const char* path)
     return unlink(path) == 0;
 }
 
-bool isReplaceable(const char* path)
+bool linkTarget(const char* path, std::string& target)
+{
+    char text[PATH_MAX];
+    const ssize_t length = readlink(path, text, sizeof text);
+    if (length < 0) return false;
+    target.assign(text, static_cast<std::size_t>(length));
+    return true;
+}
+
+bool isSpecial(const char* path)
 {
     struct stat status;
-    return lstat(path, &status) != 0 || S_ISREG(status.st_mode) || S_ISDIR(status.st_mode) ||
-           S_ISLNK(status.st_mode);
+    return stat(path, &status) == 0 && !S_ISREG(status.st_mode) && !S_ISDIR(status.st_mode);
 }
 
 bool rename(const char* path, const char* target)
@@ -268,17 +286,46 @@ bool replace(const char* path, const char* target)
     return ::rename(path, target) == 0;
 }
 
-void copyModes(const char* from, const char* to)
+void keepOwnerAndModes(const char* from, Handle to)
 {
     struct stat status;
-    if (stat(from, &status) == 0) chmod(to, status.st_mode & 0777);
+    if (lstat(from, &status) != 0 || !S_ISREG(status.st_mode)) return;
+    const int file = descriptorOf(to);
+    const bool isGroupKept = fchown(file, static_cast<uid_t>(-1), status.st_gid) == 0;
+    const bool isOwnerKept = fchown(file, status.st_uid, static_cast<gid_t>(-1)) == 0;
+    // A change of the owner takes bits away, so the modes come behind it.
+    fchmod(file, osFsKeptMode(status.st_mode & 07777, isOwnerKept, isGroupKept));
+}
+
+bool attributesOf(Handle handle, Attributes& attributes)
+{
+    struct stat status;
+    if (fstat(descriptorOf(handle), &status) != 0) return false;
+    attributes = {status.st_mode & 0777u,
+                  {status.st_atim.tv_sec, status.st_atim.tv_nsec},
+                  {status.st_mtim.tv_sec, status.st_mtim.tv_nsec}};
+    return true;
+}
+
+bool setAttributes(Handle handle, const Attributes& attributes)
+{
+    const timespec times[] = {{attributes._accessed[0], attributes._accessed[1]},
+                              {attributes._modified[0], attributes._modified[1]}};
+    return fchmod(descriptorOf(handle), attributes._mode) == 0 &&
+           futimens(descriptorOf(handle), times) == 0;
+}
+
+// Who may open it may set them, if it is his.
+Handle openDirectory(const char* path, int)
+{
+    return openFile(path, O_RDONLY | O_DIRECTORY);
 }
 
 void flushDirectoryOf(const char* path)
 {
     const char* const end = std::strrchr(path, '/');
     const std::string directory = !end ? "." : end == path ? "/" : std::string(path, end);
-    const Handle handle = openFile(directory.c_str(), O_RDONLY | O_DIRECTORY);
+    const Handle handle = openDirectory(directory.c_str(), OsFileTypes::AccessRead);
     if (handle == NONE) return;
     fsync(descriptorOf(handle));
     ::close(descriptorOf(handle));
@@ -312,7 +359,18 @@ bool removeDirectory(const char* path)
 
 void setLastError(Error error)
 {
-    errno = error == Error::DiskFull ? ENOSPC : EFBIG;
+    switch (error)
+    {
+    case Error::DiskFull:
+        errno = ENOSPC;
+        break;
+    case Error::TooLarge:
+        errno = EFBIG;
+        break;
+    case Error::TooManyLinks:
+        errno = ELOOP;
+        break;
+    }
 }
 
 struct Scan::State
@@ -320,7 +378,13 @@ struct Scan::State
     DIR* _directory;
 };
 
-Scan::Scan(const char* path) : _state(new State{opendir(path)}) {}
+Scan::Scan(const char* path) : _state(new State{nullptr})
+{
+    OsDescriptor directory(descriptorOf(openDirectory(path, OsFileTypes::AccessRead)));
+    if (directory.get() < 0) return;
+    _state->_directory = fdopendir(directory.get());
+    if (_state->_directory) directory.release();
+}
 
 Scan::~Scan()
 {

@@ -59,8 +59,8 @@ bool momentOf(const char* path, bool isAccess, Moment& moment)
     if (!isTold || !FileTimeToLocalFileTime(isAccess ? &accessed : &written, &local) ||
         !FileTimeToSystemTime(&local, &fields))
         return false;
-    moment = {fields.wYear, fields.wMonth,  fields.wDay,
-              fields.wHour, fields.wMinute, fields.wSecond};
+    moment = {OsDateTypes::TimeLocal, fields.wYear,   fields.wMonth, fields.wDay,
+              fields.wHour,           fields.wMinute, fields.wSecond};
     return true;
 }
 
@@ -129,6 +129,11 @@ bool write(Handle handle, const void* buffer, std::uint32_t size, std::uint32_t&
     const bool isDone = WriteFile(fileOf(handle), buffer, size, &transferred, nullptr);
     count = transferred;
     return isDone || GetLastError() == ERROR_HANDLE_DISK_FULL || GetLastError() == ERROR_DISK_FULL;
+}
+
+bool isPlain(Handle handle)
+{
+    return GetFileType(fileOf(handle)) == FILE_TYPE_DISK;
 }
 
 bool resize(Handle handle, std::int64_t size)
@@ -231,10 +236,16 @@ bool removeLink(const char* path)
     return attributes & FILE_ATTRIBUTE_DIRECTORY ? RemoveDirectoryA(path) : DeleteFileA(path);
 }
 
-// The name of a device is no name in a directory here.
-bool isReplaceable(const char*)
+// Links are replaced themselves.
+bool linkTarget(const char*, std::string&)
 {
-    return true;
+    return false;
+}
+
+// The name of a device is no name in a directory here.
+bool isSpecial(const char*)
+{
+    return false;
 }
 
 bool rename(const char* path, const char* target)
@@ -247,7 +258,36 @@ bool replace(const char* path, const char* target)
     return MoveFileExA(path, target, MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH);
 }
 
-void copyModes(const char*, const char*) {}
+// Owners are not told here, and there are no modes.
+void keepOwnerAndModes(const char*, Handle) {}
+
+bool attributesOf(Handle handle, Attributes& attributes)
+{
+    FILETIME accessed;
+    FILETIME modified;
+    if (!GetFileTime(fileOf(handle), nullptr, &accessed, &modified)) return false;
+    attributes = {0,
+                  {accessed.dwLowDateTime, accessed.dwHighDateTime},
+                  {modified.dwLowDateTime, modified.dwHighDateTime}};
+    return true;
+}
+
+bool setAttributes(Handle handle, const Attributes& attributes)
+{
+    const auto fileTime = [](const std::int64_t(&words)[2]) {
+        return FILETIME{static_cast<DWORD>(words[0]), static_cast<DWORD>(words[1])};
+    };
+    const FILETIME accessed = fileTime(attributes._accessed);
+    const FILETIME modified = fileTime(attributes._modified);
+    return SetFileTime(fileOf(handle), nullptr, &accessed, &modified);
+}
+
+Handle openDirectory(const char* path, int access)
+{
+    const DWORD writing = access & OsFileTypes::AccessWrite ? FILE_WRITE_ATTRIBUTES : 0;
+    return handleOf(
+        openFile(path, FILE_READ_ATTRIBUTES | writing, SHARED, FILE_FLAG_BACKUP_SEMANTICS));
+}
 
 void flushDirectoryOf(const char*) {}
 
@@ -292,7 +332,18 @@ bool removeDirectory(const char* path)
 
 void setLastError(Error error)
 {
-    SetLastError(error == Error::DiskFull ? ERROR_DISK_FULL : ERROR_FILE_TOO_LARGE);
+    switch (error)
+    {
+    case Error::DiskFull:
+        SetLastError(ERROR_DISK_FULL);
+        break;
+    case Error::TooLarge:
+        SetLastError(ERROR_FILE_TOO_LARGE);
+        break;
+    case Error::TooManyLinks:
+        SetLastError(ERROR_CANT_RESOLVE_FILENAME);
+        break;
+    }
 }
 
 struct Scan::State

@@ -33,11 +33,7 @@ std::int32_t OsFileReader::seek(std::int32_t offset, OsFileTypes::SeekMode mode)
 
 std::uint32_t OsFileReader::read(void* buffer, std::uint32_t size)
 {
-    OsFileHandle::check(_handle);
-    std::uint32_t count = 0;
-    if (!OsFilePlatform::read(_handle, buffer, size, count))
-        throw ExSysErrorWindows(__FILE__, __LINE__);
-    return count;
+    return OsFileHandle::read(_handle, buffer, size);
 }
 
 void OsFileReader::close()

@@ -23,6 +23,7 @@ namespace Zu
 /// Thread-safety: an object is of one thread at a time; two objects on one file are independent.
 class ZU_BASE_API OsFileReader
 {
+    friend class OsFile;
     friend class OsFileTools;
 
 public:
@@ -44,7 +45,9 @@ public:
     /// further.
     std::int32_t seek(std::int32_t offset, OsFileTypes::SeekMode mode);
 
-    /// Reads up to `size` bytes, and returns how many; 0 at the end of the file.
+    /// Reads up to `size` bytes, and returns how many; 0 at the end of the file. Fewer than asked
+    /// for mean that the file ends there, or that the system failed behind them, which the next
+    /// read raises. Of what is no file, such as a pipe, they are those that have come.
     std::uint32_t read(void* buffer, std::uint32_t size);
 
     /// When it raises, the reader is open as before and may be closed again, unless the system has

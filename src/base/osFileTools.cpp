@@ -5,11 +5,14 @@
 #include "base/osFileHandle.h"
 #include "base/osFilePlatform.h"
 #include "base/osFsUtils.h"
+#include "base/osPathText.h"
+#include "base/osTreeCopier.h"
 #include "base/osUtils.h"
 
 #include <algorithm>
 #include <atomic>
 #include <cstring>
+#include <vector>
 
 namespace Zu
 {
@@ -18,7 +21,20 @@ namespace
 {
 
 constexpr std::uint32_t CHUNK = 65536;
-constexpr int OWNER_ALONE = OsFileTypes::AccessRead | OsFileTypes::AccessWrite;
+// As many as the system follows.
+constexpr int MOST_LINKS = 40;
+
+OsFileTypes::Permissions ownerAlone()
+{
+    return {OsFileTypes::AccessRead | OsFileTypes::AccessWrite, 0, 0};
+}
+
+// What of a path is left without its last element, with the separator.
+std::string directoryOf(const OsFilePath& path)
+{
+    const std::string text = path.getChars();
+    return text.substr(0, text.find_last_of(std::string(OsFilePath::getSeparator()) + "/") + 1);
+}
 
 // A new file beside another one, which is gone at the end unless it has taken that one's name.
 class FileBeside
@@ -55,9 +71,7 @@ private:
     static std::string nameBeside(const OsFilePath& target)
     {
         static std::atomic<unsigned int> number{0};
-        const std::string path = target.getChars();
-        const std::size_t end = path.find_last_of(std::string(OsFilePath::getSeparator()) + "/");
-        const std::string directory = end == std::string::npos ? "" : path.substr(0, end + 1);
+        const std::string directory = directoryOf(target);
         // What a process of the same number has left behind keeps its name.
         for (;;)
         {
@@ -67,21 +81,6 @@ private:
         }
     }
 };
-
-void writeWhole(OsFileWriter& writer, std::string_view content)
-{
-    while (!content.empty())
-    {
-        const auto size =
-            static_cast<std::uint32_t>(std::min<std::size_t>(content.size(), 1 << 30));
-        if (writer.write(content.data(), size) != size)
-        {
-            OsFilePlatform::setLastError(OsFilePlatform::Error::DiskFull);
-            throw ExSysErrorWindows(__FILE__, __LINE__);
-        }
-        content.remove_prefix(size);
-    }
-}
 
 // As many bytes as fit, unless the file ends before.
 std::uint32_t readChunk(OsFileReader& reader, char* buffer)
@@ -96,12 +95,22 @@ std::uint32_t readChunk(OsFileReader& reader, char* buffer)
     return size;
 }
 
-// The file that a link leads to; a link that leads nowhere is replaced itself.
+// The file that a link leads to, be it still to be made.
 OsFilePath behindLinks(const OsFilePath& path)
 {
-    if (!OsFsUtils::isSymLink(path.getChars())) return path;
-    const std::string resolved = OsFilePlatform::resolved(path.getChars());
-    return resolved.empty() ? path : OsFilePath(resolved.c_str());
+    OsFilePath place = path;
+    std::string target;
+    for (int links = 0; OsFilePlatform::linkTarget(place.getChars(), target); ++links)
+    {
+        if (links == MOST_LINKS)
+        {
+            OsFilePlatform::setLastError(OsFilePlatform::Error::TooManyLinks);
+            throw ExSysErrorWindows(__FILE__, __LINE__);
+        }
+        const OsFilePath next(target.c_str());
+        place = next.isAbsolute() ? next : OsFilePath((directoryOf(place) + target).c_str());
+    }
+    return place;
 }
 
 // With a separator behind it, a link would be taken for what it leads to.
@@ -109,7 +118,7 @@ OsFilePath withoutSeparatorsAtEnd(const OsFilePath& path)
 {
     const std::string text = path.getChars();
     const std::size_t last = text.find_last_not_of(std::string(OsFilePath::getSeparator()) + "/");
-    return last == std::string::npos ? path : OsFilePath(text.substr(0, last + 1).c_str());
+    return OsFilePath(text.substr(0, last + 1).c_str());
 }
 
 void removeTree(const OsFilePath& path)
@@ -160,6 +169,11 @@ void OsFileTools::reserve64(OsFileWriter& writer, std::int64_t size)
     if (!OsFilePlatform::resize(writer._handle, size)) throw ExSysErrorWindows(__FILE__, __LINE__);
 }
 
+void OsFileTools::writeAll(OsFileWriter& writer, std::string_view content, std::uint64_t& written)
+{
+    OsFileHandle::writeAll(writer._handle, content, written);
+}
+
 std::string OsFileTools::readAll(const OsFilePath& path)
 {
     OsFileReader reader(path);
@@ -174,20 +188,106 @@ void OsFileTools::replaceAll(const OsFilePath& path, std::string_view content,
                              const OsFileTypes::Permissions& permissions)
 {
     OsFileHandle::checkNotEmpty(path);
+    if (OsFilePlatform::isSpecial(path.getChars()))
+        throw OsFileEx::ExInvalidPath(__FILE__, __LINE__, path.getChars());
     const OsFilePath target = behindLinks(path);
-    if (!OsFilePlatform::isReplaceable(target.getChars()))
-        throw OsFileEx::ExInvalidPath(__FILE__, __LINE__, target.getChars());
     // What replaces a file may be private until it has that one's modes.
     const bool isThere = OsFsUtils::fileExists(target.getChars());
-    FileBeside beside(target, isThere ? OsFileTypes::Permissions(OWNER_ALONE, 0, 0) : permissions);
-    writeWhole(beside._writer, content);
+    FileBeside beside(target, isThere ? ownerAlone() : permissions);
+    std::uint64_t written = 0;
+    writeAll(beside._writer, content, written);
+    if (isThere) OsFilePlatform::keepOwnerAndModes(target.getChars(), beside._writer._handle);
     if (!OsFilePlatform::flush(beside._writer._handle)) throw ExSysErrorWindows(__FILE__, __LINE__);
     beside._writer.close();
-    OsFilePlatform::copyModes(target.getChars(), beside._path.getChars());
     if (!OsFilePlatform::replace(beside._path.getChars(), target.getChars()))
         throw ExSysErrorWindows(__FILE__, __LINE__);
     beside._isTaken = true;
     OsFilePlatform::flushDirectoryOf(target.getChars());
+}
+
+// Copies with permission bits and times. Directories get theirs when all is in them.
+class OsFileTools::KeepingCopier final : public OsTreeCopier
+{
+public:
+    void copyFile(const OsFilePath& source, const OsFilePath& target) override
+    {
+        const OsFilePath destination = OsFileHandle::destinationOfCopy(source, target);
+        if (OsFilePlatform::isSpecial(source.getChars()))
+            throw OsFileEx::ExInvalidPath(__FILE__, __LINE__, source.getChars());
+        OsFileReader reader(source);
+        // Before reading, which is an access, too.
+        const Attributes attributes = attributesOf(reader._handle);
+        OsFileWriter writer(destination, ownerAlone(), false);
+        OsFileHandle::copyAll(reader._handle, writer._handle);
+        setAttributes(writer._handle, attributes);
+        writer.close();
+        reader.close();
+    }
+
+    void enterDirectory(const OsFilePath& source, const OsFilePath& target) override
+    {
+        const OpenDirectory from(source, OsFileTypes::AccessRead);
+        _attributes.push_back(attributesOf(from._handle));
+        if (OsFsUtils::isDirectory(target.getChars())) return;
+        constexpr int ALL =
+            OsFileTypes::AccessRead | OsFileTypes::AccessWrite | OsFileTypes::AccessExecute;
+        if (!OsFilePlatform::createDirectory(target.getChars(), {ALL, 0, 0}))
+            throw ExSysErrorWindows(__FILE__, __LINE__);
+    }
+
+    void leaveDirectory(const OsFilePath& target) override
+    {
+        const OpenDirectory to(target, OsFileTypes::AccessWrite);
+        setAttributes(to._handle, _attributes.back());
+        _attributes.pop_back();
+    }
+
+private:
+    using Attributes = OsFilePlatform::Attributes;
+
+    struct OpenDirectory
+    {
+        OpenDirectory(const OsFilePath& path, int access)
+            : _handle(OsFilePlatform::openDirectory(path.getChars(), access))
+        {
+            if (_handle == OsFilePlatform::NONE) throw ExSysErrorWindows(__FILE__, __LINE__);
+        }
+        OpenDirectory(const OpenDirectory&) = delete;
+        OpenDirectory& operator=(const OpenDirectory&) = delete;
+        ~OpenDirectory()
+        {
+            OsFilePlatform::close(_handle);
+        }
+
+        const OsFilePlatform::Handle _handle;
+    };
+
+    static Attributes attributesOf(OsFilePlatform::Handle handle)
+    {
+        Attributes attributes;
+        if (!OsFilePlatform::attributesOf(handle, attributes))
+            throw ExSysErrorWindows(__FILE__, __LINE__);
+        return attributes;
+    }
+
+    static void setAttributes(OsFilePlatform::Handle handle, const Attributes& attributes)
+    {
+        if (!OsFilePlatform::setAttributes(handle, attributes))
+            throw ExSysErrorWindows(__FILE__, __LINE__);
+    }
+
+    // Of the directories that were entered.
+    std::vector<Attributes> _attributes;
+};
+
+void OsFileTools::copyWithModesAndTimes(const OsFilePath& source, const OsFilePath& target)
+{
+    OsFileHandle::checkNotEmpty(source);
+    KeepingCopier copier;
+    if (OsFsUtils::isDirectory(source.getChars()))
+        OsDirectory::copyTree(source, OsDirectory::destinationOfCopy(source, target), copier);
+    else
+        copier.copyFile(source, target);
 }
 
 ObjPtrRet<Vector<OsFilePath>> OsFileTools::getSortedChildrenPath(const OsDirectory& directory,
@@ -205,6 +305,9 @@ void OsFileTools::removeWithAllContents(const OsFilePath& path)
 {
     OsFileHandle::checkNotEmpty(path);
     if (!OsFsUtils::fileExists(path.getChars()) && !OsFilePlatform::isLink(path.getChars()))
+        throw OsFileEx::ExInvalidPath(__FILE__, __LINE__, path.getChars());
+    // All that is in it would be gone when the system refuses it.
+    if (!osEndsInName(path.getChars(), *OsFilePath::getSeparator()))
         throw OsFileEx::ExInvalidPath(__FILE__, __LINE__, path.getChars());
     removeTree(withoutSeparatorsAtEnd(path));
 }

@@ -99,6 +99,9 @@ public:
 
     /// Who may do what with a new file, as bits of Access. Windows has no such modes and ignores
     /// them; Linux applies them, less what the process's umask takes away.
+    ///
+    /// The bits have other values than in the modes of POSIX, where reading is 4 and executing 1:
+    /// Permissions(7, 5, 4) is the mode 0751, and the default (3, 1, 1) is 0644.
     class Permissions
     {
     public:

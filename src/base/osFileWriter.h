@@ -19,6 +19,7 @@ namespace Zu
 /// too. What holds of OsFileReader about closed objects, failures and threads holds here.
 class ZU_BASE_API OsFileWriter
 {
+    friend class OsFile;
     friend class OsFileTools;
 
 public:
@@ -42,7 +43,8 @@ public:
     std::int32_t seek(std::int32_t offset, OsFileTypes::SeekMode mode);
 
     /// Writes `size` bytes, and returns how many were written. Deliberately a full disk does not
-    /// raise: fewer bytes than asked for mean that it is full.
+    /// raise: fewer bytes than asked for mean that it is full. When it raises, a part may have been
+    /// written, and the position is behind it; OsFileTools::writeAll() says how much.
     std::uint32_t write(const void* buffer, std::uint32_t size);
 
     /// Gives the file exactly this size, whether it grows or shrinks, and moves the position to its

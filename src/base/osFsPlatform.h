@@ -42,6 +42,10 @@ bool osFsIsSymLink(const char* path);
 /// The mode bits of POSIX for `permissions`.
 unsigned int osFsMode(const OsFileTypes::Permissions& permissions);
 
+/// The mode bits for a file that stands for one with these. The bits that lend rights go unless
+/// owner and group are the same, and another group may do what everybody may.
+unsigned int osFsKeptMode(unsigned int mode, bool isOwnerKept, bool isGroupKept);
+
 } // namespace Zu
 
 #endif

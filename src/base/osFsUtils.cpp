@@ -35,6 +35,13 @@ unsigned int osFsMode(const OsFileTypes::Permissions& permissions)
            modeBits(permissions.getOtherMode());
 }
 
+unsigned int osFsKeptMode(unsigned int mode, bool isOwnerKept, bool isGroupKept)
+{
+    if (!isOwnerKept || !isGroupKept) mode &= 0777;
+    if (!isGroupKept) mode = (mode & ~070u) | (mode & 07) << 3;
+    return mode;
+}
+
 void OsFsUtils::createDir(const char* path, bool)
 {
     const OsFsResult result = osFsCreateDir(nameOf(path));

@@ -77,4 +77,17 @@ std::string osLexicalFullPath(std::string_view currentDir, std::string_view path
     return full;
 }
 
+bool osEndsInName(std::string_view path, char separator)
+{
+    const char separators[] = {separator, '/', '\0'};
+    const bool hasDrives = separator == '\\';
+    const std::size_t last = path.find_last_not_of(separators);
+    if (last == std::string_view::npos) return false;
+    path = path.substr(0, last + 1);
+    // Without any separator, the whole path.
+    const std::string_view element = path.substr(path.find_last_of(separators) + 1);
+    if (!hasDrives) return element != "." && element != "..";
+    return element.back() != ':' && element.find_first_not_of(". ") != std::string_view::npos;
+}
+
 } // namespace Zu

@@ -34,6 +34,11 @@ std::string_view osExtension(std::string_view baseName);
 /// ".." and repeated separators collapse, a separator at the end stays. Links are not looked at.
 std::string osLexicalFullPath(std::string_view currentDir, std::string_view path);
 
+/// Whether the last element of a path is the name of something in a directory: not a step, "." or
+/// "..", and not a root or a drive. Separators at the end do not matter. Where backslashes
+/// separate, points and blanks at the end of a name are dropped, so those alone are no name.
+bool osEndsInName(std::string_view path, char separator);
+
 } // namespace Zu
 
 #endif

@@ -792,6 +792,17 @@ TEST_F(OsDirectoryTest, CopyToMakesTheMissingTarget)
     EXPECT_EQ(subject.getPath().getChars(), file("d"));
 }
 
+TEST_F(OsDirectoryTest, APathWithASeparatorAtItsEndIsCopiedStraightIntoADirectory)
+{
+    makeDirectory("source/sub");
+    writeFile(file("source/f"), "content");
+    makeDirectory("target");
+    directory(file("source") + OsFilePath::getSeparator()).copyTo(pathOf(file("target")));
+    EXPECT_EQ(treeAt(file("target")), treeAt(file("source")));
+    directory(file("source")).copyTo(pathOf(file("target")));
+    EXPECT_EQ(treeAt(file("target/source")), treeAt(file("source")));
+}
+
 TEST_F(OsDirectoryTest, CopyToGoesIntoAnExistingDirectoryUnderTheBaseName)
 {
     makeTree("source");

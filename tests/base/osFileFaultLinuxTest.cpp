@@ -10,22 +10,28 @@
 #include "base/osFileReader.h"
 #include "base/osFileTools.h"
 #include "base/osFileWriter.h"
+#include "base/osUtils.h"
 #include "support/errorCode.h"
 #include "support/faults.h"
 #include "support/faultTest.h"
 #include "support/fileTest.h"
 #include "support/tempDir.h"
+#include "support/variableGuard.h"
 
 #include <cerrno>
 #include <cstddef>
 #include <cstdint>
+#include <fcntl.h>
 #include <filesystem>
+#include <functional>
 #include <gtest/gtest.h>
 #include <iterator>
 #include <memory>
 #include <new>
 #include <pthread.h>
 #include <string>
+#include <sys/resource.h>
+#include <sys/stat.h>
 #include <unistd.h>
 #include <vector>
 
@@ -119,6 +125,72 @@ TEST_F(OsFileFaultTest, AFailedReadRaisesAndTheReaderGoesOn)
         EXPECT_EQ(codeOf([&] { reader.read(buffer, 8); }), EIO);
     }
     EXPECT_EQ(reader.read(buffer, 8), 7U);
+}
+
+// No single call of the system gives more than 2 GiB; here it is less still.
+TEST_F(OsFileFaultTest, ReadingGoesOnBehindAPart)
+{
+    const std::string content = noise(1000);
+    const OsFilePath existing = made("f", content);
+    for (const std::size_t part : {1U, 7U, 999U})
+    {
+        OsFileReader reader(existing);
+        const TransferLimit limit(part);
+        const Fault fault(Call::READ, EINTR, 2, 1);
+        std::string bytes(1200, '#');
+        EXPECT_EQ(reader.read(bytes.data(), 300), 300U);
+        EXPECT_EQ(reader.read(bytes.data() + 300, 900), 700U);
+        EXPECT_EQ(reader.read(bytes.data(), 1), 0U);
+        EXPECT_EQ(fault.failures(), 2);
+        EXPECT_TRUE(bytes == content + std::string(200, '#'));
+    }
+}
+
+TEST_F(OsFileFaultTest, AReadThatFailsBehindAPartGivesThatAndTheNextOneRaises)
+{
+    OsFileReader reader(made("f", "content"));
+    const TransferLimit limit(3);
+    char buffer[8];
+    {
+        const Fault fault(Call::READ, EIO, Fault::ALWAYS, 1);
+        EXPECT_EQ(reader.read(buffer, 8), 3U);
+        EXPECT_EQ(codeOf([&] { reader.read(buffer, 8); }), EIO);
+    }
+    EXPECT_EQ(reader.read(buffer + 3, 5), 4U);
+    EXPECT_EQ(std::string(buffer, 7), "content");
+}
+
+TEST_F(OsFileFaultTest, OfAPipeAReadGivesWhatHasComeAndDoesNotWaitForMore)
+{
+    support::makeFifo(file("fifo"));
+    // With both ends here, neither is waited for.
+    const Platform::Handle pipe = Platform::openExisting(file("fifo").c_str(), 3);
+    std::uint32_t count = 0;
+    ASSERT_TRUE(Platform::write(pipe, "abc", 3, count));
+    OsFileReader reader(path("fifo"));
+    char buffer[8];
+    EXPECT_EQ(reader.read(buffer, 8), 3U);
+    EXPECT_EQ(std::string(buffer, 3), "abc");
+    EXPECT_EQ(Platform::close(pipe), Platform::Closed::Done);
+}
+
+TEST_F(OsFileFaultTest, WhatAFailedWriteHasWrittenIsTold)
+{
+    const std::string content = noise(100);
+    for (const int error : {EIO, EFBIG, ENOSPC, EDQUOT})
+        for (const unsigned int parts : {0U, 1U, 3U})
+        {
+            OsFileWriter writer(path("f"), usual, false);
+            const TransferLimit limit(10);
+            const Fault fault(Call::WRITE, error, Fault::ALWAYS, static_cast<int>(parts));
+            std::uint64_t written = 4711;
+            const bool isFull = error == ENOSPC || error == EDQUOT;
+            EXPECT_EQ(codeOf([&] { OsFileTools::writeAll(writer, content, written); }),
+                      isFull ? ENOSPC : error);
+            EXPECT_EQ(written, 10 * parts);
+            EXPECT_EQ(readFile(file("f")), content.substr(0, 10 * parts));
+            EXPECT_EQ(OsFileTools::seek64(writer, 0, OsFileTypes::SeekCurrent), 10 * parts);
+        }
 }
 
 TEST_F(OsFileFaultTest, InterruptedWritingIsResumed)
@@ -302,18 +374,171 @@ TEST_F(OsFileFaultTest, WhatReplacesAFileIsPrivateUntilItIsReady)
     const OsFilePath target = made("f", "old");
     std::filesystem::permissions(file("f"), std::filesystem::perms{0664});
     std::vector<unsigned int> modes;
-    const support::Before look(Call::FSYNC,
+    const support::Before look(Call::FCHMOD,
                                [&]
                                {
                                    for (const auto& entry :
                                         std::filesystem::directory_iterator(_dir.path()))
                                        if (entry.path().filename() != "f")
-                                           modes.push_back(support::modeOf(entry.path().string()));
+                                       {
+                                           const std::string beside = entry.path().string();
+                                           modes.push_back(support::modeOf(beside));
+                                           EXPECT_EQ(readFile(beside), "new");
+                                       }
                                });
     OsFileTools::replaceAll(target, "new", OsFileTypes::Permissions(7, 7, 7));
-    // The second time it is the directory that is flushed, and nothing stands beside any more.
     EXPECT_EQ(modes, std::vector<unsigned int>{0600});
     EXPECT_EQ(support::modeOf(file("f")), 0664U);
+}
+
+// A file that this process may give to anybody, or a skipped test.
+#define ZU_TEST_ASK_FOR_ROOT()                                                                     \
+    if (geteuid() != 0) GTEST_SKIP() << "Only root may give files away."
+
+TEST_F(OsFileFaultTest, WhatReplacesAFileHasItsOwnerGroupAndModes)
+{
+    ZU_TEST_ASK_FOR_ROOT();
+    for (const unsigned int mode : {0640U, 0444U, 0600U, 06755U})
+    {
+        const OsFilePath target = made("f", "old");
+        ASSERT_EQ(chown(target.getChars(), 4001, 4002), 0);
+        ASSERT_EQ(chmod(target.getChars(), mode), 0);
+        OsFileTools::replaceAll(target, "new");
+        EXPECT_EQ(readFile(file("f")), "new");
+        struct stat status;
+        ASSERT_EQ(stat(target.getChars(), &status), 0);
+        EXPECT_EQ(status.st_uid, 4001U);
+        EXPECT_EQ(status.st_gid, 4002U);
+        EXPECT_EQ(status.st_mode & 07777, mode);
+        OsFile(target).remove();
+    }
+}
+
+// What was lent to the former group would be lent to another one.
+TEST_F(OsFileFaultTest, WhereOwnerOrGroupCanNotBeKeptTheRightsThatGoWithThemGo)
+{
+    ZU_TEST_ASK_FOR_ROOT();
+    struct Row
+    {
+        int _failures;
+        int _after;
+        unsigned int _owner;
+        unsigned int _group;
+        unsigned int _mode;
+    };
+    for (const Row& row : {Row{0, 0, 4001, 4002, 06764}, Row{1, 0, 4001, getegid(), 0744},
+                           Row{1, 1, geteuid(), 4002, 0764}, Row{2, 0, geteuid(), getegid(), 0744}})
+    {
+        const OsFilePath target = made("f", "old");
+        ASSERT_EQ(chown(target.getChars(), 4001, 4002), 0);
+        ASSERT_EQ(chmod(target.getChars(), 06764), 0);
+        {
+            const Fault fault(Call::FCHOWN, EPERM, row._failures, row._after);
+            OsFileTools::replaceAll(target, "new");
+            EXPECT_EQ(fault.failures(), row._failures);
+        }
+        struct stat status;
+        ASSERT_EQ(stat(target.getChars(), &status), 0);
+        EXPECT_EQ(status.st_uid, row._owner);
+        EXPECT_EQ(status.st_gid, row._group);
+        EXPECT_EQ(status.st_mode & 07777, row._mode);
+        OsFile(target).remove();
+    }
+}
+
+TEST_F(OsFileFaultTest, ACopyIsPrivateUntilItHasTheModesOfTheSource)
+{
+    const support::ModeMaskGuard mask(0);
+    made("f", "content");
+    std::filesystem::create_directory(file("d"));
+    made("d/g", "content");
+    for (const char* const name : {"f", "d", "d/g"})
+        std::filesystem::permissions(file(name), std::filesystem::perms{0775});
+    std::vector<unsigned int> modes;
+    const support::Before look(Call::FCHMOD,
+                               [&]
+                               {
+                                   for (const char* const name : {"copy", "tree", "tree/g"})
+                                       if (std::filesystem::exists(file(name)))
+                                           modes.push_back(support::modeOf(file(name)));
+                               });
+    OsFileTools::copyWithModesAndTimes(path("f"), path("copy"));
+    std::filesystem::remove(file("copy"));
+    OsFileTools::copyWithModesAndTimes(path("d"), path("tree"));
+    EXPECT_EQ(modes, (std::vector<unsigned int>{0600, 0700, 0600, 0700, 0775}));
+    EXPECT_EQ(support::modeOf(file("tree")), 0775U);
+}
+
+TEST_F(OsFileFaultTest, ACopyWhoseModesOrTimesCanNotBeKeptRaises)
+{
+    std::filesystem::create_directory(file("d"));
+    made("d/f", "content");
+    for (const char* const name : {"d/f", "d"})
+        for (const Call call : {Call::FCHMOD, Call::FUTIMENS, Call::READ, Call::WRITE, Call::CLOSE})
+        {
+            const bool isDirectory = std::string(name) == "d";
+            if (isDirectory && call != Call::FCHMOD && call != Call::FUTIMENS) continue;
+            // Of the directory, behind the file that is in it.
+            const Fault fault(call, EIO, 1, isDirectory ? 1 : 0);
+            EXPECT_EQ(codeOf([&] { OsFileTools::copyWithModesAndTimes(path(name), path("copy")); }),
+                      EIO);
+            EXPECT_EQ(fault.failures(), 1);
+            std::filesystem::remove_all(file("copy"));
+        }
+    // The first look is at the source.
+    const Fault fault(Call::FSTAT, EIO);
+    for (const char* const name : {"d/f", "d"})
+    {
+        EXPECT_EQ(codeOf([&] { OsFileTools::copyWithModesAndTimes(path(name), path("copy")); }),
+                  EIO);
+        EXPECT_FALSE(std::filesystem::exists(file("copy")));
+    }
+}
+
+TEST_F(OsFileFaultTest, WhatHasNoEndIsNotCopiedWithModesAndTimes)
+{
+    support::makeFifo(file("fifo"));
+    for (const OsFilePath& source : {path("fifo"), OsFilePath("/dev/null")})
+        EXPECT_THROW(OsFileTools::copyWithModesAndTimes(source, path("copy")),
+                     OsFileEx::ExInvalidPath);
+    EXPECT_FALSE(std::filesystem::exists(file("copy")));
+}
+
+// A copy would wait for the other end of a FIFO, and a socket can't be opened.
+TEST_F(OsFileFaultTest, ATreeWithWhatIsNoFileIsRefusedBeforeAnythingIsMade)
+{
+    const auto isRefused = [this](const std::string& special)
+    {
+        const std::string reason = "Invalid path: '" + file(special) + "'.";
+        const std::function<void()> copies[] = {
+            [&] { OsDirectory(path("d")).copyTo(path("copy")); },
+            [&] { OsDirectory::copyHierarchy(path("d"), path("copy")); },
+            [&] { OsFileTools::copyWithModesAndTimes(path("d"), path("copy")); }};
+        for (const std::function<void()>& copy : copies) try
+            {
+                copy();
+                ADD_FAILURE() << "nothing raised";
+            }
+            catch (const OsFileEx::ExInvalidPath& ex)
+            {
+                EXPECT_EQ(ex.getReason(), reason);
+            }
+        EXPECT_FALSE(std::filesystem::exists(file("copy")));
+        std::filesystem::remove(file(special));
+    };
+    std::filesystem::create_directories(file("d/a/b"));
+    made("d/a/f", "content");
+    support::makeFifo(file("d/a/b/fifo"));
+    isRefused("d/a/b/fifo");
+    support::makeSocket(file("d/a/socket"));
+    isRefused("d/a/socket");
+    support::makeFifo(file("fifo"));
+    std::filesystem::create_symlink(file("fifo"), file("d/a/link"));
+    isRefused("d/a/link");
+    std::filesystem::create_symlink("/dev/zero", file("d/zero"));
+    isRefused("d/zero");
+    OsDirectory(path("d")).copyTo(path("copy"));
+    EXPECT_EQ(readFile(file("copy/a/f")), "content");
 }
 
 TEST_F(OsFileFaultTest, WhatOthersLeftBesideStays)
@@ -378,8 +603,18 @@ TEST_F(OsFileFaultTest, ADirectoryThatMayNotBeWrittenKeepsWhatIsInIt)
 TEST_F(OsFileFaultTest, AFifoIsNotReplaced)
 {
     support::makeFifo(file("fifo"));
-    EXPECT_THROW(OsFileTools::replaceAll(path("fifo"), "x"), OsFileEx::ExInvalidPath);
+    std::filesystem::create_symlink(file("fifo"), file("link"));
+    for (const char* const name : {"fifo", "link"})
+        EXPECT_THROW(OsFileTools::replaceAll(path(name), "x"), OsFileEx::ExInvalidPath);
     EXPECT_TRUE(std::filesystem::is_fifo(file("fifo")));
+    EXPECT_TRUE(std::filesystem::is_symlink(file("link")));
+    // A link of the system's own, whose text leads nowhere.
+    int ends[2];
+    ASSERT_EQ(pipe(ends), 0);
+    const std::string pipeEnd = "/proc/self/fd/" + std::to_string(ends[1]);
+    EXPECT_THROW(OsFileTools::replaceAll(OsFilePath(pipeEnd.c_str()), "x"),
+                 OsFileEx::ExInvalidPath);
+    for (const int end : ends) close(end);
 }
 
 TEST_F(OsFileFaultTest, AFailedCloseOfATrialIsNoMatter)
@@ -563,6 +798,47 @@ TEST_F(OsFileFaultTest, AYearThatDatesDoNotReachIsAllOnes)
     }
 }
 
+// Of a year whose number has the same 16 bits as one that dates reach, too.
+TEST_F(OsFileFaultTest, AYearBeyond16BitsIsAllOnes)
+{
+    const OsFile plain(made("f", "content"));
+    const std::int64_t secondsPer400Years = 146097LL * 86400;
+    // 67560 and 133080 stand for 2024 and 2008 in 16 bits, -63536 for 2000.
+    for (const std::int64_t cycles : {164LL, 328LL, -164LL})
+    {
+        const FalseStatus status(0, 1700000000 + cycles * secondsPer400Years);
+        const ObjPtr<OsDateTypes::DateRep> date(plain.getLastModificationTime());
+        EXPECT_EQ(date->_high, 0xffffffffU) << cycles;
+        EXPECT_EQ(date->_low, 0xffffffffU) << cycles;
+    }
+}
+
+// The hour that local time has twice at the end of daylight saving is told apart.
+TEST_F(OsFileFaultTest, EveryTenMinutesOfAYearAreToldWhereverTheProcessIs)
+{
+    const OsFile plain(made("f", "content"));
+    const support::VariableGuard zone("TZ");
+    constexpr std::int64_t beginOf2024 = 1704067200;
+    constexpr std::int64_t secondsTo1970 = 11644473600;
+    for (const char* const rules : {"CET-1CEST,M3.5.0,M10.5.0/3", "EST5EDT,M3.2.0,M11.1.0"})
+    {
+        zone.set(rules);
+        int wrong = 0;
+        for (int i = 0; i < 366 * 24 * 6; ++i)
+        {
+            const std::int64_t time = beginOf2024 + i * 600;
+            const auto count = static_cast<std::uint64_t>((time + secondsTo1970) * 10000000);
+            const FalseStatus status(0, time);
+            const auto isRight = [count](const OsDateTypes::DateRep& date)
+            { return (std::uint64_t{date._high} << 32 | date._low) == count; };
+            const ObjPtr<OsDateTypes::DateRep> modified(plain.getLastModificationTime());
+            const ObjPtr<OsDateTypes::DateRep> accessed(plain.getLastAccessTime());
+            wrong += isRight(*modified) && isRight(*accessed) ? 0 : 1;
+        }
+        EXPECT_EQ(wrong, 0) << rules;
+    }
+}
+
 TEST_F(OsFileFaultTest, ATimeThatHasNoYearRaises)
 {
     const OsFile plain(made("f", "content"));
@@ -622,10 +898,16 @@ TEST_F(OsFileFaultTest, AFailedScanIsNoEnd)
     const char* name = nullptr;
     const std::string directory = std::filesystem::path(file("a")).parent_path().string();
     {
-        const Fault fault(Call::OPENDIR, EMFILE);
+        const Fault fault(Call::OPEN, EMFILE);
         Platform::Scan scan(directory.c_str());
         EXPECT_EQ(scan.next(name), Platform::Scan::Result::Failed);
         EXPECT_EQ(errno, EMFILE);
+    }
+    {
+        const Fault fault(Call::FDOPENDIR, ENOMEM);
+        Platform::Scan scan(directory.c_str());
+        EXPECT_EQ(scan.next(name), Platform::Scan::Result::Failed);
+        EXPECT_EQ(fault.failures(), 1);
     }
     const Fault fault(Call::READDIR, EIO, 1);
     Platform::Scan scan(directory.c_str());
@@ -680,6 +962,115 @@ TEST_F(OsFileFaultTest, AFifoIsSpecialAndAskingAboutItDoesNotWaitForItsOtherEnd)
     EXPECT_EQ(fifo.getSize(), 0U);
     OsFile(path("fifo")).remove();
     EXPECT_FALSE(fifo.exists());
+}
+
+// A reader whose file has this number.
+int descriptorOfNext(const OsFilePath& path)
+{
+    const Platform::Handle handle = Platform::openExisting(path.getChars(), 1);
+    Platform::close(handle);
+    return static_cast<int>(handle);
+}
+
+class StandardDescriptorsTest : public OsFileFaultTest
+{
+protected:
+    ~StandardDescriptorsTest() override
+    {
+        dup2(_saved, STDIN_FILENO);
+        close(_saved);
+    }
+
+    // Closed from the first to the last of a test.
+    const int _saved = fcntl(STDIN_FILENO, F_DUPFD_CLOEXEC, 100);
+};
+
+TEST_F(StandardDescriptorsTest, AFileNeverTakesTheNumberOfOne)
+{
+    const OsFilePath existing = made("f", "content");
+    close(STDIN_FILENO);
+    EXPECT_GT(descriptorOfNext(existing), STDERR_FILENO);
+    // The number is free again, and the file is closed in the children.
+    const int next = open(existing.getChars(), O_RDONLY);
+    EXPECT_EQ(next, STDIN_FILENO);
+    close(next);
+    const Platform::Handle handle = Platform::openExisting(existing.getChars(), 1);
+    EXPECT_EQ(fcntl(static_cast<int>(handle), F_GETFD), FD_CLOEXEC);
+    EXPECT_EQ(Platform::close(handle), Platform::Closed::Done);
+}
+
+TEST_F(StandardDescriptorsTest, WithoutAnotherNumberOpeningFails)
+{
+    const OsFilePath existing = made("f", "content");
+    rlimit old;
+    ASSERT_EQ(getrlimit(RLIMIT_NOFILE, &old), 0);
+    close(STDIN_FILENO);
+    {
+        const rlimit few{STDERR_FILENO + 1, old.rlim_max};
+        ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &few), 0);
+        // What can't be had under the limit is an invalid number.
+        EXPECT_EQ(codeOf([&] { const OsFileReader reader(existing); }), EINVAL);
+        ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &old), 0);
+    }
+    EXPECT_EQ(fcntl(STDIN_FILENO, F_GETFD), -1);
+}
+
+TEST(OsUtilsFaultTest, AnInterruptedSleepGoesOnForWhatIsLeft)
+{
+    {
+        const Fault fault(Call::NANOSLEEP, EINTR, 3);
+        // Three times a second less is left.
+        Zu::OsUtils::sleep(3);
+        EXPECT_EQ(fault.failures(), 3);
+        EXPECT_EQ(support::secondsOfLastSleep(), 1);
+    }
+    const Fault fault(Call::NANOSLEEP, 0);
+    Zu::OsUtils::sleep(1000000);
+    EXPECT_EQ(fault.failures(), 1);
+    EXPECT_EQ(support::secondsOfLastSleep(), 1000000);
+}
+
+// The code of the C runtime that an act raises; 0 if it raises none.
+template <class Act> int errnoOf(Act act)
+{
+    try
+    {
+        act();
+    }
+    catch (const ExSysErrorANSI& ex)
+    {
+        return ex.getError();
+    }
+    return 0;
+}
+
+TEST(OsUtilsFaultTest, AHostWithoutANameRaises)
+{
+    const Fault fault(Call::GETHOSTNAME, ENAMETOOLONG);
+    EXPECT_EQ(errnoOf([] { Zu::OsUtils::getHostName(); }), ENAMETOOLONG);
+}
+
+TEST(OsUtilsFaultTest, AUserWithoutANameRaises)
+{
+    {
+        const Fault fault(Call::GETPWUID_R, EIO);
+        EXPECT_EQ(errnoOf([] { Zu::OsUtils::getUserName(false); }), EIO);
+    }
+    // No failure, but no entry either.
+    const Fault fault(Call::GETPWUID_R, 0);
+    EXPECT_EQ(errnoOf([] { Zu::OsUtils::getUserName(true); }), ENOENT);
+}
+
+TEST(OsUtilsFaultTest, AUserWhoseEntryIsLongOrWhoseAnswerIsInterruptedHasTheSameName)
+{
+    const ArrayPtr<char> expected(Zu::OsUtils::getUserName(false));
+    for (const int error : {ERANGE, EINTR})
+    {
+        const Fault fault(Call::GETPWUID_R, error, 5);
+        const ArrayPtr<char> name(Zu::OsUtils::getUserName(false));
+        EXPECT_STREQ(name.get(), expected.get());
+        EXPECT_EQ(fault.failures(), 5);
+    }
 }
 
 } // namespace

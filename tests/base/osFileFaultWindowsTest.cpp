@@ -9,6 +9,7 @@
 #include "base/osFileReader.h"
 #include "base/osFileTools.h"
 #include "base/osFileWriter.h"
+#include "base/osUtils.h"
 #include "support/errorCode.h"
 #include "support/faults.h"
 #include "support/faultTest.h"
@@ -16,6 +17,7 @@
 #include "support/platform.h"
 #include "support/tempDir.h"
 
+#include <cerrno>
 #include <cstddef>
 #include <cstdint>
 #include <filesystem>
@@ -330,6 +332,69 @@ TEST_F(OsFileFaultDeathTest, APathWithoutADriveIsFatal)
     made("f", "content");
     const support::CurrentDirectoryGuard current(file("."));
     EXPECT_DEATH(OsFile("f").getUnbufferedInfo(), "Assertion failed: path.*':', file");
+}
+
+// The code of the C runtime that an act raises; 0 if it raises none.
+template <class Act> int errnoOf(Act act)
+{
+    try
+    {
+        act();
+    }
+    catch (const Zu::ExSysErrorANSI& ex)
+    {
+        return ex.getError();
+    }
+    return 0;
+}
+
+TEST(OsUtilsFaultTest, AHostOrAUserWithoutANameRaises)
+{
+    struct Row
+    {
+        int _error;
+        int _code;
+    };
+    for (const Row& row :
+         {Row{ERROR_BUFFER_OVERFLOW, ENAMETOOLONG}, Row{ERROR_INSUFFICIENT_BUFFER, ENAMETOOLONG},
+          Row{ERROR_ACCESS_DENIED, ENOENT}, Row{ERROR_NONE_MAPPED, ENOENT}})
+    {
+        const Fault host(Call::GET_HOST_NAME, row._error);
+        const Fault user(Call::GET_USER_NAME, row._error);
+        EXPECT_EQ(errnoOf([] { Zu::OsUtils::getHostName(); }), row._code);
+        EXPECT_EQ(errnoOf([] { Zu::OsUtils::getUserName(false); }), row._code);
+        EXPECT_EQ(errnoOf([] { Zu::OsUtils::getUserName(true); }), row._code);
+        EXPECT_EQ(host.failures(), 1);
+        EXPECT_EQ(user.failures(), 2);
+    }
+}
+
+TEST_F(OsFileFaultTest, WhatAFailedWriteHasWrittenIsTold)
+{
+    OsFileWriter writer(path("g"), usual, false);
+    for (const int error : {ERROR_IO_DEVICE, ERROR_HANDLE_DISK_FULL})
+    {
+        const Fault fault(Call::WRITE_FILE, error);
+        std::uint64_t written = 4711;
+        const int expected = error == ERROR_IO_DEVICE ? error : ERROR_DISK_FULL;
+        EXPECT_EQ(codeOf([&] { OsFileTools::writeAll(writer, "text", written); }), expected);
+        EXPECT_EQ(written, 0U);
+    }
+}
+
+TEST_F(OsFileFaultTest, ACopyWhoseTimesCanNotBeKeptRaises)
+{
+    std::filesystem::create_directory(file("d"));
+    made("d/f", "content");
+    for (const char* const name : {"d/f", "d"})
+        for (const Call call : {Call::GET_FILE_TIME, Call::SET_FILE_TIME})
+        {
+            const Fault fault(call, ERROR_IO_DEVICE, 1);
+            EXPECT_EQ(codeOf([&] { OsFileTools::copyWithModesAndTimes(path(name), path("copy")); }),
+                      ERROR_IO_DEVICE);
+            EXPECT_EQ(fault.failures(), 1);
+            std::filesystem::remove_all(file("copy"));
+        }
 }
 
 } // namespace

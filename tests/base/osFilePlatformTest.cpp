@@ -142,6 +142,8 @@ TEST(OsFilePlatform, TheLastErrorCanBeSet)
     }
     EXPECT_NE(lastError(), 0);
     EXPECT_NE(lastError(), 112);
+    Platform::setLastError(Platform::Error::TooManyLinks);
+    EXPECT_EQ(lastError(), onWindows ? 1921 : 40);
 }
 
 TEST_F(OsFilePlatformTest, SizesAreToldIn64Bits)
@@ -192,6 +194,33 @@ TEST_F(OsFilePlatformTest, ADirectoryIsMadeOnceAndRemovedOnce)
     EXPECT_FALSE(Platform::removeDirectory(path.c_str()));
 }
 
+TEST_F(OsFilePlatformTest, APlainFileIsNoDeviceAndNothing)
+{
+    const Platform::Handle plain =
+        Platform::openExisting(made("f", "").c_str(), OsFileTypes::AccessRead);
+    EXPECT_TRUE(Platform::isPlain(plain));
+    EXPECT_EQ(Platform::close(plain), Platform::Closed::Done);
+    EXPECT_FALSE(Platform::isPlain(Platform::NONE));
+    const Platform::Handle device =
+        Platform::openExisting(onWindows ? "NUL" : "/dev/null", OsFileTypes::AccessRead);
+    EXPECT_FALSE(Platform::isPlain(device));
+    EXPECT_EQ(Platform::close(device), Platform::Closed::Done);
+}
+
+TEST_F(OsFilePlatformLinuxTest, OnlyLinksHaveATarget)
+{
+    const std::string longest(255, 'n');
+    std::string target = longest;
+    while (target.size() < 4000) target += "/" + longest;
+    std::filesystem::create_symlink(target, file("link"));
+    std::string found = "none";
+    for (const std::string& path : {made("f", ""), directory(), file("missing")})
+        EXPECT_FALSE(Platform::linkTarget(path.c_str(), found));
+    EXPECT_EQ(found, "none");
+    EXPECT_TRUE(Platform::linkTarget(file("link").c_str(), found));
+    EXPECT_EQ(found, target);
+}
+
 TEST_F(OsFilePlatformTest, TwoPathsAreTheSameIfTheyLeadToTheSame)
 {
     const std::string path = made("f", "content");
@@ -234,11 +263,17 @@ TEST_F(OsFilePlatformLinuxTest, ModesAreCopiedWithoutTheMask)
     const std::string from = made("f", "");
     const std::string to = made("g", "");
     std::filesystem::permissions(from, std::filesystem::perms{0754});
-    Platform::copyModes(from.c_str(), to.c_str());
+    const Platform::Handle handle = Platform::openExisting(to.c_str(), OsFileTypes::AccessWrite);
+    Platform::keepOwnerAndModes(from.c_str(), handle);
     EXPECT_EQ(support::modeOf(to), 0754U);
-    // Without a model nothing happens.
-    Platform::copyModes(file("missing").c_str(), to.c_str());
-    EXPECT_EQ(support::modeOf(to), 0754U);
+    // Without a model nothing happens, nor does it for a directory or a link.
+    std::filesystem::create_symlink(made("h", ""), file("link"));
+    for (const std::string& other : {file("missing"), directory(), file("link")})
+    {
+        Platform::keepOwnerAndModes(other.c_str(), handle);
+        EXPECT_EQ(support::modeOf(to), 0754U);
+    }
+    EXPECT_EQ(Platform::close(handle), Platform::Closed::Done);
 }
 
 TEST_F(OsFilePlatformLinuxTest, TheDirectoryOfAnyPathIsFlushedWithoutALeak)

@@ -436,6 +436,14 @@ TEST_F(OsFileTest, TheSizeIsTheNumberOfBytes)
         EXPECT_EQ(made("f", noise(size)).getSize(), size);
 }
 
+TEST_F(OsFileTest, ADirectoryHasNoSize)
+{
+    // Is a directory; on Windows access is denied.
+    const int code = onWindows ? 5 : 21;
+    EXPECT_EQ(codeOf([&] { (void)fileOf(directory()).getSize(); }), code);
+    EXPECT_EQ(codeOf([&] { (void)OsFileTools::getSize64(pathOf(directory())); }), code);
+}
+
 TEST_F(OsFileTest, TheSizeIsAskedAnewEachTime)
 {
     const OsFile plain = made("f", "content");
@@ -569,7 +577,6 @@ TEST_F(OsFileTest, AModificationTimeThatIsSetIsTold)
         }
 }
 
-// The system tells local time, which is turned back: both by the zone of now.
 TEST_F(OsFileLinuxTest, AChangeOfTheZoneChangesNoDate)
 {
     using namespace std::chrono;
@@ -583,6 +590,23 @@ TEST_F(OsFileLinuxTest, AChangeOfTheZoneChangesNoDate)
         zone.set(value);
         const ObjPtr<OsDateTypes::DateRep> date(plain.getLastModificationTime());
         EXPECT_EQ(countOf(*date), countOf(time)) << value;
+    }
+}
+
+// 27 October 2024, when clocks in Central Europe went from 3:00 back to 2:00 at 1:00 UTC.
+TEST_F(OsFileLinuxTest, FilesOfTheHourThatComesTwiceHaveTheirOwnDates)
+{
+    using namespace std::chrono;
+    using namespace std::chrono_literals;
+    const VariableGuard zone("TZ");
+    zone.set("CET-1CEST,M3.5.0,M10.5.0/3");
+    const OsFile plain = made("f", "content");
+    for (minutes behind = -90min; behind <= 90min; behind += 10min)
+    {
+        const sys_time<nanoseconds> time = sys_days(2024y / October / 27) + 1h + behind;
+        setLastWrite(file("f"), time);
+        const ObjPtr<OsDateTypes::DateRep> date(plain.getLastModificationTime());
+        EXPECT_EQ(countOf(*date), countOf(time)) << behind.count();
     }
 }
 

@@ -1,6 +1,7 @@
 #include "base/osFileTools.h"
 
 #include "base/exSysError.h"
+#include "base/osDateTypes.h"
 #include "base/osFileEx.h"
 #include "support/fileTest.h"
 #include "support/platform.h"
@@ -9,6 +10,7 @@
 #include <algorithm>
 #include <atomic>
 #include <cerrno>
+#include <chrono>
 #include <cstddef>
 #include <cstdint>
 #include <filesystem>
@@ -19,6 +21,7 @@
 #include <string>
 #include <system_error>
 #include <thread>
+#include <utility>
 #include <vector>
 
 namespace
@@ -195,6 +198,10 @@ TEST_F(OsFileToolsTest, TheEmptyPathRaisesEverywhere)
     EXPECT_EQ(reasonOf<Null>([&] { (void)OsFileTools::readAll(none); }), reason);
     EXPECT_EQ(reasonOf<Null>([&] { OsFileTools::replaceAll(none, "x"); }), reason);
     EXPECT_EQ(reasonOf<Null>([&] { OsFileTools::removeWithAllContents(none); }), reason);
+    EXPECT_EQ(reasonOf<Null>([&] { OsFileTools::copyWithModesAndTimes(none, at("g")); }), reason);
+    EXPECT_EQ(reasonOf<Null>([&] { OsFileTools::copyWithModesAndTimes(at("f"), none); }), reason);
+    EXPECT_EQ(reasonOf<Null>([&] { OsFileTools::copyWithModesAndTimes(pathOf(path()), none); }),
+              reason);
     EXPECT_EQ(reasonOf<Null>([&] { (void)OsFileTools::haveSameContent(none, none); }), reason);
     EXPECT_EQ(reasonOf<Null>([&] { (void)OsFileTools::haveSameContent(at("f"), none); }), reason);
     EXPECT_EQ(reasonOf<Null>([&] { (void)OsFileTools::haveSameContent(none, at("f")); }), reason);
@@ -360,6 +367,24 @@ TEST_F(OsFileToolsTest, ClosedObjectsRaise)
     }
     EXPECT_EQ(errnoOf([&] { OsFileTools::reserve64(writer, 1); }), EBADF);
     EXPECT_EQ(OsFileTools::getSize64(at("g")), 0U);
+}
+
+TEST_F(OsFileToolsTest, WriteAllWritesAnySizeBehindThePositionAndCounts)
+{
+    OsFileWriter writer(at("f"), usual, true);
+    const std::string content = bytes(mebi + 1);
+    std::uint64_t written = 4711;
+    OsFileTools::writeAll(writer, "", written);
+    EXPECT_EQ(written, 0U);
+    OsFileTools::writeAll(writer, "head", written);
+    EXPECT_EQ(written, 4U);
+    OsFileTools::writeAll(writer, content, written);
+    EXPECT_EQ(written, content.size());
+    writer.close();
+    EXPECT_TRUE(readFile(file("f")) == "head" + content);
+    written = 4711;
+    EXPECT_EQ(errnoOf([&] { OsFileTools::writeAll(writer, "x", written); }), EBADF);
+    EXPECT_EQ(written, 0U);
 }
 
 TEST_F(OsFileToolsTest, ReadAllGivesEveryByte)
@@ -628,6 +653,36 @@ TEST_F(OsFileToolsTest, RemovalOfWhatIsNotThereRaises)
                   missingReason(name));
 }
 
+// The system refuses to remove what such a path leads to, when all that was in it is gone.
+TEST_F(OsFileToolsTest, RemovalOfWhatEndsInAStepIsRefusedBeforeAnythingIsGone)
+{
+    makeTree("q");
+    makeDirectory("q/e");
+    const Tree before = treeAt(path());
+    const CurrentDirectoryGuard current(file("q/e"));
+    for (const std::string& name : {file("q/."), file("q/e/.."), file("q/./"), file("q/e/..//"),
+                                    std::string("."), std::string(".."), std::string("../")})
+    {
+        EXPECT_EQ(reasonOf<OsFileEx::ExInvalidPath>(
+                      [&] { OsFileTools::removeWithAllContents(pathOf(name)); }),
+                  "Invalid path: '" + name + "'.");
+        EXPECT_TRUE(treeAt(path()) == before) << name;
+    }
+}
+
+TEST_F(OsFileToolsTest, RemovalTakesNamesThatLookLikeSteps)
+{
+    for (const char* const name : {".hidden", "..x", "a.", "q/../r"})
+    {
+        if (onWindows && std::string(name) == "a.") continue; // there it is "a"
+        makeDirectory("q");
+        makeDirectory(std::string(name) + "/sub");
+        OsFileTools::removeWithAllContents(at(name));
+        std::filesystem::remove(file("q"));
+        EXPECT_EQ(treeAt(path()), Tree()) << name;
+    }
+}
+
 TEST_F(OsFileToolsTest, RemovalDescendsFarOrRaises)
 {
     std::string deep = "d";
@@ -645,6 +700,163 @@ TEST_F(OsFileToolsTest, RemovalDescendsFarOrRaises)
     const std::string reason =
         reasonOf<ExSysErrorWindows>([&] { OsFileTools::removeWithAllContents(at("e")); });
     EXPECT_EQ(reason.empty(), treeAt(path()).empty()) << reason;
+}
+
+TEST_F(OsFileToolsLinkTest, ReplaceAllMakesWhatADanglingLinkNames)
+{
+    if (onWindows) GTEST_SKIP() << "Windows replaces the link itself.";
+    makeDirectory("d/sub");
+    makeLink("absolute", file("d/one"));
+    makeLink("relative", "d/two");
+    makeLink("d/sub/up", "../three");
+    makeLink("first", "d/second");
+    makeLink("d/second", "sub/third");
+    makeLink("d/sub/third", "../four");
+    for (const char* const name : {"absolute", "relative", "d/sub/up", "first"})
+        OsFileTools::replaceAll(at(name), name);
+    Tree expected = {{"d", DIRECTORY_MARK},
+                     {"d/sub", DIRECTORY_MARK},
+                     {"absolute", "<link> " + file("d/one")},
+                     {"relative", "<link> d/two"},
+                     {"d/sub/up", "<link> ../three"},
+                     {"first", "<link> d/second"},
+                     {"d/second", "<link> sub/third"},
+                     {"d/sub/third", "<link> ../four"},
+                     {"d/one", "absolute"},
+                     {"d/two", "relative"},
+                     {"d/three", "d/sub/up"},
+                     {"d/four", "first"}};
+    EXPECT_EQ(treeAt(path()), expected);
+    // Now that they are there, they are replaced.
+    OsFileTools::replaceAll(at("first"), "again");
+    expected["d/four"] = "again";
+    EXPECT_EQ(treeAt(path()), expected);
+    const CurrentDirectoryGuard current(path());
+    makeLink("bare", "new");
+    OsFileTools::replaceAll(pathOf("bare"), "of bare");
+    EXPECT_EQ(readFile(file("new")), "of bare");
+    EXPECT_TRUE(std::filesystem::is_symlink(file("bare")));
+}
+
+TEST_F(OsFileToolsLinkTest, ReplaceAllThroughLinksThatLeadNowhereRaises)
+{
+    if (onWindows) GTEST_SKIP() << "Windows replaces the link itself.";
+    makeLink("loop", "loop");
+    makeLink("a", "b");
+    makeLink("b", "a");
+    makeLink("toMissing", "missing/f");
+    const Tree before = treeAt(path());
+    for (const char* const name : {"loop", "a", "b", "toMissing"})
+    {
+        EXPECT_THROW(OsFileTools::replaceAll(at(name), "x"), ExSysErrorWindows) << name;
+        EXPECT_EQ(treeAt(path()), before);
+    }
+    EXPECT_NE(reasonOf<ExSysErrorWindows>([&] { OsFileTools::replaceAll(at("loop"), "x"); })
+                  .find("symbolic links"),
+              std::string::npos);
+}
+
+TEST_F(OsFileToolsLinkTest, ReplaceAllFollowsAsManyLinksAsTheSystem)
+{
+    if (onWindows) GTEST_SKIP() << "Windows replaces the link itself.";
+    for (int i = 0; i < 41; ++i) makeLink(std::to_string(i), std::to_string(i + 1));
+    EXPECT_THROW(OsFileTools::replaceAll(at("0"), "x"), ExSysErrorWindows);
+    OsFileTools::replaceAll(at("1"), "x");
+    EXPECT_EQ(readFile(file("41")), "x");
+    EXPECT_EQ(readFile(file("1")), "x");
+}
+
+// In whole seconds, which every file system keeps.
+void setTimes(const std::string& path, int year)
+{
+    using namespace std::chrono;
+    const sys_time<nanoseconds> noon = sys_days(std::chrono::year(year) / July / 15) + hours(12);
+    std::filesystem::last_write_time(
+        path,
+        time_point_cast<std::filesystem::file_time_type::duration>(file_clock::from_sys(noon)));
+}
+
+std::filesystem::file_time_type timeOf(const std::string& path)
+{
+    return std::filesystem::last_write_time(path);
+}
+
+TEST_F(OsFileToolsTest, ACopyOfAFileKeepsItsTimes)
+{
+    makeFile("f", bytes(100000));
+    makeFile("g", "to be replaced");
+    makeDirectory("d");
+    setTimes(file("f"), 2001);
+    const ObjPtr<Zu::OsDateTypes::DateRep> accessed(OsFile(at("f")).getLastAccessTime());
+    for (const char* const name : {"new", "g", "d/f"})
+    {
+        OsFileTools::copyWithModesAndTimes(at("f"), at(std::string(name) == "d/f" ? "d" : name));
+        EXPECT_TRUE(readFile(file(name)) == bytes(100000)) << name;
+        EXPECT_EQ(timeOf(file(name)), timeOf(file("f"))) << name;
+    }
+    const ObjPtr<Zu::OsDateTypes::DateRep> again(OsFile(at("new")).getLastAccessTime());
+    EXPECT_FALSE(*again < *accessed);
+}
+
+TEST_F(OsFileToolsTest, ACopyOfATreeKeepsTheTimesOfAllThatIsInIt)
+{
+    makeTree("d");
+    int year = 1981;
+    Names names = {"d"};
+    for (const auto& [name, content] : treeAt(file("d"))) names.push_back("d/" + name);
+    // From within, as what is made in a directory changes its time.
+    std::sort(names.rbegin(), names.rend());
+    for (const std::string& name : names) setTimes(file(name), 1981 + year++ % 40);
+    makeDirectory("there");
+    OsFileTools::copyWithModesAndTimes(at("d"), at("new"));
+    OsFileTools::copyWithModesAndTimes(at("d"), at("there"));
+    // Into directories that are there already, too.
+    setTimes(file("there/d/sub"), 2020);
+    OsFileTools::copyWithModesAndTimes(at("d"), at("there"));
+    EXPECT_TRUE(treeAt(file("new")) == treeAt(file("d")));
+    EXPECT_TRUE(treeAt(file("there/d")) == treeAt(file("d")));
+    for (const std::string& name : names)
+    {
+        EXPECT_EQ(timeOf(file("new" + name.substr(1))), timeOf(file(name))) << name;
+        EXPECT_EQ(timeOf(file("there/" + name)), timeOf(file(name))) << name;
+    }
+}
+
+TEST_F(OsFileToolsTest, ACopyWithModesAndTimesIsRefusedAsOtherCopiesAre)
+{
+    makeTree("d");
+    makeFile("f");
+    const Tree before = treeAt(path());
+    EXPECT_THROW(OsFileTools::copyWithModesAndTimes(at("f"), at("f")), OsFileEx::ExInvalidPath);
+    EXPECT_THROW(OsFileTools::copyWithModesAndTimes(at("d"), at("d/sub")), OsFileEx::ExInvalidPath);
+    EXPECT_THROW(OsFileTools::copyWithModesAndTimes(at("d"), at("f")), OsFileEx::ExFileExists);
+    EXPECT_THROW(OsFileTools::copyWithModesAndTimes(at("no"), at("g")), ExSysErrorWindows);
+    EXPECT_TRUE(treeAt(path()) == before);
+}
+
+TEST_F(OsFileToolsModeTest, ACopyKeepsTheModesWhateverTheMask)
+{
+    const support::ModeMaskGuard mask(0077);
+    makeTree("d");
+    const std::vector<std::pair<std::string, unsigned int>> modes = {
+        {"/f", 0640},   {"/.hidden", 0444}, {"/sub/7", 0751},
+        {"/sub", 0775}, {"/empty", 0711},   {"", 0750}};
+    for (const auto& [name, mode] : modes) setMode("d" + name, mode);
+    // A file that is there has other ones before.
+    makeFile("g");
+    setMode("g", 0666);
+    OsFileTools::copyWithModesAndTimes(at("d/f"), at("g"));
+    EXPECT_EQ(modeOf(file("g")), 0640U);
+    OsFileTools::copyWithModesAndTimes(at("d"), at("new"));
+    for (const auto& [name, mode] : modes) EXPECT_EQ(modeOf(file("new" + name)), mode) << name;
+}
+
+TEST_F(OsFileToolsModeTest, RightsThatAFileLendsAreNotCopied)
+{
+    makeFile("f");
+    setMode("f", 06755);
+    OsFileTools::copyWithModesAndTimes(at("f"), at("g"));
+    EXPECT_EQ(modeOf(file("g")), 0755U);
 }
 
 TEST_F(OsFileToolsLinkTest, RemovalTakesLinksAndNeverWhatTheyLeadTo)
@@ -732,7 +944,11 @@ TEST_F(OsFileToolsTest, NothingStaysOpenBehindAnyTool)
         EXPECT_THROW(OsFileTools::replaceAll(at("d"), "x"), ExSysErrorWindows);
         EXPECT_THROW(OsFileTools::replaceAll(at("no/x"), "x"), ExSysErrorWindows);
         makeDirectory("tree/sub");
+        EXPECT_THROW(OsFileTools::copyWithModesAndTimes(at("no"), at("x")), ExSysErrorWindows);
+        OsFileTools::copyWithModesAndTimes(at("tree"), at("copy"));
+        OsFileTools::copyWithModesAndTimes(at("f"), at("copy"));
         OsFileTools::removeWithAllContents(at("tree"));
+        OsFileTools::removeWithAllContents(at("copy"));
     }
     OsFileTools::replaceAll(at("g"), "x");
     EXPECT_EQ(support::openHandles(), before);

@@ -240,4 +240,27 @@ TEST(OsPathText, LexicalFullPathAgreesWithStepwiseRewritingOnRandomPaths)
     }
 }
 
+TEST(OsPathText, APathEndsInANameUnlessItsLastElementIsAStepOrARoot)
+{
+    for (const char* const path : {"a", "a/", "a//", "/a", "d/a", "d/./a", "d/../a/", ".a", "..a",
+                                   "a.", "a..", "...", "d/...", "a b", " ", "a:", "d/a:", "\\."})
+        EXPECT_TRUE(Zu::osEndsInName(path, '/')) << path;
+    for (const char* const path :
+         {"", "/", "//", ".", "..", "./", "..//", "/.", "/..", "a/.", "a/./", "a/..", "a/..///"})
+    {
+        EXPECT_FALSE(Zu::osEndsInName(path, '/')) << path;
+        EXPECT_FALSE(Zu::osEndsInName(path, '\\')) << path;
+    }
+}
+
+TEST(OsPathText, WithDrivesNeitherThoseNorPointsAndBlanksAreNames)
+{
+    for (const char* const path :
+         {"a", "a\\", "C:\\a", "C:/a\\/", "C:a", "d\\.a", "..a", "a.", "a ."})
+        EXPECT_TRUE(Zu::osEndsInName(path, '\\')) << path;
+    for (const char* const path : {"\\", "C:", "C:\\", "C:/", "C:\\.", "a\\.", "a\\..", "a\\..\\",
+                                   "...", "a\\...", "a\\. .", " ", "a\\ "})
+        EXPECT_FALSE(Zu::osEndsInName(path, '\\')) << path;
+}
+
 } // namespace

@@ -26,9 +26,12 @@ enum class Call
     GET_FILE_SIZE,
     GET_FILE_TIME,
     GET_FINAL_PATH_NAME,
+    GET_HOST_NAME,
+    GET_USER_NAME,
     MOVE_FILE,
     // Nothing is read, and nothing is written.
     READ_FILE,
+    SET_FILE_TIME,
     WRITE_FILE,
     SET_END_OF_FILE,
     SET_FILE_POINTER,
@@ -47,8 +50,16 @@ enum class Call
     STATFS,
     RENAMEAT2,
     RENAME,
-    OPENDIR,
+    FCHMOD,
+    // The first call changes the group, the second one the owner.
+    FCHOWN,
+    FDOPENDIR,
+    FSTAT,
+    FUTIMENS,
     READDIR,
+    GETHOSTNAME,
+    // What is left is what was asked for but for a second. The error 0 lets it end at once.
+    NANOSLEEP,
     // The error 0 means that there is no such user.
     GETPWUID_R,
 #endif
@@ -174,7 +185,11 @@ private:
     std::uint32_t _old;
 };
 
+// How many whole seconds the last call of NANOSLEEP that was to fail was asked for.
+std::int64_t secondsOfLastSleep();
+
 void makeFifo(const std::string& path);
+void makeSocket(const std::string& path);
 
 #endif
 

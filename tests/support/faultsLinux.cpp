@@ -7,6 +7,7 @@
 #include <cstdarg>
 #include <cstdio>
 #include <cstdlib>
+#include <ctime>
 #include <dirent.h>
 #include <limits>
 #include <pwd.h>
@@ -30,6 +31,7 @@ time_t falseTime = 0;
 bool isVolumeFalse = false;
 std::uint32_t falseType = 0;
 std::uint32_t falseBlockSize = 0;
+std::int64_t lastSleep = 0;
 
 // Whether this call is to fail; errno is then set.
 bool fails(Call call)
@@ -55,8 +57,14 @@ extern "C"
     int __real_statfs(const char* path, struct statfs* status);
     long __real_syscall(long number, ...);
     int __real_rename(const char* from, const char* to);
-    DIR* __real_opendir(const char* path);
+    int __real_fstat(int descriptor, struct stat* status);
+    int __real_fchmod(int descriptor, mode_t mode);
+    int __real_fchown(int descriptor, uid_t owner, gid_t group);
+    int __real_futimens(int descriptor, const timespec times[2]);
+    DIR* __real_fdopendir(int descriptor);
     dirent* __real_readdir(DIR* directory);
+    int __real_gethostname(char* name, size_t size);
+    int __real_nanosleep(const timespec* time, timespec* left);
     int __real_getpwuid_r(uid_t user, passwd* entry, char* buffer, size_t size, passwd** result);
 
     int __wrap_open(const char* path, int flags, ...)
@@ -149,9 +157,42 @@ extern "C"
         return fails(Call::RENAME) ? -1 : __real_rename(from, to);
     }
 
-    DIR* __wrap_opendir(const char* path)
+    int __wrap_fstat(int descriptor, struct stat* status)
     {
-        return fails(Call::OPENDIR) ? nullptr : __real_opendir(path);
+        return fails(Call::FSTAT) ? -1 : __real_fstat(descriptor, status);
+    }
+
+    int __wrap_fchmod(int descriptor, mode_t mode)
+    {
+        return fails(Call::FCHMOD) ? -1 : __real_fchmod(descriptor, mode);
+    }
+
+    int __wrap_fchown(int descriptor, uid_t owner, gid_t group)
+    {
+        return fails(Call::FCHOWN) ? -1 : __real_fchown(descriptor, owner, group);
+    }
+
+    int __wrap_futimens(int descriptor, const timespec times[2])
+    {
+        return fails(Call::FUTIMENS) ? -1 : __real_futimens(descriptor, times);
+    }
+
+    DIR* __wrap_fdopendir(int descriptor)
+    {
+        return fails(Call::FDOPENDIR) ? nullptr : __real_fdopendir(descriptor);
+    }
+
+    int __wrap_gethostname(char* name, size_t size)
+    {
+        return fails(Call::GETHOSTNAME) ? -1 : __real_gethostname(name, size);
+    }
+
+    int __wrap_nanosleep(const timespec* time, timespec* left)
+    {
+        if (!support::isToFail(Call::NANOSLEEP, errno)) return __real_nanosleep(time, left);
+        lastSleep = time->tv_sec;
+        *left = {time->tv_sec - 1, time->tv_nsec};
+        return errno == 0 ? 0 : -1;
     }
 
     dirent* __wrap_readdir(DIR* directory)
@@ -172,6 +213,11 @@ extern "C"
 
 namespace support
 {
+
+std::int64_t secondsOfLastSleep()
+{
+    return lastSleep;
+}
 
 TransferLimit::TransferLimit(std::size_t bytes)
 {
@@ -241,6 +287,12 @@ OrdinaryUser::~OrdinaryUser()
 void makeFifo(const std::string& path)
 {
     if (mkfifo(path.c_str(), 0600) != 0) throw std::runtime_error("no FIFO can be made");
+}
+
+void makeSocket(const std::string& path)
+{
+    if (mknod(path.c_str(), S_IFSOCK | 0600, 0) != 0)
+        throw std::runtime_error("no socket can be made");
 }
 
 } // namespace support

@@ -46,10 +46,14 @@ ZU_TEST_WRAP(GetFileTime, (HANDLE a, LPFILETIME b, LPFILETIME c, LPFILETIME d), 
              GET_FILE_TIME, FALSE)
 ZU_TEST_WRAP(GetFinalPathNameByHandleA, (HANDLE a, LPSTR b, DWORD c, DWORD d), (a, b, c, d),
              GET_FINAL_PATH_NAME, 0)
+ZU_TEST_WRAP(GetComputerNameA, (LPSTR a, LPDWORD b), (a, b), GET_HOST_NAME, FALSE)
+ZU_TEST_WRAP(GetUserNameA, (LPSTR a, LPDWORD b), (a, b), GET_USER_NAME, FALSE)
 ZU_TEST_WRAP(MoveFileExA, (LPCSTR a, LPCSTR b, DWORD c), (a, b, c), MOVE_FILE, FALSE)
 ZU_TEST_WRAP(SetEndOfFile, (HANDLE a), (a), SET_END_OF_FILE, FALSE)
 ZU_TEST_WRAP(SetFilePointerEx, (HANDLE a, LARGE_INTEGER b, PLARGE_INTEGER c, DWORD d), (a, b, c, d),
              SET_FILE_POINTER, FALSE)
+ZU_TEST_WRAP(SetFileTime, (HANDLE a, const FILETIME* b, const FILETIME* c, const FILETIME* d),
+             (a, b, c, d), SET_FILE_TIME, FALSE)
 
 #undef ZU_TEST_WRAP
 
