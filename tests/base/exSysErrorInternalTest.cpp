@@ -86,10 +86,13 @@ TEST(ExSysErrorWindows, TheCodeStaysWhenTheLastErrorChanges)
     EXPECT_STREQ(error.what(), reason.c_str());
 }
 
-TEST(ExSysErrorWindows, ACodeThatThePlatformDoesNotKnowIsCarriedTheSame)
+TEST(ExSysErrorWindows, ACodeThatThePlatformDoesNotKnowIsCarriedAndToldTheSame)
 {
     Zu::setLastSystemCode(0x2abcdef);
-    EXPECT_EQ(Zu::ExSysErrorWindows("a.cpp", 1).getErrorCode(), 0x2abcdef);
+    const Zu::ExSysErrorWindows error("a.cpp", 1);
+    EXPECT_EQ(error.getErrorCode(), 0x2abcdef);
+    EXPECT_STREQ(error.getReason(), "Unknown error 44813807");
+    EXPECT_STREQ(error.what(), "Unknown error 44813807");
 }
 
 TEST(SystemCode, TheTextFitsTheBufferThatItIsGiven)

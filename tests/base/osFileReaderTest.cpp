@@ -360,10 +360,13 @@ TEST_F(OsFileReaderTest, ADirectoryCanNotBeRead)
 TEST_F(OsFileReaderTest, TheDestructorClosesTheFile)
 {
     const OsFilePath path = made("content");
+    const std::size_t before = support::openHandles();
     {
         const OsFileReader reader(path);
+        EXPECT_EQ(support::openHandles(), before + 1);
     }
-    // An open file is not removed on Windows, and has its descriptor on Linux.
+    EXPECT_EQ(support::openHandles(), before);
+    // An open file is not removed on Windows.
     EXPECT_TRUE(std::filesystem::remove(file("f")));
 }
 

@@ -378,10 +378,13 @@ TEST_F(OsFileWriterTest, EveryOperationOnAClosedWriterRaisesThatTheHandleIsBad)
 
 TEST_F(OsFileWriterTest, TheDestructorClosesTheFile)
 {
+    const std::size_t before = support::openHandles();
     {
         OsFileWriter writer(path(), usual, false);
         writeTo(writer, "content");
+        EXPECT_EQ(support::openHandles(), before + 1);
     }
+    EXPECT_EQ(support::openHandles(), before);
     EXPECT_EQ(readFile(file("f")), "content");
     // An open file is not renamed on Windows.
     std::filesystem::rename(file("f"), file("g"));
@@ -390,6 +393,7 @@ TEST_F(OsFileWriterTest, TheDestructorClosesTheFile)
 
 TEST_F(OsFileWriterTest, TheDestructorClosesTheFileWhileAnExceptionPasses)
 {
+    const std::size_t before = support::openHandles();
     try
     {
         OsFileWriter writer(path(), usual, false);
@@ -400,6 +404,7 @@ TEST_F(OsFileWriterTest, TheDestructorClosesTheFileWhileAnExceptionPasses)
     {
         EXPECT_STREQ(ex.what(), "passing");
     }
+    EXPECT_EQ(support::openHandles(), before);
     std::filesystem::rename(file("f"), file("g"));
     EXPECT_EQ(readFile(file("g")), "content");
 }
