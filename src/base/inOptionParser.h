@@ -42,7 +42,9 @@ public:
     /// Splits the first sub-option off the text at `*optionp`, in place: a name, perhaps "=" and a
     /// value, up to a comma or the end. Moves `*optionp` behind it and returns the name's index in
     /// `tokens`, a null-terminated array, with `*valuep` on the value or null. A name that is not
-    /// in the table gives -1, with `*valuep` on the name.
+    /// in the table gives -1, with `*valuep` on the name. A comma at the end leaves `*optionp` where
+    /// no comma would, on the end of the text: who goes on while there is text meets no empty
+    /// sub-option there. One between two commas, and the empty text, are sub-options without a name.
     static int getSubOption(char** optionp, char* const* tokens, char** valuep);
 
 private:

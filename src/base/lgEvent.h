@@ -15,6 +15,7 @@
 #include "xGlue.h"
 
 #include <type_traits>
+#include <utility>
 
 namespace Zu
 {
@@ -29,6 +30,14 @@ public:
     void insertInto(LgStream&) const {}
 };
 
+/// @{
+/// Whether LgStream has an insertion operator for a type, in what was included.
+template <class T, class = void> inline constexpr bool lgIsInsertable = false;
+template <class T>
+inline constexpr bool lgIsInsertable<
+    T, std::void_t<decltype(std::declval<LgStream&>() << std::declval<const T&>())>> = true;
+/// @}
+
 /// The parts before one operand, and that operand.
 template <class Before, class Part> class LgMoreParts
 {
@@ -40,7 +49,8 @@ public:
     void insertInto(LgStream& stream) const
     {
         _before.insertInto(stream);
-        stream << _part;
+        // What can't be inserted has been reported where it stands.
+        if constexpr (lgIsInsertable<std::remove_reference_t<Part>>) stream << _part;
     }
 
 private:
@@ -69,6 +79,9 @@ LgMoreParts<Before, LgKeptPart<T>> operator<<(const Before& before, const T& par
 {
     static_assert(!std::is_function_v<T>, "a log statement takes no manipulators: it ends its text "
                                           "itself");
+    static_assert(lgIsInsertable<T>,
+                  "LgStream has no insertion operator for this type; lgStdText.h "
+                  "and lgBaseText.h have some");
     return {before, part};
 }
 
@@ -76,6 +89,9 @@ template <class Before, class T, class = std::enable_if_t<lgIsParts<Before>>,
           class = std::enable_if_t<std::is_arithmetic_v<T> || std::is_enum_v<T>>, class = void>
 LgMoreParts<Before, LgKeptPart<T>> operator<<(const Before& before, T part)
 {
+    static_assert(lgIsInsertable<T>,
+                  "LgStream has no insertion operator for this type; lgStdText.h "
+                  "and lgBaseText.h have some");
     return {before, part};
 }
 /// @}
@@ -182,7 +198,7 @@ private:
 /// Declares a minor group, in a header, so that several sources can log into it. This one and the
 /// next stand outside of functions, in the namespace of the subsystem.
 #define ZU_DECLARE_LOG_GROUP(name)                                                                 \
-    namespace LgGroups                                                                             \
+    inline namespace LgGroups                                                                      \
     {                                                                                              \
     extern ::Zu::LgMinorGroup* ZU_XGLUE(MinorLevel, name);                                         \
     }                                                                                              \
@@ -192,7 +208,7 @@ private:
 /// declaration.
 #define ZU_DEFINE_LOG_GROUP(name)                                                                  \
     ZU_DECLARE_LOG_GROUP(name);                                                                    \
-    namespace LgGroups                                                                             \
+    inline namespace LgGroups                                                                      \
     {                                                                                              \
     ::Zu::LgMinorGroup* ZU_XGLUE(MinorLevel, name) = nullptr;                                      \
     }                                                                                              \
@@ -202,18 +218,17 @@ private:
 /// the subsystem's package, which depends on "logger". A group that stands already raises
 /// ExInternalError "Assertion 'LgGroups::ZU_XGLUE( MinorLevel, <name> ) == 0' failed."
 #define ZU_START_LOG_GROUP(major, name)                                                            \
-    (ZU_ASSERT_TEXT(LgGroups::ZU_XGLUE(MinorLevel, name) == nullptr,                               \
+    (ZU_ASSERT_TEXT(ZU_XGLUE(MinorLevel, name) == nullptr,                                         \
                     "LgGroups::ZU_XGLUE( MinorLevel, " #name " ) == 0"),                           \
-     static_cast<void>(LgGroups::ZU_XGLUE(MinorLevel, name) = new ::Zu::LgMinorGroup(              \
+     static_cast<void>(ZU_XGLUE(MinorLevel, name) = new ::Zu::LgMinorGroup(                        \
                            ::Zu::LgMajorGroup::getInstanceForName(major), #name)))
 
 /// Ends a minor group, in the shut-down of the subsystem's package. A group that was not started
 /// raises ExInternalError "Assertion 'LgGroups::ZU_XGLUE( MinorLevel, <name> ) != 0' failed."
 #define ZU_STOP_LOG_GROUP(name)                                                                    \
-    (ZU_ASSERT_TEXT(LgGroups::ZU_XGLUE(MinorLevel, name) != nullptr,                               \
+    (ZU_ASSERT_TEXT(ZU_XGLUE(MinorLevel, name) != nullptr,                                         \
                     "LgGroups::ZU_XGLUE( MinorLevel, " #name " ) != 0"),                           \
-     delete LgGroups::ZU_XGLUE(MinorLevel, name),                                                  \
-     static_cast<void>(LgGroups::ZU_XGLUE(MinorLevel, name) = nullptr))
+     delete ZU_XGLUE(MinorLevel, name), static_cast<void>(ZU_XGLUE(MinorLevel, name) = nullptr))
 
 /// Logs an event of a level into a minor group: ZU_LOG(Query, level, "took " << seconds << " s").
 /// When the group does not let the level through, nothing of the operands is evaluated. While the
@@ -233,7 +248,7 @@ private:
 #define ZU_LOG_NAMED(event, group, level, ...)                                                     \
     do                                                                                             \
     {                                                                                              \
-        const ::Zu::LgEvent event(LgGroups::ZU_XGLUE(MinorLevel, group), level);                   \
+        const ::Zu::LgEvent event(ZU_XGLUE(MinorLevel, group), level);                             \
         if (event.isEnabled()) event.write(::Zu::LgParts() << __VA_ARGS__);                        \
     } while (false)
 

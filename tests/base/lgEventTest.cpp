@@ -2,11 +2,16 @@
 
 #include "base/exInternalError.h"
 #include "base/hwCounter.h"
+#include "base/lgBaseText.h"
+#include "base/lgFormat.h"
+#include "base/lgStdText.h"
 #include "base/lgTrace.h"
 #include "base/osCpuInfo.h"
+#include "base/rational.h"
 #include "support/streamCapture.h"
 
 #include <algorithm>
+#include <chrono>
 #include <cstddef>
 #include <cstdio>
 #include <functional>
@@ -15,6 +20,7 @@
 #include <iostream>
 #include <limits>
 #include <map>
+#include <optional>
 #include <stdexcept>
 #include <string>
 #include <string_view>
@@ -97,6 +103,49 @@ void log()
 }
 
 } // namespace lgEventTestShapes
+
+// A subsystem that logs into groups of others, by using their namespaces, and into its own.
+namespace lgEventTestUser
+{
+
+namespace other
+{
+ZU_DEFINE_LOG_GROUP(Others);
+} // namespace other
+
+using namespace lgEventTestShapes;
+using namespace other;
+
+ZU_DEFINE_LOG_GROUP(Users);
+
+namespace inner
+{
+
+ZU_DEFINE_LOG_GROUP(Inners);
+
+void log()
+{
+    ZU_LOG_WARNING(Circles, "of shapes");
+    ZU_LOG_WARNING(Others, "of another");
+    ZU_LOG_WARNING(Users, "of the namespace around");
+    ZU_LOG_WARNING(Inners, "of its own");
+}
+
+} // namespace inner
+
+void run()
+{
+    ZU_START_LOG_GROUP("User", Others);
+    ZU_START_LOG_GROUP("User", Users);
+    using namespace inner;
+    ZU_START_LOG_GROUP("User", Inners);
+    log();
+    ZU_STOP_LOG_GROUP(Others);
+    ZU_STOP_LOG_GROUP(Users);
+    ZU_STOP_LOG_GROUP(Inners);
+}
+
+} // namespace lgEventTestUser
 
 namespace
 {
@@ -463,6 +512,23 @@ TEST_F(LgEventTest, EachNamespaceHasItsGroups)
     shapes::log();
     ZU_LOG_WARNING(Query, "still on");
     EXPECT_EQ(takeAll(_queue), (Texts{"Query still on"}));
+}
+
+TEST_F(LgEventTest, AStatementFindsTheGroupsOfNamespacesAroundItAndThoseThatItUses)
+{
+    lgEventTestUser::run();
+    EXPECT_EQ(takeAll(_queue), (Texts{"Circles of shapes", "Others of another",
+                                      "Users of the namespace around", "Inners of its own"}));
+}
+
+TEST_F(LgEventTest, OperandsMayBeValuesOfTheLibrariesAndNumbersInOtherForms)
+{
+    using namespace std::chrono_literals;
+    const std::optional<int> none;
+    ZU_LOG_WARNING(Query, Zu::Rational(1, 2) << ' ' << 250ms << ' ' << none << ' '
+                                             << Zu::lgWidth(Zu::lgHex(255), 4, '0') << ' '
+                                             << Zu::lgDecimals(2.0 / 3, 2));
+    EXPECT_EQ(takeAll(_queue), (Texts{"Query (1/2=0.5) 250ms (none) 00ff 0.67"}));
 }
 
 TEST_F(LgEventTest, EachThreadLogsIntoItsOwnQueue)

@@ -2,12 +2,15 @@
 // process and under locales with a comma and groups, and writes the same bytes.
 
 #include "base/base.h"
+#include "base/lgStdText.h"
 
 #include "support/commaLocale.h"
 #include "support/logTest.h"
+#include "support/ringText.h"
 #include "support/streamCapture.h"
 
 #include <cerrno>
+#include <chrono>
 #include <cstdint>
 #include <cstdio>
 #include <filesystem>
@@ -18,6 +21,8 @@
 #include <ostream>
 #include <sstream>
 #include <string>
+#include <system_error>
+#include <thread>
 #include <utility>
 #include <vector>
 
@@ -29,6 +34,7 @@ namespace
 {
 
 using support::coutOf;
+using support::ringTextOf;
 
 // What an operation writes, as one text.
 struct Operation
@@ -76,15 +82,6 @@ std::string withoutDate(const std::string& text)
     for (std::string line; std::getline(lines, line);)
         result += line.find("Started on") == std::string::npos ? withoutDigits(line) + "\n" : "\n";
     return result;
-}
-
-template <class T> std::string ringTextOf(const T& value)
-{
-    Zu::LgStream stream;
-    stream << value << Zu::ends;
-    std::vector<char> text(32768);
-    stream >> text.data();
-    return text.data();
 }
 
 class FixedProfiler : public Zu::ProfilerBase
@@ -216,6 +213,21 @@ std::string traceTexts()
     return text;
 }
 
+// Those that have insertion operators of their own for the log.
+std::string valuesInTheLog()
+{
+    using namespace std::chrono_literals;
+    const Zu::Rational rate(1234567, 1001);
+    return ringTextOf(rate) + ringTextOf(Zu::DtTime(Zu::DtTimeIndex(1234567), rate)) +
+           ringTextOf(Zu::Interval<double>(-1234.5, 1234567.25)) + ringTextOf(refTime()) +
+           ringTextOf(Zu::lgHex(0x1234567)) + ringTextOf(Zu::lgDecimals(12345.678, 2)) +
+           ringTextOf(Zu::lgShortest(12345.678)) + ringTextOf(Zu::lgWidth(1234567, 12)) +
+           ringTextOf(1234567ms) + ringTextOf(std::chrono::duration<double>(12345.5)) +
+           ringTextOf(std::chrono::system_clock::time_point(1795364708125ms)) +
+           ringTextOf(std::error_code(12345, std::generic_category())) +
+           ringTextOf(std::this_thread::get_id());
+}
+
 // Statements of all kinds of numbers, as lines of standard output.
 std::string directLines()
 {
@@ -309,6 +321,7 @@ std::vector<Operation> operations()
          [] { return ringTextOf(1.5L) + ringTextOf(-1234567.125L) + ringTextOf(1e4000L); }},
         {"integer in the log", [] { return ringTextOf(1234567) + ringTextOf(-7654321012345LL); }},
         {"bool in the log", [] { return ringTextOf(true); }},
+        {"values in the log", valuesInTheLog},
         {"histogram of double", histogramTexts<double>},
         {"histogram of float", histogramTexts<float>},
         {"histogram of two dimensions", histogramBiTexts<double>},

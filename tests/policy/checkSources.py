@@ -100,7 +100,7 @@ def checkPublicHeaders(table, sources, errors):
     included = {name for _, name, _ in umbrella.includes()}
     for row in table.rows.values():
         # What one platform alone has is not for everybody.
-        if row.access in ("internal", "public-on-Windows") or row.folder != "base":
+        if row.access in ("internal", "public-apart", "public-on-Windows") or row.folder != "base":
             continue
         if row.file("h") not in included | {umbrella.name}:
             errors.add(umbrella.shown, 1, "umbrella",

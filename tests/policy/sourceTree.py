@@ -89,7 +89,7 @@ class Row:
 
     FORM = re.compile(
         r"(?P<level>\d) (?P<name>\w+)"
-        r" +(?P<access>public|public-with-imp|public-on-Windows|internal)"
+        r" +(?P<access>public|public-with-imp|public-apart|public-on-Windows|internal)"
         r" +(?P<kinds>\w+(?: \w+)*) +(?P<test>tested|tested-inside|tested-alone|-)"
         r"(?: of (?P<component>\w+))?(?: : (?P<reason>\S.*))?")
     SUFFIXES = {"h": ".h", "imp": ".imp", "cpp": ".cpp", "Linux": "Linux.cpp",
