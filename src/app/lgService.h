@@ -29,6 +29,10 @@ class LgServiceReader;
 /// LgService, or for any LgReader that the application runs then. So that nothing dangles, the
 /// kit's registry and queue function stay with the logger when the service has ended.
 ///
+/// A `std::exit()` does not end objects of functions. A service that stands in one does not write
+/// what waits then: those events are lost, and the log files have no last line. Who leaves the
+/// process that way ends the service first, for instance one that a `std::optional` holds.
+///
 /// After a fork() the child has no service: its log statements write to standard output, the end of
 /// the object does nothing there, and a new one can't be made; it can if none lived at the fork.
 /// Events that waited at the fork are written by the parent, and by nobody else.

@@ -42,9 +42,9 @@ public:
     /// Splits the first sub-option off the text at `*optionp`, in place: a name, perhaps "=" and a
     /// value, up to a comma or the end. Moves `*optionp` behind it and returns the name's index in
     /// `tokens`, a null-terminated array, with `*valuep` on the value or null. A name that is not
-    /// in the table gives -1, with `*valuep` on the name. A comma at the end leaves `*optionp` where
-    /// no comma would, on the end of the text: who goes on while there is text meets no empty
-    /// sub-option there. One between two commas, and the empty text, are sub-options without a name.
+    /// in the table gives -1, with `*valuep` on the name. A comma at the end of the text is no more
+    /// than an end: who goes on while there is text meets no empty sub-option behind it. What
+    /// stands between two commas, and an empty text, are sub-options whose name is empty.
     static int getSubOption(char** optionp, char* const* tokens, char** valuep);
 
 private:

@@ -15,8 +15,8 @@ namespace Zu
 class LgStream;
 
 /// A number and the form that a log statement shows it in, made by the functions below:
-/// ZU_LOG_WARNING(Query, "at " << Zu::lgWidth(Zu::lgHex(address), 16, '0')). The text is made when it
-/// is inserted, without the heap and by no locale.
+/// ZU_LOG_WARNING(Query, "at " << Zu::lgWidth(Zu::lgHex(address), 16, '0')). The text is made when
+/// it is inserted, without the heap and by no locale.
 class LgNumber
 {
     friend ZU_BASE_API LgStream& operator<<(LgStream& stream, const LgNumber& number);

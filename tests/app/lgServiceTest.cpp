@@ -428,21 +428,16 @@ TEST(LgServiceProgram, WritesAllBeforeAnOrderlyEnd)
     EXPECT_EQ(fileTexts(dir.file("events.log")).size(), 300U);
 }
 
-TEST(LgServiceProgram, AProcessWithoutALockNameWaitsForNobody)
+TEST(LgServiceProgram, AProcessWithoutALockNameTakesNoLock)
 {
     const support::TempDir dir;
-    const std::string name = "zuHeldLock" + std::to_string(support::processId());
-    const std::unique_ptr<Zu::LgInterProcessLock> lock(
-        Zu::LgInterProcessLock::create(name.c_str()));
-    lock->lock();
-    const support::ProgramResult result =
-        support::runProgram("serviceProgram", {"threads"},
-                            {{"B7Q_TEST_DIR", dir.path()},
-                             {"ZU_LOG_WARNING", "+" + dir.file("shared.log")},
-                             {"ZU_INTERNAL_INTERPROCESS_LOG_LOCK", std::nullopt}});
-    lock->unlock();
-    EXPECT_EQ(result.exitCode, 0);
-    EXPECT_EQ(fileTexts(dir.file("shared.log")).size(), 300U);
+    support::Environment environment{{"B7Q_TEST_DIR", dir.path()},
+                                     {"ZU_LOG_WARNING", "+" + dir.file("shared.log")},
+                                     {"ZU_INTERNAL_INTERPROCESS_LOG_LOCK", std::nullopt}};
+    EXPECT_EQ(support::runProgram("serviceProgram", {"lock"}, environment).out, "no lock\n");
+    environment["ZU_INTERNAL_INTERPROCESS_LOG_LOCK"] =
+        "zuNamedLock" + std::to_string(support::processId());
+    EXPECT_EQ(support::runProgram("serviceProgram", {"lock"}, environment).out, "a lock\n");
 }
 
 TEST(LgServiceProgram, MayExitWhileTheServiceLivesAndAThreadLogs)

@@ -2,6 +2,9 @@
 
 #include "base/exInternalError.h"
 #include "base/lgMinorGroup.h"
+#include "base/lmLibraries.h"
+
+#include "support/logTest.h"
 
 #include <gtest/gtest.h>
 #include <iomanip>
@@ -219,6 +222,25 @@ TEST_F(LgMajorGroupTest, PrintsTheSameOnAnyStreamAndPutsItsFormatBack)
     EXPECT_EQ(os.flags(), flags);
     EXPECT_EQ(os.width(), 40);
     EXPECT_EQ(os.fill(), '*');
+}
+
+// Nothing reads them: they are for who looks into the library.
+TEST_F(LgMajorGroupTest, TheUsageOfBothVariablesStandsInTheLibrary)
+{
+    std::string bytes;
+    for (const Zu::LmLibrary& library : Zu::LmLibraries::getList())
+    {
+        const std::string path = library._path.get();
+        if (path.find("libZUbase") != std::string::npos) bytes += support::bytesOf(path);
+    }
+    ASSERT_FALSE(bytes.empty());
+    // Put together here, so that no other copy is found.
+    const std::string command = "setenv ";
+    const std::string texts[] = {
+        command + "ZU_LOG_DEFAULT_LEVEL Tracing",
+        command + "ZU_LOG_GROUPS Database=Warning,UI=Informational,Radiosity=Profiling"};
+    for (const std::string& text : texts)
+        EXPECT_NE(bytes.find('\0' + text + '\0'), std::string::npos) << text;
 }
 
 TEST_F(LgMajorGroupTest, AMinorGroupMayOutliveItsMajorGroup)

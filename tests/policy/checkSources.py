@@ -99,7 +99,7 @@ def checkPublicHeaders(table, sources, errors):
         errors.add(umbrella.shown, 1, "public", "is not listed as public")
     included = {name for _, name, _ in umbrella.includes()}
     for row in table.rows.values():
-        # What one platform alone has is not for everybody.
+        # What one platform alone has is not for everybody, nor is what costs time to compile.
         if row.access in ("internal", "public-apart", "public-on-Windows") or row.folder != "base":
             continue
         if row.file("h") not in included | {umbrella.name}:

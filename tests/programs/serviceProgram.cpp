@@ -74,6 +74,11 @@ void logFromThreads()
     std::exit(7);
 }
 
+void tellLock()
+{
+    std::cout << (Zu::LgLog::getInterProcessLock() ? "a lock" : "no lock") << std::endl;
+}
+
 // A child of a fork goes on beside threads that it does not have. Its exit value says where it is.
 int forkInTheMiddle()
 {
@@ -176,6 +181,7 @@ int run(const std::string& what, char** words)
     int result = 0;
     if (what == "threads") logFromThreads();
     if (what == "exit") exitInTheMiddle();
+    if (what == "lock") tellLock();
     if (what == "fork") result = forkInTheMiddle();
     if (what == "forkBetween") result = forkBetweenServices();
     ZU_STOP_LOG_GROUP(Service);
