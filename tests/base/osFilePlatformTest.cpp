@@ -207,6 +207,34 @@ TEST_F(OsFilePlatformTest, APlainFileIsNoDeviceAndNothing)
     EXPECT_EQ(Platform::close(device), Platform::Closed::Done);
 }
 
+TEST_F(OsFilePlatformTest, TimesOfAFileAndOfADirectoryCanBeSetAndAreTold)
+{
+    std::filesystem::create_directory(file("d"));
+    const Platform::Handle handles[] = {
+        Platform::openExisting(made("f", "").c_str(),
+                               OsFileTypes::AccessRead | OsFileTypes::AccessWrite),
+        Platform::openDirectory(file("d").c_str(), OsFileTypes::AccessWrite)};
+    for (const Platform::Handle handle : handles)
+    {
+        ASSERT_NE(handle, Platform::NONE);
+        Platform::Attributes attributes;
+        ASSERT_TRUE(Platform::attributesOf(handle, attributes));
+        // The lower half of a count of Windows, and seconds of Linux.
+        attributes._modified[0] = 500000000;
+        attributes._accessed[0] = 400000000;
+        EXPECT_TRUE(Platform::setAttributes(handle, attributes));
+        Platform::Attributes found;
+        ASSERT_TRUE(Platform::attributesOf(handle, found));
+        EXPECT_EQ(found._modified[0], 500000000);
+        EXPECT_EQ(found._modified[1], attributes._modified[1]);
+        EXPECT_EQ(found._accessed[0], 400000000);
+        EXPECT_EQ(found._mode, attributes._mode);
+        EXPECT_EQ(Platform::close(handle), Platform::Closed::Done);
+    }
+    EXPECT_EQ(Platform::openDirectory(file("missing").c_str(), OsFileTypes::AccessRead),
+              Platform::NONE);
+}
+
 TEST_F(OsFilePlatformLinuxTest, OnlyLinksHaveATarget)
 {
     const std::string longest(255, 'n');

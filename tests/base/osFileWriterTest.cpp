@@ -393,16 +393,21 @@ TEST_F(OsFileWriterTest, TheDestructorClosesTheFile)
 
 TEST_F(OsFileWriterTest, TheDestructorClosesTheFileWhileAnExceptionPasses)
 {
-    const std::size_t before = support::openHandles();
-    try
+    std::size_t before = 0;
+    // The system keeps what the first exception opens.
+    for (int round = 0; round < 2; ++round)
     {
-        OsFileWriter writer(path(), usual, false);
-        writeTo(writer, "content");
-        throw std::runtime_error("passing");
-    }
-    catch (const std::runtime_error& ex)
-    {
-        EXPECT_STREQ(ex.what(), "passing");
+        before = support::openHandles();
+        try
+        {
+            OsFileWriter writer(path(), usual, false);
+            writeTo(writer, "content");
+            throw std::runtime_error("passing");
+        }
+        catch (const std::runtime_error& ex)
+        {
+            EXPECT_STREQ(ex.what(), "passing");
+        }
     }
     EXPECT_EQ(support::openHandles(), before);
     std::filesystem::rename(file("f"), file("g"));
