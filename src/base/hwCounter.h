@@ -8,6 +8,7 @@
 #include "hwCounterEng.h"
 #include "inInit.h"
 
+#include <atomic>
 #include <cstdint>
 #include <iosfwd>
 
@@ -15,11 +16,11 @@ namespace Zu
 {
 
 /// A steadily rising 64-bit tick count of a known rate, which the platform states; the library
-/// never measures it. The package "profiling" brings it up.
+/// never measures it. The package "profiling" brings it up; a call before that, as of a static
+/// object, makes the same engine.
 ///
-/// Thread-safety: once the engine is made, any thread may read. Two threads that make the first
-/// call together may each make an engine, of which one is lost; init() from one thread settles
-/// that. The engine lives to the end of the process.
+/// Thread-safety: any thread may make any call, also the first one. The engine lives to the end of
+/// the process.
 ///
 /// Cost: a pointer load, a virtual call and a shift beside the platform's own call.
 class ZU_BASE_API HwCounter
@@ -30,7 +31,8 @@ class ZU_BASE_API HwCounter
 public:
     HwCounter() = delete;
 
-    /// Makes the engine if there is none. OsCpuInfo::initialize() must have run before.
+    /// Makes the engine if there is none, for the frequency that the platform states. Raises
+    /// ExSysErrorANSI if the platform has no counter.
     static void init();
 
     /// The current tick count. Makes the engine if there is none.
@@ -59,20 +61,26 @@ private:
     // The same for callers that have made sure of the engine.
     static std::uint64_t timeStampInline()
     {
-        return _theHwCounter->timeStamp();
+        return engine()->timeStamp();
     }
 
     static double secondsInline()
     {
-        return _theHwCounter->seconds();
+        return engine()->seconds();
     }
 
     static double secondsInline(std::uint64_t start, std::uint64_t end)
     {
-        return _theHwCounter->seconds(start, end);
+        return engine()->seconds(start, end);
     }
 
-    static HwCounterEng* _theHwCounter;
+    // Acquires what the thread that made the engine has written; a plain load on this processor.
+    static HwCounterEng* engine()
+    {
+        return _theHwCounter.load(std::memory_order_acquire);
+    }
+
+    static std::atomic<HwCounterEng*> _theHwCounter;
 };
 
 } // namespace Zu

@@ -45,6 +45,9 @@ public:
     /// Makes the platform's engine, owned by the caller. The frequency of the counter must be
     /// known: OsCpuInfo::initialize() comes first.
     static HwCounterEng* create();
+
+    /// The same for a counter of this frequency, in ticks per second, which must not be 0.
+    static HwCounterEng* create(std::uint64_t frequency);
 };
 
 } // namespace Zu

@@ -31,7 +31,12 @@ HwCounterRate hwCounterRate(std::uint64_t frequency)
 // The engine of this platform.
 HwCounterEng* HwCounterEng::create()
 {
-    const HwCounterRate rate = hwCounterRate(OsCpuInfo::getHwCounterFrequency());
+    return create(OsCpuInfo::getHwCounterFrequency());
+}
+
+HwCounterEng* HwCounterEng::create(std::uint64_t frequency)
+{
+    const HwCounterRate rate = hwCounterRate(frequency);
     return new HwCounterIA32(rate._numerator, 1, rate._shift);
 }
 

@@ -18,7 +18,8 @@ template <> InInit<ZuInit::profiling>::InInit() : InPackageInit("profiling")
 template <> void InInit<ZuInit::profiling>::performInitialize()
 {
     // Deliberately without a look at an engine that an early reader has made: others may hold it.
-    HwCounter::_theHwCounter = HwCounterEng::create();
+    // Releases the new engine to the loads of HwCounter::engine().
+    HwCounter::_theHwCounter.store(HwCounterEng::create(), std::memory_order_release);
     InSingleton<Sleeper>::create(Sleeper::create());
 }
 

@@ -105,16 +105,68 @@ TEST(HwCounter, TheFirstCallOfEachKindMakesTheEngine)
     EXPECT_EQ(support::linesOf(dump.out).at(0), "HwCounterIA32:");
 }
 
-TEST(HwCounter, TheEngineNeedsTheFrequency)
+TEST(HwCounter, WorksBeforeAnythingWasInitialised)
 {
-    for (const char* const action : {"init", "timeStamp", "seconds", "interval", "dump"})
+    const std::pair<const char*, const char*> rows[] = {
+        {"timeStamp", "timeStamp 1\nend\n"},
+        {"seconds", "seconds 1\nend\n"},
+        {"interval", "interval 1\nend\n"},
+        {"init", "end\n"},
+    };
+    for (const auto& [action, out] : rows)
     {
         const ProgramResult result = runProgram("processorProgram", {action});
-        EXPECT_TRUE(result.aborted) << action;
-        EXPECT_EQ(result.out, "");
-        EXPECT_EQ(result.err.find("Assertion failed: _hwCounterFrequency != 0, file "), 0U)
-            << result.err;
+        EXPECT_EQ(result.exitCode, 0) << action << ": " << result.err;
+        EXPECT_EQ(result.out, out);
     }
+}
+
+TEST(HwCounter, AnEarlyEngineHasTheRateThatIsStatedLater)
+{
+    const ProgramResult result =
+        runProgram("processorProgram", {"dump", "features", "initialize", "early rate"});
+    EXPECT_EQ(result.exitCode, 0) << result.err;
+    EXPECT_EQ(support::linesOf(result.out).size(), 6U) << result.out;
+    EXPECT_EQ(support::linesOf(result.out).at(3), "MMX 0, SSE 0");
+    EXPECT_EQ(support::linesOf(result.out).at(4), "early rate 1");
+}
+
+TEST(HwCounter, AnEarlyEngineDoesNotMakeTheFrequencyKnown)
+{
+    const ProgramResult result = runProgram("processorProgram", {"timeStamp", "frequency"});
+    EXPECT_TRUE(result.aborted);
+    EXPECT_EQ(result.out, "timeStamp 1\n");
+    EXPECT_EQ(result.err.find("Assertion failed: _hwCounterFrequency != 0, file "), 0U)
+        << result.err;
+}
+
+TEST(HwCounter, ThePlatformsEngineNeedsTheFrequency)
+{
+    const ProgramResult result = runProgram("processorProgram", {"create"});
+    EXPECT_TRUE(result.aborted);
+    EXPECT_EQ(result.out, "");
+    EXPECT_EQ(result.err.find("Assertion failed: _hwCounterFrequency != 0, file "), 0U)
+        << result.err;
+}
+
+// ThreadSanitizer looks at how the threads meet.
+TEST(HwCounter, ManyThreadsMayMakeTheFirstCallTogether)
+{
+    for (int round = 0; round < 5; ++round)
+    {
+        const ProgramResult result = runProgram("processorProgram", {"together"});
+        EXPECT_EQ(result.exitCode, 0) << result.err;
+        EXPECT_EQ(result.out, "one engine 8\nend\n");
+        EXPECT_EQ(result.err, "");
+    }
+}
+
+TEST(HwCounter, StaticObjectsMayMeasureBeforeMainAndAcrossTheStart)
+{
+    const ProgramResult result = runProgram("earlyTimeProgram");
+    EXPECT_EQ(result.exitCode, 0) << result.err;
+    EXPECT_EQ(result.out, "before 1\nbetween 1\nafter 1\n");
+    EXPECT_EQ(result.err, "");
 }
 
 } // namespace

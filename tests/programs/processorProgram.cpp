@@ -4,10 +4,16 @@
 #include "base/hwCounter.h"
 #include "base/osCpuInfo.h"
 
+#include <atomic>
+#include <cstdint>
 #include <functional>
 #include <iostream>
+#include <latch>
 #include <map>
+#include <memory>
 #include <string>
+#include <thread>
+#include <vector>
 
 namespace
 {
@@ -41,6 +47,33 @@ bool secondsFollowTicks()
     return before <= ticks && ticks <= after;
 }
 
+bool hasTheStatedRate()
+{
+    const std::unique_ptr<HwCounterEng> stated(HwCounterEng::create());
+    return HwCounter::getRateNumerator() == stated->getRateNumerator() &&
+           HwCounter::getRateDenominator() == stated->getRateDenominator() &&
+           HwCounter::resolution() == stated->resolution();
+}
+
+// How many threads, of eight that read first and at once, go on in the ticks of one engine.
+void readTogether()
+{
+    constexpr int THREADS = 8;
+    std::latch ready(THREADS);
+    std::atomic<int> good{0};
+    std::vector<std::thread> threads;
+    for (int i = 0; i < THREADS; ++i)
+        threads.emplace_back(
+            [&]
+            {
+                ready.arrive_and_wait();
+                const std::uint64_t first = HwCounter::timeStamp();
+                good += first <= HwCounter::timeStamp() && HwCounter::getRateNumerator() > 0;
+            });
+    for (std::thread& thread : threads) thread.join();
+    std::cout << "one engine " << good << std::endl;
+}
+
 void showName()
 {
     const std::string name = OsCpuInfo::getTypeName();
@@ -59,6 +92,9 @@ const std::map<std::string, std::function<void()>> actions{
     {"seconds", [] { show("seconds", secondsFollowTicks()); }},
     {"interval", [] { show("interval", HwCounter::seconds(7, 7) == 0); }},
     {"dump", [] { HwCounter::dump(std::cout); }},
+    {"create", [] { show("create", HwCounterEng::create() != nullptr); }},
+    {"early rate", [] { show("early rate", hasTheStatedRate()); }},
+    {"together", readTogether},
 };
 
 } // namespace
