@@ -4,7 +4,9 @@
 #include "base/timerPeriod.h"
 
 #include <cerrno>
+#include <cstdint>
 #include <ctime>
+#include <limits>
 #include <sys/prctl.h>
 
 namespace Zu
@@ -12,6 +14,9 @@ namespace Zu
 
 namespace
 {
+
+// One wait is enough for any time.
+constexpr std::uint32_t LONGEST = std::numeric_limits<std::uint32_t>::max();
 
 // Lets the system wake the thread on time: it else gathers wake-ups of 50 microseconds.
 class ExactWakeUp
@@ -71,10 +76,7 @@ public:
 
     bool sleep(double seconds) override
     {
-        const std::uint32_t milliseconds = timerMilliseconds(seconds);
-        if (milliseconds == 0) return false;
-        sleepFor(milliseconds);
-        return true;
+        return timerSleep(seconds, LONGEST, sleepFor);
     }
 
 private:

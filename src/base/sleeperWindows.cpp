@@ -4,7 +4,6 @@
 #include "base/osCpuInfo.h"
 #include "base/timerPeriod.h"
 
-#include <algorithm>
 #include <memory>
 #include <mutex>
 #include <vector>
@@ -83,15 +82,11 @@ public:
 
     bool sleep(double seconds) override
     {
-        const std::uint32_t milliseconds = timerMilliseconds(seconds);
-        if (milliseconds == 0) return false;
-        for (std::uint32_t left = milliseconds; left > 0;)
-        {
-            const std::uint32_t length = std::min(left, LONGEST);
-            if (!holderOfThread().sleep(length)) Sleep(length);
-            left -= length;
-        }
-        return true;
+        return timerSleep(seconds, LONGEST,
+                          [this](std::uint32_t milliseconds)
+                          {
+                              if (!holderOfThread().sleep(milliseconds)) Sleep(milliseconds);
+                          });
     }
 
     Holder& holderOfThread()

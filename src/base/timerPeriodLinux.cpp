@@ -3,15 +3,9 @@
 namespace Zu
 {
 
-// The system's timers are finer; milliseconds are what the timers of this library are set in.
-std::uint32_t timerMinimumPeriod()
-{
-    return 1;
-}
-
-// The precision of timers is always the best here.
-TimerPeriod::TimerPeriod() : _milliseconds(milliseconds()) {}
-
-TimerPeriod::~TimerPeriod() = default;
+// The system's timers are finer, and their precision is always the best; milliseconds are what the
+// timers of this library are set in.
+const TimerService theTimerService{[] { return std::uint32_t{1}; }, [](std::uint32_t) {},
+                                   [](std::uint32_t) {}};
 
 } // namespace Zu

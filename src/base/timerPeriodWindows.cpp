@@ -7,21 +7,20 @@
 namespace Zu
 {
 
-std::uint32_t timerMinimumPeriod()
+namespace
+{
+
+std::uint32_t shortestPeriod()
 {
     TIMECAPS capabilities{1, 0};
     timeGetDevCaps(&capabilities, sizeof capabilities);
     return capabilities.wPeriodMin;
 }
 
-TimerPeriod::TimerPeriod() : _milliseconds(milliseconds())
-{
-    timeBeginPeriod(_milliseconds);
-}
+} // namespace
 
-TimerPeriod::~TimerPeriod()
-{
-    timeEndPeriod(_milliseconds);
-}
+const TimerService theTimerService{shortestPeriod,
+                                   [](std::uint32_t period) { timeBeginPeriod(period); },
+                                   [](std::uint32_t period) { timeEndPeriod(period); }};
 
 } // namespace Zu
