@@ -27,6 +27,9 @@ target_compile_options(
     -Woverloaded-virtual
     $<$<BOOL:${ZU_WARNINGS_AS_ERRORS}>:-Werror>)
 
+# What the libraries' own sources are told of beside that. Their headers are, too: some clients ask.
+set(zuSourceWarnings -Wsign-conversion -Wold-style-cast)
+
 if(ZU_SANITIZE)
   target_compile_options(
     zuOptions INTERFACE "-fsanitize=${ZU_SANITIZE}" -fno-omit-frame-pointer

@@ -8,6 +8,8 @@
 #include "rnUnitBox.h"
 #include "rnVanDerCorputRng.h"
 
+#include <cstddef>
+
 namespace Zu
 {
 
@@ -44,7 +46,7 @@ public:
     void setPrimeNumbers(const unsigned int* const primes);
 
 private:
-    RnVanDerCorputRng<T> _rngs[N];
+    RnVanDerCorputRng<T> _rngs[std::size_t(N)];
 };
 
 /// The Halton sequence of two coordinates as a source of pairs.

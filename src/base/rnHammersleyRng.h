@@ -7,6 +7,7 @@
 #include "rnUnitBox.h"
 #include "rnVanDerCorputRng.h"
 
+#include <cstddef>
 #include <cstdint>
 
 namespace Zu
@@ -59,7 +60,7 @@ private:
 
     std::uint32_t _length;
     std::uint32_t _index;
-    RnVanDerCorputRng<T> _rngs[N - 1];
+    RnVanDerCorputRng<T> _rngs[std::size_t(N - 1)];
 };
 
 /// Hammersley's set of two coordinates as a source of pairs.

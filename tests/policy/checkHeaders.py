@@ -13,7 +13,8 @@ import sys
 from sourceTree import Errors, Table
 
 STANDARDS = ("c++17", "c++20")
-WARNINGS = ("-Wall", "-Wextra", "-Wpedantic", "-Wconversion", "-Wshadow", "-Werror")
+WARNINGS = ("-Wall", "-Wextra", "-Wpedantic", "-Wconversion", "-Wsign-conversion",
+            "-Wold-style-cast", "-Wshadow", "-Wnon-virtual-dtor", "-Woverloaded-virtual", "-Werror")
 
 
 def publicHeaders(root):
