@@ -10,19 +10,30 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstddef>
 #include <cstdint>
 #include <limits>
 #include <ostream>
+#include <stdexcept>
 #include <vector>
 
 /// Internal to the histograms.
 namespace Zu::RnBins
 {
 
+/// So many zeros for each of so many rows. Raises std::length_error for a size that no vector has,
+/// with the text of Zu::Vector, which the runtime libraries have each their own of.
+template <class T> std::vector<T> zeros(std::size_t count, std::size_t rows = 1)
+{
+    const std::size_t most = std::vector<T>().max_size();
+    if (rows > 0 && count > most / rows) throw std::length_error("vector<T> too long");
+    return std::vector<T>(count * rows);
+}
+
 /// The edges of `nBins` bins of equal width. The last one is `max` itself.
 template <class T> std::vector<T> edgesOf(unsigned int nBins, T min, T max)
 {
-    std::vector<T> edges(std::size_t(nBins) + 1);
+    std::vector<T> edges = zeros<T>(std::size_t(nBins) + 1);
     edges[0] = min;
     for (unsigned int i = 1; i < nBins; ++i)
         edges[i] = static_cast<T>(i) / static_cast<T>(nBins) * (max - min) + min;
@@ -33,7 +44,9 @@ template <class T> std::vector<T> edgesOf(unsigned int nBins, T min, T max)
 /// A copy of the edges of `nBins` bins, which are one more than there are bins.
 template <class T> std::vector<T> edgesOf(unsigned int nBins, const T* edges)
 {
-    return std::vector<T>(edges, edges + nBins + 1);
+    std::vector<T> copy = zeros<T>(std::size_t(nBins) + 1);
+    std::copy_n(edges, copy.size(), copy.begin());
+    return copy;
 }
 
 /// Rounded down; what fits no `int`, and a NaN, is the lowest one. The library's own function is a
@@ -63,7 +76,10 @@ class Counter
 {
 public:
     /// So many bins, all at 0.
-    explicit Counter(unsigned int nBins) : _nBins(nBins), _counts(TABLES * tableSize()) {}
+    explicit Counter(unsigned int nBins)
+        : _nBins(nBins), _counts(zeros<std::uint32_t>(tableSize(), TABLES))
+    {
+    }
 
     /// Whether counting so many values costs less than adding each.
     static bool pays(unsigned int nBins, unsigned int n)
@@ -117,7 +133,7 @@ template <class T> std::vector<T> cumulated(const std::vector<T>& bins)
     T sum = 0;
     for (const T bin : bins) sum += bin;
     const T inverse = ieeeDivide(T(1), sum);
-    std::vector<T> table(bins.size() + 1);
+    std::vector<T> table = zeros<T>(bins.size() + 1);
     T running = 0;
     for (std::size_t i = 0; i < bins.size(); ++i)
     {

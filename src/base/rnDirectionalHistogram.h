@@ -20,6 +20,8 @@ namespace Zu
 ///
 /// `Range` says which cosines there are.
 ///
+/// A number of cells that no vector has raises std::length_error "vector<T> too long".
+///
 /// Thread-safety: filling belongs to one thread at a time; any number may read in between.
 template <class T, class Range> class RnDirectionalHistogram
 {

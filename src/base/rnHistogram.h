@@ -20,6 +20,8 @@ template <class T> class RnHistogramRng;
 /// Collects weighted values into bins. Bin `i` is from edge `i` up to, and without, edge `i + 1`.
 /// Values outside all bins are dropped without a word.
 ///
+/// A number of bins that no vector has raises std::length_error "vector<T> too long".
+///
 /// Thread-safety: filling belongs to one thread at a time; any number may read in between.
 template <class T> class RnHistogram
 {

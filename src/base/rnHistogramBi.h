@@ -19,6 +19,8 @@ template <class T> class RnHistogramBiRng;
 /// Collects weighted pairs in the cells of a rectangular grid. A cell is from its lower edges up
 /// to, and without, its upper ones. Pairs outside on either axis are dropped without a word.
 ///
+/// A number of cells that no vector has raises std::length_error "vector<T> too long".
+///
 /// Thread-safety: filling belongs to one thread at a time; any number may read in between.
 template <class T> class RnHistogramBi
 {

@@ -54,7 +54,7 @@ public:
     virtual ~RnHistogramBiRng();
 
 private:
-    void map(T u, T v, T& x, T& y) const;
+    void map(const typename RnSampler<T>::Choice& choice, T v, T& x, T& y) const;
     void getBlocks(unsigned int n, T* x, T* y);
 
     std::uint32_t _nBinsX;
@@ -62,9 +62,9 @@ private:
     RnSampler<T> _cdf;
     std::vector<T> _edgesX;
     std::vector<T> _edgesY;
+    RnRng<T>* _rng;
     RnSearch<T> _searchX;
     RnSearch<T> _searchY;
-    RnRng<T>* _rng;
 };
 
 } // namespace Zu

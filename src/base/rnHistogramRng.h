@@ -53,13 +53,14 @@ public:
     virtual ~RnHistogramRng();
 
 private:
-    T sampleAt(T u) const;
+    T sampleAt(const typename RnSampler<T>::Choice& choice) const;
+    T sampleFor(T u) const;
 
     std::uint32_t _nBins;
     RnSampler<T> _cdf;
     std::vector<T> _edges;
-    RnSearch<T> _search;
     RnRng<T>* _rng;
+    RnSearch<T> _search;
 };
 
 } // namespace Zu

@@ -7,6 +7,8 @@
 #include "rnBins.h"
 #include "rnSearch.h"
 
+#include <algorithm>
+#include <cstddef>
 #include <cstdint>
 #include <limits>
 #include <vector>
@@ -58,6 +60,29 @@ public:
         return {_last, T(1), true};
     }
 
+    /// Chooses for `n` draws in turn: calls `use(i, choice)` for each, where `drawAt(i)` is the draw.
+    /// The places in a table that no cache holds are fetched ahead; so `drawAt` is called for draws
+    /// to come, and more than once. Of the cells to come `fetch(cell)` tells roughly which they are.
+    template <class DrawAt, class Fetch, class Use>
+    void chooseAll(unsigned int n, const DrawAt& drawAt, const Fetch& fetch, const Use& use) const
+    {
+        if (_entries.size() < LARGE)
+        {
+            for (unsigned int i = 0; i < n; ++i) use(i, choose(drawAt(i)));
+            return;
+        }
+        for (unsigned int i = 0; i < std::min(n, 2 * AHEAD); ++i)
+            _search.fetchGuide(_entries, drawAt(i));
+        for (unsigned int i = 0; i < std::min(n, AHEAD); ++i)
+            fetch(_search.fetchEntries(_entries, drawAt(i)));
+        for (unsigned int i = 0; i < n; ++i)
+        {
+            if (n - i > 2 * AHEAD) _search.fetchGuide(_entries, drawAt(i + 2 * AHEAD));
+            if (n - i > AHEAD) fetch(_search.fetchEntries(_entries, drawAt(i + AHEAD)));
+            use(i, choose(drawAt(i)));
+        }
+    }
+
     /// The probability of a cell.
     T shareOf(std::uint32_t cell) const
     {
@@ -65,6 +90,11 @@ public:
     }
 
 private:
+    // From so many entries on the table and its guide are larger than the fast caches, and what is
+    // fetched is fetched by so many draws ahead.
+    static constexpr std::size_t LARGE = 32768;
+    static constexpr unsigned int AHEAD = 16;
+
     std::vector<T> _entries;
     RnSearch<T> _search;
     std::uint32_t _first = 0;

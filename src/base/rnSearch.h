@@ -55,9 +55,33 @@ public:
         return low;
     }
 
+    /// @{
+    /// For the search of a value that is soon to come, in a table which no cache holds: the first
+    /// one fetches the place in the guide, the second one, some searches later, that in the table,
+    /// and returns the index of the entry before it. Results do not depend on it.
+    void fetchGuide(const std::vector<T>& entries, T value) const
+    {
+        if (isGuided(entries, value)) __builtin_prefetch(&_guide[cellOf(value)]);
+    }
+
+    unsigned int fetchEntries(const std::vector<T>& entries, T value) const
+    {
+        if (!isGuided(entries, value)) return 0;
+        const unsigned int low = _guide[cellOf(value)];
+        __builtin_prefetch(&entries[low]);
+        return low > 0 ? low - 1 : 0;
+    }
+    /// @}
+
 private:
     static constexpr unsigned int CELLS_PER_ENTRY = 2;
     static constexpr unsigned int FEW = 8;
+
+    // Whether the value is between the ends of the table.
+    bool isGuided(const std::vector<T>& entries, T value) const
+    {
+        return !_guide.empty() && value >= entries.front() && value < entries.back();
+    }
 
     static bool isAscending(const std::vector<T>& entries)
     {

@@ -49,6 +49,27 @@ TYPED_TEST(RnBinsTest, EdgesDivideTheRangeAndEndWithItsEnd)
     }
 }
 
+TYPED_TEST(RnBinsTest, ASizeThatNoVectorHasIsRefused)
+{
+    using T = TypeParam;
+    const std::size_t most = std::vector<T>().max_size();
+    const struct
+    {
+        std::size_t _count;
+        std::size_t _rows;
+    } rows[] = {{most + 1, 1},         {1, most + 1},
+                {most / 2 + 1, 2},     {0xFFFFFFFF, 0xFFFFFFFF},
+                {std::size_t(-1), 16}, {std::size_t(1) << 62, 4}};
+    for (const auto& row : rows)
+        EXPECT_EQ(support::lengthErrorOf([&] { RnBins::zeros<T>(row._count, row._rows); }),
+                  "vector<T> too long")
+            << row._count << " " << row._rows;
+    EXPECT_EQ(RnBins::zeros<T>(3, 2), std::vector<T>(6, T(0)));
+    EXPECT_EQ(RnBins::zeros<T>(3), std::vector<T>(3, T(0)));
+    EXPECT_EQ(RnBins::zeros<T>(std::size_t(-1), 0), std::vector<T>());
+    EXPECT_EQ(RnBins::zeros<T>(0, 7), std::vector<T>());
+}
+
 TYPED_TEST(RnBinsTest, NoBinsHaveTheEndOfTheRangeAsTheirOnlyEdge)
 {
     using T = TypeParam;

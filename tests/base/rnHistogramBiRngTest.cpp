@@ -7,6 +7,7 @@
 #include "base/rnVanDerCorputRng.h"
 
 #include "support/histogramReference.h"
+#include "support/memberOrder.h"
 
 #include <cmath>
 #include <cstddef>
@@ -16,6 +17,26 @@
 #include <string>
 #include <utility>
 #include <vector>
+
+namespace support
+{
+
+bool standInOrder(const Zu::RnHistogramBiRng<float>& object);
+template struct MemberOrder<
+    Zu::RnHistogramBiRng<float>, &Zu::RnHistogramBiRng<float>::_nBinsX,
+    &Zu::RnHistogramBiRng<float>::_nBinsY, &Zu::RnHistogramBiRng<float>::_cdf,
+    &Zu::RnHistogramBiRng<float>::_edgesX, &Zu::RnHistogramBiRng<float>::_edgesY,
+    &Zu::RnHistogramBiRng<float>::_rng, &Zu::RnHistogramBiRng<float>::_searchX,
+    &Zu::RnHistogramBiRng<float>::_searchY>;
+bool standInOrder(const Zu::RnHistogramBiRng<double>& object);
+template struct MemberOrder<
+    Zu::RnHistogramBiRng<double>, &Zu::RnHistogramBiRng<double>::_nBinsX,
+    &Zu::RnHistogramBiRng<double>::_nBinsY, &Zu::RnHistogramBiRng<double>::_cdf,
+    &Zu::RnHistogramBiRng<double>::_edgesX, &Zu::RnHistogramBiRng<double>::_edgesY,
+    &Zu::RnHistogramBiRng<double>::_rng, &Zu::RnHistogramBiRng<double>::_searchX,
+    &Zu::RnHistogramBiRng<double>::_searchY>;
+
+} // namespace support
 
 namespace
 {
@@ -546,6 +567,37 @@ TYPED_TEST(RnHistogramBiRngTest, ADerivedSamplerThatReplacesTheSampleGivesItInSe
             ASSERT_EQ(y[k], -T(k));
         }
     }
+}
+
+TYPED_TEST(RnHistogramBiRngTest, ASequenceOfManyCellsIsAsManySinglePairs)
+{
+    using T = TypeParam;
+    support::HistogramRandom random(785);
+    RnHistogramBi<T> histogram(250, 200, T(0), T(1), T(0), T(1));
+    for (int i = 0; i < 100000; ++i) histogram.addValue(random.unit<T>(), random.unit<T>(), T(1));
+    Zu::RnLecuyerUniformRng<T> source;
+    Zu::RnLecuyerUniformRng<T> sameSource;
+    RnHistogramBiRng<T> inSequence(histogram, &source);
+    RnHistogramBiRng<T> single(histogram, &sameSource);
+    std::vector<T> x(3000);
+    std::vector<T> y(3000);
+    inSequence.getSequence(3000, x.data(), y.data());
+    for (std::size_t i = 0; i < x.size(); ++i)
+    {
+        T singleX;
+        T singleY;
+        single.getSample(singleX, singleY);
+        ASSERT_EQ(x[i], singleX);
+        ASSERT_EQ(y[i], singleY);
+    }
+}
+
+TYPED_TEST(RnHistogramBiRngTest, WhatSpeedsItUpStandsBehindTheMembersThatItIsToldBy)
+{
+    using T = TypeParam;
+    Zu::RnLecuyerUniformRng<T> source;
+    const RnHistogramBiRng<T> rng(Zu::RnHistogramBi<T>(2, 2, T(0), T(1), T(0), T(1)), &source);
+    EXPECT_TRUE(support::standInOrder(rng));
 }
 
 } // namespace

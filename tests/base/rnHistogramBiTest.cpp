@@ -569,4 +569,18 @@ TYPED_TEST(RnHistogramBiTest, TheSceneWithoutWeightHasNaNsWithoutASign)
                              TAIL);
 }
 
+TYPED_TEST(RnHistogramBiTest, ASizeThatNoVectorHasIsRefusedByTheTextOfTheVector)
+{
+    using T = TypeParam;
+    constexpr unsigned int MOST = std::numeric_limits<unsigned int>::max();
+    const T edge = T(0);
+    EXPECT_EQ(support::lengthErrorOf([&] { RnHistogramBi<T>(MOST, MOST, &edge, &edge); }),
+              "vector<T> too long");
+    EXPECT_EQ(support::lengthErrorOf([&] { RnHistogramBi<T>(MOST, MOST, T(0), T(1), T(0), T(1)); }),
+              "vector<T> too long");
+    EXPECT_EQ(support::lengthErrorOf(
+                  [&] { RnUniformHistogramBi<T>(MOST, MOST, T(0), T(1), T(0), T(1)); }),
+              "vector<T> too long");
+}
+
 } // namespace

@@ -7,6 +7,7 @@
 #include "base/rnVanDerCorputRng.h"
 
 #include "support/histogramReference.h"
+#include "support/memberOrder.h"
 
 #include <cmath>
 #include <cstddef>
@@ -16,6 +17,21 @@
 #include <string>
 #include <utility>
 #include <vector>
+
+namespace support
+{
+
+bool standInOrder(const Zu::RnHistogramRng<float>& object);
+template struct MemberOrder<Zu::RnHistogramRng<float>, &Zu::RnHistogramRng<float>::_nBins,
+                            &Zu::RnHistogramRng<float>::_cdf, &Zu::RnHistogramRng<float>::_edges,
+                            &Zu::RnHistogramRng<float>::_rng, &Zu::RnHistogramRng<float>::_search>;
+bool standInOrder(const Zu::RnHistogramRng<double>& object);
+template struct MemberOrder<Zu::RnHistogramRng<double>, &Zu::RnHistogramRng<double>::_nBins,
+                            &Zu::RnHistogramRng<double>::_cdf, &Zu::RnHistogramRng<double>::_edges,
+                            &Zu::RnHistogramRng<double>::_rng,
+                            &Zu::RnHistogramRng<double>::_search>;
+
+} // namespace support
 
 namespace
 {
@@ -434,6 +450,21 @@ TYPED_TEST(RnHistogramRngTest, ASequenceIsAsManySingleDraws)
         expectSequences<T, Zu::RnLecuyerUniformRng<T>>(row, 1U, 4711U);
 }
 
+TYPED_TEST(RnHistogramRngTest, ASequenceOfManyBinsIsAsManySingleDraws)
+{
+    using T = TypeParam;
+    support::HistogramRandom random(784);
+    RnHistogram<T> histogram(50000, T(0), T(1));
+    for (int i = 0; i < 100000; ++i) histogram.addValue(random.unit<T>(), T(1));
+    Zu::RnLecuyerUniformRng<T> source;
+    Zu::RnLecuyerUniformRng<T> sameSource;
+    RnHistogramRng<T> inSequence(histogram, &source);
+    RnHistogramRng<T> single(histogram, &sameSource);
+    std::vector<T> values(3000);
+    inSequence.getSequence(3000, values.data());
+    for (const T value : values) ASSERT_EQ(value, single());
+}
+
 TYPED_TEST(RnHistogramRngTest, ASequenceOfOtherSourcesIsAsManySingleDraws)
 {
     using T = TypeParam;
@@ -496,6 +527,14 @@ TYPED_TEST(RnHistogramRngTest, WhatIsSampledFillsAHistogramLikeTheFirst)
                     1000.0 * static_cast<double>(weights[static_cast<std::size_t>(i)]), 20.0)
             << i;
     EXPECT_EQ(again.getBin(1), T(0));
+}
+
+TYPED_TEST(RnHistogramRngTest, WhatSpeedsItUpStandsBehindTheMembersThatItIsToldBy)
+{
+    using T = TypeParam;
+    Zu::RnLecuyerUniformRng<T> source;
+    const RnHistogramRng<T> rng(Zu::RnHistogram<T>(2, T(0), T(1)), &source);
+    EXPECT_TRUE(support::standInOrder(rng));
 }
 
 } // namespace

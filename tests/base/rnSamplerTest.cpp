@@ -119,6 +119,40 @@ TYPED_TEST(RnSamplerTest, ChoosesAsABinarySearchInTheTable)
         }
 }
 
+// Small tables, and such as are fetched ahead.
+TYPED_TEST(RnSamplerTest, ManyDrawsChooseAsEachDoesInTheirOrder)
+{
+    using T = TypeParam;
+    support::HistogramRandom random(781);
+    for (const std::size_t nCells : {1U, 64U, 32766U, 32767U, 32768U, 50000U})
+    {
+        std::vector<T> weights(nCells);
+        for (T& weight : weights) weight = random.below(3) == 0 ? T(0) : random.unit<T>();
+        weights[nCells / 2] = T(1);
+        const RnSampler<T> sampler(weights);
+        std::vector<T> draws{NO_NUMBER<T>, -INFINITE<T>, INFINITE<T>, T(-1), T(0), T(1), T(2)};
+        for (int i = 0; i < 500; ++i) draws.push_back(random.unit<T>());
+        for (const unsigned int n : {0U, 1U, 15U, 16U, 17U, 31U, 32U, 33U, 507U})
+        {
+            unsigned int done = 0;
+            bool isCell = true;
+            sampler.chooseAll(
+                n, [&](unsigned int i) { return draws.at(i); },
+                [&](std::uint32_t cell) { isCell = isCell && cell < nCells; },
+                [&](unsigned int i, const auto& choice)
+                {
+                    ASSERT_EQ(i, done++);
+                    const auto each = sampler.choose(draws[i]);
+                    ASSERT_EQ(choice._cell, each._cell) << draws[i] << " " << nCells;
+                    ASSERT_TRUE(areSame(choice._fraction, each._fraction)) << draws[i];
+                    ASSERT_EQ(choice._isEnd, each._isEnd) << draws[i];
+                });
+            EXPECT_EQ(done, n);
+            EXPECT_TRUE(isCell);
+        }
+    }
+}
+
 TYPED_TEST(RnSamplerTest, TheShareOfACellIsTheDifferenceInTheTable)
 {
     using T = TypeParam;

@@ -14,6 +14,7 @@
 #include <gtest/gtest.h>
 #include <limits>
 #include <random>
+#include <stdexcept>
 #include <string>
 #include <utility>
 #include <vector>
@@ -329,6 +330,20 @@ template <class T> std::vector<T> hardDraws(const std::vector<T>& cdf)
 // Lengths around those of blocks.
 inline constexpr unsigned int SEQUENCE_LENGTHS[] = {0,   1,   127, 128,  129,  255,
                                                     256, 257, 258, 4095, 4096, 4097};
+
+// The text of the length error that an act ends in.
+template <class Act> std::string lengthErrorOf(const Act& act)
+{
+    try
+    {
+        act();
+    }
+    catch (const std::length_error& error)
+    {
+        return error.what();
+    }
+    return "(no length error)";
+}
 
 } // namespace histogramTests
 } // namespace support
