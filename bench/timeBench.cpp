@@ -17,7 +17,8 @@ using Zu::DtTime;
 using Zu::Rational;
 using Peer = boost::rational<std::int64_t>;
 
-constexpr std::size_t COUNT = 1024;
+// So many that no processor learns by heart which way the branches go.
+constexpr std::size_t COUNT = 16384;
 
 struct Pair
 {

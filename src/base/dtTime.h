@@ -279,15 +279,23 @@ private:
 
     constexpr DtTimeIndex convertTruncated(const Rational& from, const Rational& to) const
     {
-        return scaled(Rational(DtArithmetic::multiply32(from.getDenominator(), to.getNumerator()),
-                               DtArithmetic::multiply32(to.getDenominator(), from.getNumerator())));
+        const std::int32_t numerator =
+            DtArithmetic::multiply32(from.getDenominator(), to.getNumerator());
+        const std::int32_t denominator =
+            DtArithmetic::multiply32(to.getDenominator(), from.getNumerator());
+        // A product that fits as it stands leads to the same quotient as the reduced one.
+        std::int64_t product = 0;
+        if (denominator > 0 && !__builtin_mul_overflow(_count, numerator, &product))
+            return denominator == 1 ? product : product / denominator;
+        return scaled(Rational(numerator, denominator));
     }
 
     // Times a ratio, truncated toward zero.
     constexpr DtTimeIndex scaled(const Rational& ratio) const noexcept
     {
-        return DtArithmetic::divide(DtArithmetic::multiply(ratio.getNumerator(), _count),
-                                    ratio.getDenominator());
+        const std::int64_t product = DtArithmetic::multiply(ratio.getNumerator(), _count);
+        if (ratio.getDenominator() == 1) return product;
+        return DtArithmetic::divide(product, ratio.getDenominator());
     }
 
     std::int64_t _count = 0;
@@ -507,10 +515,18 @@ public:
 private:
     static constexpr std::int32_t FINEST = 1000000;
 
+    static constexpr Rational productOf(const Rational& a, const Rational& b)
+    {
+        if (isSmall(a.getNumerator(), b.getNumerator()) &&
+            isSmall(a.getDenominator(), b.getDenominator()))
+            return Rational::productOf(a, b);
+        return Rational(DtArithmetic::multiply32(a.getNumerator(), b.getNumerator()),
+                        DtArithmetic::multiply32(a.getDenominator(), b.getDenominator()));
+    }
+
     static constexpr Rational commonRate(const Rational& a, const Rational& b)
     {
-        const Rational product(DtArithmetic::multiply32(a.getNumerator(), b.getNumerator()),
-                               DtArithmetic::multiply32(a.getDenominator(), b.getDenominator()));
+        const Rational product = productOf(a, b);
         const std::int32_t numerator = product.getNumerator();
         const std::int32_t sign = numerator > 0 ? 1 : -1;
         if (numerator > FINEST || numerator < -FINEST) return Rational(FINEST, sign);

@@ -28,6 +28,8 @@ namespace Zu
 /// still be unequal; so it is no ordering for a container.
 class ZU_BASE_API Rational
 {
+    friend class DtTime;
+
 public:
     /// 1/1.
     constexpr Rational() noexcept : _numerator(1), _denominator(1) {}
@@ -98,34 +100,62 @@ private:
         return static_cast<std::int32_t>(0U - static_cast<std::uint32_t>(value));
     }
 
-    // Of numbers that are not 0. Some steps of Euclid's algorithm are all that most rates need.
-    // Then Stein's (Josef Stein, 1967, "Computational problems associated with Racah algebra"),
-    // which does without divisions, and here without branches in its loop.
+    // Of numbers from 1 to the largest one. Stein's algorithm (Josef Stein, 1967, "Computational
+    // problems associated with Racah algebra") does without divisions, and here without branches in
+    // its loop: so it hardly depends on the processor. It takes one step for each bit by which its
+    // numbers differ in size, so that of those which are far apart a division is ahead.
     static constexpr std::uint32_t greatestCommonDivisor(std::uint32_t a, std::uint32_t b) noexcept
     {
-        constexpr int EUCLID_STEPS = 4;
-        for (int i = 0; i < EUCLID_STEPS; ++i)
+        constexpr int FAR_APART = 8;
+        const int distance = __builtin_clz(a) - __builtin_clz(b);
+        if (distance >= FAR_APART || distance <= -FAR_APART)
         {
-            const std::uint32_t rest = a % b;
-            if (rest == 0) return b;
-            a = b;
+            const std::uint32_t smaller = a < b ? a : b;
+            const std::uint32_t rest = (a < b ? b : a) % smaller;
+            if (rest == 0) return smaller;
+            a = smaller;
             b = rest;
         }
         const int twos = __builtin_ctz(a | b);
-        std::int64_t odd = a >> __builtin_ctz(a);
-        std::int64_t rest = b;
-        int zeros = __builtin_ctz(b);
-        while (true)
+        auto odd = static_cast<std::int32_t>(a >> __builtin_ctz(a));
+        auto other = static_cast<std::int32_t>(b >> __builtin_ctz(b));
+        while (odd != other)
         {
-            rest >>= zeros;
-            const std::int64_t difference = rest - odd;
-            if (difference == 0) return static_cast<std::uint32_t>(odd) << twos;
-            zeros = __builtin_ctzll(static_cast<std::uint64_t>(difference));
-            // All ones if the rest is the smaller of both: it takes the other one's place.
-            const std::int64_t swap = -static_cast<std::int64_t>(difference < 0);
-            odd += difference & swap;
-            rest = (difference ^ swap) - swap;
+            // Of two odd numbers, so it is even. The number of its zeros is had before its sign is
+            // taken away: the same for both signs, and that is the longest way through the loop.
+            const std::int32_t difference = other - odd;
+            const int zeros = __builtin_ctz(static_cast<std::uint32_t>(difference));
+            odd = other < odd ? other : odd;
+            other = (difference < 0 ? -difference : difference) >> zeros;
         }
+        return static_cast<std::uint32_t>(odd) << twos;
+    }
+
+    static constexpr std::int32_t commonDivisor(std::int32_t a, std::int32_t b) noexcept
+    {
+        if (b == 1) return 1;
+        const auto magnitude = static_cast<std::uint32_t>(a < 0 ? negated(a) : a);
+        return static_cast<std::int32_t>(
+            greatestCommonDivisor(magnitude, static_cast<std::uint32_t>(b)));
+    }
+
+    // Most divisors are 1, which a branch knows before a division would.
+    static constexpr std::int32_t divided(std::int32_t value, std::int32_t divisor) noexcept
+    {
+        return divisor == 1 ? value : value / divisor;
+    }
+
+    // Of two in lowest terms, neither of which is 0, where no product of terms leaves 32 bits. What
+    // can be reduced is one's numerator with the other's denominator; mostly that is 1, and both
+    // are smaller than the products.
+    static constexpr Rational productOf(const Rational& a, const Rational& b) noexcept
+    {
+        const std::int32_t ab = commonDivisor(a._numerator, b._denominator);
+        const std::int32_t ba = commonDivisor(b._numerator, a._denominator);
+        Rational product;
+        product._numerator = divided(a._numerator, ab) * divided(b._numerator, ba);
+        product._denominator = divided(a._denominator, ba) * divided(b._denominator, ab);
+        return product;
     }
 
     constexpr void lowestTerms() noexcept
@@ -133,11 +163,9 @@ private:
         const std::int32_t magnitude = _numerator < 0 ? negated(_numerator) : _numerator;
         // Neither the smallest integer nor a denominator that became it can be reduced.
         if (magnitude < 0 || _denominator < 0) return;
-        const auto divisor = static_cast<std::int32_t>(greatestCommonDivisor(
-            static_cast<std::uint32_t>(magnitude), static_cast<std::uint32_t>(_denominator)));
-        if (divisor == 1) return;
-        _numerator /= divisor;
-        _denominator /= divisor;
+        const std::int32_t divisor = commonDivisor(magnitude, _denominator);
+        _numerator = divided(_numerator, divisor);
+        _denominator = divided(_denominator, divisor);
     }
 
     std::int32_t _numerator;
