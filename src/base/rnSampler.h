@@ -60,9 +60,9 @@ public:
         return {_last, T(1), true};
     }
 
-    /// Chooses for `n` draws in turn: calls `use(i, choice)` for each, where `drawAt(i)` is the draw.
-    /// The places in a table that no cache holds are fetched ahead; so `drawAt` is called for draws
-    /// to come, and more than once. Of the cells to come `fetch(cell)` tells roughly which they are.
+    /// Chooses for `n` draws in turn: calls `use(i, choice)` for each, where `drawAt(i)` is the
+    /// draw. What no cache holds of a large table is fetched ahead; so `drawAt` is called for draws
+    /// to come, and more than once, and `fetch(cell)` is told roughly which cells they choose.
     template <class DrawAt, class Fetch, class Use>
     void chooseAll(unsigned int n, const DrawAt& drawAt, const Fetch& fetch, const Use& use) const
     {
