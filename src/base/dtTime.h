@@ -294,8 +294,8 @@ private:
     constexpr DtTimeIndex scaled(const Rational& ratio) const noexcept
     {
         const std::int64_t product = DtArithmetic::multiply(ratio.getNumerator(), _count);
-        if (ratio.getDenominator() == 1) return product;
-        return DtArithmetic::divide(product, ratio.getDenominator());
+        // A denominator is never -1.
+        return ratio.getDenominator() == 1 ? product : product / ratio.getDenominator();
     }
 
     std::int64_t _count = 0;
@@ -517,16 +517,13 @@ private:
 
     static constexpr Rational productOf(const Rational& a, const Rational& b)
     {
-        if (isSmall(a.getNumerator(), b.getNumerator()) &&
-            isSmall(a.getDenominator(), b.getDenominator()))
-            return Rational::productOf(a, b);
+        if (isProductSmall(a, b)) return Rational::productOf(a, b);
         return Rational(DtArithmetic::multiply32(a.getNumerator(), b.getNumerator()),
                         DtArithmetic::multiply32(a.getDenominator(), b.getDenominator()));
     }
 
-    static constexpr Rational commonRate(const Rational& a, const Rational& b)
+    static constexpr Rational commonRate(const Rational& product)
     {
-        const Rational product = productOf(a, b);
         const std::int32_t numerator = product.getNumerator();
         const std::int32_t sign = numerator > 0 ? 1 : -1;
         if (numerator > FINEST || numerator < -FINEST) return Rational(FINEST, sign);
@@ -542,31 +539,45 @@ private:
         return product >= -BOUND && product <= BOUND;
     }
 
-    // Whether the common rate of both is their product, and no product of the conversions to it
-    // wraps. Then a count at either rate is brought to it by the other rate, as it stands.
-    static constexpr bool isPlainProduct(const Rational& a, const Rational& b,
-                                         const Rational& common) noexcept
+    static constexpr bool isProductSmall(const Rational& a, const Rational& b) noexcept
     {
         return isSmall(a.getNumerator(), b.getNumerator()) &&
-               isSmall(a.getDenominator(), b.getDenominator()) && common.getNumerator() < FINEST &&
-               common.getNumerator() > -FINEST && common.getDenominator() < FINEST &&
-               isSmall(a.getDenominator(), common.getNumerator()) &&
-               isSmall(b.getDenominator(), common.getNumerator()) &&
-               isSmall(a.getNumerator(), common.getDenominator()) &&
-               isSmall(b.getNumerator(), common.getDenominator());
+               isSmall(a.getDenominator(), b.getDenominator());
+    }
+
+    // Of a number that can be negated.
+    static constexpr std::int32_t magnitude(std::int32_t value) noexcept
+    {
+        return value < 0 ? -value : value;
+    }
+
+    // Whether the small product of both is their common rate, and no product of the conversions to
+    // it wraps. Then a count at either rate is brought to it by the other rate, as it stands.
+    static constexpr bool isPlainProduct(const Rational& a, const Rational& b,
+                                         const Rational& product) noexcept
+    {
+        if (product.getNumerator() >= FINEST || product.getNumerator() <= -FINEST ||
+            product.getDenominator() >= FINEST)
+            return false;
+        // What has the bits of both is not below the larger one.
+        const std::int32_t numerators = magnitude(a.getNumerator()) | magnitude(b.getNumerator());
+        const std::int32_t denominators = a.getDenominator() | b.getDenominator();
+        return isSmall(denominators, product.getNumerator()) &&
+               isSmall(numerators, product.getDenominator());
     }
 
     // Brings this time to the rate common with the other one, which is returned at that rate.
     constexpr DtTime meet(const DtTime& other)
     {
         if (_rate == other._rate) return other;
-        const Rational common = commonRate(_rate, other._rate);
-        if (isPlainProduct(_rate, other._rate, common))
+        const Rational product = productOf(_rate, other._rate);
+        if (isProductSmall(_rate, other._rate) && isPlainProduct(_rate, other._rate, product))
         {
-            const DtTime right(other._index.scaled(_rate), common);
-            *this = DtTime(_index.scaled(other._rate), common);
+            const DtTime right(other._index.scaled(_rate), product);
+            *this = DtTime(_index.scaled(other._rate), product);
             return right;
         }
+        const Rational common = commonRate(product);
         const DtTime left = convertRate(common);
         const DtTime right = other.convertRate(common);
         *this = left;
