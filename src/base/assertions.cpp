@@ -2,8 +2,7 @@
 
 #include "base/exDefine.h"
 #include "base/exInternalError.h"
-
-#include <cstring>
+#include "base/exSystemCode.h"
 
 namespace Zu
 {
@@ -17,7 +16,7 @@ void Assertions::throwAssertionFailed(const char* file, int line, const char* ex
 void Assertions::throwSysAssertionFailed(const char* file, int line, const char* expr, int errnum)
 {
     const ExText text("Assertion '%s' failed, errno = %d (%s).", ExText::orEmpty(expr), errnum,
-                      std::strerror(errnum));
+                      errnoText(errnum));
     throw ExInternalError(file, line, text.get());
 }
 

@@ -31,7 +31,7 @@ ExSysError::ExSysError(const char* file, int line) : ExBase(file, line), std::ru
 ExSysErrorANSI::ExSysErrorANSI(const char* file, int line)
     : ExBase(file, line), ExSysError(file, line), _error(errno)
 {
-    setReason(std::strerror(_error));
+    setReason(errnoText(_error));
 }
 
 int ExSysErrorANSI::getError() const

@@ -19,6 +19,10 @@ void setLastSystemCode(int code);
 /// it; the empty text if it has none.
 void systemCodeText(int code, char* buffer, std::size_t size);
 
+/// The text of an `errno`, as `strerror()` gives it in the locale "C"; valid until the thread asks
+/// again.
+const char* errnoText(int code);
+
 /// Looks at the last character and at the one before it, independently, and replaces each that is
 /// a carriage return or a line feed by a terminator.
 void cutLineEnd(char* text);

@@ -2,7 +2,9 @@
 
 #include <cerrno>
 #include <cstdio>
-#include <cstring>
+
+#include <locale.h>
+#include <string.h>
 
 namespace Zu
 {
@@ -19,7 +21,13 @@ void setLastSystemCode(int code)
 
 void systemCodeText(int code, char* buffer, std::size_t size)
 {
-    std::snprintf(buffer, size, "%s", std::strerror(code));
+    std::snprintf(buffer, size, "%s", errnoText(code));
+}
+
+const char* errnoText(int code)
+{
+    // The system keeps this locale, and makes none.
+    return strerror_l(code, newlocale(LC_ALL_MASK, "C", nullptr));
 }
 
 } // namespace Zu

@@ -1,5 +1,7 @@
 #include "base/exSystemCode.h"
 
+#include <cstring>
+
 #include <windows.h>
 
 namespace Zu
@@ -22,6 +24,11 @@ void systemCodeText(int code, char* buffer, std::size_t size)
     buffer[0] = '\0';
     FormatMessageA(flags, nullptr, static_cast<DWORD>(code), 0, buffer, static_cast<DWORD>(size),
                    nullptr);
+}
+
+const char* errnoText(int code)
+{
+    return std::strerror(code);
 }
 
 } // namespace Zu

@@ -6,6 +6,7 @@
 
 #include "support/commaLocale.h"
 #include "support/logTest.h"
+#include "support/platform.h"
 #include "support/ringText.h"
 #include "support/streamCapture.h"
 
@@ -13,6 +14,7 @@
 #include <chrono>
 #include <cstdint>
 #include <cstdio>
+#include <cstring>
 #include <filesystem>
 #include <functional>
 #include <gtest/gtest.h>
@@ -448,6 +450,53 @@ TEST_F(Locale, TheTextsHaveNumbersThatALocaleWouldChange)
         if (text.find('.') != std::string::npos) ++count;
     }
     EXPECT_GE(count, 25);
+}
+
+// A catalogue of texts in another language, as the runtime reads it: a header, the places of the
+// texts and of their translations, and all of these.
+std::string catalogue(const std::string& text, const std::string& translation)
+{
+    const std::string header = "Content-Type: text/plain; charset=UTF-8\n";
+    const std::string strings[] = {"", text, header, translation};
+    std::uint32_t words[7 + 8] = {0x950412de, 0, 2, 28, 44, 0, 60};
+    std::string bytes;
+    for (std::size_t i = 0; i < 4; ++i)
+    {
+        words[7 + 2 * i] = static_cast<std::uint32_t>(strings[i].size());
+        words[8 + 2 * i] = static_cast<std::uint32_t>(sizeof words + bytes.size());
+        bytes += strings[i] + '\0';
+    }
+    return std::string(reinterpret_cast<const char*>(words), sizeof words) + bytes;
+}
+
+TEST_F(Locale, ErrorsOfTheSystemAreInNoOtherLanguage)
+{
+    if (support::onWindows) GTEST_SKIP() << "the runtime of Windows knows one language";
+    const support::CommaNumerals comma;
+    if (!comma.isSet()) GTEST_SKIP() << "there is no locale with a comma here, nor localedef";
+    const support::VariableGuard language("LANGUAGE");
+    language.set("");
+    const support::TempDir dir;
+    const std::string name = support::translateRuntime(dir.path());
+    const std::filesystem::path folder = std::filesystem::path(dir.path()) / name / "LC_MESSAGES";
+    std::filesystem::create_directories(folder);
+    support::writeBytes((folder / "libc.mo").string(),
+                        catalogue("No such file or directory", "Das gibt es nicht"));
+    EXPECT_STREQ(std::strerror(ENOENT), "Das gibt es nicht");
+    errno = ENOENT;
+    EXPECT_STREQ(Zu::ExSysErrorANSI("file", 1).getReason(), "No such file or directory");
+    errno = ENOENT;
+    EXPECT_STREQ(Zu::ExSysErrorWindows("file", 1).getReason(), "No such file or directory");
+    try
+    {
+        Zu::Assertions::throwSysAssertionFailed("file", 1, "x", ENOENT);
+    }
+    catch (const Zu::ExBase& exception)
+    {
+        EXPECT_STREQ(exception.getReason(),
+                     "Assertion 'x' failed, errno = 2 (No such file or directory).");
+    }
+    support::translateRuntime("");
 }
 
 TEST_F(Locale, AStreamKeepsItsLocale)

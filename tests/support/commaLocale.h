@@ -114,7 +114,7 @@ private:
         const std::string log = " >" + _dir.file("log") + " 2>&1";
         if (std::system((command + log).c_str()) == -1) return;
         _path.set(_dir.path());
-        std::setlocale(LC_NUMERIC, "comma");
+        if (!std::setlocale(LC_ALL, "comma")) std::setlocale(LC_NUMERIC, "comma");
     }
 
     const TempDir _dir;

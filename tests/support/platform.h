@@ -45,6 +45,11 @@ std::string hostName();
 // The size of a page of memory, in bytes.
 int pageSize();
 
+// Lets the runtime look below this directory for its own texts in other languages, and gives the
+// name of the language that it looks for; none on Windows, whose runtime knows no other language.
+// The empty text brings back the directory of the system.
+std::string translateRuntime(const std::string& directory);
+
 // Sets the mode bits that new files do not get, and gives the bits that were set before. Windows
 // has no such modes: nothing happens there.
 unsigned int setModeMask(unsigned int mask);

@@ -1,9 +1,11 @@
 #include "support/platform.h"
 
 #include <cerrno>
+#include <clocale>
 #include <fcntl.h>
 #include <filesystem>
 #include <iterator>
+#include <libintl.h>
 #include <linux/membarrier.h>
 #include <sys/stat.h>
 #include <sys/syscall.h>
@@ -58,6 +60,12 @@ std::string hostName()
 int pageSize()
 {
     return getpagesize();
+}
+
+std::string translateRuntime(const std::string& directory)
+{
+    bindtextdomain("libc", directory.empty() ? "/usr/share/locale" : directory.c_str());
+    return std::setlocale(LC_MESSAGES, nullptr);
 }
 
 unsigned int setModeMask(unsigned int mask)

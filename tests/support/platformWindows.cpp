@@ -102,6 +102,11 @@ int pageSize()
     return static_cast<int>(info.dwPageSize);
 }
 
+std::string translateRuntime(const std::string&)
+{
+    return "";
+}
+
 unsigned int setModeMask(unsigned int)
 {
     return 0;
