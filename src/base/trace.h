@@ -41,6 +41,13 @@ public:
     /// on before. The file is kept as a pointer unless it is null.
     static TraceLevel* registerLevel(const char* name, const char* file);
 
+    /// The level that a source keeps, or the one of this name while it has none yet: a source gets
+    /// its own when its static objects are built, and may be asked to trace before.
+    static const TraceLevel& levelOf(const TraceLevel* level, const char* name)
+    {
+        return level ? *level : *registerLevel(name, nullptr);
+    }
+
     /// Applies an option text; null does nothing. Raises ExInternalError
     /// `Unknown token "<token>" in trace options.`; what stands before it holds.
     static void setOptions(const char* options);

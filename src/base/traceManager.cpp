@@ -64,6 +64,9 @@ void TraceManager::unregisterManager(TraceManager* manager)
 void TraceManager::print(const char* text) const
 {
     if (!text || *text == '\0') return;
+    // Standard output is ready when the static objects of a source that includes it are built, and
+    // who traces may be earlier.
+    static const std::ios_base::Init theStreams;
     // In one piece, so that lines of several threads do not mix.
     const std::string line = std::string(text) + '\n';
     std::cout.write(line.data(), static_cast<std::streamsize>(line.size())).flush();

@@ -14,7 +14,8 @@
 
 /// Makes a level known to the source that it stands in, outside of functions:
 /// ZU_TRACE_LEVEL(Parser). A level of one name is the same in all sources. So for the levels of the
-/// library: Main.
+/// library: Main. Statements work before it is reached, too: in the constructor of a static object
+/// that stands in front of it, or in another source.
 #define ZU_TRACE_LEVEL(name)                                                                       \
     namespace TraceLevels                                                                          \
     {                                                                                              \
@@ -29,7 +30,7 @@
 #define ZU_TRACE(level, ...)                                                                       \
     do                                                                                             \
     {                                                                                              \
-        if (::Zu::Trace::isEnabled(*TraceLevels::level))                                           \
+        if (::Zu::Trace::isEnabled(::Zu::Trace::levelOf(TraceLevels::level, #level)))              \
         {                                                                                          \
             ::Zu::PlainTextStream zuTraceStream;                                                   \
             ::Zu::TraceManager::getInstance().getTrace().log(zuTraceStream, __FILE__, __LINE__);   \
@@ -43,10 +44,10 @@
 /// the name is evaluated, and no manager is asked for anything.
 #define ZU_TRACE_SCOPE(level, name)                                                                \
     [[maybe_unused]] const std::optional<::Zu::Trace::Entry> ZU_XGLUE(zuTraceEntry, __COUNTER__) = \
-        ::Zu::Trace::isEnabled(*TraceLevels::level)                                                \
-            ? std::optional<::Zu::Trace::Entry>(std::in_place,                                     \
-                                                ::Zu::TraceManager::getInstance().getTrace(),      \
-                                                *TraceLevels::level, name, __FILE__, __LINE__)     \
+        ::Zu::Trace::isEnabled(::Zu::Trace::levelOf(TraceLevels::level, #level))                   \
+            ? std::optional<::Zu::Trace::Entry>(                                                   \
+                  std::in_place, ::Zu::TraceManager::getInstance().getTrace(),                     \
+                  ::Zu::Trace::levelOf(TraceLevels::level, #level), name, __FILE__, __LINE__)      \
             : std::optional<::Zu::Trace::Entry>()
 
 #endif

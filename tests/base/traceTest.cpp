@@ -1236,4 +1236,34 @@ TEST(Trace, AnErrorInTheVariableEndsTheProcessBeforeMain)
     }
 }
 
+// What a program prints whose static objects trace before the levels of its sources are reached,
+// with these levels on and off.
+std::string earlyOutput(bool here, bool there)
+{
+    const std::string hereText = "+ here\n  | text\n  /\n";
+    const auto thereText = [](const std::string& text)
+    { return "+ there\n  | " + text + "\n  /\n"; };
+    return (here ? hereText : "") + (there ? thereText("early") + thereText("main") : "") +
+           levelsOf(rowOf(true, "Exceptions", {}) + rowOf(here, "Here", {"earlyTraceProgram.cpp"}) +
+                    rowOf(true, "Main", {"trace.cpp"}) +
+                    rowOf(false, "TestPerformer", {"testPerformer.cpp"}) +
+                    rowOf(there, "There", {"earlyTraceOther.cpp"}));
+}
+
+TEST(Trace, StatementsWorkBeforeTheLevelsOfTheirSourcesAreReached)
+{
+    for (const char* const program : {"earlyTraceProgram", "earlyTraceStaticProgram"})
+        for (const bool here : {true, false})
+            for (const bool there : {true, false})
+            {
+                const std::string options = std::string(here ? "show" : "hide") + "=Here," +
+                                            (there ? "show" : "hide") + "=There";
+                const support::ProgramResult result =
+                    runProgram(program, {}, {{"ZU_TRACE_OPTIONS", options}});
+                EXPECT_EQ(result.exitCode, 0) << program << " " << options;
+                EXPECT_EQ(result.err, "") << program << " " << options;
+                EXPECT_EQ(result.out, earlyOutput(here, there)) << program << " " << options;
+            }
+}
+
 } // namespace
