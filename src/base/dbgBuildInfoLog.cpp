@@ -18,6 +18,11 @@ void stop()
     ZU_STOP_LOG_GROUP(BuildInfo);
 }
 
+bool isStarted()
+{
+    return LgGroups::MinorLevelBuildInfo != nullptr;
+}
+
 void log(LgTypes::Level level, const std::string& text)
 {
     ZU_INTERNAL_ASSERT_TEXT(LgGroups::MinorLevelBuildInfo, "minor");

@@ -16,6 +16,9 @@ namespace Zu::DbgBuildInfoLog
 void start();
 void stop();
 
+/// Whether the group is there.
+bool isStarted();
+
 /// Logs a text if the group lets the level through. A group that is not started is fatal.
 void log(LgTypes::Level level, const std::string& text);
 

@@ -3,6 +3,7 @@
 #include "base/dbgBuildInfoLog.h"
 #include "base/dbgBuildInfoMgr.h"
 #include "base/dbgBuildText.h"
+#include "base/exInternalError.h"
 #include "base/hmGC.h"
 #include "base/hmGCEx.h"
 #include "base/inContextAliasMgrBase.h"
@@ -224,6 +225,11 @@ int perform(Words& args)
 int startAndPerform(int argc, char** argv)
 {
     const InInitGuard guard(argc, argv);
+    // After their end the packages have no second life, and nothing is left to report to.
+    if (!DbgBuildInfoLog::isStarted())
+        testThrow(ExInternalError(__FILE__, __LINE__,
+                                  "The packages have stopped: tests run once in a process."),
+                  __FILE__, __LINE__);
     const Vector<char*>& given = InContextAliasMgrBase::getUnboundArgs();
     Words args(given.begin(), given.end());
     registerProgram();

@@ -28,7 +28,9 @@ public:
     /// stops the packages. Returns 0 for a group that ran through, a performance run, a list of
     /// libraries, and for no words; 1 for a name that no group has, and for "-perf" without a file;
     /// 2 when an exception came here; 3 for a leak. Why it is not 0 is told by TestInform, but for
-    /// a leak. For the main thread, once in a process.
+    /// a leak. For the main thread, once in a process: the packages have no second life, so every
+    /// further call runs nothing and returns 2, with "The packages have stopped: tests run once in
+    /// a process." as the reason.
     static int runTest(int argc, char** const argv);
 
     /// Says whether the program was instrumented for profiling.

@@ -22,14 +22,11 @@ ZU_TRACE_LEVEL(TestPerformer);
 namespace
 {
 
-// A line, with its terminator.
-constexpr std::size_t LINE_SIZE = 256;
+// Of a line.
+constexpr std::streamsize MAX_LENGTH = 255;
 
 // From here on a token is too long to be shown.
 constexpr std::size_t TOKEN_LIMIT = 128;
-
-// An average above it is too long for the hardware counter to be trusted, in seconds.
-constexpr double LONG_TIME = 30.0;
 
 [[noreturn]] void raise(const std::string& text, int line)
 {
@@ -41,6 +38,23 @@ constexpr double LONG_TIME = 30.0;
 {
     const bool isShown = std::strlen(token) < TOKEN_LIMIT;
     raise(isShown ? std::string(text) + token + ">." : std::string(text), line);
+}
+
+// Takes a line, which ends in a line feed or in a carriage return and a line feed. Of one that is
+// too long only the beginning is taken, and the stream has failed from there on.
+std::string nextLine(std::istream& stream)
+{
+    // Room for a carriage return, and for the terminator.
+    char line[MAX_LENGTH + 2] = "";
+    stream.getline(line, sizeof line);
+    const std::streamsize length = static_cast<std::streamsize>(std::strlen(line));
+    // Only a line feed ends a line while the stream is good.
+    if (stream.good() && length > 0 && line[length - 1] == '\r')
+        line[length - 1] = '\0';
+    else if (length > MAX_LENGTH)
+        stream.setstate(std::ios_base::failbit);
+    line[MAX_LENGTH] = '\0';
+    return line;
 }
 
 // Cuts the next word off a line, and gives null at the end. Blanks alone separate.
@@ -76,20 +90,22 @@ TestPerformer& TestPerformer::getInstance()
 void TestPerformer::loadFile(const char* name)
 {
     ZU_TRACE_SCOPE(TestPerformer, "TestPerformer::loadFile()");
-    std::ifstream stream(name);
-    if (!stream) raise("Invalid file name : <", name, __LINE__);
+    // Binary, so that a text is the same one on every platform.
+    std::ifstream stream(name, std::ios_base::in | std::ios_base::binary);
+    // Some platforms open a directory as if it were a file, and fail to read it.
+    stream.peek();
+    if (stream.bad() || !stream.is_open()) raise("Invalid file name : <", name, __LINE__);
     _count = 0;
-    char line[LINE_SIZE];
-    stream.getline(line, LINE_SIZE);
+    std::string line = nextLine(stream);
     // The end of the file may stand behind a last line. So may that of a line that is too long:
     // what could be read of it counts, and then the stream has failed.
-    while (stream.good() || *line != '\0')
+    while (stream.good() || !line.empty())
     {
         if (_count == MAX_RECORDS) raise("Too many test groups in file.", __LINE__);
-        loadLine(line);
-        *line = '\0';
-        if (!stream.eof()) stream.getline(line, LINE_SIZE);
+        loadLine(line.data());
+        line = stream.eof() ? std::string() : nextLine(stream);
     }
+    if (stream.bad()) raise("Invalid file name : <", name, __LINE__);
 }
 
 void TestPerformer::loadLine(char* line)
@@ -140,9 +156,15 @@ void TestPerformer::execute(const OsFilePath& file)
 void TestPerformer::execute(Record& record)
 {
     for (int cycle = 0; cycle < record._cycles; ++cycle) executeCycle(record, cycle);
-    const double timeOfDay = _todProfiler.averageTime();
-    record._averageTime = timeOfDay > LONG_TIME ? timeOfDay : _hwProfiler.averageTime();
+    record._averageTime = averageOf(_todProfiler.averageTime(), _hwProfiler.averageTime());
     reset();
+}
+
+double TestPerformer::averageOf(double timeOfDay, double counter)
+{
+    // An average above it is too long for the hardware counter to be trusted, in seconds.
+    constexpr double LONG_TIME = 30.0;
+    return timeOfDay > LONG_TIME ? timeOfDay : counter;
 }
 
 void TestPerformer::executeCycle(Record& record, int cycle)

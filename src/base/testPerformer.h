@@ -40,7 +40,7 @@ public:
     /// Loads a file and runs what it names, in its order; a negative number of cycles runs nothing.
     /// What a group raises ends it. What is wrong with the file raises ExInternalError before
     /// anything is run:
-    /// - "Invalid file name : <<name>>."
+    /// - "Invalid file name : <<name>>." for what can't be opened or read, a directory among them
     /// - "Too many test groups in file." for a line behind the 128th group, even an empty one
     /// - "Test group name is too long: <<name>>." for more than 47 characters
     /// - "Invalid test group name: <<name>>." for a group that is not registered
@@ -49,7 +49,8 @@ public:
     ///
     /// A text of 128 characters or more, and the ">." behind it, is left out of these.
     ///
-    /// A line has at most 255 characters. Of a longer one the first 255 count, and deliberately
+    /// A line ends in a line feed, with or without a carriage return before it, on every platform.
+    /// It has at most 255 characters. Of a longer one the first 255 count, and deliberately
     /// nothing behind them is read.
     void execute(const OsFilePath& file);
 
@@ -79,6 +80,8 @@ private:
     void takeArgument(Record& record, const char* token);
 
     void execute(Record& record);
+    // Of the averages by the two clocks the one that counts.
+    static double averageOf(double timeOfDay, double counter);
     void executeCycle(Record& record, int cycle);
 
     void start();

@@ -644,4 +644,30 @@ TEST(TestMgr, AnAbortTellsNothing)
     EXPECT_FALSE(std::filesystem::exists(dir.file("messages")));
 }
 
+TEST(TestMgr, ASecondRunOfAProcessRunsNothingAndSaysWhy)
+{
+    const std::string reason = "The packages have stopped: tests run once in a process.\n";
+    for (const Words& words : {Words{"bare"}, Words{}, Words{"-perf"}, Words{"-dumpLibs", "bare"}})
+    {
+        const TempDir dir;
+        const std::string messages = dir.file("messages");
+        const ProgramResult result =
+            runGroups(words, {{"TEST_PROGRAM_TWICE", "1"}, {"ZU_RUN_TEST_MSGS", messages}});
+        EXPECT_FALSE(result.aborted) << textOf(words);
+        EXPECT_EQ(result.exitCode, 2) << textOf(words);
+        EXPECT_EQ(result.err, "") << textOf(words);
+        // What the first run has printed is there, although it is not yet flushed.
+        const std::size_t second =
+            result.out.find(words == Words{"-perf"} ? "first 1\n" : "first 0\n");
+        ASSERT_NE(second, std::string::npos) << result.out;
+        EXPECT_EQ(support::withoutPlaces(result.out.substr(second + 8), "testMgr"),
+                  "| Throwing exception [Exception Type = Zu::ExInternalError, <place>]\n" + reason)
+            << textOf(words);
+        EXPECT_EQ(support::withoutPlaces(messagesIn(messages), "testMgr"),
+                  "Exception encountered: [Exception Type = Zu::ExInternalError, <place>]\n" +
+                      reason)
+            << textOf(words);
+    }
+}
+
 } // namespace

@@ -10,11 +10,13 @@
 #include "support/fileTest.h"
 #include "support/groupTest.h"
 #include "support/platform.h"
+#include "support/privateMember.h"
 #include "support/tempDir.h"
 #include "support/traceTest.h"
 
 #include <cstddef>
 #include <gtest/gtest.h>
+#include <limits>
 #include <ostream>
 #include <regex>
 #include <sstream>
@@ -93,6 +95,12 @@ Texts operator*(std::size_t times, const Texts& texts)
     Texts all;
     for (std::size_t i = 0; i < times; ++i) all.insert(all.end(), texts.begin(), texts.end());
     return all;
+}
+
+Texts operator+(Texts texts, const Texts& more)
+{
+    texts.insert(texts.end(), more.begin(), more.end());
+    return texts;
 }
 
 class TestPerformerTest : public support::TracingTest
@@ -543,17 +551,6 @@ TEST_F(TestPerformerTest, ARowOfAnyLengthIsWrittenInItsPlace)
         << text;
 }
 
-TEST_F(TestPerformerTest, CarriageReturnsAreOrdinaryCharactersOutsideOfWindows)
-{
-    if (support::onWindows)
-        GTEST_SKIP() << "text files of Windows end their lines with carriage returns";
-    outputOf("perf 1\r\nperf.other 1 b\r\n");
-    EXPECT_EQ(journal()._notes, cycleNotes(""));
-    EXPECT_EQ(other()._notes, cycleNotes(" <b\r>"));
-    EXPECT_EQ(errorOf("perf 1\r\n\r\n"), "Invalid test group name: <\r>.");
-    EXPECT_EQ(errorOf("perf \r\n"), "Invalid number of cycles: <\r>.");
-}
-
 TEST_F(TestPerformerTest, WhatAGroupRaisesEndsTheRun)
 {
     journal()._fails = true;
@@ -748,6 +745,83 @@ TEST(TestPerformer, WhatAGroupRaisesEndsTheProgram)
                   "run\n"
                   "Exception encountered: [Exception Type = Zu::ExInternalError, File = "
                   "dir/thrown.cpp, Line=7]\nwhy 100%s\n");
+}
+
+TEST_F(TestPerformerTest, ADirectoryIsNoFile)
+{
+    execute("perf -1 a\n");
+    const std::string before = report();
+    EXPECT_EQ(errorOfFile(_dir.path()), "Invalid file name : <" + _dir.path() + ">.");
+    EXPECT_EQ(report(), before);
+    const support::ProgramResult result = support::runGroups({"-perf", _dir.path()});
+    EXPECT_EQ(result.exitCode, 2);
+    EXPECT_NE(result.out.find("Invalid file name : <" + _dir.path() + ">.\n"), std::string::npos)
+        << result.out;
+    EXPECT_EQ(result.out.find("Group Name"), std::string::npos) << result.out;
+}
+
+// The text with a carriage return before each line feed.
+std::string withReturns(const std::string& text)
+{
+    return std::regex_replace(text, std::regex("\n"), "\r\n");
+}
+
+TEST_F(TestPerformerTest, CarriageReturnsBeforeLineFeedsAreNoPartOfALine)
+{
+    // With its name and the number of cycles the line has 255 characters, and one more.
+    const std::string longest = "perf -1 " + std::string(255 - 8, 'w');
+    for (const std::string& content :
+         {std::string("perf -1 a b\nperf.other -2\n"), std::string("perf -1 a\n\nperf.other -2 c"),
+          std::string("\n \nperf -3 \n"), longest + "\nperf -2\n", longest + "x\nperf -2\n",
+          longest + "xx\nperf -2\n", repeated("perf -1\n", 128)})
+    {
+        execute(content);
+        const Texts expected = rowsWithoutFigures();
+        execute("");
+        execute(withReturns(content));
+        EXPECT_EQ(rowsWithoutFigures(), expected) << content;
+    }
+    EXPECT_EQ(errorOf(withReturns(repeated("perf -1\n", 128) + "\n")),
+              "Too many test groups in file.");
+    EXPECT_EQ(errorOf("perf x\r\n"), "Invalid number of cycles: <x>.");
+    EXPECT_EQ(errorOf("nobody\r\n"), "Invalid test group name: <nobody>.");
+}
+
+TEST_F(TestPerformerTest, OtherCarriageReturnsArePartOfAWord)
+{
+    outputOf("perf 1 \r\r\nperf 1 \rx\nperf 1 y\r\nperf 1 z\r");
+    EXPECT_EQ(journal()._notes, cycleNotes(" <\r>") + cycleNotes(" <\rx>") + cycleNotes(" <y>") +
+                                    cycleNotes(" <z\r>"));
+}
+
+} // namespace
+
+namespace support
+{
+
+struct AverageOf
+{
+    using Member = double (*)(double, double);
+    friend Member memberOf(AverageOf);
+};
+
+template struct PrivateMember<AverageOf, &Zu::TestPerformer::averageOf>;
+
+} // namespace support
+
+namespace
+{
+
+TEST(TestPerformer, AnAverageAboveThirtySecondsIsThatOfTheTimeOfDay)
+{
+    const auto averageOf = memberOf(support::AverageOf());
+    EXPECT_EQ(averageOf(0.0, 1.5), 1.5);
+    EXPECT_EQ(averageOf(29.999, 1.5), 1.5);
+    EXPECT_EQ(averageOf(30.0, 1.5), 1.5);
+    EXPECT_EQ(averageOf(30.001, 1.5), 30.001);
+    EXPECT_EQ(averageOf(3600.0, 31.0), 3600.0);
+    EXPECT_EQ(averageOf(2.0, 31.0), 31.0);
+    EXPECT_EQ(averageOf(std::numeric_limits<double>::quiet_NaN(), 1.5), 1.5);
 }
 
 } // namespace

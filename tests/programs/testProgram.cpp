@@ -379,5 +379,8 @@ public:
 
 int main(int argc, char** argv)
 {
+    const int result = Zu::TestMgr::runTest(argc, argv);
+    if (!isSet("TEST_PROGRAM_TWICE")) return result;
+    std::cout << "first " << result << '\n';
     return Zu::TestMgr::runTest(argc, argv);
 }

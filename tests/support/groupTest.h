@@ -71,8 +71,8 @@ inline Environment groupEnvironment(const Environment& changes)
 {
     Environment environment;
     for (const char* const name :
-         {"TEST_PROGRAM_LOGS", "TEST_PROGRAM_TELLS", "ZU_LOG_DEFAULT_LEVEL", "ZU_LOG_GROUPS",
-          "ZU_RUN_TEST_MSGS", "ZU_TEST_DIR", "ZU_TRACE_OPTIONS"})
+         {"TEST_PROGRAM_LOGS", "TEST_PROGRAM_TELLS", "TEST_PROGRAM_TWICE", "ZU_LOG_DEFAULT_LEVEL",
+          "ZU_LOG_GROUPS", "ZU_RUN_TEST_MSGS", "ZU_TEST_DIR", "ZU_TRACE_OPTIONS"})
         environment[name] = std::nullopt;
     for (const auto& [name, value] : changes) environment[name] = value;
     return environment;
