@@ -159,7 +159,7 @@ std::vector<unsigned char> prPerformanceData(unsigned int objectIndex, const PrQ
     for (std::uint32_t size = FIRST_SIZE; size <= largest; size += STEP)
     {
         std::vector<unsigned char> buffer(size);
-        if (!query(valueName, buffer.data(), size)) return buffer;
+        if (query(valueName, buffer.data(), size) != PR_MORE_DATA) return buffer;
     }
     throw ExInternalError(__FILE__, __LINE__, "Performance data without an end.");
 }

@@ -18,13 +18,17 @@ namespace Zu
 std::uint64_t prGetCounterValue(unsigned int objectIndex, unsigned int counterIndex,
                                 const char* instance);
 
+/// What a query answers that had more data than room.
+constexpr std::int32_t PR_MORE_DATA = 234;
+
 /// Asks for the data with this value name: fills the buffer, of which so many bytes are given, and
-/// says whether the data were more than that.
+/// returns the platform's own code of success or failure.
 using PrQuery =
-    std::function<bool(const char* valueName, unsigned char* buffer, std::uint32_t size)>;
+    std::function<std::int32_t(const char* valueName, unsigned char* buffer, std::uint32_t size)>;
 
 /// The data of an object as the query gives them: it is repeated with a buffer of 8192 bytes and
-/// 1024 more each time until they fit. What was not filled is 0. Raises ExInternalError when the
+/// 1024 more each time while it returns PR_MORE_DATA. Any other code, a failure as well, leaves the
+/// buffer as it is; what was not filled is 0. Raises ExInternalError when the
 /// largest size is not enough: far beyond what any system has, since a source that always wants
 /// more must not go on for hours.
 std::vector<unsigned char> prPerformanceData(unsigned int objectIndex, const PrQuery& query,

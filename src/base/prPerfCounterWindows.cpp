@@ -29,18 +29,16 @@ static_assert(instances::LENGTH == offsetof(PERF_INSTANCE_DEFINITION, ByteLength
 static_assert(instances::NAME_OFFSET == offsetof(PERF_INSTANCE_DEFINITION, NameOffset));
 static_assert(instances::SIZE == sizeof(PERF_INSTANCE_DEFINITION));
 static_assert(values::LENGTH == offsetof(PERF_COUNTER_BLOCK, ByteLength));
+static_assert(PR_MORE_DATA == ERROR_MORE_DATA);
 
 namespace
 {
 
-// Whether there was more than the buffer holds; any other failure leaves it as it is.
-bool queryData(const char* valueName, unsigned char* buffer, std::uint32_t size)
+std::int32_t queryData(const char* valueName, unsigned char* buffer, std::uint32_t size)
 {
     // What it says of the data's size is not to be relied on here.
     DWORD room = size;
-    const LSTATUS result =
-        RegQueryValueExA(HKEY_PERFORMANCE_DATA, valueName, nullptr, nullptr, buffer, &room);
-    return result == ERROR_MORE_DATA;
+    return RegQueryValueExA(HKEY_PERFORMANCE_DATA, valueName, nullptr, nullptr, buffer, &room);
 }
 
 // The query opens the data, and with them the libraries of those who provide them.

@@ -38,16 +38,21 @@ static_assert(!std::is_constructible_v<DtEx, const char*, int>);
 
 TEST(DtEx, RaisesFromWhereItIsTold)
 {
+    // By a pointer: the compiler would take it for granted that nothing goes on behind a call.
+    void (*volatile const raise)(const char*, int) = &DtEx::throwBadRate;
+    bool isRaised = false;
     try
     {
-        DtEx::throwBadRate("a.cpp", 12);
+        raise("a.cpp", 12);
     }
     catch (const DtEx::BadRate& exception)
     {
+        isRaised = true;
         EXPECT_STREQ(exception.getFileName(), "a.cpp");
         EXPECT_EQ(exception.getLineNo(), 12);
         EXPECT_STREQ(exception.getReason(), "Null rate not allowed in DtTime.");
     }
+    EXPECT_TRUE(isRaised);
 }
 
 const struct

@@ -1,7 +1,9 @@
 #include "base/hmGC.h"
 
+#include "support/privateMember.h"
 #include "support/traceTest.h"
 
+#include <cstring>
 #include <gtest/gtest.h>
 #include <sstream>
 #include <type_traits>
@@ -93,6 +95,54 @@ TEST(HmGC, SettingsAreCopied)
 TEST(HmGC, IsPartOfAnObjectOnTheHeap)
 {
     EXPECT_NO_THROW(delete new Whole);
+}
+
+} // namespace
+
+namespace support
+{
+
+struct IsLeakValid
+{
+    using Member = bool (Zu::HmGC::*)(Zu::ArrayPtr<char>*, const char*) const;
+    friend Member memberOf(IsLeakValid);
+};
+
+template struct PrivateMember<IsLeakValid, &Zu::HmGC::isLeakValid>;
+
+} // namespace support
+
+namespace
+{
+
+Zu::ArrayPtr<char> nameOf(const char* text)
+{
+    Zu::ArrayPtr<char> name(new char[std::strlen(text) + 1]);
+    std::strcpy(name.get(), text);
+    return name;
+}
+
+TEST(HmGC, ALeakIsValidUnlessAnEntryOfTheKnownOnesMatchesItsStack)
+{
+    const struct
+    {
+        const char* _second;
+        const char* _knownLeaks;
+        bool _isValid;
+    } rows[] = {
+        {"bar", "", true},
+        {"bar", "KNOWNLEAK foo bar ENDL", false},
+        {"baz", "KNOWNLEAK foo bar ENDL", true},
+        {"bar", "KNOWNLEAK foobar bar ENDL", false},
+        {"baz", "KNOWNLEAK foo bar ENDL KNOWNLEAK foo baz ENDL", false},
+    };
+    const HmGC checker;
+    for (const auto& row : rows)
+    {
+        Zu::ArrayPtr<char> stack[] = {nameOf("foo"), nameOf(row._second), Zu::ArrayPtr<char>()};
+        EXPECT_EQ((checker.*memberOf(support::IsLeakValid()))(stack, row._knownLeaks), row._isValid)
+            << row._second << ": " << row._knownLeaks;
+    }
 }
 
 } // namespace

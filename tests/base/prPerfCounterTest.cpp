@@ -982,19 +982,24 @@ TEST_F(PrCounterValueIn, SpoiledDataGiveAValueOrOneOfTheExceptions)
     for (const auto& [kind, count] : seen) EXPECT_GT(count, 100) << kind;
 }
 
+// The platform's codes, also where it is another one.
+constexpr std::int32_t SUCCESS = 0;
+constexpr std::int32_t NO_ACCESS = 5;
+constexpr std::int32_t MORE_DATA = 234;
+
 // A source of data that asks for a buffer of so many bytes.
 struct Source
 {
-    bool operator()(const char* valueName, unsigned char* buffer, std::uint32_t size)
+    std::int32_t operator()(const char* valueName, unsigned char* buffer, std::uint32_t size)
     {
         _names.insert(valueName);
         _sizes.push_back(size);
         for (std::uint32_t i = 0; i < size; ++i) _isZeroed = _isZeroed && buffer[i] == 0;
         // What is written before the buffer turns out to be too small is of no use.
         for (std::uint32_t i = 0; i < size; ++i) buffer[i] = 0xAB;
-        if (size < _needed) return true;
+        if (size < _needed) return MORE_DATA;
         for (std::uint32_t i = 0; i < size; ++i) buffer[i] = i < _needed ? 0xCD : 0;
-        return false;
+        return SUCCESS;
     }
 
     std::uint32_t _needed;
@@ -1074,8 +1079,8 @@ TEST(PrPerformanceData, TheNameIsTheIndexAsASignedDecimalNumber)
 
 TEST(PrPerformanceData, AFailureLeavesAnEmptyBufferInWhichNoObjectIs)
 {
-    const Bytes data =
-        Zu::prPerformanceData(2, [](const char*, unsigned char*, std::uint32_t) { return false; });
+    const Bytes data = Zu::prPerformanceData(2, [](const char*, unsigned char*, std::uint32_t)
+                                             { return NO_ACCESS; });
     EXPECT_TRUE(data == Bytes(8192));
     EXPECT_EQ(outcomeOf(data, {2, 10}), badObject(2));
     EXPECT_EQ(outcomeOf(data, {0, 0}), badObject(0));
@@ -1088,9 +1093,9 @@ TEST(PrPerformanceData, AFailureAfterAStepKeepsNothingOfTheStepBefore)
         Zu::prPerformanceData(SYSTEM,
                               [&block](const char*, unsigned char* buffer, std::uint32_t size)
                               {
-                                  if (size > 8192) return false;
+                                  if (size > 8192) return NO_ACCESS;
                                   std::copy(block.begin(), block.end(), buffer);
-                                  return true;
+                                  return MORE_DATA;
                               });
     EXPECT_TRUE(data == Bytes(9216));
     EXPECT_EQ(outcomeOf(data, {SYSTEM, 10}), badObject(SYSTEM));
@@ -1110,16 +1115,33 @@ TEST(PrPerformanceData, WhatTheQueryGivesIsWalkedThrough)
                                   const std::size_t given =
                                       std::min<std::size_t>(size, block.size());
                                   std::copy_n(block.begin(), given, buffer);
-                                  return given < block.size();
+                                  return given < block.size() ? MORE_DATA : SUCCESS;
                               });
     EXPECT_EQ(data.size(), 11264U);
     EXPECT_EQ(outcomeOf(data, MIDDLE), MIDDLE_VALUE);
     EXPECT_EQ(outcomeOf(data, {3, 10}), value(5));
 }
 
+TEST(PrPerformanceData, OnlyTheCodeForMoreDataAsksOnceMore)
+{
+    EXPECT_EQ(Zu::PR_MORE_DATA, MORE_DATA);
+    for (const std::int32_t code : {SUCCESS, NO_ACCESS, 1, 2, 6, 122, 233, 235, 259, -1, -234})
+    {
+        int queries = 0;
+        const Bytes data = Zu::prPerformanceData(2,
+                                                 [&](const char*, unsigned char*, std::uint32_t)
+                                                 {
+                                                     ++queries;
+                                                     return queries == 1 ? MORE_DATA : code;
+                                                 });
+        EXPECT_EQ(queries, 2) << code;
+        EXPECT_EQ(data.size(), 9216U) << code;
+    }
+}
+
 TEST(PrPerformanceData, AnExceptionOfTheQueryGoesThrough)
 {
-    const auto raise = [](const char*, unsigned char*, std::uint32_t) -> bool
+    const auto raise = [](const char*, unsigned char*, std::uint32_t) -> std::int32_t
     { throw PrEx::ExUnsupported("a.cpp", 1); };
     EXPECT_THROW(Zu::prPerformanceData(2, raise), PrEx::ExUnsupported);
 }

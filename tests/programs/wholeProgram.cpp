@@ -32,6 +32,8 @@
 #include "base/trace.h"
 #include "base/traceManager.h"
 
+#include "support/platform.h"
+
 #include <algorithm>
 #include <array>
 #include <atomic>
@@ -657,23 +659,17 @@ void leaveEvents(bool isFlushed)
     say(queue->isEmpty() ? "nothing waits" : "events wait");
 }
 
-// How many threads the process has, where the system lists them as files.
-std::string threads()
-{
-    std::error_code error;
-    const std::filesystem::directory_iterator tasks("/proc/self/task", error);
-    return error ? "unknown" : std::to_string(std::distance(begin(tasks), end(tasks)));
-}
-
 void countThreads()
 {
-    const std::string atFirst = threads();
+    const std::size_t atFirst = support::threadCount();
     const auto compare = [&](const char* what)
     {
+        const std::size_t now = support::threadCount();
         say(std::string(what) + ": " +
-            (atFirst == "unknown"   ? "unknown"
-             : threads() == atFirst ? "no more"
-                                    : "from " + atFirst + " to " + threads()));
+            (now == atFirst ? "no more"
+             : now == atFirst + 1
+                 ? "one more"
+                 : "from " + std::to_string(atFirst) + " to " + std::to_string(now)));
     };
     const Zu::InInitGuard guard(theArgc, theArgv);
     compare("started");
@@ -692,6 +688,8 @@ void countThreads()
         timer->stop();
     }
     compare("stopped the beat");
+    // So that the count is known to notice one.
+    std::thread([&] { compare("with a thread of the program"); }).join();
 }
 
 // What lives to the end of the process, where it was found at first.

@@ -50,6 +50,9 @@ int pageSize();
 // The empty text brings back the directory of the system.
 std::string translateRuntime(const std::string& directory);
 
+// How many threads the process has, without those that belong to the system's own timer service.
+std::size_t threadCount();
+
 // Sets the mode bits that new files do not get, and gives the bits that were set before. Windows
 // has no such modes: nothing happens there.
 unsigned int setModeMask(unsigned int mask);

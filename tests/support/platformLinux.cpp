@@ -68,6 +68,12 @@ std::string translateRuntime(const std::string& directory)
     return std::setlocale(LC_MESSAGES, nullptr);
 }
 
+std::size_t threadCount()
+{
+    return static_cast<std::size_t>(
+        std::distance(std::filesystem::directory_iterator("/proc/self/task"), {}));
+}
+
 unsigned int setModeMask(unsigned int mask)
 {
     return umask(mask);

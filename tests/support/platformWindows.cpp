@@ -9,8 +9,49 @@
 #include <vector>
 #include <windows.h>
 
+#include <tlhelp32.h>
+
 namespace support
 {
+
+namespace
+{
+
+template <class Function> Function functionOf(const char* name)
+{
+    return reinterpret_cast<Function>(
+        reinterpret_cast<void*>(GetProcAddress(GetModuleHandleA("ntdll.dll"), name)));
+}
+
+// Where a thread began; null if it has ended meanwhile.
+const char* startOf(DWORD id)
+{
+    using Query = LONG(WINAPI*)(HANDLE, int, void*, ULONG, ULONG*);
+    constexpr int START_ADDRESS = 9;
+    const HANDLE thread = OpenThread(THREAD_QUERY_INFORMATION, FALSE, id);
+    if (!thread) return nullptr;
+    const char* start = nullptr;
+    const LONG status = functionOf<Query>("NtQueryInformationThread")(thread, START_ADDRESS, &start,
+                                                                      sizeof start, nullptr);
+    CloseHandle(thread);
+    if (status < 0) throw std::runtime_error("a thread doesn't tell where it began");
+    return start;
+}
+
+// Whether the code at this place is that of the timers, or of the loader and its pool.
+bool isOfTheSystem(const char* code)
+{
+    HMODULE module = nullptr;
+    if (!GetModuleHandleExA(GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS |
+                                GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT,
+                            code, &module))
+        return false;
+    for (const char* const name : {"winmm.dll", "winmmbase.dll", "ntdll.dll"})
+        if (module == GetModuleHandleA(name)) return true;
+    return false;
+}
+
+} // namespace
 
 std::uint32_t processId()
 {
@@ -44,8 +85,7 @@ std::size_t openHandles()
     using Query = LONG(WINAPI*)(int, void*, ULONG, ULONG*);
     constexpr int ALL_HANDLES = 64;
     constexpr LONG TOO_SHORT = static_cast<LONG>(0xC0000004);
-    const auto query = reinterpret_cast<Query>(reinterpret_cast<void*>(
-        GetProcAddress(GetModuleHandleA("ntdll.dll"), "NtQuerySystemInformation")));
+    const auto query = functionOf<Query>("NtQuerySystemInformation");
     std::vector<char> bytes(1 << 16);
     LONG status;
     while ((status = query(ALL_HANDLES, bytes.data(), static_cast<ULONG>(bytes.size()), nullptr)) ==
@@ -105,6 +145,23 @@ int pageSize()
 std::string translateRuntime(const std::string&)
 {
     return "";
+}
+
+std::size_t threadCount()
+{
+    const HANDLE list = CreateToolhelp32Snapshot(TH32CS_SNAPTHREAD, 0);
+    if (list == INVALID_HANDLE_VALUE) throw std::runtime_error("threads can't be counted");
+    THREADENTRY32 entry{};
+    entry.dwSize = sizeof entry;
+    std::size_t count = 0;
+    for (BOOL more = Thread32First(list, &entry); more; more = Thread32Next(list, &entry))
+    {
+        if (entry.th32OwnerProcessID != GetCurrentProcessId()) continue;
+        const char* const start = startOf(entry.th32ThreadID);
+        if (start && !isOfTheSystem(start)) ++count;
+    }
+    CloseHandle(list);
+    return count;
 }
 
 unsigned int setModeMask(unsigned int)

@@ -1,0 +1,36 @@
+// Variables asked for before there is any. The library's own two are built with it, so it is the
+// static library that a program can be earlier than.
+
+#include "base/inVariableBase.h"
+
+#include <gtest/gtest.h>
+
+namespace
+{
+
+using Zu::InVariableBase;
+
+constexpr const char* HANDLE = "Zu::Corvane::debugging::buildInfoNoValidate";
+
+struct Early
+{
+    const void* const _found = InVariableBase::queryViaHandle(HANDLE);
+    const void* const _foundNull = InVariableBase::queryViaHandle(nullptr);
+    const bool _isOverridden = InVariableBase::isOverridden(HANDLE);
+    const bool _isHere = true;
+};
+
+// Before all that has no priority, and what the library has with one.
+const Early theEarly __attribute__((init_priority(200)));
+
+TEST(InVariableBase, BeforeAnyVariableExistsEveryHandleIsUnknown)
+{
+    ASSERT_TRUE(theEarly._isHere);
+    EXPECT_EQ(theEarly._found, nullptr);
+    EXPECT_EQ(theEarly._foundNull, nullptr);
+    EXPECT_FALSE(theEarly._isOverridden);
+    // It is there by now: the question came before it.
+    EXPECT_NE(InVariableBase::queryViaHandle(HANDLE), nullptr);
+}
+
+} // namespace
