@@ -1,17 +1,23 @@
 """Changes one condition of the sources after the other, and sees that a test fails.
 
 usage: mutate.py [--check] [<word>...]
+       mutate.py --random <number> [--seed <number>] [--jobs <number>] [--again] [<word>...]
 
 The conditions and their tests are listed in conditions.txt. Words choose among them, by parts of
 the names of files and subsystems. All happens in a copy of the tree, below build/mutation, so an
 interrupted run leaves nothing behind in the tree itself.
 
+With --random, that many changes of one token are drawn from a seed, and all tests have to notice;
+see randomMutation.py. Words choose files; --again takes those that the last such run left
+unnoticed. Words that begin with -D go to CMake.
+
 A change is caught if a test fails, crashes, or takes far longer than without it; or if a static
 assertion of a test fails. The exit value is 1 if one is not, or can't be compiled.
 
-With --check, only the list is looked at: that all it names is there, and exactly once.
+With --check, only the lists are looked at: that all they name is there, in this one exactly once.
 """
 
+import argparse
 import os
 import re
 import shlex
@@ -21,6 +27,8 @@ import subprocess
 import sys
 import time
 from pathlib import Path
+
+import randomMutation
 
 ROOT = Path(__file__).resolve().parents[2]
 BUILD = ROOT / "build" / "mutation"
@@ -275,14 +283,24 @@ def runAll(mutants):
     return results
 
 
-def main():
-    words = [word for word in sys.argv[1:] if word != "--check"]
+def readWords():
+    parser = argparse.ArgumentParser(prog="mutate.py", allow_abbrev=False)
+    parser.add_argument("--check", action="store_true")
+    parser.add_argument("--random", type=int, default=0)
+    parser.add_argument("--seed", type=int, default=1)
+    parser.add_argument("--jobs", type=int, default=max(1, (os.cpu_count() or 2) // 2))
+    parser.add_argument("--again", action="store_true")
+    parser.add_argument("words", nargs="*")
+    options = [word for word in sys.argv[1:] if word.startswith("-D")]
+    words = [word for word in sys.argv[1:] if not word.startswith("-D")]
+    return parser.parse_args(words), options
+
+
+def mutateConditions(words):
+    """Goes through the list of conditions; 0 if each is caught."""
     mutants = readMutants()
     if checkList(mutants, ROOT):
         return 1
-    if "--check" in sys.argv[1:]:
-        print(f"{len(mutants)} conditions, all there")
-        return 0
     chosen = [mutant for mutant in mutants if mutant.isChosen(words)]
     if not chosen:
         sys.exit(f"nothing in {CONDITIONS.name} is named like {' or '.join(words)}")
@@ -290,6 +308,33 @@ def main():
     results = runAll(chosen)
     print(f"{time.monotonic() - begin:.0f} s")
     return 0 if all(verdict == "caught" for _, verdict in results) else 1
+
+
+def checkLists():
+    """Prints what is wrong with the lists; 0 if nothing is."""
+    mutants = readMutants()
+    isWrong = checkList(mutants, ROOT)
+    unfit = list(randomMutation.checkExplained(ROOT))
+    for line in unfit:
+        print(line)
+    if isWrong or unfit:
+        return 1
+    print(f"{len(mutants)} conditions, {len(randomMutation.explainedKeys())} explained changes, "
+          "all there")
+    return 0
+
+
+def main():
+    given, options = readWords()
+    if given.check:
+        return checkLists()
+    if not given.random and not given.again:
+        return mutateConditions(given.words)
+    if checkLists():
+        return 1
+    mirror()
+    return randomMutation.runRandom(COPY, given.random, given.seed, given.jobs, given.again,
+                                    given.words, options)
 
 
 if __name__ == "__main__":
