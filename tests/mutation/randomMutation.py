@@ -47,10 +47,14 @@ TIMES_PATIENCE = 8
 
 # A change may make a test remove or end anything: it sees the machine read-only but for its own
 # folder, and no process but its own.
+# GoogleTest makes files in /tmp, whatever is said.
 GUARD = """folder=$1
 shift
-mount --bind "$folder" "$folder" && mount -t tmpfs tmpfs /dev/shm &&
-    mount -o remount,bind,ro / || exit 125
+mkdir -p "$folder/tmp" && mount --bind "$folder" "$folder" && mount -t tmpfs tmpfs /dev/shm || exit 125
+case "$folder" in
+    /tmp/*) mount --bind /tmp /tmp ;;
+    *) mount --bind "$folder/tmp" /tmp ;;
+esac && mount -o remount,bind,ro / || exit 125
 "$@"
 """
 
