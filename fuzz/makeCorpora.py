@@ -131,6 +131,10 @@ TEST_FILE = {
     "fullOfGroups": b"A -1\n" * 128,
     "oneLineTooMany": b"A -1\n" * 128 + b"\n",
     "nulInLine": b"A 1\0 x\n\0A 1\nA 1 y",
+    "carriageReturns": b"A 1 x\r\n\r\nLookup 1 \r\r\nA 1 \rz\r",
+    "longestLineWithReturn": b"A 1 " + b"x" * 251 + b"\r\nA 1\r\n",
+    "lineWithReturnTooLong": b"A 1 " + b"x" * 252 + b"\r\nA 1\r\n",
+    "nulBehindReturn": b"A 1 x\r\0y\nA 1\0" + b"z" * 252 + b"\nA 1\n",
 }
 
 KNOWN_LEAKS = {

@@ -47,12 +47,10 @@ std::string nextLine(std::istream& stream)
     // Room for a carriage return, and for the terminator.
     char line[MAX_LENGTH + 2] = "";
     stream.getline(line, sizeof line);
-    const std::streamsize length = static_cast<std::streamsize>(std::strlen(line));
-    // Only a line feed ends a line while the stream is good.
-    if (stream.good() && length > 0 && line[length - 1] == '\r')
-        line[length - 1] = '\0';
-    else if (length > MAX_LENGTH)
-        stream.setstate(std::ios_base::failbit);
+    std::streamsize length = stream.gcount();
+    // A stream that is good has taken a line feed, too.
+    if (stream.good() && --length > 0 && line[length - 1] == '\r') line[--length] = '\0';
+    if (length > MAX_LENGTH) stream.setstate(std::ios_base::failbit);
     line[MAX_LENGTH] = '\0';
     return line;
 }

@@ -191,12 +191,14 @@ class Call:
         return written.decode("utf-8", "replace"), False
 
 
-def demand(words, folder, environment=None):
-    call = Call(words, 7200, folder, environment)
-    if call.code != 0:
-        print(call.output[-4000:])
+def demand(words, folder):
+    """What a program writes, all of it, that has to succeed before anything is changed."""
+    done = subprocess.run(words, cwd=folder, stdin=subprocess.DEVNULL, stdout=subprocess.PIPE,
+                          stderr=subprocess.STDOUT, text=True, check=False)
+    if done.returncode != 0:
+        print(done.stdout[-4000:])
         sys.exit(f"failed without any change: {shlex.join(words)}")
-    return call.output
+    return done.stdout
 
 
 class Tree:
@@ -417,6 +419,8 @@ class Judge:
     def verdict(self, worker, place):
         stem = bare(Path(place.file).stem)
         isHeader = not place.file.endswith(".cpp")
+        if not self.tree.dependents.get(place.file):
+            sys.exit(f"nothing is made from {place.file}")
         if not isHeader:
             objects = self.tree.objectsOf(place.file)
         else:

@@ -125,7 +125,8 @@ class DrawTest(unittest.TestCase):
 class FakeTree:
     """A component with a source, a header, a test source, and somebody who includes the header."""
 
-    dependents = {"src/base/a.h": {"CMakeFiles/ZUbase.dir/a.cpp.o", "CMakeFiles/ZUbase.dir/z.cpp.o",
+    dependents = {"src/base/a.cpp": {"CMakeFiles/ZUbase.dir/a.cpp.o"},
+                  "src/base/a.h": {"CMakeFiles/ZUbase.dir/a.cpp.o", "CMakeFiles/ZUbase.dir/z.cpp.o",
                                    "CMakeFiles/baseTest.dir/aTest.cpp.o"}}
     compiles = {made: [] for made in dependents["src/base/a.h"]} | {
         "CMakeFiles/ZUbase.dir/a.cpp.o": []}
