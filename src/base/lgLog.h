@@ -138,31 +138,10 @@ public:
     static LgInterProcessLock* getInterProcessLock();
 
 private:
-    // Where the text of a level goes.
-    struct LevelInfo
-    {
-        bool _enabled;
-        bool _echo;
-        bool _append;
-        // The first level that names a file owns its stream; null without a file.
-        std::ofstream* _output;
-        const char* _file;
-    };
-
-    static LevelInfo parseEnvVar(const char* value);
-    static bool chooseFiles();
-    static void readLevels(bool directoryUsable);
     static void readDefaultLevel();
     static void readSwitches();
-    static void openOutputs();
-    static std::ofstream* openedBefore(int level);
-    static void closeOutput(int level);
-    static void abandonOutputs();
-    static void freeFileNames();
+    static void closeOutput(LgTypes::Level level);
 
-    static LevelInfo _level[LgTypes::NUM_LEVELS];
-    static char* file_prof;
-    static char* file_log;
     static std::uint64_t _start;
     static std::atomic<bool> _loggerActive;
     static std::atomic<bool> _blockingTrace;

@@ -1,0 +1,55 @@
+/// @file
+/// The open files of the logger. Internal to the library.
+
+#ifndef ZU_BASE_LGOUTPUTS_H
+#define ZU_BASE_LGOUTPUTS_H
+
+#include "lgSetup.h"
+#include "lgTypes.h"
+
+#include <fstream>
+#include <functional>
+#include <memory>
+
+namespace Zu
+{
+
+/// The files to which levels write. Levels that name the same file share one stream.
+///
+/// Thread-safety: what opens and closes belongs to phases of one thread.
+class LgOutputs
+{
+public:
+    /// Opens the files that the set-up names, in the order of the levels. Of levels that share a
+    /// file the first one decides whether it is appended to. A file that can't be opened has a
+    /// stream all the same, in its failed state. `opened` gets each stream once. What it raises
+    /// leaves with the files open so far.
+    void open(const LgSetup& setup, const std::function<void(std::ofstream&)>& opened);
+
+    /// The stream of a level; null if it has none.
+    std::ofstream* get(LgTypes::Level level) const
+    {
+        return _streams[level].get();
+    }
+
+    /// Whether two levels write to one stream.
+    bool areShared(LgTypes::Level one, LgTypes::Level other) const
+    {
+        return _streams[one] && _streams[one] == _streams[other];
+    }
+
+    /// Closes the stream of a level, for all levels that share it.
+    void close(LgTypes::Level level);
+
+    /// Closes all streams.
+    void closeAll();
+
+private:
+    std::shared_ptr<std::ofstream> openedBefore(const LgSetup& setup, LgTypes::Level level) const;
+
+    std::shared_ptr<std::ofstream> _streams[LgTypes::NUM_LEVELS];
+};
+
+} // namespace Zu
+
+#endif
