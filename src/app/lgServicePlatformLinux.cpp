@@ -1,5 +1,7 @@
 #include "app/lgServicePlatform.h"
 
+#include "base/compiler.h"
+
 #include <csignal>
 #include <ctime>
 #include <linux/membarrier.h>
@@ -23,7 +25,7 @@ bool callBarrier(int command)
 
 bool prepareBarrier()
 {
-#if defined(__SANITIZE_THREAD__)
+#if ZU_THREAD_SANITIZER
     // The sanitizer knows orders between atomics alone.
     return false;
 #else

@@ -7,6 +7,7 @@
 #include "arrayPtr.h"
 #include "assertions.h"
 #include "baseApi.h"
+#include "compiler.h"
 #include "containers.h"
 #include "dbgBuildInfo.h"
 #include "dbgBuildInfoEx.h"

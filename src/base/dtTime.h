@@ -5,6 +5,7 @@
 #define ZU_BASE_DTTIME_H
 
 #include "baseApi.h"
+#include "compiler.h"
 #include "dtArithmetic.h"
 #include "dtEx.h"
 #include "ieeeDivide.h"
@@ -285,7 +286,7 @@ private:
             DtArithmetic::multiply32(to.getDenominator(), from.getNumerator());
         // A product that fits as it stands leads to the same quotient as the reduced one.
         std::int64_t product = 0;
-        if (denominator > 0 && !__builtin_mul_overflow(_count, numerator, &product))
+        if (denominator > 0 && !Compiler::multiplyOverflows(_count, numerator, product))
             return denominator == 1 ? product : product / denominator;
         return scaled(Rational(numerator, denominator));
     }

@@ -4,6 +4,7 @@
 #ifndef ZU_BASE_EXDEFINE_H
 #define ZU_BASE_EXDEFINE_H
 
+#include "compiler.h"
 #include "exBase.h"
 
 #include <cstdarg>
@@ -27,7 +28,7 @@ namespace Zu
 class ExText
 {
 public:
-    [[gnu::format(printf, 2, 3)]] explicit ExText(const char* format, ...)
+    ZU_PRINTF_FORMAT(2, 3) explicit ExText(const char* format, ...)
     {
         std::va_list arguments;
         va_start(arguments, format);

@@ -4,6 +4,7 @@
 #ifndef ZU_BASE_FLOATUTIL_H
 #define ZU_BASE_FLOATUTIL_H
 
+#include "compiler.h"
 #include "ltFPClass.h"
 #include "truncateTo.h"
 
@@ -37,10 +38,8 @@ public:
     /// The argument with its sign bit cleared.
     static constexpr T abs(T x) noexcept
     {
-        if constexpr (IS_SINGLE)
-            return __builtin_fabsf(x);
-        else
-            return __builtin_fabs(x);
+        using Bits = std::conditional_t<IS_SINGLE, std::uint32_t, std::uint64_t>;
+        return Compiler::bitCast<T>(Compiler::bitCast<Bits>(x) & (~Bits{0} >> 1));
     }
 
     /// The tolerance of comparisons that are given none: 0.0001 and 1e-7.

@@ -4,6 +4,8 @@
 #ifndef ZU_BASE_IEEEDIVIDE_H
 #define ZU_BASE_IEEEDIVIDE_H
 
+#include "compiler.h"
+
 #include <limits>
 
 namespace Zu
@@ -15,7 +17,7 @@ template <class T> constexpr T ieeeDivide(T a, T b) noexcept
 {
     if (b != T(0)) return a / b;
     if (a == T(0) || a != a) return std::numeric_limits<T>::quiet_NaN();
-    const bool isNegative = (a < T(0)) != (__builtin_signbit(b) != 0);
+    const bool isNegative = (a < T(0)) != Compiler::isSignBitSet(b);
     return isNegative ? -std::numeric_limits<T>::infinity() : std::numeric_limits<T>::infinity();
 }
 

@@ -1,10 +1,12 @@
 #include "base/inContextAliasMgrBase.h"
 
+#include "base/compiler.h"
+
 namespace Zu
 {
 
 // There before any constructor runs.
-constinit Vector<char*> InContextAliasMgrBase::_args;
+ZU_CONSTINIT_VECTOR Vector<char*> InContextAliasMgrBase::_args ZU_CONSTINIT_VECTOR_PRIORITY;
 
 namespace
 {

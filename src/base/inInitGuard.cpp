@@ -1,5 +1,6 @@
 #include "base/inInitGuard.h"
 
+#include "base/compiler.h"
 #include "base/inEx.h"
 #include "base/inInitMgr.h"
 
@@ -32,7 +33,7 @@ void start(int& argc, const char* const*& argv)
 // How many exceptions were under way when each of the present guards was made, the latest last. A
 // guard in the body of a package may live while an older exception unwinds the stack below it, and
 // that is none of its concern.
-constinit std::vector<int> exceptionsAtStart;
+ZU_CONSTINIT_VECTOR std::vector<int> exceptionsAtStart ZU_CONSTINIT_VECTOR_PRIORITY;
 
 void noteStart()
 {

@@ -4,10 +4,12 @@
 #ifndef ZU_BASE_INITORDER_H
 #define ZU_BASE_INITORDER_H
 
+#include "compiler.h"
+
 /// Fixes when a static object is built. Without it the order among sources is that of linking on
 /// one platform and its reverse on the other; the reports of ZU_DEBUG_INITIALIZE would differ.
 /// Objects of one number are built in the order of their source.
-#define ZU_INIT_ORDER(priority) __attribute__((init_priority(priority)))
+#define ZU_INIT_ORDER(priority) ZU_INIT_PRIORITY(priority)
 
 #define ZU_INIT_ORDER_TRACE 1000
 #define ZU_INIT_ORDER_BASE 1010

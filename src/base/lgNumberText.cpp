@@ -1,5 +1,7 @@
 #include "base/lgNumberText.h"
 
+#include "base/compiler.h"
+
 #include <algorithm>
 #include <bit>
 #include <charconv>
@@ -13,8 +15,8 @@ namespace Zu
 namespace
 {
 
-// A wider product than the language has a standard name for.
-__extension__ using Wide = unsigned __int128;
+// A wider product than the language has a type for.
+using Wide = Compiler::UInt128;
 
 constexpr int MANTISSA_BITS = 52;
 constexpr int EXPONENT_BIAS = 1075;

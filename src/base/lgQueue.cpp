@@ -1,5 +1,6 @@
 #include "base/lgQueue.h"
 
+#include "base/compiler.h"
 #include "base/hwCounter.h"
 #include "base/internalAssert.h"
 
@@ -178,10 +179,10 @@ void LgQueue::addEntry()
 
 // The reader had the places of events to come in its cache; they are on their way back when their
 // turn comes.
-[[gnu::target("prfchw")]] void LgQueue::fetchAhead()
+ZU_CAN_PREFETCH_FOR_WRITING void LgQueue::fetchAhead()
 {
     constexpr std::uint32_t ENTRIES = 4;
-    __builtin_prefetch(&_entries[_end.plus(ENTRIES)], 1);
+    Compiler::prefetchForWriting(&_entries[_end.plus(ENTRIES)]);
     _stream.fetchAhead();
 }
 

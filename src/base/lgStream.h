@@ -5,6 +5,7 @@
 #define ZU_BASE_LGSTREAM_H
 
 #include "baseApi.h"
+#include "compiler.h"
 #include "lgRingIndex.h"
 
 #include <atomic>
@@ -224,7 +225,7 @@ private:
     void fetchAhead() const
     {
         constexpr std::uint32_t CHARACTERS = 256;
-        __builtin_prefetch(_buffer.get() + _writePos.plus(CHARACTERS), 1);
+        Compiler::prefetchForWriting(_buffer.get() + _writePos.plus(CHARACTERS));
     }
 
     LgStream& insertAtEdge(const char* text, std::size_t length);

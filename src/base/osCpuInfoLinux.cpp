@@ -1,5 +1,6 @@
 #include "base/osCpuInfo.h"
 
+#include "base/compilerSupport.h"
 #include "base/exSysError.h"
 #include "base/osCpuPlatform.h"
 
@@ -24,12 +25,14 @@ unsigned int osCpuArchitecture()
 
 bool osCpuHasMMX()
 {
-    return __builtin_cpu_supports("mmx") != 0;
+    constexpr int MMX = 23;
+    return (Compiler::cpuid(1, 0)._edx >> MMX & 1) != 0;
 }
 
 bool osCpuHasSSE()
 {
-    return __builtin_cpu_supports("sse") != 0;
+    constexpr int SSE = 25;
+    return (Compiler::cpuid(1, 0)._edx >> SSE & 1) != 0;
 }
 
 bool osCounterFrequency(std::uint64_t& frequency)

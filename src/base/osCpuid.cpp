@@ -1,8 +1,8 @@
 #include "base/osCpuid.h"
 
+#include "base/compilerSupport.h"
 #include "base/internalAssert.h"
 
-#include <cpuid.h>
 #include <vector>
 
 namespace Zu
@@ -112,9 +112,8 @@ void readDeterministicCaches(const OsCpuid& cpuid, std::uint32_t leaf, OsCpuInfo
 
 OsCpuidRegisters osCpuid(std::uint32_t leaf, std::uint32_t subLeaf)
 {
-    OsCpuidRegisters registers{};
-    __cpuid_count(leaf, subLeaf, registers._eax, registers._ebx, registers._ecx, registers._edx);
-    return registers;
+    const Compiler::CpuidRegisters registers = Compiler::cpuid(leaf, subLeaf);
+    return {registers._eax, registers._ebx, registers._ecx, registers._edx};
 }
 
 OsCpuInfo::Type osCpuTypeOf(unsigned int architecture)

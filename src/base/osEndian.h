@@ -4,6 +4,8 @@
 #ifndef ZU_BASE_OSENDIAN_H
 #define ZU_BASE_OSENDIAN_H
 
+#include "compiler.h"
+
 #include <cstddef>
 #include <cstdint>
 #include <type_traits>
@@ -27,17 +29,17 @@ public:
     /// Whether the last byte of a number in memory is its lowest.
     static constexpr bool isBigEndian() noexcept
     {
-        return __builtin_bit_cast(Bytes<4>, std::uint32_t{1})._bytes[3] == 1;
+        return Compiler::bitCast<Bytes<4>>(std::uint32_t{1})._bytes[3] == 1;
     }
 
     /// The value with its bytes in reverse order; of `float` and `double`, their bit patterns.
     template <class T, class = IfNumber<T>> static constexpr T invert(T value) noexcept
     {
-        const auto bytes = __builtin_bit_cast(Bytes<sizeof(T)>, value);
+        const auto bytes = Compiler::bitCast<Bytes<sizeof(T)>>(value);
         Bytes<sizeof(T)> reversed{};
         for (std::size_t i = 0; i < sizeof(T); ++i)
             reversed._bytes[i] = bytes._bytes[sizeof(T) - 1 - i];
-        return __builtin_bit_cast(T, reversed);
+        return Compiler::bitCast<T>(reversed);
     }
 
     /// invert() when the condition is true, otherwise the value as it is.

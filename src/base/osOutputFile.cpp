@@ -1,6 +1,7 @@
 #include "base/osOutputFile.h"
 
-#include <ext/stdio_filebuf.h>
+#include "base/compilerSupport.h"
+
 #include <fstream>
 
 namespace Zu
@@ -34,14 +35,8 @@ bool osIsOwnOutput(const OsOwnership& file, std::uint32_t user)
 
 bool osAdoptOutput(std::ofstream& file, int descriptor, bool appends)
 {
-    constexpr std::size_t WITHOUT_BUFFER = 1;
-    const auto mode =
-        std::ios::out | std::ios::binary | (appends ? std::ios::app : std::ios::trunc);
-    __gnu_cxx::stdio_filebuf<char> buffer(descriptor, mode, WITHOUT_BUFFER);
-    if (!buffer.is_open()) return false;
-    file.rdbuf()->swap(buffer);
-    file.clear();
-    return true;
+    return Compiler::adoptDescriptor(
+        file, descriptor, std::ios::binary | (appends ? std::ios::app : std::ios::trunc));
 }
 
 } // namespace Zu

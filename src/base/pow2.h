@@ -5,6 +5,7 @@
 #define ZU_BASE_POW2_H
 
 #include "assertions.h"
+#include "compiler.h"
 
 #include <cstdint>
 
@@ -49,7 +50,7 @@ private:
     // Of a number that is not 0.
     static constexpr std::uint32_t highestBit(std::uint32_t x) noexcept
     {
-        return 31U - static_cast<std::uint32_t>(__builtin_clz(x));
+        return 31U - static_cast<std::uint32_t>(Compiler::countLeadingZeros(x));
     }
 };
 

@@ -5,6 +5,7 @@
 #define ZU_BASE_PROFCONSOLIDATOR_H
 
 #include "baseApi.h"
+#include "compiler.h"
 #include "profiler.h"
 
 #include <iosfwd>
@@ -14,8 +15,7 @@ namespace Zu
 {
 
 // Deliberately without a virtual destructor: nobody deletes one through a base.
-#pragma GCC diagnostic push
-#pragma GCC diagnostic ignored "-Wnon-virtual-dtor"
+ZU_IGNORE_NON_VIRTUAL_DTOR
 
 /// The figures of several profilers together, but for the deviation.
 class ZU_BASE_API ProfConsolidator
@@ -47,7 +47,7 @@ private:
     double _maximum = 0;
 };
 
-#pragma GCC diagnostic pop
+ZU_END_IGNORE
 
 /// Writes the report of a profiler, without name and deviation.
 ZU_BASE_API std::ostream& operator<<(std::ostream& os, const ProfConsolidator& consolidator);

@@ -5,6 +5,7 @@
 #define ZU_BASE_RATIONAL_H
 
 #include "baseApi.h"
+#include "compiler.h"
 #include "ieeeDivide.h"
 #include "rationalEx.h"
 
@@ -107,7 +108,7 @@ private:
     static constexpr std::uint32_t greatestCommonDivisor(std::uint32_t a, std::uint32_t b) noexcept
     {
         constexpr int FAR_APART = 8;
-        const int distance = __builtin_clz(a) - __builtin_clz(b);
+        const int distance = Compiler::countLeadingZeros(a) - Compiler::countLeadingZeros(b);
         if (distance >= FAR_APART || distance <= -FAR_APART)
         {
             const std::uint32_t smaller = a < b ? a : b;
@@ -116,15 +117,15 @@ private:
             a = smaller;
             b = rest;
         }
-        const int twos = __builtin_ctz(a | b);
-        auto odd = static_cast<std::int32_t>(a >> __builtin_ctz(a));
-        auto other = static_cast<std::int32_t>(b >> __builtin_ctz(b));
+        const int twos = Compiler::countTrailingZeros(a | b);
+        auto odd = static_cast<std::int32_t>(a >> Compiler::countTrailingZeros(a));
+        auto other = static_cast<std::int32_t>(b >> Compiler::countTrailingZeros(b));
         while (odd != other)
         {
             // Of two odd numbers, so it is even. The number of its zeros is had before its sign is
             // taken away: the same for both signs, and that is the longest way through the loop.
             const std::int32_t difference = other - odd;
-            const int zeros = __builtin_ctz(static_cast<std::uint32_t>(difference));
+            const int zeros = Compiler::countTrailingZeros(static_cast<std::uint32_t>(difference));
             odd = other < odd ? other : odd;
             other = (difference < 0 ? -difference : difference) >> zeros;
         }

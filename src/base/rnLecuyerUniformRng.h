@@ -5,6 +5,7 @@
 #define ZU_BASE_RNLECUYERUNIFORMRNG_H
 
 #include "baseApi.h"
+#include "compiler.h"
 #include "rnUniformRng.h"
 
 #include <cstdint>
@@ -64,7 +65,7 @@ public:
     void restart(unsigned int seed0, unsigned int seed1);
 
     /// The next value, without a virtual call.
-    [[gnu::always_inline]] T eval()
+    ZU_ALWAYS_INLINE T eval()
     {
         _state0 = stepped<40014, 53668, 12211, MODULUS0>(_state0);
         _state1 = stepped<40692, 52774, 3791, MODULUS1>(_state1);
@@ -72,13 +73,13 @@ public:
     }
 
     /// The next value, scaled to a range.
-    [[gnu::always_inline]] T evalRange(T min, T max)
+    ZU_ALWAYS_INLINE T evalRange(T min, T max)
     {
         return eval() * (max - min) + min;
     }
 
     /// The next value times `max`.
-    [[gnu::always_inline]] T evalScaled(T max)
+    ZU_ALWAYS_INLINE T evalScaled(T max)
     {
         return eval() * max;
     }
@@ -92,14 +93,14 @@ private:
     // branches that nothing could predict.
     template <std::int32_t MULTIPLIER, std::int32_t QUOTIENT, std::int32_t REST,
               std::int32_t MODULUS>
-    [[gnu::always_inline]] static std::int32_t stepped(std::int32_t state)
+    ZU_ALWAYS_INLINE static std::int32_t stepped(std::int32_t state)
     {
         const std::int32_t k = state / QUOTIENT;
         const std::int32_t next = MULTIPLIER * (state - k * QUOTIENT) - k * REST;
         return next + (MODULUS & (next >> 31));
     }
 
-    [[gnu::always_inline]] static T joined(std::int32_t state0, std::int32_t state1)
+    ZU_ALWAYS_INLINE static T joined(std::int32_t state0, std::int32_t state1)
     {
         const auto z = static_cast<std::int32_t>(static_cast<std::uint32_t>(state1) +
                                                  static_cast<std::uint32_t>(state0) -

@@ -7,6 +7,7 @@
 #include "arrayPtr.h"
 #include "assertions.h"
 #include "baseApi.h"
+#include "compiler.h"
 #include "rnUniformRng.h"
 
 #include <cstdint>
@@ -46,7 +47,7 @@ public:
     void restart(unsigned int seed);
 
     /// The next value, without a virtual call.
-    [[gnu::always_inline]] T eval()
+    ZU_ALWAYS_INLINE T eval()
     {
         const std::uint32_t j = placeOf(_current);
         ZU_ASSERT(j < SHUFFLESIZE);
@@ -57,13 +58,13 @@ public:
     }
 
     /// The next value, scaled to a range.
-    [[gnu::always_inline]] T evalRange(T min, T max)
+    ZU_ALWAYS_INLINE T evalRange(T min, T max)
     {
         return eval() * (max - min) + min;
     }
 
     /// The next value times `max`.
-    [[gnu::always_inline]] T evalScaled(T max)
+    ZU_ALWAYS_INLINE T evalScaled(T max)
     {
         return eval() * max;
     }
@@ -76,18 +77,18 @@ private:
     static constexpr T RM = T(1) / T(1771875);
 
     // The numbers lie below 2^31, and signed ones are converted faster.
-    [[gnu::always_inline]] static T valueOf(std::uint32_t state)
+    ZU_ALWAYS_INLINE static T valueOf(std::uint32_t state)
     {
         return static_cast<T>(static_cast<std::int32_t>(state)) * RM;
     }
 
-    [[gnu::always_inline]] static std::uint32_t placeOf(T value)
+    ZU_ALWAYS_INLINE static std::uint32_t placeOf(T value)
     {
         return static_cast<std::uint32_t>(
             static_cast<std::int32_t>(value * static_cast<T>(SHUFFLESIZE)));
     }
 
-    [[gnu::always_inline]] static std::uint32_t next(std::uint32_t state)
+    ZU_ALWAYS_INLINE static std::uint32_t next(std::uint32_t state)
     {
         return (state * MULTIPLIER + INCREMENT) % MODULUS;
     }

@@ -4,6 +4,8 @@
 #ifndef ZU_BASE_RNSEARCH_H
 #define ZU_BASE_RNSEARCH_H
 
+#include "compiler.h"
+
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
@@ -61,14 +63,14 @@ public:
     /// and returns the index of the entry before it. Results do not depend on it.
     void fetchGuide(const std::vector<T>& entries, T value) const
     {
-        if (isGuided(entries, value)) __builtin_prefetch(&_guide[cellOf(value)]);
+        if (isGuided(entries, value)) Compiler::prefetch(&_guide[cellOf(value)]);
     }
 
     unsigned int fetchEntries(const std::vector<T>& entries, T value) const
     {
         if (!isGuided(entries, value)) return 0;
         const unsigned int low = _guide[cellOf(value)];
-        __builtin_prefetch(&entries[low]);
+        Compiler::prefetch(&entries[low]);
         return low > 0 ? low - 1 : 0;
     }
     /// @}

@@ -1,5 +1,6 @@
 #include "base/testHandlers.h"
 
+#include "base/compiler.h"
 #include "base/exBadException.h"
 #include "base/testInform.h"
 #include "base/testTrace.h"
@@ -10,13 +11,35 @@
 namespace Zu::TestHandlers
 {
 
+namespace
+{
+
+// Where the standard library has no handler to set any more.
+namespace Missing
+{
+struct Handler
+{
+    template <class Function> Handler(Function*) {}
+};
+
+[[maybe_unused]] void set_unexpected(Handler) {}
+} // namespace Missing
+
+// The language has given it up, but code compiled for an older one may come here.
+ZU_IGNORE_DEPRECATED
+void setUnexpected()
+{
+    using namespace std;
+    using namespace Missing;
+    set_unexpected(onUnexpected);
+}
+ZU_END_IGNORE
+
+} // namespace
+
 void install()
 {
-// The language has given it up, but code compiled for an older one may come here.
-#pragma GCC diagnostic push
-#pragma GCC diagnostic ignored "-Wdeprecated-declarations"
-    std::set_unexpected(onUnexpected);
-#pragma GCC diagnostic pop
+    setUnexpected();
     std::set_terminate(onTerminate);
 }
 

@@ -1,5 +1,7 @@
 #include "base/textToDouble.h"
 
+#include "base/fromChars.h"
+
 #include <cctype>
 #include <charconv>
 #include <cstring>
@@ -57,9 +59,7 @@ bool isTooGreat(const char* begin, const char* end, bool isHex)
         if (isBegun && !isBehindPoint) ++places;
         if (!isBegun && isBehindPoint) --places;
     }
-    long magnitude = 0;
-    if (__builtin_add_overflow(places * (isHex ? 4 : 1), exponent, &magnitude)) return exponent > 0;
-    return magnitude > 0;
+    return exponent > -places * (isHex ? 4 : 1);
 }
 
 } // namespace
@@ -74,7 +74,7 @@ double textToDouble(const char* text)
     const char* const begin = isHex ? text + 2 : text;
     double value = 0;
     const auto format = isHex ? std::chars_format::hex : std::chars_format::general;
-    const auto result = std::from_chars(begin, boundOf(begin, isHex), value, format);
+    const auto result = fromChars(begin, boundOf(begin, isHex), value, format);
     if (result.ec == std::errc::invalid_argument) return 0;
     if (result.ec == std::errc::result_out_of_range)
         value = isTooGreat(begin, result.ptr, isHex) ? std::numeric_limits<double>::infinity() : 0;

@@ -5,6 +5,7 @@
 #define ZU_BASE_TRACE_H
 
 #include "baseApi.h"
+#include "compiler.h"
 #include "exBase.h"
 #include "traceLevel.h"
 
@@ -72,8 +73,8 @@ public:
 
     /// Writes a line with a text made as `printf` makes it in the locale "C", cut to 1,023
     /// characters.
-    [[gnu::format(printf, 5, 6)]] void print(std::ostream& os, const char* file, int line,
-                                             const char* format, ...);
+    ZU_PRINTF_FORMAT(5, 6)
+    void print(std::ostream& os, const char* file, int line, const char* format, ...);
 
     /// Prints the line "Throwing exception ..." if the level "Exceptions" is on, as it is by
     /// default.

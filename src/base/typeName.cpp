@@ -1,9 +1,8 @@
 #include "base/typeName.h"
 
-#include <cstdlib>
-#include <cxxabi.h>
+#include "base/compilerSupport.h"
+
 #include <map>
-#include <memory>
 #include <mutex>
 #include <string>
 #include <string_view>
@@ -13,14 +12,6 @@ namespace Zu
 
 namespace
 {
-
-std::string demangled(const char* name)
-{
-    int status = 0;
-    const std::unique_ptr<char, void (*)(void*)> text(
-        abi::__cxa_demangle(name, nullptr, nullptr, &status), &std::free);
-    return text ? text.get() : name;
-}
 
 // Keyed by a copy of the runtime's name: a module that is unloaded takes its type_info with it.
 struct NameTable
@@ -42,7 +33,7 @@ const char* internedName(const char* name)
     const std::lock_guard<std::mutex> guard(table._lock);
     const auto found = table._names.find(std::string_view(name));
     if (found != table._names.end()) return found->second.c_str();
-    return table._names.emplace(name, demangled(name)).first->second.c_str();
+    return table._names.emplace(name, Compiler::demangled(name)).first->second.c_str();
 }
 
 } // namespace

@@ -68,8 +68,7 @@ bool giveToAnotherUser(const std::string& path);
 // Wine does not.
 bool resolvesLongPaths();
 
-// Whether the system can make all threads of a process pass a memory barrier, and the build makes
-// use of it: ThreadSanitizer knows orders between atomics alone.
+// Whether the system can make all threads of a process pass a memory barrier.
 bool hasProcessBarrier();
 
 // Waits until a child of this process has ended, and leaves it as it is; returns at once if there

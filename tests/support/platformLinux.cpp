@@ -97,12 +97,8 @@ bool resolvesLongPaths()
 
 bool hasProcessBarrier()
 {
-#if defined(__SANITIZE_THREAD__)
-    return false;
-#else
     const long commands = syscall(SYS_membarrier, MEMBARRIER_CMD_QUERY, 0, 0);
     return commands > 0 && (commands & MEMBARRIER_CMD_PRIVATE_EXPEDITED) != 0;
-#endif
 }
 
 void awaitEndOfAnyChild()
