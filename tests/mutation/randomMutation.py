@@ -50,7 +50,8 @@ TIMES_PATIENCE = 8
 # GoogleTest makes files in /tmp, whatever is said.
 GUARD = """folder=$1
 shift
-mkdir -p "$folder/tmp" && mount --bind "$folder" "$folder" && mount -t tmpfs tmpfs /dev/shm || exit 125
+mkdir -p "$folder/tmp" && mount --bind "$folder" "$folder" || exit 125
+mount -t tmpfs tmpfs /dev/shm || exit 125
 case "$folder" in
     /tmp/*) mount --bind /tmp /tmp ;;
     *) mount --bind "$folder/tmp" /tmp ;;

@@ -58,8 +58,8 @@ def run(*command, **options):
 def build(root, directory, compiler, flags):
     """Builds the libraries and the programs, and runs these; how many sources there are, or 0."""
     directory.mkdir(parents=True, exist_ok=True)
-    if not run("cmake", "-G", "Ninja", "-S", root, "-B", directory, f"-DCMAKE_CXX_COMPILER={compiler}",
-               f"-DCMAKE_CXX_FLAGS={flags}", *OPTIONS):
+    if not run("cmake", "-G", "Ninja", "-S", root, "-B", directory,
+               f"-DCMAKE_CXX_COMPILER={compiler}", f"-DCMAKE_CXX_FLAGS={flags}", *OPTIONS):
         return 0
     if not run("cmake", "--build", directory, "--target", "ZUbase", "ZUapp", *PROGRAMS):
         return 0
