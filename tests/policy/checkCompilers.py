@@ -1,9 +1,11 @@
 """Builds the libraries with each compiler that they are tested with, and runs programs with them.
 
-usage: checkCompilers.py <root> [<directory of the builds>]
+usage: checkCompilers.py [--brief] <root> [<directory of the builds>]
 
 The builds stay, by default below build/compilers, so that the next time takes only what has
-changed. Before them the sources are searched for what belongs to a compiler and stands elsewhere
+changed. With --brief there is one build, of libc++ and the portable forms together: that clang++
+builds the libraries with the standard library of g++ is shown by the sanitizers' builds, too. Before
+the builds the sources are searched for what belongs to a compiler and stands elsewhere
 than in the header that is made for it. The exit value is 1 if something is found, if a build fails
 or a program.
 """
@@ -20,6 +22,8 @@ from sourceTree import Errors, readSources
 BUILDS = [("clang++", "clang++", ""),
           ("clang++ with libc++", "clang++", "-stdlib=libc++"),
           ("clang++ with portable forms", "clang++", "-DZU_COMPILER_PORTABLE")]
+BRIEF = [("clang++ with libc++ and portable forms", "clang++",
+          "-stdlib=libc++ -DZU_COMPILER_PORTABLE")]
 OPTIONS = ["-DCMAKE_BUILD_TYPE=RelWithDebInfo",
            "-DCMAKE_CXX_FLAGS_RELWITHDEBINFO=-O0 -g0 -DNDEBUG", "-DZU_WARNINGS_AS_ERRORS=ON",
            "-DZU_BUILD_TESTS=OFF", "-DZU_BUILD_STATIC=OFF", "-DZU_INSTALL=OFF",
@@ -72,10 +76,12 @@ def build(root, directory, compiler, flags):
 
 
 def main():
-    root = Path(sys.argv[1]).resolve()
-    builds = Path(sys.argv[2]) if len(sys.argv) > 2 else root / "build" / "compilers"
+    words = [word for word in sys.argv[1:] if word != "--brief"]
+    isBrief = "--brief" in sys.argv
+    root = Path(words[0]).resolve()
+    builds = Path(words[1]) if len(words) > 1 else root / "build" / "compilers"
     failed = misplaced(readSources(root)).report() != 0
-    for name, compiler, flags in BUILDS:
+    for name, compiler, flags in BRIEF if isBrief else BUILDS:
         count = build(root, builds / re.sub(r"\W+", "-", name), compiler, flags)
         print(f"{name}: " + (f"{count} sources, {len(PROGRAMS)} programs" if count else "FAILED"),
               flush=True)
