@@ -20,15 +20,15 @@ using Milliseconds = std::vector<std::uint32_t>;
 static_assert(!std::is_copy_constructible_v<TimerPeriod>);
 static_assert(!std::is_copy_assignable_v<TimerPeriod>);
 
-struct Row
+struct TickRow
 {
     double _seconds;
     std::uint32_t _milliseconds;
 };
 
-void expectRows(std::initializer_list<Row> rows)
+void expectRows(std::initializer_list<TickRow> rows)
 {
-    for (const Row& row : rows)
+    for (const TickRow& row : rows)
         EXPECT_EQ(timerMilliseconds(row._seconds), row._milliseconds) << row._seconds;
 }
 
