@@ -38,10 +38,12 @@ void StreamModel::finish()
     _isClosed = true;
     if (_isOnTerminator)
     {
-        // There is no place for even an empty string.
+        // The string that stands there is closed already: the writer steps past its terminator if
+        // there is room by now.
         if (_written - _read == _size - 1) return;
         ++_written;
         _isOnTerminator = false;
+        return;
     }
     push();
 }

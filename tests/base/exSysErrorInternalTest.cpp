@@ -97,7 +97,7 @@ TEST(ExSysErrorWindows, ACodeThatThePlatformDoesNotKnowIsCarriedAndToldTheSame)
 
 TEST(SystemCode, TheTextFitsTheBufferThatItIsGiven)
 {
-    for (const std::size_t size : {1, 2, 5, 1024})
+    for (const std::size_t size : {1U, 2U, 5U, 1024U})
     {
         const std::unique_ptr<char[]> text(new char[size]);
         std::memset(text.get(), 'x', size);

@@ -477,7 +477,8 @@ TEST_F(InInitMgrImplTest, ADependencyOnAPackageThatFailedIsNotResolvedLater)
     _a->_onInitialize = [] { throw std::domain_error("body"); };
     _impl.registerPackage(*_a);
     EXPECT_THROW(_impl.runPendingPasses(), std::domain_error);
-    EXPECT_FALSE(_impl.isTypeInitialized(typeid(*_a)));
+    const Zu::InPackageInit& failed = *_a;
+    EXPECT_FALSE(_impl.isTypeInitialized(typeid(failed)));
     _b->dependOn(*_a);
     _impl.incReinitCount();
     _impl.registerPackage(*_b);

@@ -220,7 +220,7 @@ TEST(LmRegion, ANameIsAskedForAtTheBaseOfAnAllocation)
     memory._names[1100] = "inner.dll";
     memory._names[2000] = "inner.dll";
     EXPECT_EQ(textsOf(memory.libraries()), USUAL);
-    for (const Address base : {1000, 1500, 3000, 3300})
+    for (const Address base : {1000U, 1500U, 3000U, 3300U})
         EXPECT_EQ(std::count(memory._named.begin(), memory._named.end(), base), 1) << base;
 }
 

@@ -288,9 +288,9 @@ TEST(OsCalendar, LocalTimesAgreeWithASearchOfAllInstants)
 
 TEST(OsCalendar, ChangesEveryHalfYearDoNotDisturbEachOther)
 {
-    const std::int64_t half = 182 * DAY;
+    constexpr std::int64_t half = 182 * DAY;
     // Summer and winter in turn.
-    const auto offsetAt = [half](std::int64_t universal) -> std::int64_t
+    const auto offsetAt = [](std::int64_t universal) -> std::int64_t
     {
         const std::int64_t number = universal / half;
         return number % 2 == 0 ? HOUR : 2 * HOUR;

@@ -4,8 +4,8 @@ usage: checkCompilers.py [--brief] <root> [<directory of the builds>]
 
 The builds stay, by default below build/compilers, so that the next time takes only what has
 changed. With --brief there is one build, of libc++ and the portable forms together: that clang++
-builds the libraries with the standard library of g++ is shown by the sanitizers' builds, too. Before
-the builds the sources are searched for what belongs to a compiler and stands elsewhere
+builds the libraries with the standard library of g++ is shown by the sanitizers' builds, too.
+Before the builds the sources are searched for what belongs to a compiler and stands elsewhere
 than in the header that is made for it. The exit value is 1 if something is found, if a build fails
 or a program.
 """
