@@ -75,8 +75,10 @@ Cache cacheOf(unsigned int leaf, unsigned int level, unsigned int type)
 TEST(OsMemoryArch, TheInstanceHasTheFiguresOfThisMachine)
 {
     const unsigned int leaf =
-        __get_cpuid_max(0, nullptr) >= 4U && cacheOf(4, 1, 1)._size != 0 ? 4U : 0x8000001DU;
-    if (leaf != 4U && __get_cpuid_max(0x80000000, nullptr) < leaf)
+        static_cast<unsigned int>(__get_cpuid_max(0, nullptr)) >= 4 && cacheOf(4, 1, 1)._size != 0
+            ? 4U
+            : 0x8000001DU;
+    if (leaf != 4 && static_cast<unsigned int>(__get_cpuid_max(0x80000000, nullptr)) < leaf)
         GTEST_SKIP() << "This processor tells its caches in another form.";
     const Cache l1Data = cacheOf(leaf, 1, 1);
     const Cache l2 = cacheOf(leaf, 2, 3);
