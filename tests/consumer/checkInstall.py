@@ -12,7 +12,7 @@ import subprocess
 import sys
 import tempfile
 
-EXPECTED = ["items 3", "own 7 9 beside of the library", "prefixed 3/2",
+EXPECTED = ["items 3", "own 7 9 beside of the library", "prefixed (3/2=1.5)",
             "Unknown application name / version.", "API Corvane 0.2 pre-alpha: "]
 
 
