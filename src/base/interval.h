@@ -292,8 +292,8 @@ public:
     T _max;
 
 private:
-    static constexpr int _inclContMap[] = {0, 0, 0, 0, 1, 1, 2, 3};
-    static constexpr int _exclContMap[] = {0, 0, 1, 1, 0, 0, 2, 3};
+    static constexpr int _inclContMap[8] = {0, 0, 0, 0, 1, 1, 2, 3};
+    static constexpr int _exclContMap[8] = {0, 0, 1, 1, 0, 0, 2, 3};
 
     constexpr bool liesInside(const Interval& o) const noexcept
     {

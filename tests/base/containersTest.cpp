@@ -71,7 +71,7 @@ public:
         _position += count;
         return *this;
     }
-    friend Counting operator+(Counting iterator, std::ptrdiff_t count)
+    [[maybe_unused]] friend Counting operator+(Counting iterator, std::ptrdiff_t count)
     {
         return iterator += count;
     }

@@ -105,7 +105,7 @@ TEST(DtStringError, HandlersForTheStandardClassTheFamilyAndTheRootReadIt)
     for (const auto& [value, code, text] : CODES)
     {
         const std::string reason = "DtString conversion error: " + text;
-        const auto raise = [code] { throw Error(RAISE_FILE, RAISE_LINE, code); };
+        const auto raise = [code = code] { throw Error(RAISE_FILE, RAISE_LINE, code); };
         const auto readReason = [](const Zu::ExBase& caught) { return caught.getReason(); };
         EXPECT_EQ(support::readBy<std::logic_error>(raise, [](const std::logic_error& caught)
                                                     { return caught.what(); }),

@@ -277,7 +277,7 @@ TEST(OsFile, EveryOperationRefusesTheEmptyPath)
     { return reasonOf<OsFileEx::ExNullFilePath>(act); };
     EXPECT_EQ(reasonOfNull([&] { empty.exists(); }), reason);
     for (const auto& [name, ask] : questions)
-        EXPECT_EQ(reasonOfNull([&] { ask(empty); }), reason) << name;
+        EXPECT_EQ(reasonOfNull([&, &ask = ask] { ask(empty); }), reason) << name;
     EXPECT_EQ(reasonOfNull([&] { empty.getAccess(); }), reason);
     EXPECT_EQ(reasonOfNull([&] { empty.isReadable(); }), reason);
     EXPECT_EQ(reasonOfNull([&] { empty.isWritable(); }), reason);
@@ -312,7 +312,7 @@ TEST_F(OsFileTest, QuestionsAboutAMissingFileRaiseWithItsPath)
         for (const auto& [question, ask] : questions)
         {
             const OsFile missing(path(name));
-            EXPECT_EQ(reasonOf<OsFileEx::ExInvalidPath>([&] { ask(missing); }),
+            EXPECT_EQ(reasonOf<OsFileEx::ExInvalidPath>([&, &ask = ask] { ask(missing); }),
                       "Invalid path: '" + file(name) + "'.")
                 << question;
         }

@@ -32,7 +32,6 @@ using Zu::RnHistogramHemispherical;
 using Zu::RnHistogramSpherical;
 
 constexpr int LOWEST_INT = std::numeric_limits<int>::min();
-constexpr int HIGHEST_INT = std::numeric_limits<int>::max();
 
 // What both kinds on both types of numbers are told to do.
 template <class T>

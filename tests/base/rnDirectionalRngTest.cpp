@@ -135,13 +135,19 @@ template <class T> constexpr bool haveTheirInterfaces()
 
 static_assert(haveTheirInterfaces<float>() && haveTheirInterfaces<double>());
 
+#if defined(__clang__)
+#define ALONE [[gnu::noinline]]
+#else
+#define ALONE [[gnu::noipa]]
+#endif
+
 // Each on its own, so that no compiler joins them to a call of another function of the platform.
-template <class T> [[gnu::noipa]] T cosineOf(T angle)
+template <class T> ALONE T cosineOf(T angle)
 {
     return std::cos(angle);
 }
 
-template <class T> [[gnu::noipa]] T sineOf(T angle)
+template <class T> ALONE T sineOf(T angle)
 {
     return std::sin(angle);
 }

@@ -347,7 +347,6 @@ TYPED_TEST(RnLecuyerUniformRngTest, ACopyGoesOnIndependently)
     RnLecuyerUniformRng<TypeParam> copy(rng);
     RnLecuyerUniformRng<TypeParam> assigned(3, 4);
     assigned = rng;
-    Reference<TypeParam> copied(reference);
     const std::vector<TypeParam> next = valuesOf<TypeParam>(reference, 100);
     EXPECT_TRUE(sameBits(drawsOf<TypeParam>(rng, 100), next));
     EXPECT_TRUE(sameBits(sequenceOf<TypeParam>(copy, 100), next));

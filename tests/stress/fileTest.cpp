@@ -124,11 +124,7 @@ TEST(StressFiles, TheDiskIsFullForATime)
     }
 }
 
-#if defined(__SANITIZE_ADDRESS__)
-constexpr bool checksTypes = true;
-#else
-constexpr bool checksTypes = false;
-#endif
+constexpr bool checksTypes = support::underAddressSanitizer;
 
 // What stressProgram does with files of its own, which it must survive.
 ProgramResult runAlone(const std::string& mode, const support::TempDir& dir, const std::string& log,

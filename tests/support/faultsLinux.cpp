@@ -140,16 +140,17 @@ extern "C"
         return result;
     }
 
-    // All calls have their arguments in registers, so it does no harm to pass too many.
+    // Five arguments beside the number are in registers, so it does no harm to pass too many. No
+    // call of the library has more.
     long __wrap_syscall(long number, ...)
     {
         if (number == SYS_renameat2 && fails(Call::RENAMEAT2)) return -1;
-        std::array<long, 6> words{};
+        std::array<long, 5> words{};
         va_list arguments;
         va_start(arguments, number);
         for (long& word : words) word = va_arg(arguments, long);
         va_end(arguments);
-        return __real_syscall(number, words[0], words[1], words[2], words[3], words[4], words[5]);
+        return __real_syscall(number, words[0], words[1], words[2], words[3], words[4]);
     }
 
     int __wrap_rename(const char* from, const char* to)

@@ -17,11 +17,28 @@ constexpr bool onWindows = true;
 constexpr bool onWindows = false;
 #endif
 
+// g++ has macros for its sanitizers, clang has features.
+#if defined(__has_feature)
+#if __has_feature(address_sanitizer)
+#define ZU_TEST_ADDRESS_SANITIZER
+#endif
+#if __has_feature(thread_sanitizer)
+#define ZU_TEST_THREAD_SANITIZER
+#endif
+#endif
+
+// Whether AddressSanitizer is at work, with the checks of run-time types beside it.
+#if defined(__SANITIZE_ADDRESS__) || defined(ZU_TEST_ADDRESS_SANITIZER)
+constexpr bool underAddressSanitizer = true;
+#else
+constexpr bool underAddressSanitizer = false;
+#endif
+
 // Whether a sanitizer has taken the place of the runtime's own allocator and threads.
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+#if defined(__SANITIZE_THREAD__) || defined(ZU_TEST_THREAD_SANITIZER)
 constexpr bool underSanitizer = true;
 #else
-constexpr bool underSanitizer = false;
+constexpr bool underSanitizer = underAddressSanitizer;
 #endif
 
 // The ids of the process and of the calling thread.
