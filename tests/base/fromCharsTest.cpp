@@ -31,6 +31,14 @@ Result read(const std::string& text, std::chars_format format = std::chars_forma
     return {value, result.ptr - begin, result.ec};
 }
 
+// A text with many zeros in the middle.
+std::string withZeros(const char* head, int count, const char* tail)
+{
+    std::string text(head);
+    text.append(static_cast<std::size_t>(count), '0');
+    return text.append(tail);
+}
+
 // The standard library's own, for what it reads as everybody does.
 void expectAsStandard(const std::string& text, std::chars_format format)
 {
@@ -144,9 +152,9 @@ TEST(FromChars, RoundsToTheNearest)
     constexpr double LEAST = std::numeric_limits<double>::denorm_min();
     EXPECT_EQ(read("9007199254740993")._value, 9007199254740992.0);
     EXPECT_EQ(read("9007199254740995")._value, 9007199254740996.0);
-    EXPECT_EQ(read("9007199254740993." + std::string(900, '0') + "1")._value, 9007199254740994.0);
-    EXPECT_EQ(read("9007199254740993." + std::string(900, '0'))._value, 9007199254740992.0);
-    EXPECT_EQ(read("179769313486231570" + std::string(291, '0'))._value, GREATEST);
+    EXPECT_EQ(read(withZeros("9007199254740993.", 900, "1"))._value, 9007199254740994.0);
+    EXPECT_EQ(read(withZeros("9007199254740993.", 900, ""))._value, 9007199254740992.0);
+    EXPECT_EQ(read(withZeros("179769313486231570", 291, ""))._value, GREATEST);
     EXPECT_EQ(read("1.7976931348623158e308")._value, GREATEST);
     EXPECT_EQ(read("1.7976931348623159e308")._error, std::errc::result_out_of_range);
     EXPECT_EQ(read("1.7976931348623159e308")._value, UNTOUCHED);
@@ -159,9 +167,9 @@ TEST(FromChars, RoundsToTheNearest)
 
 TEST(FromChars, ExponentsAndDigitsOfAnyLengthMeet)
 {
-    EXPECT_EQ(read("0." + std::string(500, '0') + "1e501")._value, 1);
-    EXPECT_EQ(read("1" + std::string(500, '0') + "e-500")._value, 1);
-    EXPECT_EQ(read(std::string(900, '0') + "1" + std::string(900, '0') + "e-900")._value, 1);
+    EXPECT_EQ(read(withZeros("0.", 500, "1e501"))._value, 1);
+    EXPECT_EQ(read(withZeros("1", 500, "e-500"))._value, 1);
+    EXPECT_EQ(read(withZeros("", 900, withZeros("1", 900, "e-900").c_str()))._value, 1);
     EXPECT_EQ(read("1e400")._error, std::errc::result_out_of_range);
     EXPECT_EQ(read("1e-400")._error, std::errc::result_out_of_range);
     EXPECT_EQ(read("1e99999999999999999999")._error, std::errc::result_out_of_range);
@@ -171,7 +179,7 @@ TEST(FromChars, ExponentsAndDigitsOfAnyLengthMeet)
     EXPECT_EQ(read("1p-1075", std::chars_format::hex)._error, std::errc::result_out_of_range);
     EXPECT_EQ(read("1p-1074", std::chars_format::hex)._value,
               std::numeric_limits<double>::denorm_min());
-    EXPECT_EQ(read("1" + std::string(400, '0') + "p-1600", std::chars_format::hex)._value, 1);
+    EXPECT_EQ(read(withZeros("1", 400, "p-1600"), std::chars_format::hex)._value, 1);
 }
 
 TEST(FromChars, ReadsAnyDoubleThatWasWritten)
