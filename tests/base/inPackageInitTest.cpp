@@ -1,9 +1,11 @@
 #include "base/inPackageInit.h"
 
 #include "base/inInit.h"
+#include "base/inInitMgr.h"
 #include "base/inVariable.h"
 
 #include <gtest/gtest.h>
+#include <sstream>
 #include <stdexcept>
 #include <string>
 #include <vector>
@@ -20,6 +22,7 @@ public:
     explicit Sample(const char* name) : InPackageInit(name) {}
 
     using InPackageInit::addDependency;
+    using InPackageInit::registerPackage;
 
     void performInitialize() override
     {
@@ -100,6 +103,23 @@ TEST(InInit, TheTypeIsThatOfThePackageObject)
 {
     EXPECT_TRUE(*Zu::InInit<ZuInit::base>::getType() == typeid(Zu::InInit<ZuInit::base>));
     EXPECT_FALSE(*Zu::InInit<ZuInit::base>::getType() == *Zu::InInit<ZuInit::osal>::getType());
+}
+
+TEST(InPackageInit, AnObjectThatEndsIsForgottenByTheManager)
+{
+    const auto isWaiting = [](const std::string& name)
+    {
+        std::ostringstream dump;
+        Zu::InInitMgr::getInstance().dump(dump);
+        return dump.str().find("\t'" + name + "' Not initialized\n") != std::string::npos;
+    };
+    {
+        Sample package("of a test");
+        EXPECT_FALSE(isWaiting("of a test"));
+        package.registerPackage();
+        EXPECT_TRUE(isWaiting("of a test"));
+    }
+    EXPECT_FALSE(isWaiting("of a test"));
 }
 
 } // namespace

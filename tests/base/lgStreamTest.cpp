@@ -289,6 +289,22 @@ TEST(LgStream, CopiesShareTheRing)
     EXPECT_EQ(take(stream), "text");
 }
 
+TEST(LgStream, ACopyGoesOnWhereTheOtherOneStands)
+{
+    LgStream stream;
+    stream << "one" << Zu::ends << "tw";
+    LgStream assigned;
+    assigned << "something else" << Zu::ends << "and more";
+    assigned = stream;
+    EXPECT_EQ(assigned.getNumCharacters(), stream.getNumCharacters());
+    EXPECT_EQ(assigned.getOutputFlags(), stream.getOutputFlags());
+    assigned << "o" << Zu::ends;
+    EXPECT_EQ(take(assigned), "one");
+    LgStream copy(assigned);
+    EXPECT_EQ(take(copy), "two");
+    EXPECT_EQ(take(assigned), "two");
+}
+
 // The stream as a queue of texts that knows how many characters it has left.
 class Model
 {
