@@ -95,9 +95,8 @@ TEST_F(OsFileHandleTest, APositionOf32BitsStaysWhereTheNewOneDoesNotFit)
                  ExSysErrorWindows);
     EXPECT_THROW(OsFileHandle::seek32(_handle, LARGEST - 9, OsFileTypes::SeekEnd),
                  ExSysErrorWindows);
-    EXPECT_EQ(
-        codeOf([&] { OsFileHandle::seek32(_handle, LARGEST - 6, OsFileTypes::SeekCurrent); }),
-        onWindows ? 223 : 27);
+    EXPECT_EQ(codeOf([&] { OsFileHandle::seek32(_handle, LARGEST - 6, OsFileTypes::SeekCurrent); }),
+              onWindows ? 223 : 27);
     EXPECT_EQ(OsFileHandle::seek(_handle, 0, OsFileTypes::SeekCurrent), 7);
     // A position that is not told is kept, too.
     const std::int64_t far = std::int64_t{1} << 40;
