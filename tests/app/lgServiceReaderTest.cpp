@@ -223,6 +223,17 @@ TEST_F(LgServiceReaderTest, EventsAndEndsOfThreadsWakeItUp)
     EXPECT_EQ(_logger.textsOf("events.log").size(), std::size_t{ROUNDS});
 }
 
+TEST_F(LgServiceReaderTest, ItsOwnEndWakesItUp)
+{
+    _threads.setPatience(std::chrono::hours(24));
+    for (int i = 0; i < 20; ++i)
+    {
+        const LgServiceReader reader(_threads);
+        while (!_threads.news().isListenedTo()) std::this_thread::yield();
+    }
+    _threads.setPatience(LgServiceThreads::PATIENCE);
+}
+
 // A registry that can't be asked, in place of a lock that can't be taken: the reader sees the same.
 class FailingRegistry : public Zu::LgRegistry
 {
