@@ -25,12 +25,12 @@ int main()
     std::cout << Zu::DtTime(48000, 48000, 1) + Zu::DtTime(44100, 44100, 1) << "\n";
 
     // Durations of the standard library are times at their own rate.
-    std::cout << Zu::dtTimeFrom(1500ms) << " is 45 at 30/1: "
-              << (Zu::dtTimeFrom(1500ms) == Zu::DtTime(45, 30, 1)) << "\n";
+    std::cout << Zu::dtTimeFrom(1500ms)
+              << " is 45 at 30/1: " << (Zu::dtTimeFrom(1500ms) == Zu::DtTime(45, 30, 1)) << "\n";
     std::cout << Zu::dtDurationFrom<std::chrono::microseconds>(frame).count() << " us\n";
 
     // As text, for files and wires.
     const auto text = Zu::DtTimeUtil::getDtStringFromDtTime(frame);
-    std::cout << "'" << text.get() << "' is "
-              << Zu::DtTimeUtil::getDtTimeFromDtString(text.get()) << "\n";
+    std::cout << "'" << text.get() << "' is " << Zu::DtTimeUtil::getDtTimeFromDtString(text.get())
+              << "\n";
 }
