@@ -8,6 +8,14 @@
 namespace Zu
 {
 
+namespace
+{
+
+// Named here so that nobody takes it for a leak.
+[[maybe_unused]] HwCounterEng* earlyEngine = nullptr;
+
+} // namespace
+
 template <> InInit<ZuInit::profiling>::InInit() : InPackageInit("profiling")
 {
     registerPackage();
@@ -17,9 +25,10 @@ template <> InInit<ZuInit::profiling>::InInit() : InPackageInit("profiling")
 
 template <> void InInit<ZuInit::profiling>::performInitialize()
 {
-    // Deliberately without a look at an engine that an early reader has made: others may hold it.
-    // Releases the new engine to the loads of HwCounter::engine().
-    HwCounter::_theHwCounter.store(HwCounterEng::create(), std::memory_order_release);
+    // An engine that an early reader has made deliberately stays: others may hold it. The exchange
+    // releases the new engine to the loads of HwCounter::engine().
+    earlyEngine =
+        HwCounter::_theHwCounter.exchange(HwCounterEng::create(), std::memory_order_acq_rel);
     InSingleton<Sleeper>::create(Sleeper::create());
 }
 
