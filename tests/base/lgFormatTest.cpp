@@ -94,7 +94,7 @@ TEST(LgFormat, AFieldIsFilledAtTheLeftAndCutsNothing)
     EXPECT_EQ(ringTextOf(lgWidth(12345, 5)), "12345");
     EXPECT_EQ(ringTextOf(lgWidth(7, 0)), "7");
     EXPECT_EQ(ringTextOf(lgWidth(7, -5)), "7");
-    EXPECT_EQ(ringTextOf(lgWidth(7, 1000)), std::string(99, ' ') + "7");
+    EXPECT_EQ(ringTextOf(lgWidth(7, 1000)), std::string(99, ' ').append("7"));
 }
 
 TEST(LgFormat, AFieldTakesEachForm)
@@ -117,7 +117,7 @@ TEST(LgFormat, ANumberIsOnePieceOfText)
     stream << std::string(32763, 'x') << lgWidth(1, 5) << Zu::ends;
     std::vector<char> text(32768);
     stream >> text.data();
-    EXPECT_EQ(std::string(text.data()), std::string(32763, 'x') + "#");
+    EXPECT_EQ(std::string(text.data()), std::string(32763, 'x').append("#"));
 }
 
 } // namespace
