@@ -32,8 +32,8 @@ public:
     /// @}
 
     /// @{
-    /// Releases the array that is owned and takes that of the source, which is left null; nothing
-    /// when both are the same.
+    /// Releases the owned array and takes that of the source, which is left null. Does nothing when
+    /// both are the same object.
     ArrayPtr& operator=(Base& source)
     {
         Base::operator=(source);
@@ -53,7 +53,8 @@ public:
     }
 };
 
-/// Carries the ownership of one array out of a function; what nobody takes is released with it.
+/// Carries ownership of one array out of a function. An array that nobody takes is released with
+/// the carrier.
 template <class T> class ArrayPtrRet : public OwnedPtr<T, DisposeArray>
 {
     using Base = OwnedPtr<T, DisposeArray>;
@@ -71,8 +72,8 @@ public:
     /// @}
 
     /// @{
-    /// Releases the array that is owned and takes that of the source, which is left null; nothing
-    /// when both are the same.
+    /// Releases the owned array and takes that of the source, which is left null. Does nothing when
+    /// both are the same object.
     ArrayPtrRet& operator=(Base& source)
     {
         Base::operator=(source);

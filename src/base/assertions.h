@@ -29,12 +29,13 @@ public:
 } // namespace Zu
 
 /// Raises ExInternalError "Assertion '<condition>' failed." when `condition` is false; active in
-/// every build type. For the checks of levels, groups and sample sources; most others are either
-/// fatal (internalAssert.h) or have an exception of their own.
+/// every build type. For the checks of levels, groups and sample sources. Most other checks are
+/// either fatal (internalAssert.h) or raise an exception of their own.
 #define ZU_ASSERT(condition)                                                                       \
     ((condition) ? void() : ::Zu::Assertions::throwAssertionFailed(__FILE__, __LINE__, #condition))
 
-/// The same with a stated text, for a check whose report is fixed while its code is not.
+/// The same with an explicit text, for a check whose reported text is frozen although its code may
+/// change.
 #define ZU_ASSERT_TEXT(condition, text)                                                            \
     ((condition) ? void() : ::Zu::Assertions::throwAssertionFailed(__FILE__, __LINE__, text))
 

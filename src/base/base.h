@@ -1,5 +1,5 @@
 /// @file
-/// Every public header that the library has on both platforms, for newcomers and small programs.
+/// Includes every public header that exists on both platforms, for newcomers and small programs.
 
 #ifndef ZU_BASE_BASE_H
 #define ZU_BASE_BASE_H

@@ -1,29 +1,29 @@
 /// @file
-/// Marks what libZUbase offers to its clients: the one place that asks which platform it is on.
+/// Marks what libZUbase exports to its clients. The one header that asks which platform it is on.
 
 #ifndef ZU_BASE_BASEAPI_H
 #define ZU_BASE_BASEAPI_H
 
 /// @def ZU_MODULE_EXPORT
-/// What a shared module of the family offers to others, while it is built.
+/// Marks what a shared module of the family exports, while that module is being built.
 ///
 /// @def ZU_MODULE_IMPORT
-/// The same where it is used.
+/// The import form of the same, where the module is used.
 ///
 /// @def ZU_MODULE_VISIBLE
-/// A type that modules share by name, where the platform has visibilities.
+/// Marks a type that modules share by name, on platforms with symbol visibility.
 ///
 /// @def ZU_BASE_API
-/// A class, function or variable that clients may use.
+/// Marks a class, function or variable that clients may use.
 ///
 /// @def ZU_BASE_VISIBLE
-/// A class template, or a class that names an instantiation of one, whose run-time type is shared
-/// between modules. Where the platform has visibilities, it is visible; which module exports an
-/// instantiation is said where that is made.
+/// Marks a class template, or a class that names an instantiation of one, whose run-time type is
+/// shared between modules. It makes the type visible on platforms with symbol visibility. Which
+/// module exports an instantiation is stated where the instantiation is made.
 ///
 /// @def ZU_BASE_IMPORTS_TEMPLATES
-/// Is 1 for clients of the library, which declare its explicit instantiations `extern`, and 0
-/// inside the library, where such a declaration would take the export away.
+/// 1 for clients of the library, which declare its explicit instantiations `extern`; 0 inside the
+/// library, where such a declaration would cancel the export.
 #if defined(_WIN32)
 #define ZU_MODULE_EXPORT __declspec(dllexport)
 #define ZU_MODULE_IMPORT __declspec(dllimport)

@@ -1,8 +1,9 @@
 /// @file
-/// What belongs to a compiler and not to the language: the one place to add a further compiler.
+/// Features of the compiler rather than of the language. The one place to add another compiler.
 ///
-/// Each thing has a portable form beside the one of g++ and clang++. It is used with any other
-/// compiler, and with all of them where ZU_COMPILER_PORTABLE is defined for a whole build.
+/// Each feature has a portable form beside the one for g++ and clang++. The portable form is used
+/// with any other compiler, and with every compiler when ZU_COMPILER_PORTABLE is defined for a
+/// whole build.
 
 #ifndef ZU_BASE_COMPILER_H
 #define ZU_BASE_COMPILER_H
@@ -16,7 +17,7 @@
 #endif
 
 /// @def ZU_COMPILER_GNU
-/// Is 1 where the compiler has what g++ has, and 0 where the portable forms are used.
+/// 1 if the compiler has the features of g++, 0 if the portable forms are used.
 #if defined(__GNUC__) && !defined(ZU_COMPILER_PORTABLE)
 #define ZU_COMPILER_GNU 1
 #else
@@ -28,29 +29,30 @@
 #endif
 
 /// @def ZU_ALWAYS_INLINE
-/// A function that is worth its name only inside the loops that call it. The portable form leaves
-/// that to the compiler.
+/// Forces inlining of a function that pays off only inside the loops that call it. The portable
+/// form leaves the decision to the compiler.
 ///
 /// @def ZU_PRINTF_FORMAT
-/// The parameter of this number, counted with `this`, is a `printf` format for those from `first`
-/// on, and the compiler warns where they don't fit.
+/// Parameter number `text`, counting `this`, is a `printf` format for the arguments from `first`
+/// on. The compiler warns where they don't match.
 ///
 /// @def ZU_CAN_PREFETCH_FOR_WRITING
-/// A function that may use the instruction that fetches a cache line to write to it.
+/// Lets a function use the instruction that prefetches a cache line for writing.
 ///
 /// @def ZU_INIT_PRIORITY
-/// Builds a static object before all of a greater number, above 100, and those without one. In the
-/// portable form the order among sources is the linker's.
+/// Constructs a static object before all those with a greater number and those without one. Numbers
+/// are above 100. In the portable form the linker decides the order among sources.
 ///
 /// @def ZU_IGNORE_NON_VIRTUAL_DTOR
-/// Between this and ZU_END_IGNORE no warning of classes with virtual functions that nobody deletes
-/// through a base.
+/// From here to ZU_END_IGNORE, suppresses the warning about virtual functions beside a non-virtual
+/// destructor, for classes that nobody deletes through a base.
 ///
 /// @def ZU_IGNORE_DEPRECATED
-/// Between this and ZU_END_IGNORE no warning of what the language or a library has given up.
+/// From here to ZU_END_IGNORE, suppresses warnings about deprecated features of the language or a
+/// library.
 ///
 /// @def ZU_END_IGNORE
-/// Ends the one before.
+/// Ends the region that the nearest macro above began.
 #if ZU_COMPILER_GNU
 #define ZU_ALWAYS_INLINE [[gnu::always_inline]]
 #define ZU_PRINTF_FORMAT(text, first) [[gnu::format(printf, text, first)]]
@@ -63,7 +65,7 @@
 #define ZU_INIT_PRIORITY(priority)
 #endif
 
-// Of warnings there is no form that would be portable.
+// There is no portable way to control warnings.
 #if defined(__GNUC__)
 #define ZU_IGNORE_NON_VIRTUAL_DTOR                                                                 \
     _Pragma("GCC diagnostic push") _Pragma("GCC diagnostic ignored \"-Wnon-virtual-dtor\"")
@@ -77,11 +79,11 @@
 #endif
 
 /// @def ZU_CONSTINIT_VECTOR
-/// Before a static vector that is there before any constructor runs; where the standard library's
-/// own needs one, that is the library's first.
+/// Goes in front of a static vector that must exist before any constructor runs. Where the vector
+/// of the standard library needs a constructor call itself, that call is the first in this library.
 ///
 /// @def ZU_CONSTINIT_VECTOR_PRIORITY
-/// Behind the name of such a vector.
+/// Goes behind the name of such a vector.
 #if defined(__cpp_lib_constexpr_vector)
 #define ZU_CONSTINIT_VECTOR constinit
 #define ZU_CONSTINIT_VECTOR_PRIORITY
@@ -91,7 +93,7 @@
 #endif
 
 /// @def ZU_THREAD_SANITIZER
-/// Is 1 where ThreadSanitizer looks on, which knows orders between atomics alone, and 0 otherwise.
+/// 1 in a build with ThreadSanitizer, which recognises only orderings between atomics; otherwise 0.
 #if defined(__SANITIZE_THREAD__)
 #define ZU_THREAD_SANITIZER 1
 #elif defined(__has_feature)
@@ -104,20 +106,20 @@
 #define ZU_THREAD_SANITIZER 0
 #endif
 
-/// What a compiler does with one instruction, and the language with several.
+/// Operations that take one instruction with the help of the compiler, and several in plain C++.
 namespace Zu::Compiler
 {
 
-/// The forms that need nothing but the language.
+/// The portable forms, which need only the language.
 namespace Portable
 {
 
-/// An unsigned number of 128 bits, with the operations that the library needs. Counts of shifts
-/// are from 0 to 127.
+/// An unsigned 128-bit number with the operations that the library needs. Shift counts are from 0
+/// to 127.
 class UInt128
 {
 public:
-    /// A number of 64 bits.
+    /// Extends a 64-bit number.
     constexpr UInt128(std::uint64_t low) noexcept : _high(0), _low(low) {}
 
     /// The number with these halves.
@@ -148,7 +150,7 @@ public:
     /// @}
 
     /// @{
-    /// Of the bits.
+    /// Bitwise operations and shifts.
     friend constexpr UInt128 operator&(UInt128 a, UInt128 b) noexcept
     {
         return {a._high & b._high, a._low & b._low};
@@ -170,7 +172,7 @@ public:
     /// @}
 
     /// @{
-    /// By their values.
+    /// Comparison by value.
     friend constexpr bool operator==(UInt128 a, UInt128 b) noexcept
     {
         return a._high == b._high && a._low == b._low;
@@ -187,7 +189,7 @@ private:
     std::uint64_t _low;
 };
 
-/// How many zeros are below the lowest bit that is set, of a number that is not 0.
+/// The number of zero bits below the lowest set bit. `value` must not be 0.
 constexpr int countTrailingZeros(std::uint64_t value) noexcept
 {
     int count = 0;
@@ -201,7 +203,7 @@ constexpr int countTrailingZeros(std::uint64_t value) noexcept
     return count;
 }
 
-/// How many zeros are above the highest bit that is set, of a number that is not 0.
+/// The number of zero bits above the highest set bit. `value` must not be 0.
 constexpr int countLeadingZeros(std::uint32_t value) noexcept
 {
     int count = 31;
@@ -214,13 +216,13 @@ constexpr int countLeadingZeros(std::uint32_t value) noexcept
     return count;
 }
 
-/// Whether a product of two numbers needs more than 64 bits; `product` gets it without those.
+/// Whether the product of two numbers needs more than 64 bits. `product` receives its low 64 bits.
 constexpr bool multiplyOverflows(std::int64_t a, std::int64_t b, std::int64_t& product) noexcept
 {
     product =
         static_cast<std::int64_t>(static_cast<std::uint64_t>(a) * static_cast<std::uint64_t>(b));
     if (b == 0) return false;
-    // The one quotient that does not fit is not asked for.
+    // The only quotient that does not fit is never computed.
     if (b == -1) return a == std::numeric_limits<std::int64_t>::min();
     return product / b != a;
 }
@@ -263,13 +265,13 @@ constexpr bool multiplyOverflows(std::int64_t a, std::int64_t b, std::int64_t& p
     return __builtin_mul_overflow(a, b, &product);
 }
 
-/// Asks for the cache line of a place that will be read soon; any place is allowed.
+/// Prefetches the cache line of an address that will soon be read; any address is allowed.
 inline void prefetch(const void* place) noexcept
 {
     __builtin_prefetch(place);
 }
 
-/// Asks for the cache line of a place that will be written soon; any place is allowed.
+/// Prefetches the cache line of an address that will soon be written; any address is allowed.
 inline void prefetchForWriting(const void* place) noexcept
 {
     __builtin_prefetch(place, 1);
@@ -288,8 +290,8 @@ using Portable::UInt128;
 
 #if ZU_COMPILER_GNU || !defined(__cpp_lib_bit_cast)
 
-/// The object of another type that has the same bytes. Compilers that do not define __GNUC__ have
-/// this one, too, since they need it for their own libraries.
+/// The object of another type with the same bytes. Compilers that do not define __GNUC__ also have
+/// this builtin, since their own standard libraries need it.
 template <class To, class From> constexpr To bitCast(const From& from) noexcept
 {
     return __builtin_bit_cast(To, from);
@@ -297,7 +299,7 @@ template <class To, class From> constexpr To bitCast(const From& from) noexcept
 
 #else
 
-/// The object of another type that has the same bytes.
+/// The object of another type with the same bytes.
 template <class To, class From> constexpr To bitCast(const From& from) noexcept
 {
     return std::bit_cast<To>(from);
@@ -305,7 +307,7 @@ template <class To, class From> constexpr To bitCast(const From& from) noexcept
 
 #endif
 
-/// Whether the sign bit of a number is set, be it a zero or a NaN.
+/// Whether the sign bit of a number is set, also for a zero or a NaN.
 template <class T> constexpr bool isSignBitSet(T value) noexcept
 {
 #if ZU_COMPILER_GNU

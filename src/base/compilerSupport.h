@@ -1,5 +1,6 @@
 /// @file
-/// What belongs to a compiler or its standard library and takes a call. Internal to the library.
+/// Features of the compiler or its standard library that need a function call. Internal to the
+/// library.
 
 #ifndef ZU_BASE_COMPILERSUPPORT_H
 #define ZU_BASE_COMPILERSUPPORT_H
@@ -11,11 +12,12 @@
 namespace Zu::Compiler
 {
 
-/// A run-time type name as a C++ programmer writes it; as it stands where that can't be known.
+/// A run-time type name as a C++ programmer writes it. It is returned unchanged where it can't be
+/// demangled.
 std::string demangled(const char* name);
 
-/// The registers that the processor's CPUID instruction leaves; zeros where the compiler has no
-/// way to it.
+/// The registers as the processor's CPUID instruction leaves them; zeros where the compiler gives
+/// no access to it.
 struct CpuidRegisters
 {
     std::uint32_t _eax;
@@ -25,8 +27,8 @@ struct CpuidRegisters
 };
 CpuidRegisters cpuid(std::uint32_t leaf, std::uint32_t subLeaf);
 
-/// Puts an open descriptor into a stream, without a buffer; the stream owns it from then on. False,
-/// and the descriptor is still the caller's, if that failed.
+/// Attaches an open descriptor to an unbuffered stream, which owns it from then on. On failure it
+/// returns false and the descriptor stays the caller's.
 bool adoptDescriptor(std::ofstream& file, int descriptor, std::ios::openmode mode);
 
 } // namespace Zu::Compiler

@@ -1,5 +1,5 @@
 /// @file
-/// The array and the list of public signatures.
+/// The array and list types used in public signatures.
 
 #ifndef ZU_BASE_CONTAINERS_H
 #define ZU_BASE_CONTAINERS_H
@@ -37,7 +37,7 @@ public:
     Vector() = default;
 
     /// @{
-    /// So many elements, or those of a range. The length is checked first where it is known.
+    /// `count` elements, or those of a range. The length is checked first where it is known.
     explicit Vector(size_type count) : Base(checkedLength(count)) {}
     Vector(size_type count, const T& value) : Base(checkedLength(count), value) {}
     template <class Iterator, class = IfIterator<Iterator>>
@@ -53,7 +53,7 @@ public:
     /// @}
 
     /// @{
-    /// As the operations of the standard vector; the length is checked first where it is known.
+    /// The same as in the standard vector, but the length is checked first where it is known.
     void reserve(size_type count)
     {
         Base::reserve(checkedLength(count));
@@ -105,7 +105,7 @@ private:
         return count;
     }
 
-    // Where a range can be walked more than once, its length is known before it is taken.
+    // The length of a multi-pass range is known before its elements are copied.
     template <class Iterator>
     static Iterator checkedBegin(Iterator first, Iterator last, size_type present = 0)
     {

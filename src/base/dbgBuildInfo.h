@@ -1,5 +1,5 @@
 /// @file
-/// What a library of the family says about its build.
+/// What a library of the family reports about its build.
 
 #ifndef ZU_BASE_DBGBUILDINFO_H
 #define ZU_BASE_DBGBUILDINFO_H
@@ -9,8 +9,8 @@
 namespace Zu
 {
 
-/// A build record. Libraries of the same API are held against each other by it, and the application
-/// has one of its own. The texts stay owned by the record and live as long as it.
+/// A build record. Libraries of the same API are compared by their records, and the application has
+/// a record of its own. The record owns its texts, which live as long as it does.
 class ZU_BASE_API DbgBuildInfo
 {
 public:
@@ -27,28 +27,30 @@ public:
     virtual int getMinorVersion() const = 0;
     /// @}
 
-    /// What the version is called: "beta".
+    /// The label of the version, such as "beta".
     virtual const char* getVersionLabel() const = 0;
 
-    /// What the library is called; messages have the short form, which is not verbose.
+    /// The name of the library. Messages use the short form, which is the one that is not verbose.
     virtual const char* getLibraryName(bool verbose) const = 0;
 
-    /// Which build it is; the short form, which is not verbose, is what stamps are compared by.
+    /// Identifies the build. Stamps are compared by the short form, which is the one that is not
+    /// verbose.
     virtual const char* getBuildStamp(bool verbose) const = 0;
 
-    /// The day, as `__DATE__` gives it: "May  8 2012".
+    /// The date of the build in the format of `__DATE__`: "May  8 2012".
     virtual const char* getBuildDate(bool verbose) const = 0;
 
-    /// Platform and kind of the build, in words of the build system.
+    /// The platform and the kind of build, in the build system's terms.
     virtual const char* getBuildConfiguration(bool verbose) const = 0;
 
     /// The domain and the user of the build, as `BUILDHOST\builder`.
     virtual const char* getBuiltBy(bool verbose) const = 0;
 
-    /// For people; the library doesn't read them.
+    /// Notes for people; the library does not interpret them.
     virtual const char* getBuildNotes(bool verbose) const = 0;
 
-    // Deliberately the last: others have been compiled against this order.
+    // Deliberately the last: the order of the virtual functions is frozen, see
+    // docs/compatibility.md.
     virtual ~DbgBuildInfo();
 };
 

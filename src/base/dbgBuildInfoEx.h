@@ -11,8 +11,8 @@
 namespace Zu
 {
 
-/// Root of the exceptions of build records. Names and stamps in a reason are cut to 64 characters;
-/// a null one counts as empty.
+/// Root of the exceptions of build records. Names and stamps in a reason are truncated to 64
+/// characters; a null one counts as empty.
 class ZU_BASE_API DbgBuildInfoEx : public ExBase
 {
 public:
@@ -25,7 +25,7 @@ protected:
     DbgBuildInfoEx(const char* file, int line);
 };
 
-/// A library has another version of its API than the first one:
+/// A library has a different version of its API from the first one registered:
 /// "Version mismatch, API '<api>' v<major>.<minor>: library '<library>' at v<major>.<minor>."
 class ZU_BASE_API DbgBuildInfoEx::ExVersionMismatch : public DbgBuildInfoEx,
                                                       public std::runtime_error
@@ -39,7 +39,7 @@ public:
     ExBase* clone() const override;
 };
 
-/// A library is of another build than the first one:
+/// A library comes from a different build than the first one registered:
 /// "Build stamp mismatch, API '<api>' build <stamp>: library '<library>' using build <stamp>."
 class ZU_BASE_API DbgBuildInfoEx::ExBuildStampMismatch : public DbgBuildInfoEx,
                                                          public std::runtime_error
@@ -53,7 +53,7 @@ public:
     ExBase* clone() const override;
 };
 
-/// A second record of the application: "Application-level build info already registered."
+/// A second record for the application: "Application-level build info already registered."
 class ZU_BASE_API DbgBuildInfoEx::ExAppAlreadyRegistered : public DbgBuildInfoEx,
                                                            public std::runtime_error
 {
@@ -64,7 +64,7 @@ public:
     ExBase* clone() const override;
 };
 
-/// The application's record is asked for, and there is none:
+/// The application's record was requested, but there is none:
 /// "No application-level build info available."
 class ZU_BASE_API DbgBuildInfoEx::ExAppNotRegistered : public DbgBuildInfoEx,
                                                        public std::runtime_error

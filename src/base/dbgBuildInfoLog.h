@@ -16,7 +16,7 @@ namespace Zu::DbgBuildInfoLog
 void start();
 void stop();
 
-/// Whether the group is there.
+/// Whether the group has been started.
 bool isStarted();
 
 /// Logs a text if the group lets the level through. A group that is not started is fatal.

@@ -1,5 +1,5 @@
 /// @file
-/// Registration of build records with the process's own choice of checks.
+/// Registration of build records with the checks that the process has chosen.
 
 #ifndef ZU_BASE_DBGBUILDINFOUTIL_H
 #define ZU_BASE_DBGBUILDINFOUTIL_H
@@ -11,8 +11,8 @@
 namespace Zu
 {
 
-/// What a library of the family calls. The root package of a library registers its record when it
-/// starts:
+/// The operations that a library of the family calls. The root package of a library registers its
+/// record when it starts:
 ///
 /// @code
 /// template <> void Zu::InInit<sample::root>::performInitialize()
@@ -22,8 +22,8 @@ namespace Zu
 /// }
 /// @endcode
 ///
-/// The variables ZU_BUILDINFO_NO_VALIDATE and ZU_BUILDINFO_CHECK_STAMPS, if they are numbers other
-/// than 0, change the switches when the package "debugging" starts.
+/// When the package "debugging" starts, ZU_BUILDINFO_NO_VALIDATE switches the check of versions off
+/// and ZU_BUILDINFO_CHECK_STAMPS switches that of stamps on, each if it is a number other than 0.
 ///
 /// Thread-safety: as DbgBuildInfoMgr.
 class ZU_BASE_API DbgBuildInfoUtil
@@ -31,20 +31,20 @@ class ZU_BASE_API DbgBuildInfoUtil
 public:
     DbgBuildInfoUtil() = delete;
 
-    /// Whether another version is refused; true at first.
+    /// Whether a different version is refused; initially true.
     static void setValidateVersions(bool validateVersions);
 
-    /// Whether another build stamp is refused; false at first.
+    /// Whether a different build stamp is refused; initially false.
     static void setCheckStamps(bool checkStamps);
 
-    /// DbgBuildInfoMgr::registerInfo() with the switches as they are.
+    /// Calls DbgBuildInfoMgr::registerInfo() with the current switches.
     static void registerInfo(ObjPtr<DbgBuildInfo> info);
 
     /// Loads the module "libZU<name>" with the platform's suffix, as OsSharedLib::open() finds it,
-    /// and registers the record that its function "getBuildInfo" gives; ZU_EXPORT_BUILD_INFO makes
-    /// that. The module stays loaded. Raises OsSharedLibEx::ExCantOpenLib,
-    /// OsSharedLibEx::ExFunctionNotFound, and what registerInfo() does. A module that declares
-    /// packages is loaded inside an InReinitGuard.
+    /// and registers the record that its function "getBuildInfo" returns. ZU_EXPORT_BUILD_INFO
+    /// defines that function. The module stays loaded. Raises OsSharedLibEx::ExCantOpenLib,
+    /// OsSharedLibEx::ExFunctionNotFound, and whatever registerInfo() raises. A module that
+    /// declares packages must be loaded inside an InReinitGuard.
     static void registerModule(const char* name);
 
 private:

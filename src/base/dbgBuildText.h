@@ -10,11 +10,11 @@
 namespace Zu
 {
 
-/// What a build record says, as constants of the build. A text that is not given is
+/// The contents of a build record as constants of the build. A text that is not given is
 /// "[Information not available]".
 struct DbgBuildText
 {
-    /// The text of what is not given.
+    /// Stands for a text that is not given.
     static constexpr const char* UNKNOWN = "[Information not available]";
 
     /// See DbgBuildInfo::getApiName().
@@ -25,13 +25,13 @@ struct DbgBuildText
     int _minorVersion;
     /// See DbgBuildInfo::getVersionLabel().
     const char* _versionLabel;
-    /// The one text of DbgBuildInfo::getLibraryName(), verbose or not.
+    /// See DbgBuildInfo::getLibraryName(); one text for both forms.
     const char* _libraryName;
     /// The verbose DbgBuildInfo::getBuildStamp().
     const char* _longStamp = UNKNOWN;
-    /// The other one, by which stamps are compared.
+    /// The short stamp, by which stamps are compared.
     const char* _shortStamp = UNKNOWN;
-    /// See DbgBuildInfo::getBuildDate(); verbose or not, as are the following.
+    /// See DbgBuildInfo::getBuildDate(); one text for both forms, as for the members below.
     const char* _date = UNKNOWN;
     /// See DbgBuildInfo::getBuildConfiguration().
     const char* _configuration = UNKNOWN;
@@ -41,7 +41,7 @@ struct DbgBuildText
     const char* _notes = UNKNOWN;
 };
 
-/// The record of such constants. They are kept as pointers.
+/// A build record made of such constants, which are kept as pointers.
 class ZU_BASE_API DbgTextBuildInfo : public DbgBuildInfo
 {
 public:
@@ -66,8 +66,8 @@ private:
 
 } // namespace Zu
 
-/// Exports what DbgBuildInfoUtil::registerModule() asks a module for, once in a module and outside
-/// of namespaces:
+/// Exports the function that DbgBuildInfoUtil::registerModule() looks up. Used once in a module,
+/// outside any namespace:
 ///
 /// @code
 /// constexpr Zu::DbgBuildText text = {"Sample", 1, 4, "beta", "libZUsample", "Sample_12", "S. 12"};

@@ -9,7 +9,7 @@
 namespace Zu
 {
 
-/// What the package "base" registers; its constants come from the build.
+/// The record that the package "base" registers; its constants come from the build.
 class LibraryBuildInfo : public DbgTextBuildInfo
 {
 public:

@@ -9,14 +9,14 @@
 #include <cstdint>
 #include <limits>
 
-/// Signed integers that wrap around, and conversions of floating-point numbers that are defined
-/// outside the range of the integer. A divisor of 0 is a fault of the caller, as it is for the
-/// machine's own division.
+/// Signed integers that wrap around, and conversions of floating-point numbers that are also
+/// defined outside the range of the integer. A divisor of 0 is a fault of the caller, as with the
+/// processor's own division.
 namespace Zu::DtArithmetic
 {
 
 /// @{
-/// Of 64 bits, wrapping around.
+/// 64-bit arithmetic that wraps around.
 constexpr std::int64_t add(std::int64_t a, std::int64_t b) noexcept
 {
     return static_cast<std::int64_t>(static_cast<std::uint64_t>(a) + static_cast<std::uint64_t>(b));
@@ -33,33 +33,34 @@ constexpr std::int64_t multiply(std::int64_t a, std::int64_t b) noexcept
 }
 /// @}
 
-/// Truncated toward zero. The machine traps where the smallest number is divided by -1; here it is
-/// the negation, which wraps.
+/// The quotient truncated toward zero. A processor traps when the smallest number is divided by -1;
+/// here the result is the negation, which wraps.
 constexpr std::int64_t divide(std::int64_t a, std::int64_t b) noexcept
 {
     return b == -1 ? subtract(0, a) : a / b;
 }
 
-/// What divide() leaves, with the sign of `a`.
+/// The remainder of divide(), with the sign of `a`.
 constexpr std::int64_t remainder(std::int64_t a, std::int64_t b) noexcept
 {
     return b == -1 ? 0 : a % b;
 }
 
-/// The product in 32 bits.
+/// The 32-bit product, which wraps around.
 constexpr std::int32_t multiply32(std::int32_t a, std::int32_t b) noexcept
 {
     return static_cast<std::int32_t>(static_cast<std::uint32_t>(a) * static_cast<std::uint32_t>(b));
 }
 
-/// Truncated toward zero, as truncateTo() says.
+/// The number truncated toward zero by truncateTo().
 constexpr std::int64_t truncate(double value) noexcept
 {
     return truncateTo<std::int64_t>(value);
 }
 
-/// Rounded down. A number that is whole, does not fit or is a NaN gives truncate(); any other goes
-/// through `double` once more, and so beyond 2^53 lands on one that is a `double`.
+/// Rounded down. A number that is whole, does not fit or is a NaN gives truncate(). Any other
+/// passes through `double` once more, so beyond 2^53 the result is a number that `double` can
+/// represent.
 constexpr std::int64_t floor(double value) noexcept
 {
     const std::int64_t n = truncate(value);
@@ -67,7 +68,7 @@ constexpr std::int64_t floor(double value) noexcept
     return truncate(static_cast<double>(value < 0 ? n - 1 : n));
 }
 
-/// Rounded up, with the rules of floor().
+/// Rounded up, by the rules of floor().
 constexpr std::int64_t ceil(double value) noexcept
 {
     const std::int64_t n = truncate(value);

@@ -1,5 +1,5 @@
 /// @file
-/// Times from and to the durations of the standard library.
+/// Conversion of times from and to the durations of the standard library.
 
 #ifndef ZU_BASE_DTCHRONO_H
 #define ZU_BASE_DTCHRONO_H
@@ -23,7 +23,8 @@ template <class Duration> constexpr Rational dtRateOf()
     return Rational(static_cast<std::int32_t>(Period::den), static_cast<std::int32_t>(Period::num));
 }
 
-/// The duration as a time at its own rate: exact. A count beyond 64 bits, signed, wraps.
+/// The duration as a time at its own rate. The conversion is exact; a count beyond signed 64 bits
+/// wraps.
 template <class Rep, class Period>
 constexpr DtTime dtTimeFrom(const std::chrono::duration<Rep, Period>& duration)
 {
@@ -32,9 +33,9 @@ constexpr DtTime dtTimeFrom(const std::chrono::duration<Rep, Period>& duration)
                   dtRateOf<std::chrono::duration<Rep, Period>>());
 }
 
-/// The duration at another rate, truncated toward zero as DtTimeIndex::convert() does, whose
-/// products of rates are of 32 bits: hours can't be converted to 1000000/1. Raises DtEx::BadRate if
-/// the rate is 0.
+/// The duration at another rate, truncated toward zero by DtTimeIndex::convert(). Its products of
+/// rates have 32 bits, so hours can't be converted to 1000000/1. Raises DtEx::BadRate if the rate
+/// is 0.
 template <class Rep, class Period>
 constexpr DtTime dtTimeFrom(const std::chrono::duration<Rep, Period>& duration,
                             const Rational& rate)
@@ -42,8 +43,8 @@ constexpr DtTime dtTimeFrom(const std::chrono::duration<Rep, Period>& duration,
     return dtTimeFrom(duration).convertRate(rate);
 }
 
-/// The time as a duration, rounded as DtTimeIndex::convert() rounds: toward zero unless another
-/// style is given. Toward zero the same limit holds.
+/// The time as a duration, rounded by DtTimeIndex::convert(): toward zero unless another style is
+/// given. Rounding toward zero has the same limit as dtTimeFrom().
 template <class Duration>
 constexpr Duration dtDurationFrom(const DtTime& time,
                                   std::float_round_style style = std::round_toward_zero)

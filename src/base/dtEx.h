@@ -35,7 +35,8 @@ public:
     ExBase* clone() const override;
 };
 
-/// "Mismatched reference clock rates." For users of reference times; the library raises it nowhere.
+/// "Mismatched reference clock rates." For users of reference times; the library itself never
+/// raises it.
 class ZU_BASE_API DtEx::BadRefRate : public std::logic_error, public DtEx
 {
 public:
@@ -44,7 +45,7 @@ public:
     ExBase* clone() const override;
 };
 
-/// A text that is no time: "DtString conversion error: " and the text of the code.
+/// A text that is not a time: "DtString conversion error: " and the text of the code.
 class ZU_BASE_API DtEx::DtStringError : public std::logic_error, public DtEx
 {
 public:
@@ -53,11 +54,11 @@ public:
     {
         /// The numerator of the rate is missing or has no digits.
         RateNumeratorMalformed,
-        /// The numerator of the rate does not fit 32 bits.
+        /// The numerator of the rate does not fit in 32 bits.
         RateNumeratorOverflow,
         /// The denominator of the rate is missing or has no digits.
         RateDenominatorMalformed,
-        /// The denominator of the rate does not fit 32 bits.
+        /// The denominator of the rate does not fit in 32 bits.
         RateDenominatorOverflow
     };
 
@@ -70,7 +71,7 @@ public:
     ErrorCode getErrorCode() const;
 
     /// "Rate numerator malformed.", "Rate numerator overflow.", "Rate denominator malformed.",
-    /// "Rate denominator overflow.", and "Unknown error." for what is no code.
+    /// "Rate denominator overflow.", and "Unknown error." for any other value.
     static const char* toString(ErrorCode code);
 
 private:

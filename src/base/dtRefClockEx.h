@@ -22,7 +22,7 @@ protected:
     DtRefClockEx(const char* file, int line);
 };
 
-/// A count of another clock: "Clock source name does not match system reference clock."
+/// A count taken from another clock: "Clock source name does not match system reference clock."
 class ZU_BASE_API DtRefClockEx::SourceMismatch : public std::logic_error, public DtRefClockEx
 {
 public:
@@ -31,8 +31,8 @@ public:
     ExBase* clone() const override;
 };
 
-/// "Reference clock failed to get clock value." For clock sources that can fail; that of the
-/// library does not.
+/// "Reference clock failed to get clock value." For clock sources that can fail; the library's own
+/// does not.
 class ZU_BASE_API DtRefClockEx::GetCount : public std::logic_error, public DtRefClockEx
 {
 public:

@@ -23,7 +23,7 @@ public:
     DtRefClockSource& operator=(const DtRefClockSource&) = delete;
     virtual ~DtRefClockSource();
 
-    /// The present count. A clock that can fail raises DtRefClockEx::GetCount.
+    /// The current count. A clock that can fail raises DtRefClockEx::GetCount.
     virtual long long getCount() const = 0;
 
     /// The name; owned by the clock.
@@ -32,7 +32,7 @@ public:
     /// The rate of the counts.
     Rational getRate() const;
 
-    /// The rate of what is underneath, for users of the clock; the library makes no use of it.
+    /// The rate of the underlying counter, for users of the clock; the library does not use it.
     Rational getNativeRate() const;
 
 private:

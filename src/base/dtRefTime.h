@@ -1,5 +1,5 @@
 /// @file
-/// When something happened, on the one clock of the system.
+/// Points in time on the one reference clock of the process.
 
 #ifndef ZU_BASE_DTREFTIME_H
 #define ZU_BASE_DTREFTIME_H
@@ -14,9 +14,9 @@
 namespace Zu
 {
 
-/// A count of the reference clock. It is deliberately a type of its own, without arithmetic and
-/// comparison: only the factory makes one, so all of them have the clock's rate, and their counts
-/// can be compared and subtracted as they are.
+/// A count of the reference clock. It is deliberately a type of its own, without arithmetic or
+/// comparison. Only the factory makes such times, so all of them have the clock's rate, and their
+/// counts can be compared and subtracted directly.
 class DtRefTime
 {
     friend class DtRefTimeFactory;
@@ -25,7 +25,7 @@ public:
     /// 0 at the rate 0/1, which marks a time that was never set.
     constexpr DtRefTime() noexcept : _rate(0, 1) {}
 
-    /// Ticks of the clock, which begin when the clock is made.
+    /// Ticks of the clock since the clock was made.
     constexpr DtTimeIndex getCount() const noexcept
     {
         return _index;
@@ -51,9 +51,10 @@ private:
 ZU_BASE_API std::ostream& operator<<(std::ostream& os, const DtRefTime& time);
 
 /// Makes reference times. The package "discreteTime" makes the one factory when it starts, and with
-/// it the clock, whose counts begin there; they live to the end of the process.
+/// it the clock, which counts from then on. Both live until the end of the process.
 ///
-/// Thread-safety: the first getInstance() belongs to one thread; everything else is for any.
+/// Thread-safety: the first call of getInstance() belongs to one thread; any thread may call
+/// everything else.
 class ZU_BASE_API DtRefTimeFactory
 {
 public:
@@ -71,11 +72,11 @@ public:
     DtRefTime create() const;
 
     /// The time of a stored count. Raises DtRefClockEx::SourceMismatch unless `sourceName` is the
-    /// clock's.
+    /// name of the clock.
     DtRefTime create(const DtTimeIndex& count, const char* sourceName) const;
 
-    /// The time that lies `delta` ticks of `rate` behind `base`, truncated toward zero. The rate of
-    /// `base` is not looked at. Raises RationalEx::ExDenominatorZero if `rate` is 0.
+    /// The time `delta` ticks of `rate` after `base`, truncated toward zero. The rate of `base` is
+    /// ignored. Raises RationalEx::ExDenominatorZero if `rate` is 0.
     DtRefTime create(const DtRefTime& base, const DtTimeIndex& delta, const Rational& rate) const;
 
 private:

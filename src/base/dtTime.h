@@ -21,8 +21,8 @@
 namespace Zu
 {
 
-/// A count of ticks. All arithmetic is that of 64 bits: it wraps, `/` and `%` truncate toward zero,
-/// and a divisor of 0 is a fault of the caller. Compares as the integer that it converts to.
+/// A count of ticks. All arithmetic has 64 bits and wraps; `/` and `%` truncate toward zero; a
+/// divisor of 0 is a fault of the caller. Counts compare as the integers that they convert to.
 class DtTimeIndex
 {
     friend class DtTime;
@@ -33,7 +33,7 @@ public:
     /// 0.
     constexpr DtTimeIndex() noexcept = default;
 
-    /// So many ticks.
+    /// `count` ticks.
     constexpr DtTimeIndex(std::int64_t count) noexcept : _count(count) {}
 
     /// The count.
@@ -43,7 +43,7 @@ public:
     }
 
     /// @{
-    /// Calculate in place, by the rules of the class.
+    /// Arithmetic in place, by the rules of the class.
     constexpr DtTimeIndex& operator+=(std::int64_t count) noexcept
     {
         _count = DtArithmetic::add(_count, count);
@@ -76,7 +76,7 @@ public:
     /// @}
 
     /// @{
-    /// Calculate by the rules of the class.
+    /// Arithmetic by the rules of the class.
     friend constexpr DtTimeIndex operator+(DtTimeIndex a, const DtTimeIndex& b) noexcept
     {
         return a += b._count;
@@ -103,8 +103,8 @@ public:
     }
     /// @}
 
-    // With an integer on either side: without these it would be open whether the index becomes an
-    // integer or the integer an index.
+    // With an integer on one side. Without these operators it would be ambiguous whether the index
+    // is converted to an integer or the integer to an index.
 
     /// @{
     /// The same with an integer on one side, which is converted to 64 bits.
@@ -170,7 +170,7 @@ public:
     /// @}
 
     /// @{
-    /// One tick on, or back; behind the operand they return the count before.
+    /// One tick forward or back. The postfix forms return the previous count.
     constexpr DtTimeIndex& operator++() noexcept
     {
         return *this += 1;
@@ -209,8 +209,8 @@ public:
     }
     /// @}
 
-    // The three fields of a clock, of ticks at a rate that is not 0. They rest on the whole seconds
-    // since tick 0, denominator * count / numerator; the product wraps.
+    // The three fields of a clock, for ticks at a rate that is not 0. They are derived from the
+    // whole seconds since tick 0, denominator * count / numerator; the product wraps.
 
     /// The whole hours.
     constexpr long long getHours(const Rational& rate) const noexcept
@@ -238,15 +238,16 @@ public:
 
     /// The same instant, counted at another rate.
     ///
-    /// std::round_toward_zero is computed in integers: the quotient of the rates is reduced, and
-    /// the result is exact as long as its numerator times the count fits 64 bits; beyond, that
-    /// product wraps. The rates' own products are of 32 bits and wrap. Raises
-    /// RationalEx::ExDenominatorZero if `from` is 0 or the divisor wraps to 0; 0 for `to` gives 0.
+    /// std::round_toward_zero is computed in integers. The quotient of the rates is reduced, and
+    /// the result is exact as long as its numerator times the count fits in 64 bits; beyond that
+    /// the product wraps. Products of the rates themselves have 32 bits and wrap. Raises
+    /// RationalEx::ExDenominatorZero if `from` is 0 or the divisor wraps to 0. If `to` is 0 the
+    /// result is 0.
     ///
     /// All other styles are computed in `double`: std::round_to_nearest (halves up, also below 0),
     /// std::round_toward_infinity, std::round_toward_neg_infinity, std::round_indeterminate (away
-    /// from zero). What does not fit gives the smallest 64-bit integer. A value that is no style
-    /// gives 0.
+    /// from zero). A result that does not fit becomes the smallest 64-bit integer. A value that is
+    /// not a style gives 0.
     constexpr DtTimeIndex convert(const Rational& from, const Rational& to,
                                   std::float_round_style style) const
     {
@@ -284,7 +285,7 @@ private:
             DtArithmetic::multiply32(from.getDenominator(), to.getNumerator());
         const std::int32_t denominator =
             DtArithmetic::multiply32(to.getDenominator(), from.getNumerator());
-        // A product that fits as it stands leads to the same quotient as the reduced one.
+        // If the unreduced product fits, it gives the same quotient as the reduced one.
         std::int64_t product = 0;
         if (denominator > 0 && !Compiler::multiplyOverflows(_count, numerator, product))
             return denominator == 1 ? product : product / denominator;
@@ -302,16 +303,17 @@ private:
     std::int64_t _count = 0;
 };
 
-/// A count of ticks and their rate, which is never 0 and may be negative.
+/// A count of ticks and its rate, which is never 0 and may be negative.
 ///
-/// Times of different rates are compared exactly, by instant: 1 at 1/1 equals 30 at 30/1. Where one
-/// of both rates is negative the comparison is deliberately turned round, so only times whose rates
-/// have one sign can be kept in order. They are
-/// calculated with at a common rate, the product of both, capped at a million per second (and at
-/// one per million seconds): deliberately, as that bounds the products, also where it loses ticks.
-/// Products of rates are of 32 bits, all others of 64, and wrap. So comparisons hold as long as
-/// denominator times numerator times count of either side fits 64 bits: at 48000/1 that is
-/// 1.9e14 ticks.
+/// Times with different rates are compared exactly, by instant: 1 at 1/1 equals 30 at 30/1. If
+/// exactly one of the rates is negative the comparison is deliberately reversed, so only times
+/// whose rates have the same sign can be ordered.
+///
+/// Arithmetic uses a common rate: the product of both rates, capped at a million per second (and at
+/// one per million seconds). The cap is deliberate: it bounds the products, although it can lose
+/// ticks. Products of rates have 32 bits, all others 64, and they wrap. Comparisons are therefore
+/// correct as long as denominator times numerator times count of either side fits in 64 bits: at
+/// 48000/1 that is 1.9e14 ticks.
 class DtTime
 {
 public:
@@ -324,7 +326,7 @@ public:
         if (rate.getNumerator() == 0) DtEx::throwBadRate(__FILE__, __LINE__);
     }
 
-    /// The same; a zero denominator raises RationalEx::ExDenominatorZero before.
+    /// The same. A zero denominator raises RationalEx::ExDenominatorZero first.
     constexpr DtTime(const DtTimeIndex& index, std::int32_t numerator, std::int32_t denominator)
         : DtTime(index, Rational(numerator, denominator))
     {
@@ -342,7 +344,7 @@ public:
         return _rate;
     }
 
-    /// Whether the rates are equal, exactly.
+    /// Whether the rates are exactly equal.
     constexpr bool isRateEqual(const DtTime& other) const noexcept
     {
         return _rate == other._rate;
@@ -357,7 +359,7 @@ public:
     }
 
     /// @{
-    /// With a count: the rate stays.
+    /// With a count: the rate is kept.
     constexpr DtTime& operator+=(const DtTimeIndex& count) noexcept
     {
         _index += count;
@@ -390,10 +392,10 @@ public:
     /// @}
 
     /// @{
-    /// With a time: at equal rates the counts are calculated with, and the rate stays. Otherwise
-    /// both are converted to the common rate, which is that of the result. `*`, `/` and `%` take
-    /// the counts as plain numbers. Raises RationalEx::ExDenominatorZero or DtEx::BadRate if a
-    /// product of the rates wraps to 0.
+    /// With a time: at equal rates the operation applies to the counts and keeps the rate.
+    /// Otherwise both times are converted to the common rate, which becomes that of the result.
+    /// `*`, `/` and `%` treat the counts as plain numbers. Raises RationalEx::ExDenominatorZero or
+    /// DtEx::BadRate if a product of the rates wraps to 0.
     constexpr DtTime& operator+=(const DtTime& other)
     {
         const DtTime right = meet(other);
@@ -426,7 +428,7 @@ public:
     /// @}
 
     /// @{
-    /// With a count: the rate stays.
+    /// With a count: the rate is kept.
     friend constexpr DtTime operator+(DtTime a, const DtTimeIndex& b) noexcept
     {
         return a += b;
@@ -454,7 +456,7 @@ public:
     /// @}
 
     /// @{
-    /// With a time, as the operators that calculate in place.
+    /// With a time, like the in-place operators.
     friend constexpr DtTime operator+(DtTime a, const DtTime& b)
     {
         return a += b;
@@ -482,7 +484,7 @@ public:
     /// @}
 
     /// @{
-    /// One tick on, or back, at the same rate; behind the operand they return the time before.
+    /// One tick forward or back at the same rate. The postfix forms return the previous time.
     constexpr DtTime& operator++() noexcept
     {
         ++_index;
@@ -532,7 +534,7 @@ private:
         return product;
     }
 
-    // Whether the product fits 32 bits, and so does its negation.
+    // Whether both the product and its negation fit in 32 bits.
     static constexpr bool isSmall(std::int32_t a, std::int32_t b) noexcept
     {
         constexpr std::int64_t BOUND = std::numeric_limits<std::int32_t>::max();
@@ -546,28 +548,28 @@ private:
                isSmall(a.getDenominator(), b.getDenominator());
     }
 
-    // Of a number that can be negated.
+    // The magnitude of a number that can be negated.
     static constexpr std::int32_t magnitude(std::int32_t value) noexcept
     {
         return value < 0 ? -value : value;
     }
 
-    // Whether the small product of both is their common rate, and no product of the conversions to
-    // it wraps. Then a count at either rate is brought to it by the other rate, as it stands.
+    // Whether the small product of both is their common rate and no product in the conversions to
+    // it wraps. A count at either rate is then converted by multiplying it by the other rate.
     static constexpr bool isPlainProduct(const Rational& a, const Rational& b,
                                          const Rational& product) noexcept
     {
         if (product.getNumerator() >= FINEST || product.getNumerator() <= -FINEST ||
             product.getDenominator() >= FINEST)
             return false;
-        // What has the bits of both is not below the larger one.
+        // The bitwise OR of two numbers is at least the larger one.
         const std::int32_t numerators = magnitude(a.getNumerator()) | magnitude(b.getNumerator());
         const std::int32_t denominators = a.getDenominator() | b.getDenominator();
         return isSmall(denominators, product.getNumerator()) &&
                isSmall(numerators, product.getDenominator());
     }
 
-    // Brings this time to the rate common with the other one, which is returned at that rate.
+    // Converts this time to the common rate, and returns the other time at that rate.
     constexpr DtTime meet(const DtTime& other)
     {
         if (_rate == other._rate) return other;
@@ -589,7 +591,7 @@ private:
     Rational _rate;
 };
 
-/// What the comparison `a < b` has on its left: a.denominator * b.numerator * a.count.
+/// The left side of the comparison `a < b`: a.denominator * b.numerator * a.count.
 constexpr DtTimeIndex crossMultLhs(const DtTime& a, const DtTime& b) noexcept
 {
     const std::int64_t rates =
@@ -597,7 +599,7 @@ constexpr DtTimeIndex crossMultLhs(const DtTime& a, const DtTime& b) noexcept
     return DtArithmetic::multiply(rates, a.getCount());
 }
 
-/// And on its right: b.denominator * a.numerator * b.count.
+/// The right side of the comparison `a < b`: b.denominator * a.numerator * b.count.
 constexpr DtTimeIndex crossMultRhs(const DtTime& a, const DtTime& b) noexcept
 {
     const std::int64_t rates =
@@ -606,7 +608,7 @@ constexpr DtTimeIndex crossMultRhs(const DtTime& a, const DtTime& b) noexcept
 }
 
 /// @{
-/// Compare crossMultLhs() with crossMultRhs(): by instant, as the class says.
+/// Compare crossMultLhs() with crossMultRhs(): by instant, as documented at the class.
 constexpr bool operator<(const DtTime& a, const DtTime& b) noexcept
 {
     return crossMultLhs(a, b) < crossMultRhs(a, b);
@@ -659,7 +661,8 @@ template <> struct std::hash<Zu::DtTimeIndex>
 /// Hashes times, for unordered containers.
 template <> struct std::hash<Zu::DtTime>
 {
-    /// Times of one instant have equal hashes, whatever their rates, as long as no product wraps.
+    /// Times of the same instant have equal hashes, whatever their rates, as long as no product
+    /// wraps.
     ZU_BASE_API std::size_t operator()(const Zu::DtTime& time) const noexcept;
 };
 

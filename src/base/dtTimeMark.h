@@ -1,5 +1,5 @@
 /// @file
-/// The bridge between the time of a stream and the reference clock.
+/// Maps between the time of a stream and the reference clock.
 
 #ifndef ZU_BASE_DTTIMEMARK_H
 #define ZU_BASE_DTTIMEMARK_H
@@ -13,7 +13,8 @@
 namespace Zu
 {
 
-/// Ties a position in a stream to a moment on the reference clock; from it follow the others.
+/// Ties one position in a stream to a moment on the reference clock. All other positions follow
+/// from it.
 class ZU_BASE_API DtTimeMark
 {
 public:
@@ -30,15 +31,15 @@ public:
     DtRefTime getRefTime() const;
 
     /// Where the stream is at that moment, truncated toward zero to the stream's ticks. The rate of
-    /// `refTime` is not looked at. Raises RationalEx::ExDenominatorZero if this mark's reference
-    /// time was never set.
+    /// `refTime` is ignored. Raises RationalEx::ExDenominatorZero if this mark's reference time was
+    /// never set.
     DtTimeMark evalTime(const DtRefTime& refTime) const;
 
     /// When the stream is at that position, truncated toward zero to the clock's ticks. The result
-    /// has `streamTime` as it is given, and the rate of the clock, not that in this mark.
+    /// has `streamTime` unchanged, and the rate of the clock rather than the one in this mark.
     DtTimeMark evalTime(const DtTime& streamTime) const;
 
-    /// Writes "(", both times with a blank between, ")".
+    /// Writes both times in parentheses, with a blank between them.
     void dump(std::ostream& os) const;
 
 private:

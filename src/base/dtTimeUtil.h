@@ -1,5 +1,5 @@
 /// @file
-/// Times from and to seconds, texts and intervals.
+/// Conversion of times from and to seconds, texts and intervals.
 
 #ifndef ZU_BASE_DTTIMEUTIL_H
 #define ZU_BASE_DTTIMEUTIL_H
@@ -12,8 +12,8 @@
 namespace Zu
 {
 
-/// Conversions of times. A number of seconds that does not fit a count of 64 bits gives the
-/// smallest count. Any thread may call them.
+/// Conversions of times. A number of seconds that does not fit in a 64-bit count gives the smallest
+/// count. Any thread may call them.
 class ZU_BASE_API DtTimeUtil
 {
 public:
@@ -31,21 +31,22 @@ public:
     /// The same, computed in single precision.
     static DtTime getDtTimeFromSeconds(const Rational& rate, float seconds);
 
-    /// The time as text: count, numerator and denominator of the rate, in decimal with a blank
-    /// between: "1001 30000 1001". The caller owns it.
+    /// The time as text: the count, then numerator and denominator of the rate, in decimal and
+    /// separated by blanks: "1001 30000 1001". The caller owns it.
     static ArrayPtrRet<char> getDtStringFromDtTime(const DtTime& time);
 
-    /// The time of such a text. Fields may have several blanks between and before them; what
-    /// follows the third is ignored, as is what follows the digits in a field. The count is
-    /// deliberately not checked: what is no number reads as 0, one beyond 64 bits as the nearest.
+    /// The time of such a text. There may be several blanks before each field. Anything after the
+    /// third field is ignored, as is anything after the digits of a field. The count is
+    /// deliberately not checked: text that is not a number reads as 0, and a number beyond 64 bits
+    /// as the nearest count.
     ///
-    /// Raises DtEx::DtStringError if numerator or denominator are missing, have no digits, or do
-    /// not fit 32 bits; DtEx::BadRate for the numerator 0 and RationalEx::ExDenominatorZero for the
-    /// denominator 0. A number at either end of the 32-bit range also counts as one that does not
-    /// fit if `errno` says so from before: it is deliberately not cleared.
+    /// Raises DtEx::DtStringError if the numerator or denominator is missing, has no digits, or
+    /// does not fit in 32 bits; DtEx::BadRate for the numerator 0 and RationalEx::ExDenominatorZero
+    /// for the denominator 0. `errno` is deliberately not cleared: if it is ERANGE from an earlier
+    /// call, a number at either end of the 32-bit range also counts as one that does not fit.
     static DtTime getDtTimeFromDtString(const char* text);
 
-    /// The ticks at the rate of `rateSource` that hold the interval: the lower bound truncated
+    /// The ticks at the rate of `rateSource` that enclose the interval: the lower bound truncated
     /// toward zero (deliberately also for negative seconds), the upper one rounded up.
     static Interval<DtTimeIndex> getInclusiveDtTimeIndexInterval(const DtTime& rateSource,
                                                                  const Interval<double>& seconds);

@@ -1,5 +1,5 @@
 /// @file
-/// Objects that stand for environment variables, with a default.
+/// Objects that represent environment variables, with a default.
 
 #ifndef ZU_BASE_ENVVAR_H
 #define ZU_BASE_ENVVAR_H
@@ -14,17 +14,17 @@ namespace Zu
 
 class EnvVar;
 
-/// The objects that stand for variables, in the order of their construction. It owns none of them.
+/// The objects that represent variables, in the order of their construction. It owns none of them.
 using EnvVarRegistry = List<EnvVar*>;
 
 /// An environment variable that is read when the object is made, and whenever refresh() is called.
-/// Independent of packages, so it works at any time. All objects are listed in one registry, so
-/// that a program can print what it looks at; copies are not.
+/// It does not depend on packages, so it works at any time. All objects except copies are listed in
+/// one registry, so that a program can print the variables that it reads.
 ///
-/// Name and default are not copied and must outlive the object; the value belongs to the
-/// environment and is good until the next change of it.
+/// Name and default are not copied and must outlive the object. The value belongs to the
+/// environment and is valid until the environment changes.
 ///
-/// Thread-safety: the registry has no lock, so objects are static or made on one thread.
+/// Thread-safety: the registry has no lock, so objects must be static or made on one thread.
 class ZU_BASE_API EnvVar
 {
 public:
@@ -32,7 +32,7 @@ public:
     EnvVar(const char* name, const char* defaultValue);
 
     /// @{
-    /// Copies name, default and value; the registry stays as it is.
+    /// Copies name, default and value. The registry does not change.
     EnvVar(const EnvVar& other);
     EnvVar& operator=(const EnvVar& other);
     /// @}
@@ -49,20 +49,20 @@ public:
     /// The name of the variable.
     const char* getName() const;
 
-    /// The environment's text if there is one, else the default.
+    /// The environment's text if there is one, otherwise the default.
     const char* getValue() const;
 
-    /// Sets a variable, as OsEnv::putVariable(); refreshes nothing.
+    /// Sets a variable with OsEnv::putVariable(); refreshes no object.
     static void putEnv(const char* assignment);
 
-    /// The objects that there are.
+    /// The registered objects.
     static EnvVarRegistry& getRegistry();
 
 protected:
     /// The environment's text; null if there is none.
     const char* environmentText() const;
 
-    /// Writes the beginning that all kinds share.
+    /// Writes the beginning that the dumps of all kinds share.
     void dumpName(std::ostream& os) const;
 
 private:
@@ -71,16 +71,16 @@ private:
     const char* _default;
 };
 
-/// A whole number: the one at the beginning of the text, as `atoi` reads it, or the nearest int.
-/// Text that is no number gives 0, deliberately not the default.
+/// A whole number: the one at the beginning of the text, as `atoi` reads it, or the nearest int if
+/// it is out of range. Text that is not a number gives 0, deliberately not the default.
 class ZU_BASE_API EnvIntVar : public EnvVar
 {
 public:
-    /// The default stands for a variable that is not set.
+    /// The default is the value of a variable that is not set.
     EnvIntVar(const char* name, int defaultValue);
     void refresh() override;
 
-    /// Writes the same as an EnvVar, with bare numbers in place of the texts.
+    /// Writes the same as EnvVar::dump(), with bare numbers in place of the quoted texts.
     void dump(std::ostream& os) const override;
 
     /// The number.
@@ -94,11 +94,11 @@ private:
 };
 
 /// A number: the one at the beginning of the text, as `atof` reads it by the rules of C99. Text
-/// that is no number gives 0, deliberately not the default.
+/// that is not a number gives 0, deliberately not the default.
 class ZU_BASE_API EnvDoubleVar : public EnvVar
 {
 public:
-    /// The default stands for a variable that is not set.
+    /// The default is the value of a variable that is not set.
     EnvDoubleVar(const char* name, double defaultValue);
     void refresh() override;
     void dump(std::ostream& os) const override;
@@ -116,7 +116,7 @@ private:
 /// As EnvVar::dump().
 ZU_BASE_API std::ostream& operator<<(std::ostream& os, const EnvVar& variable);
 
-/// For each object a line end and then its dump.
+/// Writes a line end and then the dump of each object.
 ZU_BASE_API std::ostream& operator<<(std::ostream& os, const EnvVarRegistry& registry);
 
 } // namespace Zu

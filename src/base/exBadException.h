@@ -1,5 +1,5 @@
 /// @file
-/// The exception that stands for one which was not allowed to pass.
+/// The exception that replaces one that was not allowed to pass.
 
 #ifndef ZU_BASE_EXBADEXCEPTION_H
 #define ZU_BASE_EXBADEXCEPTION_H
@@ -11,8 +11,9 @@
 namespace Zu
 {
 
-/// An exception passed a place where it must not. The reason is "Invalid exception thrown."; the
-/// text of the standard part is the runtime's own and can only be reached by a qualified call.
+/// An exception tried to leave a place that must not let it pass. The reason is "Invalid exception
+/// thrown."; the what() of the standard base is the runtime's own text and can only be reached by a
+/// qualified call.
 class ZU_BASE_API ExBadException : public ExBase, public std::bad_exception
 {
 public:

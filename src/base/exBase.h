@@ -11,22 +11,22 @@
 namespace Zu
 {
 
-/// Where an exception was raised and why.
+/// Records where an exception was raised and why.
 ///
-/// Everything is kept inline: the class allocates nothing and its objects copy as plain values.
-/// A concrete exception derives from a family root (InEx, OsFileEx, ...) and nearly always also
-/// from a standard exception, so that a handler for the standard types prints the same reason.
+/// Everything is stored inline: the class allocates nothing and its objects copy as plain values. A
+/// concrete exception derives from a family root (InEx, OsFileEx, ...) and nearly always also from
+/// a standard exception, so that a handler for the standard types prints the same reason.
 ///
 /// Thread-safety: objects share nothing, but getDetailedReason() writes a cache in the object, so
-/// one object is not to be read by two threads at once.
+/// two threads must not read the same object at once.
 class ZU_BASE_API ExBase
 {
 public:
-    /// `file` is cut to 127 characters; null leaves the name empty.
+    /// `file` is truncated to 127 characters; null leaves the name empty.
     ExBase(const char* file, int line);
 
     /// @{
-    /// A copy has the place and the texts of its source.
+    /// A copy has the source location and the texts of the original.
     ExBase(const ExBase& other);
     ExBase& operator=(const ExBase& other);
     /// @}
@@ -35,8 +35,8 @@ public:
     virtual const char* getReason() const;
 
     /// "[Exception Type = ..., File = ..., Line=...]", a line feed and the reason, at most 1023
-    /// characters; owned by the object. It is made at the first call and kept: a reason that
-    /// changes later does not show in it, and a copy takes the text with it.
+    /// characters; owned by the object. It is composed at the first call and cached: it does not
+    /// reflect a reason that changes later, and a copy includes the cached text.
     virtual const char* getDetailedReason() const;
 
     virtual ~ExBase();
@@ -44,14 +44,14 @@ public:
     /// A heap copy of the same dynamic type, owned by the caller.
     virtual ExBase* clone() const = 0;
 
-    /// The source file of the raise.
+    /// The source file in which it was raised.
     const char* getFileName() const;
 
-    /// The source line of the raise.
+    /// The source line at which it was raised.
     int getLineNo() const;
 
 protected:
-    /// Appends `text` to the reason. What does not fit is cut at the end; null changes nothing.
+    /// Appends `text` to the reason. Text that does not fit is truncated; null changes nothing.
     void setReason(const char* text);
 
 private:

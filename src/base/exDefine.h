@@ -10,7 +10,7 @@
 #include <cstdarg>
 #include <cstdio>
 
-/// Defines the two operations that every concrete exception has.
+/// Defines the two operations that every concrete exception implements.
 #define ZU_EX_WHAT_AND_CLONE(Class)                                                                \
     const char* Class::what() const noexcept                                                       \
     {                                                                                              \
@@ -24,7 +24,7 @@
 namespace Zu
 {
 
-/// A reason made with a `printf` format, cut to what an exception keeps.
+/// A reason made with a `printf` format, truncated to the length that an exception stores.
 class ExText
 {
 public:
@@ -41,7 +41,7 @@ public:
         return _text;
     }
 
-    /// A text argument as `%s` may take it: null reads as the empty text.
+    /// A text argument that is safe for `%s`: null becomes the empty text.
     static const char* orEmpty(const char* text)
     {
         return text ? text : "";

@@ -34,9 +34,9 @@ private:
     int _error;
 };
 
-/// A failed call of the platform: carries the last system error as it was at construction, with
-/// its text, or "Unknown error <code>" where the system has none. On Windows that is
-/// `GetLastError()`, on Linux, where the class keeps its name, `errno`.
+/// A failed call of the platform: carries the last system error as it was at construction, with its
+/// text, or "Unknown error <code>" where the system has none. On Windows that is `GetLastError()`;
+/// on Linux, where the class keeps its name, it is `errno`.
 class ZU_BASE_API ExSysErrorWindows : public ExSysError
 {
 public:

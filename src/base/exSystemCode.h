@@ -12,19 +12,19 @@ namespace Zu
 /// The error code of the last failed platform call of this thread.
 int lastSystemCode();
 
-/// Sets the code that lastSystemCode() returns next.
+/// Sets the code that lastSystemCode() will return.
 void setLastSystemCode(int code);
 
-/// Writes the platform's text for `code` into `buffer` of `size` characters, as the platform gives
-/// it; the empty text if it has none.
+/// Writes the platform's text for `code`, unchanged, into `buffer` of `size` characters; the empty
+/// text if there is none.
 void systemCodeText(int code, char* buffer, std::size_t size);
 
-/// The text of an `errno`, as `strerror()` gives it in the locale "C"; valid until the thread asks
-/// again.
+/// The text of an `errno`, as `strerror()` gives it in the locale "C"; valid until the next call on
+/// the same thread.
 const char* errnoText(int code);
 
-/// Looks at the last character and at the one before it, independently, and replaces each that is
-/// a carriage return or a line feed by a terminator.
+/// Checks the last character and the one before it, independently of each other, and replaces each
+/// by a terminator if it is a carriage return or a line feed.
 void cutLineEnd(char* text);
 
 } // namespace Zu

@@ -1,5 +1,5 @@
 /// @file
-/// Mathematics of single and double precision, and comparison with a tolerance.
+/// Mathematics in single and double precision, and comparison with a tolerance.
 
 #ifndef ZU_BASE_FLOATUTIL_H
 #define ZU_BASE_FLOATUTIL_H
@@ -16,14 +16,14 @@
 namespace Zu
 {
 
-/// What FloatUtil has for one of its precisions.
+/// The operations of FloatUtil for one precision.
 template <class T> class FloatUtilOf
 {
     static constexpr bool IS_SINGLE = std::is_same_v<T, float>;
-    // The integers through which floor() and ceil() go.
+    // The integer type that floor() and ceil() convert through.
     using Whole = std::conditional_t<IS_SINGLE, std::int32_t, std::int64_t>;
 
-    // Of a constant that is stated for each precision.
+    // Chooses between the constants for single and double precision.
     static constexpr T choose(float single, double both) noexcept
     {
         return IS_SINGLE ? static_cast<T>(single) : static_cast<T>(both);
@@ -42,26 +42,26 @@ public:
         return Compiler::bitCast<T>(Compiler::bitCast<Bits>(x) & (~Bits{0} >> 1));
     }
 
-    /// The tolerance of comparisons that are given none: 0.0001 and 1e-7.
+    /// The default tolerance of comparisons: 0.0001 for `float` and 1e-7 for `double`.
     static constexpr T getCompareEps(T) noexcept
     {
         return choose(0.0001F, 1e-7);
     }
 
-    /// The decimal digits that go with that: 5 and 8.
+    /// The decimal digits that go with that tolerance: 5 and 8.
     static constexpr int getCompareEpsPrecision(T) noexcept
     {
         return IS_SINGLE ? 5 : 8;
     }
 
-    /// 1 for numbers from 0 on, -0 among them, and -1 for all others, a NaN among them.
+    /// 1 for numbers from 0 on, including -0; -1 for all others, including a NaN.
     static constexpr int sgn(T x) noexcept
     {
         return x >= 0 ? 1 : -1;
     }
 
-    /// Down to a whole number. What is whole, a NaN, or beyond 32 bits (float) or 64 bits (double)
-    /// comes back as it is.
+    /// Rounds down to a whole number. A value that is whole, a NaN, or beyond 32 bits (float) or 64
+    /// bits (double) is returned unchanged.
     static constexpr T floor(T x) noexcept
     {
         const auto whole = truncateTo<Whole>(x);
@@ -69,7 +69,7 @@ public:
         return static_cast<T>(x < 0 ? whole - 1 : whole);
     }
 
-    /// Up to a whole number, with the rules of floor(); never to -0.
+    /// Rounds up to a whole number, by the rules of floor(); never to -0.
     static constexpr T ceil(T x) noexcept
     {
         const auto whole = truncateTo<Whole>(x);
@@ -84,7 +84,8 @@ public:
     }
 
     /// @{
-    /// As the functions of the standard library; mod() as `std::fmod`, with the sign of `x`.
+    /// The same as the functions of the standard library. mod() is `std::fmod`, with the sign of
+    /// `x`.
     static T mod(T x, T y)
     {
         return std::fmod(x, y);
@@ -101,14 +102,14 @@ public:
     }
     /// @}
 
-    /// sqrt(x * x + y * y); not guarded against overflow on the way.
+    /// sqrt(x * x + y * y), not guarded against intermediate overflow.
     static T hypot(T x, T y)
     {
         return std::sqrt(x * x + y * y);
     }
 
     /// @{
-    /// As the functions of the standard library; angles are in radians.
+    /// The same as the functions of the standard library; angles are in radians.
     static T sin(T x)
     {
         return std::sin(x);
@@ -161,7 +162,7 @@ public:
     /// @}
 
     /// @{
-    /// As the questions of LtFPClass.
+    /// The same as the checks of LtFPClass.
     static constexpr bool isnan(T x) noexcept
     {
         return LtFPClass::isNaN(x);
@@ -178,20 +179,20 @@ public:
     }
     /// @}
 
-    /// An angle in degrees.
+    /// Converts an angle to degrees.
     static constexpr T radiansToDegrees(T x) noexcept
     {
         return x * T(180) * choose(0.31830987F, 0.3183098861837907);
     }
 
-    /// An angle in radians.
+    /// Converts an angle to radians.
     static constexpr T degreesToRadians(T x) noexcept
     {
         return x * choose(3.1415927F, 3.141592653589793) *
                choose(0.0055555557F, 0.005555555555555556);
     }
 
-    /// Whether both lie closer than `eps`.
+    /// Whether both differ by less than `eps`, or an operand is a NaN.
     static constexpr bool isEqual(T a, T b, T eps) noexcept
     {
         return !(abs(a - b) >= eps);
@@ -250,16 +251,15 @@ public:
     /// @}
 };
 
-/// One name for the mathematics of both precisions; an operation computes in the precision of its
-/// argument. Nothing is reported: errors of domain and range follow the platform and IEEE 754.
+/// The mathematics of both precisions under one name; each operation computes in the precision of
+/// its argument. Errors are not reported: domain and range errors follow the platform and IEEE 754.
 ///
-/// Comparisons with a tolerance are strict: what lies exactly `eps` away is outside in every form.
+/// Comparisons with a tolerance are strict: a value exactly `eps` away is outside in every form.
 /// isEqual(), isSmaller() and isSmallerEqual() are deliberately true when an operand is a NaN,
-/// isGreater() and isGreaterEqual() false.
+/// whereas isGreater() and isGreaterEqual() are false.
 ///
-/// The operations are compiled with the options of whoever calls them: hypot() and smoothStep()
-/// give the same bits everywhere as long as those forbid fused multiplication and addition
-/// (`-ffp-contract=off`).
+/// The operations are compiled with the caller's options. hypot() and smoothStep() give the same
+/// bits everywhere as long as those options forbid fused multiply-add (`-ffp-contract=off`).
 ///
 /// Any thread may call them.
 class FloatUtil : private FloatUtilOf<float>, private FloatUtilOf<double>
@@ -331,8 +331,8 @@ public:
     using FloatUtilOf<float>::tan;
     using FloatUtilOf<double>::tan;
 
-    /// `low` before `edge0`, and for a NaN; `high` from `edge1` on; between, the cubic curve that
-    /// leaves and enters both levelly.
+    /// `low` below `edge0` and for a NaN; `high` from `edge1` on; between them the cubic curve
+    /// whose slope is 0 at both ends.
     static constexpr float smoothStep(float edge0, float edge1, float x, float low,
                                       float high) noexcept
     {

@@ -1,6 +1,6 @@
 /// @file
-/// The standard library's reading of floating-point numbers, also where it has none. Internal to
-/// the library.
+/// Reads floating-point numbers as the standard library does, also where it lacks the function.
+/// Internal to the library.
 
 #ifndef ZU_BASE_FROMCHARS_H
 #define ZU_BASE_FROMCHARS_H
@@ -10,9 +10,10 @@
 namespace Zu
 {
 
-/// As `std::from_chars` for a decimal or a hexadecimal number of the formats `general` and `hex`:
-/// the nearest double, to even in the middle, whatever the rounding of the processor. One that does
-/// not fit is `result_out_of_range`, and leaves `value` as it is. Raises std::bad_alloc.
+/// Works like `std::from_chars` for decimal and hexadecimal numbers, formats `general` and `hex`.
+/// It rounds to the nearest double, ties to even, whatever the rounding mode of the processor. A
+/// number that does not fit gives `result_out_of_range` and leaves `value` unchanged. Raises
+/// std::bad_alloc.
 std::from_chars_result portableFromChars(const char* begin, const char* end, double& value,
                                          std::chars_format format);
 
@@ -35,7 +36,7 @@ std::from_chars_result choose(const char* begin, const char* end, Value& value,
 
 } // namespace FromChars
 
-/// The standard library's own where it has one, otherwise the above.
+/// Calls the standard library's function if it has one, otherwise the one above.
 inline std::from_chars_result fromChars(const char* begin, const char* end, double& value,
                                         std::chars_format format)
 {

@@ -1,5 +1,5 @@
 /// @file
-/// The front of a leak checker.
+/// The interface of a leak checker.
 
 #ifndef ZU_BASE_HMGC_H
 #define ZU_BASE_HMGC_H
@@ -13,18 +13,20 @@
 namespace Zu
 {
 
-/// Checks, at its end, what was allocated in its lifetime and not freed: leaves known leaks out,
-/// prints the others with their call stacks, and may raise HmGCEx::ExGarbageDetected. For that it
-/// needs a debugging heap, and there is none in this build: it keeps its settings and finds
-/// nothing. isMemDebugLoaded() tells.
+/// When it is destroyed, checks for memory that was allocated in its lifetime and not freed. It
+/// skips known leaks, prints the others with their call stacks, and may raise
+/// HmGCEx::ExGarbageDetected. For that it needs a debugging heap, which this build does not have:
+/// it keeps its settings and finds nothing. isMemDebugLoaded() reports whether there is such a
+/// heap.
 ///
-/// An object stands in a scope, or is part of another: it is never released from the heap itself.
+/// An object is local to a scope or part of another object; it is never allocated on the heap by
+/// itself.
 ///
-/// Thread-safety: an object is of one thread at a time.
+/// Thread-safety: an object belongs to one thread at a time.
 class ZU_BASE_API HmGC
 {
 public:
-    /// Prints nowhere and raises nothing, until it is told to.
+    /// Prints nothing and raises nothing until it is configured to.
     HmGC();
     HmGC(const HmGC&) = default;
     HmGC& operator=(const HmGC&) = default;
@@ -41,10 +43,11 @@ public:
     /// Whether leaks are printed with their call stacks; true at first.
     void setStackDump(bool stackDump);
 
-    /// Whether there is a heap that tells leaks; false here.
+    /// Whether there is a heap that reports leaks; false in this build.
     static bool isMemDebugLoaded();
 
-    /// Checks a leak that the heap tells, and prints it if it is not known; nothing here.
+    /// Checks a leak that the heap reports and prints it unless it is a known one. Does nothing in
+    /// this build.
     void validateAndPrint(void* leak);
 
 private:

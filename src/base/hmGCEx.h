@@ -9,7 +9,7 @@
 namespace Zu
 {
 
-/// The scope of the leak checker's exception; it is no class of its own.
+/// Only a scope for the leak checker's exception, not a base class.
 class ZU_BASE_API HmGCEx
 {
 public:
@@ -26,7 +26,7 @@ public:
 
     ExBase* clone() const override;
 
-    /// The reason: there is no standard class among the bases to give it.
+    /// The reason. It is declared here because no base is a standard exception class.
     virtual const char* what() const noexcept;
 };
 

@@ -14,10 +14,10 @@
 namespace Zu
 {
 
-/// The control panel of a debugging heap. This one stands on the compiler's heap, which has nothing
-/// to control: it keeps the settings, gives them back, and reports that there is nothing to report.
-/// A manager for another heap derives from it, replaces the operations, and goes by the settings.
-/// The package "heapMgr" has the one instance.
+/// The control panel of a debugging heap. This class works on the compiler's heap, which has
+/// nothing to control: it stores the settings, returns them, and reports that no information is
+/// available. A manager for another heap derives from it, overrides the operations, and obeys the
+/// settings. The package "heapMgr" owns the one instance.
 ///
 /// The settings come from the environment, which the constructor reads:
 ///
@@ -36,7 +36,7 @@ namespace Zu
 /// | ZU_HEAP_CHECK_FREQUENCY | getCheckFrequency() | 1000 |
 ///
 /// A switch is true if the number at the beginning of its text is 1 or more. Numbers are read as
-/// `atoi` reads them, into 32 bits with a sign, so no text is refused.
+/// signed 32-bit integers in the manner of `atoi`, so no text is refused.
 ///
 /// Thread-safety: settings are changed by one thread at a time.
 class ZU_BASE_API HmHeapMgr
@@ -49,16 +49,16 @@ public:
     {
         /// "some" in the environment.
         Some,
-        /// "full", or nothing that is known.
+        /// "full", or any text that is not recognised.
         Full,
         /// "debug".
         Debug
     };
 
-    /// What a pointer leads to.
+    /// What a pointer points to.
     enum PtrType
     {
-        /// Either of the others.
+        /// An object or an array.
         PtrAny,
         /// One object.
         PtrObject,
@@ -66,7 +66,7 @@ public:
         PtrArray
     };
 
-    /// What may be done with the memory behind a pointer.
+    /// How the memory behind a pointer is protected.
     enum PtrProtect
     {
         /// It is not protected.
@@ -80,41 +80,42 @@ public:
     HmHeapMgr(const HmHeapMgr&) = default;
     HmHeapMgr& operator=(const HmHeapMgr&) = default;
 
-    // The order of the operations is fixed: others have been compiled against it.
+    // The order of the virtual functions is frozen, see docs/compatibility.md.
     virtual ~HmHeapMgr();
 
-    /// Stops a debugger; nothing here.
+    /// Stops in the debugger; does nothing here.
     virtual void breakpoint();
 
-    /// Looks for damage; nothing here.
+    /// Looks for damage; does nothing here.
     virtual void checkHeap() const;
 
     /// Whether the memory at `ptr` has this size, in bytes, and is of this type; always true here.
     virtual bool isValid(void* ptr, std::uint32_t size, PtrType type);
 
-    /// Gives freed memory back that is kept; nothing here.
+    /// Releases freed memory whose release was deferred; does nothing here.
     virtual void freeDeferred() const;
 
-    /// Begins a span of allocations, and returns the one before; always 0 here.
+    /// Sets a check point, which begins a span of allocations, and returns the previous one; always
+    /// 0 here.
     virtual std::uint32_t setCheckPoint(std::uint32_t checkPoint);
 
-    /// Prepares for several threads; nothing here.
+    /// Prepares for several threads; does nothing here.
     virtual void initMultiThread();
 
-    /// Protects the memory behind a pointer; nothing here.
+    /// Protects the memory behind a pointer; does nothing here.
     virtual void protectPtr(void* ptr, PtrProtect protect);
 
-    /// Writes what is known of the heap; two lines that name the compiler's heap.
+    /// Writes what is known about the heap; here two lines that name the compiler's heap.
     virtual void dump(std::ostream& os) const;
 
-    /// Writes what is known of a pointer; here that it is not available.
+    /// Writes what is known about a pointer; here that nothing is available.
     virtual void dumpPtrInfo(void* ptr, std::ostream& os) const;
 
-    /// Writes statistics of allocations; here that they are not available.
+    /// Writes allocation statistics; here that none are available.
     virtual void dumpMallocStats(std::ostream& os) const;
 
     /// @{
-    /// Each stores the new setting, and returns the one before.
+    /// Each stores the new setting and returns the previous one.
     virtual SafetyLevel setSafetyLevel(SafetyLevel level);
     virtual bool setContinueOnError(bool continueOnError);
     virtual bool setUseDefaultHandler(bool useDefaultHandler);
@@ -123,11 +124,11 @@ public:
     virtual bool setDumpLeaks(bool dumpLeaks);
     /// @}
 
-    /// Writes what was allocated from one check point to another and not freed; nothing here.
+    /// Writes what was allocated between two check points and not freed; does nothing here.
     virtual void reportLeakage(std::uint32_t from, std::uint32_t to) const;
 
     /// @{
-    /// Each stores the new setting, and returns the one before.
+    /// Each stores the new setting and returns the previous one.
     virtual bool setDoDeferFreeing(bool doDeferFreeing);
     virtual std::uint32_t setDeferQueueLen(std::uint32_t length);
     virtual std::uint32_t setDeferSizeThreshold(std::uint32_t bytes);
@@ -144,7 +145,7 @@ public:
     /// Whether messages also go to the terminal.
     bool isOutput2Prompt() const;
 
-    /// Whether the process goes on after an error that can't be mended.
+    /// Whether the process continues after an unrecoverable error.
     bool isContinueOnError() const;
 
     /// Whether errors go to the heap's own handler.
@@ -156,19 +157,19 @@ public:
     /// Whether each check looks at all memory.
     bool isCheckAllMemory() const;
 
-    /// Whether leaks are told at the end.
+    /// Whether leaks are reported at the end.
     bool isDumpLeaks() const;
 
-    /// Whether freed memory is kept for a while, so that later writes into it are found.
+    /// Whether freed memory is kept for a while, so that later writes to it are detected.
     bool isDoDeferFreeing() const;
 
     /// How many freed blocks are kept.
     std::uint32_t getDeferQueueLen() const;
 
-    /// From which size on a freed block is kept, in bytes.
+    /// The size in bytes from which on a freed block is kept.
     std::uint32_t getDeferSizeThreshold() const;
 
-    /// Every how many calls the heap is checked.
+    /// After how many calls the heap is checked.
     std::uint32_t getCheckFrequency() const;
 
 protected:

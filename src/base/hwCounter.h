@@ -15,14 +15,14 @@
 namespace Zu
 {
 
-/// A steadily rising 64-bit tick count of a known rate, which the platform states; the library
-/// never measures it. The package "profiling" brings it up; a call before that, as of a static
-/// object, makes the same engine.
+/// A steadily rising 64-bit tick count with a known rate, which the platform states; the library
+/// never measures it. The package "profiling" makes the engine. An earlier call, for instance from
+/// a static object, makes the same engine.
 ///
-/// Thread-safety: any thread may make any call, also the first one. The engine lives to the end of
-/// the process.
+/// Thread-safety: any thread may make any call, including the first one. The engine lives until the
+/// end of the process.
 ///
-/// Cost: a pointer load, a virtual call and a shift beside the platform's own call.
+/// Cost: a pointer load, a virtual call and a shift in addition to the platform's own call.
 class ZU_BASE_API HwCounter
 {
     friend class InInit<ZuInit::profiling>;
@@ -48,7 +48,7 @@ public:
     /// Writes the engine's name, rate and cycle. Makes the engine if there is none.
     static void dump(std::ostream& os);
 
-    /// Seconds per tick. The engine must have been made; so for the two operations below.
+    /// Seconds per tick. The engine must exist, here and for the two operations below.
     static double resolution();
 
     /// @{
@@ -58,7 +58,7 @@ public:
     /// @}
 
 private:
-    // The same for callers that have made sure of the engine.
+    // The same for callers that have made sure that the engine exists.
     static std::uint64_t timeStampInline()
     {
         return engine()->timeStamp();
@@ -74,7 +74,7 @@ private:
         return engine()->seconds(start, end);
     }
 
-    // Acquires what the thread that made the engine has written; a plain load on this processor.
+    // Pairs with the release in init() and so acquires the complete engine; a plain load on x86.
     static HwCounterEng* engine()
     {
         return _theHwCounter.load(std::memory_order_acquire);

@@ -12,7 +12,7 @@
 namespace Zu
 {
 
-/// A counter of ticks at a stated rate. Engines only read; any thread may use one.
+/// A tick counter with a stated rate. Engines only read; any thread may use one.
 class ZU_BASE_API HwCounterEng
 {
 public:
@@ -42,8 +42,8 @@ public:
     /// Writes the engine's name, rate and cycle on three lines, in the stream's number format.
     virtual void dump(std::ostream& os) const = 0;
 
-    /// Makes the platform's engine, owned by the caller. The frequency of the counter must be
-    /// known: OsCpuInfo::initialize() comes first.
+    /// Makes the platform's engine, owned by the caller. OsCpuInfo::initialize() must come first,
+    /// since the frequency of the counter must be known.
     static HwCounterEng* create();
 
     /// The same for a counter of this frequency, in ticks per second, which must not be 0.

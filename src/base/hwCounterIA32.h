@@ -12,24 +12,24 @@
 namespace Zu
 {
 
-/// The rate of a counter and what its values are shifted right by to be of that rate.
+/// The rate of a counter, and how far its values are shifted right to have that rate.
 struct HwCounterRate
 {
     /// Ticks per second, after the shift.
     int _numerator;
-    /// In bits.
+    /// The shift, in bits.
     std::uint32_t _shift;
 };
 
-/// Fits a frequency into a positive 32-bit number, as the rate's numerator must be: from
-/// 2147483648 ticks per second on it is halved until it fits, and each halving is one shift.
+/// Fits a frequency into a positive signed 32-bit number, as the rate's numerator requires. From
+/// 2147483648 ticks per second on it is halved until it fits; each halving shifts by one bit.
 ZU_BASE_API HwCounterRate hwCounterRate(std::uint64_t frequency);
 
-/// Reads OsCpuInfo::getHwCounterValue(), shifted. It bears this name on every x86 target.
+/// Reads OsCpuInfo::getHwCounterValue(), shifted. The class has this name on every x86 target.
 class ZU_BASE_API HwCounterIA32 final : public HwCounterEng
 {
 public:
-    /// Ticks per second, after the shift, and the shift of each value of the counter.
+    /// Ticks per second after the shift, and the shift of each counter value in bits.
     HwCounterIA32(int rateNumerator, int rateDenominator, std::uint32_t shift);
 
     ~HwCounterIA32() override;

@@ -11,8 +11,9 @@
 namespace Zu
 {
 
-/// `a / b` by the rules of IEEE 754, which the language leaves undefined for a divisor of 0: an
-/// infinity with the sign of the quotient, or a NaN for 0 / 0 and for a NaN.
+/// `a / b` by the rules of IEEE 754, also for a divisor of 0, where the language leaves it
+/// undefined: the result is then an infinity with the sign of the quotient, or a NaN for 0 / 0 and
+/// for a NaN.
 template <class T> constexpr T ieeeDivide(T a, T b) noexcept
 {
     if (b != T(0)) return a / b;
