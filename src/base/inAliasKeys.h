@@ -10,8 +10,8 @@
 namespace Zu
 {
 
-/// Counts the aliases of each key. Every operation takes the kind's map, null while there is no
-/// alias of the kind, and makes or ends it.
+/// Counts the aliases of each key. Every operation takes the kind's map, which is null while the
+/// kind has no alias; the operations create and delete it as needed.
 class InAliasKeys
 {
 public:
@@ -19,13 +19,13 @@ public:
 
     InAliasKeys() = delete;
 
-    /// Notes a new key. Raises InEx::ExContextAliasAlreadyDefined when it is in use.
+    /// Adds a new key. Raises InEx::ExContextAliasAlreadyDefined if it is in use.
     static void create(Keys*& keys, const char* key);
 
-    /// Notes one more alias of a key.
+    /// Counts one more alias of a key.
     static void share(Keys* keys, const char* key);
 
-    /// Notes the end of an alias.
+    /// Counts one alias of a key less.
     static void release(Keys*& keys, const char* key);
 };
 

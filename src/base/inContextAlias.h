@@ -34,9 +34,9 @@ struct ZU_BASE_VISIBLE InInitOvr
 {
 };
 
-/// A context alias of the kind `Src`. With `Unique` 1 a key may be used by one constructor only;
-/// clones share it. Aliases are static objects and exist before start-up: all of them, clones
-/// included, must be built before their kind takes its values.
+/// A context alias of the kind `Src`. With `Unique` 1 a key may be constructed only once; clones
+/// share it. Aliases are static objects and exist before start-up: all of them, including clones,
+/// must be constructed before their kind takes its values.
 ///
 /// | alias | priority | the key is | the value is |
 /// |---|---|---|---|
@@ -47,8 +47,9 @@ struct ZU_BASE_VISIBLE InInitOvr
 template <class Src, int Unique> class ZU_BASE_VISIBLE InContextAlias : public InContextAliasBase
 {
 public:
-    /// Copies both texts. Raises InEx::ExContextAliasAlreadyDefined for a unique kind's key in use
-    /// and, after that check, InEx::ExNoNewContextAliasAfterInit once the kind took its values.
+    /// Copies both texts. Raises InEx::ExContextAliasAlreadyDefined if the kind is unique and the
+    /// key in use and, after that check, InEx::ExNoNewContextAliasAfterInit once the kind has taken
+    /// its values.
     InContextAlias(const char* key, const char* description);
     InContextAlias& operator=(const InContextAlias&) = delete;
     ~InContextAlias() override;
@@ -63,7 +64,7 @@ public:
     static const char* initSourceString();
 
 protected:
-    /// For clone(), which says what it raises.
+    /// For clone(), where its exceptions are documented.
     InContextAlias(const InContextAlias& other);
 
 private:

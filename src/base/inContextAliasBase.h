@@ -12,14 +12,15 @@
 namespace Zu
 {
 
-/// One named way in which a configuration value can reach the program from its context.
+/// One named source from which a configuration value can reach the program.
 ///
 /// Thread-safety: written in static construction, start-up and shut-down on one thread; plain reads
 /// are safe while nobody writes.
 class ZU_BASE_API InContextAliasBase
 {
 public:
-    /// Copies the text for people, which shows in dumps and reasons; null gives the empty text.
+    /// Copies the description, a text for people that appears in dumps and reasons; null gives the
+    /// empty text.
     explicit InContextAliasBase(const char* description);
     InContextAliasBase& operator=(const InContextAliasBase&) = delete;
     virtual ~InContextAliasBase();
@@ -30,11 +31,11 @@ public:
     /// The rank among the aliases of one variable: a higher number wins.
     virtual std::uint32_t getPriority() const = 0;
 
-    /// The key by which the context is asked; owned by the alias.
+    /// The key under which the value is looked up; owned by the alias.
     virtual const char* getKey() const = 0;
 
-    /// Gives the alias a copy of its value; null says that the context supplies none. The alias
-    /// must not be initialised.
+    /// Gives the alias a copy of its value; null means that there is none. The alias must not be
+    /// initialised yet.
     void initialize(const char* value);
 
     /// Takes the alias out of use. The alias must be initialised; its text is kept.
@@ -47,7 +48,7 @@ public:
     /// initialised and InEx::ExInvalidObject when it has no value, both with the description.
     const char* getValue() const;
 
-    /// The text for people, owned by the alias.
+    /// The description, owned by the alias.
     const char* getDescription() const;
 
 protected:

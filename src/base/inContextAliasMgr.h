@@ -14,21 +14,21 @@ namespace Zu
 
 class InContextAliasBase;
 
-/// Collects the aliases of one kind, `Alias`, as they are built, and gives all of them their values
-/// in one step of start-up. All operations are called by aliases and by the bodies of packages.
+/// Collects the aliases of one kind, `Alias`, as they are constructed, and gives all of them their
+/// values in one step of start-up. Aliases and the bodies of packages call the operations.
 ///
 /// Thread-safety: none; everything runs in static construction, start-up and shut-down.
 template <class Alias> class ZU_BASE_VISIBLE InContextAliasMgr : public InContextAliasMgrBase
 {
 public:
-    /// Adds an alias. Raises InEx::ExNoNewContextAliasAfterInit once the kind was initialised.
+    /// Adds an alias. Raises InEx::ExNoNewContextAliasAfterInit once the kind has been initialised.
     static void registerAlias(InContextAliasBase* alias);
 
     /// Removes an alias, which must be present.
     static void unregisterAlias(InContextAliasBase* alias);
 
-    /// Gives every alias its value. From then on no alias of the kind can be built in the process,
-    /// also after shut-down.
+    /// Gives every alias its value. From then on no alias of the kind can be constructed in the
+    /// process, not even after shut-down.
     static void initializeAll();
 
     /// Takes every alias out of use.

@@ -1,5 +1,5 @@
 /// @file
-/// The holder of the process's argument list.
+/// Keeps the argument list of the process.
 
 #ifndef ZU_BASE_INCONTEXTALIASMGRBASE_H
 #define ZU_BASE_INCONTEXTALIASMGRBASE_H
@@ -12,7 +12,7 @@ namespace Zu
 
 /// Keeps the words of the command line from start-up to shut-down.
 ///
-/// Thread-safety: written by start-up and shut-down alone; plain reads are safe between them.
+/// Thread-safety: only start-up and shut-down write it; plain reads are safe between them.
 class ZU_BASE_API InContextAliasMgrBase
 {
     friend class InInitMgr;
@@ -20,18 +20,18 @@ class ZU_BASE_API InContextAliasMgrBase
 public:
     virtual ~InContextAliasMgrBase();
 
-    /// After start-up the program name and whatever the option parser did not consume; without any
-    /// alias for arguments, the whole command line. The strings are owned by the list.
+    /// After start-up, the program name and the words that the option parser did not consume.
+    /// Without any alias for options it is the whole command line. The list owns the strings.
     static const Vector<char*>& getUnboundArgs();
 
-    /// The first word of the command line. The list must not be empty; that is not checked.
+    /// The first word of the command line. The list must not be empty, which is not checked.
     static const char* getApplicationName();
 
 protected:
-    /// For the managers of the kinds; the list is of all of them.
+    /// For the managers of the kinds, which share the list.
     InContextAliasMgrBase();
 
-    /// The list; its strings are allocated with `new[]` and owned by it.
+    /// The list. It owns its strings, which are allocated with `new[]`.
     static Vector<char*>& args();
 
 private:

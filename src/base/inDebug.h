@@ -9,12 +9,12 @@
 namespace Zu
 {
 
-/// Whether the environment variable ZU_DEBUG_INITIALIZE is set now, to any value. Start-up and
-/// shut-down then write what they do to standard error.
+/// Whether the environment variable ZU_DEBUG_INITIALIZE is currently set, to any value. Start-up
+/// and shut-down then write what they do to standard error.
 bool inDebugInitialize();
 
-/// Standard error, also before any source that prints has set it up: packages are declared that
-/// early.
+/// Standard error, usable even before any source file that prints has initialised it: packages are
+/// declared that early.
 std::ostream& inDebugStream();
 
 } // namespace Zu

@@ -1,5 +1,5 @@
 /// @file
-/// Who depends on whom, as rows of bits. Internal to the library.
+/// Dependencies as rows of bits. Internal to the library.
 
 #ifndef ZU_BASE_INDEPENDENCYROWS_H
 #define ZU_BASE_INDEPENDENCYROWS_H
@@ -10,8 +10,8 @@
 namespace Zu
 {
 
-/// A square of bits, packed 32 to a word: bit j of row i says that element i depends on element j,
-/// directly until close() and transitively after it.
+/// A square bit matrix, packed 32 bits to a word: bit j of row i means that element i depends on
+/// element j, directly until close() and transitively after it.
 class InDependencyRows
 {
 public:
@@ -23,10 +23,10 @@ public:
     void set(int row, int bit);
 
     /// Forms the transitive closure (S. Warshall, "A Theorem on Boolean Matrices", 1962) and adds
-    /// to `counts[j]` the number of elements that j was found to depend on beyond those it had.
-    /// Returns whether there is a cycle, in which case the counts mean nothing.
+    /// to `counts[j]` the number of further elements that j was found to depend on. Returns whether
+    /// there is a cycle, in which case the counts are meaningless.
     ///
-    /// An element that names itself is deliberately no cycle: its own bit is never passed on.
+    /// An element that names itself is deliberately not a cycle: its own bit is never propagated.
     bool close(std::vector<std::int32_t>& counts);
 
 private:

@@ -11,13 +11,13 @@
 namespace Zu
 {
 
-/// Names and values as they were when the object was made.
+/// Names and values as they were when the object was constructed.
 class InEnvironment
 {
 public:
-    /// Takes the entries of a null-terminated array, or of none when it is null. Each is split at
-    /// its first "="; a later entry of a name wins. An entry without one is skipped and reported
-    /// to `messages`.
+    /// Takes the entries of a null-terminated array; null stands for an empty one. Each entry is
+    /// split at its first "="; a later entry for the same name wins. An entry without "=" is
+    /// skipped and reported to `messages`.
     InEnvironment(const char* const* entries, std::ostream& messages);
 
     /// The value of `name`, owned by the snapshot, or null.

@@ -11,8 +11,8 @@
 namespace Zu
 {
 
-/// Root of the exceptions of packages, aliases and variables. A name in a reason is cut to 256
-/// characters; a null one counts as empty.
+/// Root of the exceptions of packages, aliases and variables. A name in a reason is truncated to
+/// 256 characters; a null one counts as empty.
 class ZU_BASE_API InEx : public ExBase
 {
 public:
@@ -35,11 +35,11 @@ protected:
     InEx(const char* file, int line);
 };
 
-/// A package names a dependency that no pass has: "Init Package not registered: '<package>'."
+/// A package names a dependency that is in no pass: "Init Package not registered: '<package>'."
 class ZU_BASE_API InEx::ExPackageNotRegistered : public std::runtime_error, public InEx
 {
 public:
-    /// `package` is the name of the type of the missing package.
+    /// `package` is the type name of the missing package.
     ExPackageNotRegistered(const char* file, int line, const char* package);
 
     const char* what() const noexcept override;
@@ -77,8 +77,8 @@ public:
     ExBase* clone() const override;
 };
 
-/// A package object was built after start-up outside an InReinitGuard: "Reinitialize without using
-/// the reinitialize guard."
+/// A package object was constructed after start-up outside an InReinitGuard: "Reinitialize without
+/// using the reinitialize guard."
 class ZU_BASE_API InEx::ExReinitWithoutGuard : public std::runtime_error, public InEx
 {
 public:
@@ -88,8 +88,8 @@ public:
     ExBase* clone() const override;
 };
 
-/// For the bodies of packages to raise: "Multiple calls to initialize()." A second start itself is
-/// no error.
+/// For the bodies of packages to raise: "Multiple calls to initialize()." Starting twice is not an
+/// error in itself.
 class ZU_BASE_API InEx::ExDoubleInit : public std::runtime_error, public InEx
 {
 public:
@@ -119,7 +119,7 @@ public:
     ExBase* clone() const override;
 };
 
-/// Two variables with one handle:
+/// Two variables have the same handle:
 /// "Trying to register an object with an already used handle: '<handle>'."
 class ZU_BASE_API InEx::ExHandleAlreadyInUse : public std::runtime_error, public InEx
 {
@@ -131,7 +131,7 @@ public:
     ExBase* clone() const override;
 };
 
-/// A value is asked for that is not there yet, or no more:
+/// A value is requested before it is available, or when it no longer is:
 /// "Trying to access an object that is not fully initialized: '<name>'."
 class ZU_BASE_API InEx::ExUninitializedObject : public std::logic_error, public InEx
 {
@@ -143,7 +143,7 @@ public:
     ExBase* clone() const override;
 };
 
-/// A value is asked for that the context did not supply:
+/// A value is requested that its source did not supply:
 /// "Trying to access an object that has an invalid value: '<name>'."
 class ZU_BASE_API InEx::ExInvalidObject : public std::logic_error, public InEx
 {
@@ -155,36 +155,36 @@ public:
     ExBase* clone() const override;
 };
 
-/// Two aliases of one kind with one key:
+/// Two aliases of one kind have the same key:
 /// "Trying to re-create an already existing Context Alias: '<key>'."
 class ZU_BASE_API InEx::ExContextAliasAlreadyDefined : public std::logic_error, public InEx
 {
 public:
-    /// `key` is the one of both aliases.
+    /// `key` is the key of both aliases.
     ExContextAliasAlreadyDefined(const char* file, int line, const char* key);
 
     const char* what() const noexcept override;
     ExBase* clone() const override;
 };
 
-/// An override comes after the variable took its value:
+/// An override came after the variable had taken its value:
 /// "Trying to override an InVariable that is already initialized: '<handle>'."
 class ZU_BASE_API InEx::ExVariableAlreadyInitialized : public std::logic_error, public InEx
 {
 public:
-    /// `handle` is that of the variable.
+    /// `handle` is the handle of the variable.
     ExVariableAlreadyInitialized(const char* file, int line, const char* handle);
 
     const char* what() const noexcept override;
     ExBase* clone() const override;
 };
 
-/// An alias is built after its kind took its values: "Trying to do post initialization registration
-/// of context alias instance: '\<description\>' (key: \<key\>)."
+/// An alias was constructed after its kind had taken its values: "Trying to do post initialization
+/// registration of context alias instance: '\<description\>' (key: \<key\>)."
 class ZU_BASE_API InEx::ExNoNewContextAliasAfterInit : public std::logic_error, public InEx
 {
 public:
-    /// Description and key of the late alias.
+    /// The description and key of the late alias.
     ExNoNewContextAliasAfterInit(const char* file, int line, const char* description,
                                  const char* key);
 

@@ -1,5 +1,5 @@
 /// @file
-/// The form in which packages are written.
+/// The class template from which packages are written.
 
 #ifndef ZU_BASE_ININIT_H
 #define ZU_BASE_ININIT_H
@@ -28,24 +28,24 @@ namespace Zu
 /// static Zu::InInit<my::tag> thePackage;
 /// @endcode
 ///
-/// Packages are told apart by the run-time type of their InInit alone, never by pointer or name,
-/// and types are compared by value: each module has its own `type_info` of one type.
+/// Packages are identified only by the run-time type of their InInit, never by pointer or name.
+/// Types are compared by value, since each module may have its own `type_info` of the same type.
 template <class T> class ZU_BASE_VISIBLE InInit : public InPackageInit
 {
 public:
-    /// Written per package: names it, registers it and declares its dependencies.
+    /// Written for each package: names it, registers it and declares its dependencies.
     InInit();
 
-    /// The run-time type that stands for this package.
+    /// The run-time type that identifies this package.
     static const std::type_info* getType()
     {
         return &typeid(InInit);
     }
 
-    /// Written per package.
+    /// Written for each package.
     void performInitialize() override;
 
-    /// Written per package.
+    /// Written for each package.
     void performFinalize() override;
 
     void setInitialized(bool initialized) override

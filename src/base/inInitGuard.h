@@ -1,5 +1,5 @@
 /// @file
-/// The scopes in which a process is started and in which modules are loaded.
+/// Scope guards for starting a process and for loading modules.
 
 #ifndef ZU_BASE_ININITGUARD_H
 #define ZU_BASE_ININITGUARD_H
@@ -9,8 +9,8 @@
 namespace Zu
 {
 
-/// Starts all packages at its construction and stops them at its end. One object of it stands in
-/// `main`, before any other call into the library:
+/// Starts all packages when it is constructed and stops them when it is destroyed. One such object
+/// belongs in `main`, before any other call into the library:
 ///
 /// @code
 /// int main(int argc, char** argv)
@@ -20,15 +20,16 @@ namespace Zu
 /// }
 /// @endcode
 ///
-/// Afterwards `argc` is 0 and `argv` null; what the option parser left of the command line is in
-/// InContextAliasMgrBase::getUnboundArgs().
+/// Afterwards `argc` is 0 and `argv` null. InContextAliasMgrBase::getUnboundArgs() has what the
+/// option parser left of the command line.
 ///
 /// When start-up fails with an exception derived from InEx, the constructor prints "Initialisation
-/// failed: ", the reason and the manager's dump to standard output, shuts down what was up and
-/// raises the exception again. Any other exception passes through, and then nothing is shut down.
+/// failed: ", the reason and the manager's dump to standard output, shuts down the packages that
+/// were up and rethrows the exception. Any other exception passes through, and then nothing is shut
+/// down.
 ///
-/// The destructor raises what InInitMgr::finalize() raises, unless an exception unwinds the stack
-/// through the guard: then that of finalize() is dropped.
+/// The destructor raises what InInitMgr::finalize() raises. While an exception unwinds the stack
+/// through the guard, an exception from finalize() is dropped instead.
 ///
 /// A program that declares aliases for options must be given at least one word, its name: an empty
 /// command line is then a fatal error.
@@ -36,8 +37,8 @@ class ZU_BASE_API InInitGuard
 {
 public:
     /// @{
-    /// Starts the packages with the command line of `main`, which it takes from the caller; `argv`
-    /// may be declared in three ways.
+    /// Starts the packages with the command line of `main`, which it takes from the caller. The
+    /// overloads accept the three ways of declaring `argv`.
     InInitGuard(int& argc, const char* const*& argv);
     InInitGuard(int& argc, char**& argv);
     InInitGuard(int& argc, const char**& argv);
@@ -50,12 +51,12 @@ public:
     ~InInitGuard() noexcept(false);
 };
 
-/// Brackets the loading of code that declares packages after start-up. The new packages are
-/// started when the outermost guard ends; its destructor raises what such a pass raises, unless an
-/// exception unwinds the stack through the guard: then that of the pass is dropped.
+/// Brackets the loading of code that declares packages after start-up. The new packages are started
+/// when the outermost guard is destroyed. Its destructor raises what that pass raises. While an
+/// exception unwinds the stack through the guard, an exception from the pass is dropped instead.
 ///
-/// A guard that ends before start-up runs the first pass itself, with an empty command line. To
-/// load a module before start-up, no guard is needed.
+/// A guard that is destroyed before start-up runs the first pass itself, with an empty command
+/// line. Loading a module before start-up needs no guard.
 class ZU_BASE_API InReinitGuard
 {
 public:

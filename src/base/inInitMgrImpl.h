@@ -20,21 +20,21 @@ class InPackageInit;
 /// A package in one of the manager's lists.
 struct InPackageEntry
 {
-    /// Null once the object has ended, where its place in the list is still needed.
+    /// Null once the object has ended while its place in the list is still needed.
     InPackageInit* _package;
     std::int32_t _nbDependencies = 0;
     bool _initialized = false;
 };
 
-/// Packages in their three lists, and the passes that take them from one to the next. It knows
-/// neither the command line nor the process, so that tests can make as many as they need.
+/// Packages in their three lists, and the passes that move them from one list to the next. It
+/// depends on neither the command line nor the process, so tests can make as many as they need.
 class InInitMgrImpl
 {
 public:
-    /// Adds `package` to those that wait for a pass, unless a package of its type is up already.
+    /// Adds `package` to those waiting for a pass, unless a package of its type is already up.
     void registerPackage(InPackageInit& package);
 
-    /// Forgets an object that is about to end, wherever it is listed.
+    /// Removes an object that is about to end from every list.
     void forgetPackage(const InPackageInit& package);
 
     /// Whether a package of this type is up.
@@ -43,7 +43,7 @@ public:
     /// Runs passes until no package waits.
     void runPendingPasses();
 
-    /// Shuts down what is up, in exact reverse order of start-up.
+    /// Shuts down the packages that are up, in the exact reverse of the start-up order.
     void finalize();
 
     void incReinitCount();
@@ -69,15 +69,16 @@ private:
 
     // Declared since the last pass.
     Vector<InPackageEntry> _registered;
-    // Of the pass under way; after a pass that found a cycle, what the report speaks of.
+    // The packages of the current pass; after a pass that found a cycle, those that the report
+    // covers.
     Vector<InPackageEntry> _packagesToInit;
-    // Ever taken into a pass, in the order of the passes.
+    // All packages ever taken into a pass, in the order of the passes.
     Vector<InPackageEntry> _savedPackages;
-    // The lists of the passes whose bodies run; a body may start a pass of its own.
+    // The lists of the passes whose bodies are running; a body may start a nested pass.
     Vector<Vector<InPackageEntry>*> _runningPasses;
     bool _cycle = false;
     std::int32_t _nbPckgs = 0;
-    // Row order is the alphabetical order of _packagesToInit.
+    // Rows are in the alphabetical order of _packagesToInit.
     std::unique_ptr<InDependencyRows> _dependencyRows;
     bool _isInitialized = false;
     bool _isFinalized = false;

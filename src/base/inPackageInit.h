@@ -15,25 +15,25 @@ namespace Zu
 
 class InVariableBase;
 
-/// What an init variable knows of its package.
+/// The interface of a package towards its init variables.
 class ZU_BASE_API InPackageInitBase
 {
 public:
     virtual ~InPackageInitBase();
 
-    /// The variable joins the package: it takes its value when the package is initialised.
+    /// Adds a variable to the package: it takes its value when the package is initialised.
     virtual void addDependency(InVariableBase* variable) = 0;
 
-    /// The variable leaves the package. A variable that is not in it is a fatal error.
+    /// Removes a variable from the package. A variable that is not in it is a fatal error.
     virtual void removeDependency(InVariableBase* variable) = 0;
 };
 
-/// One package. A package object is static: its constructor only declares the package and what it
-/// depends on; InInitMgr runs performInitialize() and performFinalize() later, in an order computed
-/// from all declarations. Clients derive packages through InInit.
+/// One package. A package object is static: its constructor only declares the package and its
+/// dependencies. InInitMgr runs performInitialize() and performFinalize() later, in an order
+/// computed from all declarations. Clients derive packages through InInit.
 ///
-/// The manager does not own packages. An object that ends before shut-down is forgotten by it: its
-/// performFinalize() never runs.
+/// The manager does not own packages. It forgets an object that ends before shut-down, whose
+/// performFinalize() then never runs.
 ///
 /// Thread-safety: none; declaration, start-up and shut-down belong to one thread at a time.
 class ZU_BASE_API InPackageInit : public InPackageInitBase
@@ -55,7 +55,7 @@ public:
     /// The package's own shut-down work.
     virtual void performFinalize() = 0;
 
-    /// Notes whether the package is up.
+    /// Records whether the package is up.
     virtual void setInitialized(bool initialized) = 0;
 
     /// Gives the package's variables their values in order of registration, then runs
@@ -66,23 +66,23 @@ public:
     /// InInitMgr; exceptions pass through.
     void finalize();
 
-    /// The run-time types of the packages that this one needs, in order of declaration.
+    /// The run-time types of the packages that this one depends on, in order of declaration.
     const Vector<const std::type_info*>& getDependencies() const;
 
 protected:
     /// A package named "unnamed".
     InPackageInit();
 
-    /// The name is cut to 127 characters; null gives the empty name.
+    /// The name is truncated to 127 characters; null gives the empty name.
     explicit InPackageInit(const char* name);
 
-    /// Declares this package to InInitMgr; to be called once, by the constructor of the most
-    /// derived class. A second object of a package that is up is dropped. Raises
-    /// InEx::ExReinitWithoutGuard after start-up outside an InReinitGuard.
+    /// Declares this package to InInitMgr. To be called once, by the constructor of the most
+    /// derived class. A second object of a package that is up is ignored. After start-up, raises
+    /// InEx::ExReinitWithoutGuard outside an InReinitGuard.
     void registerPackage();
 
-    /// Declares that this package needs the one with this run-time type, InInit<X>::getType(). A
-    /// dependency on a package that is up already is dropped.
+    /// Declares that this package depends on the one with this run-time type, InInit<X>::getType().
+    /// A dependency on a package that is already up is ignored.
     void addDependency(const std::type_info* type);
 
 private:

@@ -9,16 +9,16 @@
 namespace Zu
 {
 
-/// Ties the one instance of a class to the life of a package: the package's performInitialize()
+/// Ties the one instance of a class to the lifetime of a package: the package's performInitialize()
 /// creates it, its performFinalize() destroys it, and every use outside that interval is an error
-/// with a clear message. A destroyed singleton can't be made again in the same process.
+/// with a clear message. A destroyed singleton can't be recreated in the same process.
 ///
 /// `T::getInstance()` of a participating class forwards to getInstance().
 ///
-/// One module owns the singleton. In one of its sources it includes "base/inSingleton.imp" and
-/// instantiates `template class MY_API Zu::InSingleton<T>;`; its header says `extern template class
-/// MY_API Zu::InSingleton<T>;` to the modules that share it. A module without either fails to link
-/// and does not get a second singleton.
+/// One module owns the singleton. One of its source files includes "base/inSingleton.imp" and
+/// instantiates `template class MY_API Zu::InSingleton<T>;`. Its header declares `extern template
+/// class MY_API Zu::InSingleton<T>;` for the modules that share it. A module without either fails
+/// to link rather than getting a second singleton.
 ///
 /// Thread-safety: create() and destroy() belong to the thread that runs start-up and shut-down;
 /// getInstance() only reads, and any thread may call it between the two.
@@ -28,16 +28,16 @@ public:
     InSingleton() = delete;
 
     /// Takes ownership of `instance`, which may be null. Raises InSingletonEx::ExAlreadyInitialized
-    /// while the singleton lives, InSingletonEx::ExAlreadyDestroyed after its end; the object given
-    /// is then not taken.
+    /// while the singleton lives and InSingletonEx::ExAlreadyDestroyed after its end, in both cases
+    /// without taking the object.
     static void create(T* instance);
 
-    /// Deletes the object. Raises InSingletonEx::ExNotInitialized before create(),
+    /// Deletes the object. Raises InSingletonEx::ExNotInitialized before create() and
     /// InSingletonEx::ExAlreadyDestroyed after the first call.
     static void destroy();
 
-    /// The object; not to be called when null was given to create(). Raises
-    /// InSingletonEx::ExNotInitialized before create() and, deliberately with the same class, after
+    /// The object. Must not be called if create() was given null. Raises
+    /// InSingletonEx::ExNotInitialized before create() and, deliberately the same class, after
     /// destroy().
     static T& getInstance();
 

@@ -21,39 +21,39 @@ public:
     class ExAlreadyDestroyed;
 
 protected:
-    /// `name` is that of the type, `text` says what is wrong, without the full stop.
+    /// `name` is the name of the type; `text` says what is wrong, without the full stop.
     InSingletonEx(const char* file, int line, const char* name, const char* text);
 };
 
-/// The singleton does not live: "<name> is not initialized."
+/// The singleton does not exist: "<name> is not initialized."
 class ZU_BASE_API InSingletonEx::ExNotInitialized : public std::runtime_error, public InSingletonEx
 {
 public:
-    /// `name` is that of the singleton's type.
+    /// `name` is the name of the singleton's type.
     ExNotInitialized(const char* file, int line, const char* name);
 
     const char* what() const noexcept override;
     ExBase* clone() const override;
 };
 
-/// The singleton lives already: "<name> has already been initialized."
+/// The singleton already exists: "<name> has already been initialized."
 class ZU_BASE_API InSingletonEx::ExAlreadyInitialized : public std::runtime_error,
                                                         public InSingletonEx
 {
 public:
-    /// `name` is that of the singleton's type.
+    /// `name` is the name of the singleton's type.
     ExAlreadyInitialized(const char* file, int line, const char* name);
 
     const char* what() const noexcept override;
     ExBase* clone() const override;
 };
 
-/// The singleton's life is over: "<name> has already been destroyed."
+/// The singleton no longer exists: "<name> has already been destroyed."
 class ZU_BASE_API InSingletonEx::ExAlreadyDestroyed : public std::runtime_error,
                                                       public InSingletonEx
 {
 public:
-    /// `name` is that of the singleton's type.
+    /// `name` is the name of the singleton's type.
     ExAlreadyDestroyed(const char* file, int line, const char* name);
 
     const char* what() const noexcept override;

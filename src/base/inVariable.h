@@ -11,8 +11,8 @@
 namespace Zu
 {
 
-/// An init variable of type `T`, one of int, bool and `const char*`. Variables are static objects
-/// that stand behind their package and their aliases in one source:
+/// An init variable of type `T`, one of int, bool and `const char*`. Variables are static objects,
+/// defined after their package and their aliases in the same source file:
 ///
 /// @code
 /// static Zu::InEnvAlias portEnv("MYAPP_PORT", "port to listen on");
@@ -22,8 +22,8 @@ namespace Zu
 template <class T> class ZU_BASE_VISIBLE InVariable : public InVariableBase
 {
 public:
-    /// `handle` must be unique in the process, else InEx::ExHandleAlreadyInUse; `package` must
-    /// outlive the variable. At most ten aliases; _dummy stands for none.
+    /// `handle` must be unique in the process, otherwise InEx::ExHandleAlreadyInUse is raised.
+    /// `package` must outlive the variable. There may be up to ten aliases; _dummy stands for none.
     InVariable(const char* handle, InPackageInitBase& package, const InContextAliasBase& a1,
                const InContextAliasBase& a2 = _dummy, const InContextAliasBase& a3 = _dummy,
                const InContextAliasBase& a4 = _dummy, const InContextAliasBase& a5 = _dummy,
@@ -32,13 +32,13 @@ public:
                const InContextAliasBase& a10 = _dummy);
     ~InVariable() override;
 
-    /// The value, made from the supplying alias's text at each call. Raises
-    /// InEx::ExUninitializedObject with the handle when no alias supplied one.
+    /// The value, converted from the supplying alias's text at each call. Raises
+    /// InEx::ExUninitializedObject with the handle if no alias supplied one.
     ///
     /// - int: the decimal number at the beginning of the text, as `atoi` reads it: 0 for malformed
     ///   text, the nearest int for a number out of range.
     /// - bool: false for "0" and for "false" in any mix of case. Deliberately every other text is
-    ///   true, the empty one among them; none is rejected.
+    ///   true, including the empty one; none is rejected.
     /// - `const char*`: the text, owned by the alias.
     T getValue() const;
 

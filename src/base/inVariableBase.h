@@ -21,17 +21,17 @@ class InPackageInitBase;
 struct InInitOvr;
 template <class Src, int Unique> class InContextAlias;
 
-/// A named configuration value of a package. It takes the value of its highest-ranking alias that
-/// has one when its package is initialised and loses it when the package is finalised.
+/// A named configuration value of a package. When the package is initialised it takes the value of
+/// its highest-ranking alias that has one; when the package is finalised it loses it.
 ///
-/// Thread-safety: constructors and overrides belong to one thread, before start-up; reading is safe
-/// from any thread while nobody writes, which also means while no module is loaded.
+/// Thread-safety: constructors and overrides belong to one thread, before start-up. Any thread may
+/// read while nobody writes; loading a module counts as writing.
 class ZU_BASE_API InVariableBase
 {
     friend class InInitMgr;
 
 public:
-    /// Stands for the absence of an alias; not to be used otherwise, its operations abort.
+    /// Stands for the absence of an alias and has no other use: its operations abort.
     class ZU_BASE_API InContextAliasDummy : public InContextAliasBase
     {
     public:
@@ -43,7 +43,7 @@ public:
         const char* getKey() const override;
     };
 
-    /// The one dummy. Only its address counts, so it may be named before it is constructed.
+    /// The one dummy. Only its address matters, so it may be named before it is constructed.
     static InContextAliasDummy _dummy;
 
     InVariableBase(const InVariableBase&) = delete;
@@ -59,11 +59,11 @@ public:
     const char* getHandle() const;
 
     /// The run-time type name of the alias that supplied the value. Raises
-    /// InEx::ExUninitializedObject with the handle when there is none.
+    /// InEx::ExUninitializedObject with the handle if there is none.
     const char* initSource() const;
 
-    /// Takes the value of the first valid alias; without one the variable stays uninitialised,
-    /// silently. For the package.
+    /// Takes the value of the first valid alias; without one the variable silently stays
+    /// uninitialised. For the package.
     void initialize();
 
     /// Takes the value away. For the package.
@@ -78,7 +78,7 @@ public:
     /// the first pass on.
     static void overrideViaHandle(const char* handle, const char* value, const char* description);
 
-    /// Whether an override for the handle waits for its variable to take it.
+    /// Whether an override for the handle is still waiting for its variable.
     static bool isOverridden(const char* handle);
 
 protected:
@@ -91,11 +91,11 @@ protected:
                    const InContextAliasBase& a10);
     virtual ~InVariableBase();
 
-    /// Drops the overrides that no variable took. For the manager, at shut-down.
+    /// Drops the overrides that no variable has taken. For the manager, at shut-down.
     static void clearPendingOverrides();
 
-    /// The text of the supplying alias. Raises InEx::ExUninitializedObject with the handle when
-    /// there is none.
+    /// The text of the supplying alias. Raises InEx::ExUninitializedObject with the handle if there
+    /// is none.
     const char* valueText() const;
 
 private:
@@ -117,7 +117,7 @@ private:
     InPackageInitBase* _package;
     ArrayPtr<char> _handle;
 
-    // Both are null when empty, so that they are there before any constructor runs.
+    // Both are null when empty, so that they are usable before any constructor runs.
     static Handles* _handles;
     static Overrides* _pendingOverrides;
 };

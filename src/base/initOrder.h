@@ -1,14 +1,14 @@
 /// @file
-/// The order in which the library's static objects are built. Internal to the library.
+/// The order in which the library's static objects are constructed. Internal to the library.
 
 #ifndef ZU_BASE_INITORDER_H
 #define ZU_BASE_INITORDER_H
 
 #include "compiler.h"
 
-/// Fixes when a static object is built. Without it the order among sources is that of linking on
-/// one platform and its reverse on the other; the reports of ZU_DEBUG_INITIALIZE would differ.
-/// Objects of one number are built in the order of their source.
+/// Fixes when a static object is constructed. Without it the order among source files is the link
+/// order on one platform and its reverse on the other, and the reports of ZU_DEBUG_INITIALIZE would
+/// differ. Objects with the same number are constructed in the order of their source file.
 #define ZU_INIT_ORDER(priority) ZU_INIT_PRIORITY(priority)
 
 #define ZU_INIT_ORDER_TRACE 1000

@@ -16,15 +16,17 @@ namespace Zu
 
 } // namespace Zu
 
-/// Aborts the process when `condition` is false; active in every build type. It guards what only
-/// a defect can break; a mistake that a caller can make raises an exception of the ExBase family.
+/// Aborts the process when `condition` is false; active in every build type. It guards conditions
+/// that only a defect can break; a mistake that a caller can make raises an exception of the ExBase
+/// family.
 ///
-/// The text is taken at this level of macro expansion, so that a macro inside the condition shows
+/// The condition is stringised at this level of macro expansion, so that a macro inside it appears
 /// as it was written.
 #define ZU_INTERNAL_ASSERT(condition)                                                              \
     ((condition) ? void() : ::Zu::internalAssertionFailed(#condition, __FILE__, __LINE__))
 
-/// The same with a stated text, for a check whose report is fixed while its code is not.
+/// The same with an explicit text, for a check whose reported text is frozen although its code may
+/// change.
 #define ZU_INTERNAL_ASSERT_TEXT(condition, text)                                                   \
     ((condition) ? void() : ::Zu::internalAssertionFailed(text, __FILE__, __LINE__))
 

@@ -16,34 +16,35 @@
 namespace Zu
 {
 
-/// The range from one bound to the other, with the arithmetic of intervals. Nothing keeps the lower
-/// bound at or below the upper one: an interval can be inverted, and isInverted() tells.
+/// The range from one bound to the other, with interval arithmetic. Nothing keeps the lower bound
+/// at or below the upper one: an interval can be inverted, see isInverted().
 ///
-/// It is used of `float` and `double`; of DtTimeIndex it is a pair of bounds. A bound that is a NaN
-/// is deliberately treated as the phrases below say, "unless" and "if" taken to the letter.
+/// `T` is `float` or `double`; with DtTimeIndex an interval is only a pair of bounds. For a bound
+/// that is a NaN, the "unless" and "if" of the comments below are deliberately to be taken
+/// literally.
 template <class T> class Interval
 {
 public:
-    /// What an interval is to another one.
+    /// How an interval relates to another one.
     enum Containment
     {
-        /// They have no common part.
+        /// They have nothing in common.
         DISJOINT,
-        /// It lies inside the other, or is equal to it.
+        /// It lies inside the other one or equals it.
         CONTAINED,
-        /// They share a part, and neither lies inside the other.
+        /// They overlap, and neither lies inside the other.
         OVERLAPPING,
-        /// The other lies inside it.
+        /// The other one lies inside it.
         CONTAINING
     };
 
     /// @{
-    /// The one value, or from `min` to `max`, which are kept as they are.
+    /// The interval of one value, or from `min` to `max`, which are stored unchanged.
     constexpr Interval(T value) noexcept : _min(value), _max(value) {}
     constexpr Interval(T min, T max) noexcept : _min(min), _max(max) {}
     /// @}
 
-    /// Upper bound less lower bound; negative if the interval is inverted.
+    /// Upper bound minus lower bound; negative if the interval is inverted.
     constexpr T getLength() const noexcept
     {
         return _max - _min;
@@ -56,7 +57,7 @@ public:
     }
 
     /// @{
-    /// Moves both bounds.
+    /// Shifts both bounds.
     constexpr Interval& operator+=(T v) noexcept
     {
         _min += v;
@@ -72,7 +73,7 @@ public:
     }
     /// @}
 
-    /// Adds the bounds of `o` to those here, each to its own.
+    /// Adds each bound of `o` to the same bound of this interval.
     constexpr Interval& operator+=(const Interval& o) noexcept
     {
         const Interval other = o;
@@ -81,7 +82,7 @@ public:
         return *this;
     }
 
-    /// The bounds cross over.
+    /// Subtracts from each bound the opposite bound of `o`.
     constexpr Interval& operator-=(const Interval& o) noexcept
     {
         const Interval other = o;
@@ -90,14 +91,15 @@ public:
         return *this;
     }
 
-    /// The bounds change places unless `v` is at or above 0.
+    /// Scales both bounds, which change places unless `v` is at or above 0.
     constexpr Interval& operator*=(T v) noexcept
     {
         *this = v >= 0 ? Interval(_min * v, _max * v) : Interval(_max * v, _min * v);
         return *this;
     }
 
-    /// The bounds change places unless `v` is at or above 0; a division by 0 follows IEEE 754.
+    /// Divides both bounds, which change places unless `v` is at or above 0. Division by 0 follows
+    /// IEEE 754.
     constexpr Interval& operator/=(T v) noexcept
     {
         *this = v >= 0 ? Interval(ieeeDivide(_min, v), ieeeDivide(_max, v))
@@ -106,7 +108,7 @@ public:
     }
 
     /// @{
-    /// As the operators of two intervals below.
+    /// The in-place forms of the operators below.
     constexpr Interval& operator*=(const Interval& o) noexcept
     {
         return *this = *this * o;
@@ -127,8 +129,8 @@ public:
             std::max(std::max(products[0], products[1]), std::max(products[2], products[3])));
     }
 
-    /// Times the reciprocal, from 1 / upper bound to 1 / lower bound, in double precision. Nothing
-    /// is done about a 0 in `b`: it gives infinities or NaNs.
+    /// Multiplies by the reciprocal, from 1 / upper bound to 1 / lower bound in double precision. A
+    /// 0 in `b` is not treated specially: it gives infinities or NaNs.
     friend constexpr Interval operator/(const Interval& a, const Interval& b) noexcept
     {
         return a * Interval(static_cast<T>(ieeeDivide(1.0, static_cast<double>(b._max))),
@@ -136,7 +138,7 @@ public:
     }
 
     /// @{
-    /// As the operators that calculate in place.
+    /// The same as the in-place operators.
     friend constexpr Interval operator+(Interval a, const Interval& b) noexcept
     {
         return a += b;
@@ -148,14 +150,14 @@ public:
     }
     /// @}
 
-    /// Grows to take in `v`: the lower bound becomes `v` unless that is at or above it, the upper
-    /// one if that is above it.
+    /// Grows to include `v`: the lower bound becomes `v` unless `v` is at or above it, the upper
+    /// bound becomes `v` if `v` is above it.
     constexpr void extend(T v) noexcept
     {
         extend(Interval(v));
     }
 
-    /// Grows to take in `o`, each bound by the same rule with its own one of `o`.
+    /// Grows to include `o`, by the same rule for each bound and its counterpart in `o`.
     constexpr void extend(const Interval& o) noexcept
     {
         const Interval other = o;
@@ -163,14 +165,15 @@ public:
         if (other._max > _max) _max = other._max;
     }
 
-    /// Shrinks to the common part, which can be inverted: the lower bound becomes `v` if that is
-    /// above it, the upper one unless that is at or above it.
+    /// Shrinks to the intersection, which can be inverted: the lower bound becomes `v` if `v` is
+    /// above it, the upper bound becomes `v` unless `v` is at or above it.
     constexpr void intersect(T v) noexcept
     {
         intersect(Interval(v));
     }
 
-    /// Shrinks to what is common with `o`, each bound by the same rule with its own one of `o`.
+    /// Shrinks to the intersection with `o`, by the same rule for each bound and its counterpart in
+    /// `o`.
     constexpr void intersect(const Interval& o) noexcept
     {
         const Interval other = o;
@@ -179,7 +182,7 @@ public:
     }
 
     /// @{
-    /// Whether `v`, or all of `o`, lies inside; an open end does not belong to the interval.
+    /// Whether `v`, or all of `o`, lies inside. An open end does not belong to the interval.
     constexpr bool containsClosed(T v) const noexcept
     {
         return v >= _min && v <= _max;
@@ -221,14 +224,14 @@ public:
     }
     /// @}
 
-    /// What this is to `o`, where a common end point is a common part.
+    /// How this interval relates to `o`; sharing only an end point counts as an overlap.
     constexpr Containment getInclusiveContainment(const Interval& o) const noexcept
     {
         const bool meet = !(_min > o._max) && !(o._min > _max);
         return static_cast<Containment>(_inclContMap[4 * meet + 2 * !liesInside(o) + 1 * holds(o)]);
     }
 
-    /// What this is to `o`, where a common end point is none.
+    /// How this interval relates to `o`; sharing only an end point does not count as an overlap.
     constexpr Containment getExclusiveContainment(const Interval& o) const noexcept
     {
         const bool interiorsMeet = !(_min >= o._max) && !(o._min >= _max);
@@ -236,8 +239,8 @@ public:
             _exclContMap[4 * !liesInside(o) + 2 * interiorsMeet + 1 * holds(o)]);
     }
 
-    /// The value of the interval nearest to `v`. Of an inverted interval, the lower bound for what
-    /// is below it, and the upper one for all else.
+    /// The value in the interval nearest to `v`. An inverted interval gives its lower bound for any
+    /// `v` below that bound, and its upper bound for all others.
     constexpr T clamp(T v) const noexcept
     {
         if (!(v >= _min)) return _min;
@@ -250,19 +253,19 @@ public:
         return _min > _max;
     }
 
-    /// Not inverted; so also with a NaN.
+    /// Whether the interval is not inverted; also true with a NaN.
     constexpr bool isValid() const noexcept
     {
         return !isInverted();
     }
 
-    /// Whether something lies between the bounds, or one is a NaN.
+    /// Whether there is anything between the bounds, or a bound is a NaN.
     constexpr bool isNonEmptyOpen() const noexcept
     {
         return !(_min >= _max);
     }
 
-    /// Whether both bounds are equal as FloatUtil::isEqual() says.
+    /// Whether both bounds are equal by FloatUtil::isEqual().
     constexpr bool isEqual(const Interval& o, T eps) const noexcept
     {
         return FloatUtil::isEqual(_min, o._min, eps) && FloatUtil::isEqual(_max, o._max, eps);
@@ -274,13 +277,13 @@ public:
         return a._min == b._min && a._max == b._max;
     }
 
-    /// Whether a bound differs; so with any NaN.
+    /// Whether a bound differs; always true with a NaN.
     friend constexpr bool operator!=(const Interval& a, const Interval& b) noexcept
     {
         return !(a == b);
     }
 
-    /// Writes "[0, 1]"; a NaN without a sign, and by no locale.
+    /// Writes "[0, 1]", independent of the locale; a NaN is written without a sign.
     friend std::ostream& operator<<(std::ostream& os, const Interval& interval)
     {
         return os << "[" << plainNumber(interval._min) << ", " << plainNumber(interval._max) << "]";

@@ -11,13 +11,13 @@
 namespace Zu
 {
 
-/// One span of time. The name is kept as a pointer, which must outlive the timer. Copies have the
-/// name and the stamps. A timer belongs to one thread at a time.
+/// One span of time. The name is stored as a pointer and must outlive the timer. Copies have the
+/// same name and stamps. A timer belongs to one thread at a time.
 class ZU_BASE_API IntervalTimer
 {
 public:
     /// @{
-    /// Copies the name, as a pointer.
+    /// Copies the pointer to the name.
     IntervalTimer(const IntervalTimer& other);
     IntervalTimer& operator=(const IntervalTimer& other);
     /// @}
@@ -30,34 +30,35 @@ public:
     /// Stamps the end of the span.
     virtual void stop() = 0;
 
-    /// Seconds from the last start to the last stop. Nothing asks whether there were any: without
-    /// a start they count from the clock's origin, and a stop before the start gives a negative
-    /// value.
+    /// Seconds from the last start to the last stop. It does not check whether there were any:
+    /// without a start it counts from the clock's origin, and a stop before the start gives a
+    /// negative value.
     virtual double timeInterval() const = 0;
 
     /// Seconds from the last start to now.
     virtual double sinceStart() const = 0;
 
-    /// Another name, which is kept as a pointer.
+    /// Sets another name, which is stored as a pointer.
     void setName(const char* name);
 
-    /// The name that was given.
+    /// The current name.
     const char* getName() const;
 
 protected:
-    /// The name is kept as a pointer.
+    /// The name is stored as a pointer.
     explicit IntervalTimer(const char* name);
 
 private:
     const char* _name;
 };
 
-/// A span on the high-resolution counter. Its constructor makes sure of the counter's engine, so a
-/// start costs a pointer load and a virtual call beside the platform's own.
+/// A span measured on the high-resolution counter. Its constructor makes sure that the counter's
+/// engine exists, so a start costs only a pointer load and a virtual call in addition to the
+/// platform's own call.
 class ZU_BASE_API HwIntervalTimer : public IntervalTimer
 {
 public:
-    /// The name is kept as a pointer.
+    /// The name is stored as a pointer.
     explicit HwIntervalTimer(const char* name = "anonymous");
 
     void start() override;
@@ -70,7 +71,7 @@ private:
     std::uint64_t _stop = 0;
 };
 
-/// A span on the wall clock, to the millisecond. It follows when the clock is set.
+/// A span measured on the wall clock, to the millisecond. Setting the clock affects it.
 class ZU_BASE_API TodIntervalTimer : public IntervalTimer
 {
 public:
@@ -86,7 +87,7 @@ public:
         double milliseconds = 0;
     };
 
-    /// The name is kept as a pointer.
+    /// The name is stored as a pointer.
     explicit TodIntervalTimer(const char* name = "anonymous");
 
     void start() override;
