@@ -9,7 +9,7 @@
 namespace Zu
 {
 
-/// Owns one object made with `new`, or none, and deletes it at its end.
+/// Owns one object made with `new`, or none, and deletes it when it is itself destroyed.
 ///
 /// A parameter of this type taken by value is a transfer of the object to the callee and leaves
 /// the caller's variable null.
@@ -30,8 +30,8 @@ public:
     /// @}
 
     /// @{
-    /// Deletes the object that is owned and takes that of the source, which is left null; nothing
-    /// when both are the same.
+    /// Deletes the owned object and takes over that of the source, which is left null. Does nothing
+    /// if both are the same owner.
     ObjPtr& operator=(Base& source)
     {
         Base::operator=(source);
@@ -59,8 +59,8 @@ public:
 
 /// Carries the ownership of one object out of a function.
 ///
-/// A function that gives an object to its caller returns this type by value and the caller takes
-/// the object with an ObjPtr. A carrier that nobody takes deletes its object.
+/// A function that hands an object to its caller returns this type by value, and the caller takes
+/// the object with an ObjPtr. A carrier from which nobody takes the object deletes it.
 template <class T> class ObjPtrRet : public OwnedPtr<T, DisposeObject>
 {
     using Base = OwnedPtr<T, DisposeObject>;
@@ -78,8 +78,8 @@ public:
     /// @}
 
     /// @{
-    /// Deletes the object that is owned and takes that of the source, which is left null; nothing
-    /// when both are the same.
+    /// Deletes the owned object and takes over that of the source, which is left null. Does nothing
+    /// if both are the same owner.
     ObjPtrRet& operator=(Base& source)
     {
         Base::operator=(source);

@@ -8,13 +8,13 @@
 #include <functional>
 #include <optional>
 
-/// Counts of 100-nanosecond ticks since the beginning of 1601 and the fields that stand for them,
-/// by the Gregorian calendar. Days are counted as in Howard Hinnant, 2013, "chrono-Compatible
+/// Converts between counts of 100-nanosecond ticks since the beginning of 1601 and the fields of
+/// the Gregorian calendar. Days are counted as in Howard Hinnant, 2013, "chrono-Compatible
 /// Low-Level Date Algorithms".
 namespace Zu::OsCalendar
 {
 
-/// A record of fields, as platforms have it.
+/// The fields of a date, as platforms define them.
 struct Fields
 {
     int _year;
@@ -28,21 +28,22 @@ struct Fields
 
 constexpr std::int64_t TICKS_PER_SECOND = 10000000;
 
-/// The count; nothing for fields that are no date: a year before 1601 or after 30827, a day that
+/// The count; nothing for fields that are not a date: a year before 1601 or after 30827, a day that
 /// the month does not have, and so on down to the milliseconds.
 std::optional<std::uint64_t> countOf(const Fields& fields);
 
-/// The fields, whose fraction is cut to milliseconds; nothing for a count from 2^63 on.
+/// The fields, with the fraction truncated to milliseconds; nothing for a count of 2^63 or more.
 std::optional<Fields> fieldsOf(std::uint64_t count);
 
 /// 0 is Sunday.
 int dayOfWeekOf(std::uint64_t count);
 
-/// Seconds since 1970, and how many of them local time is ahead of UTC at an instant of UTC.
+/// Returns by how many seconds local time is ahead of UTC at an instant of UTC, which is given in
+/// seconds since 1970.
 using OffsetAt = std::function<std::int64_t(std::int64_t universal)>;
 
-/// The instant at which clocks show the local time. Of one that they show twice it is the first; of
-/// one that they skip, what they show at that instant lies behind by as much as they skip.
+/// The instant at which clocks show the local time: the first one if they show it twice. If they
+/// skip it, they show at the returned instant a time that is later by as much as they skip.
 std::int64_t universalOf(std::int64_t local, const OffsetAt& offsetAt);
 
 } // namespace Zu::OsCalendar

@@ -1,5 +1,5 @@
 /// @file
-/// The command line of a child where it is one text. Internal to the library.
+/// The command line of a child process where it is a single text. Internal to the library.
 
 #ifndef ZU_BASE_OSCOMMANDLINE_H
 #define ZU_BASE_OSCOMMANDLINE_H
@@ -9,7 +9,8 @@
 namespace Zu
 {
 
-/// Each word of a null-terminated array with one blank behind it. Deliberately nothing is quoted.
+/// Joins the words of a null-terminated array, each followed by one blank. Deliberately quotes
+/// nothing.
 std::string osCommandLine(const char* const* argv);
 
 } // namespace Zu

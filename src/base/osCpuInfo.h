@@ -1,5 +1,5 @@
 /// @file
-/// What the processor is, and its high-resolution counter.
+/// The kind of processor, and the platform's high-resolution counter.
 
 #ifndef ZU_BASE_OSCPUINFO_H
 #define ZU_BASE_OSCPUINFO_H
@@ -31,7 +31,7 @@ public:
         IA64,
         /// A 64-bit x86 processor. Deliberately without a name, see getTypeName().
         X64,
-        /// Not known, or not looked at.
+        /// Unknown, or not determined yet.
         UNKNOWN
     };
 
@@ -46,7 +46,7 @@ public:
         int _lineSize;
     };
 
-    /// Finds out the kind of processor, its features and the frequency of the counter. Raises
+    /// Determines the kind of processor, its features and the frequency of the counter. Raises
     /// ExSysErrorANSI if the platform has no counter.
     static void initialize();
 
@@ -57,9 +57,9 @@ public:
     /// failed assertion.
     static const char* getTypeName();
 
-    /// Writes what is known, each where the pointer is not null: the kind of processor, and family,
-    /// model and stepping without their extended bits. Where the processor does not tell the latter
-    /// three they stay as they were.
+    /// Writes the kind of processor, and its family, model and stepping without their extended
+    /// bits. A null pointer skips its value. Family, model and stepping are left unchanged if the
+    /// processor does not report them.
     static void getDetailedType(Type* type, int* family, int* model, int* stepping);
 
     /// Whether the processor has MMX; false until initialize().
@@ -68,16 +68,17 @@ public:
     /// Whether the processor has SSE; false until initialize().
     static bool hasSSE();
 
-    /// Ticks per second of the counter. Before initialize() it ends the process with a failed
+    /// Ticks per second of the counter. Before initialize() a call ends the process with a failed
     /// assertion.
     static std::uint64_t getHwCounterFrequency();
 
-    /// The counter, in ticks since some fixed moment; it never goes back. Raises ExSysErrorANSI.
+    /// The counter, in ticks since some fixed moment; it never runs backwards. Raises
+    /// ExSysErrorANSI.
     static std::uint64_t getHwCounterValue();
 
 private:
-    /// Writes what the processor tells of its caches. Of an absent cache the size is 0, the
-    /// associativity 1 and the line size left as it was.
+    /// Writes what the processor reports about its caches. An absent cache has the size 0 and the
+    /// associativity 1; its line size is left unchanged.
     static void getMemoryInfo(CacheInfo* l1Data, CacheInfo* l1Instruction, CacheInfo* l2Unified,
                               int* pageSize);
 

@@ -1,5 +1,6 @@
 /// @file
-/// What an x86 processor tells of itself, apart from asking it. Internal to the library.
+/// Decodes what an x86 processor reports about itself, separately from the query. Internal to the
+/// library.
 
 #ifndef ZU_BASE_OSCPUID_H
 #define ZU_BASE_OSCPUID_H
@@ -12,7 +13,7 @@
 namespace Zu
 {
 
-/// The registers that the instruction answers with.
+/// The registers in which the instruction returns its answer.
 struct OsCpuidRegisters
 {
     std::uint32_t _eax;
@@ -21,10 +22,11 @@ struct OsCpuidRegisters
     std::uint32_t _edx;
 };
 
-/// Answers a leaf and its sub-leaf: the processor, or a test's idea of one.
+/// Returns the registers for a leaf and its sub-leaf, from the processor or from a test's
+/// imitation.
 using OsCpuid = std::function<OsCpuidRegisters(std::uint32_t leaf, std::uint32_t subLeaf)>;
 
-/// Asks the processor that this runs on.
+/// Queries the processor on which this runs.
 OsCpuidRegisters osCpuid(std::uint32_t leaf, std::uint32_t subLeaf);
 
 /// The kind of processor for a processor architecture as the Windows interfaces number it.
@@ -33,16 +35,16 @@ OsCpuInfo::Type osCpuTypeOf(unsigned int architecture);
 /// Writes family, model and stepping where the pointers are not null and the processor has them.
 void osCpuSignature(const OsCpuid& cpuid, int* family, int* model, int* stepping);
 
-/// Decodes one descriptor byte of leaf 2; unknown ones are ignored. A second descriptor of one
-/// target is a fatal error.
+/// Decodes one descriptor byte of leaf 2; unknown ones are ignored. A second descriptor for the
+/// same target is a fatal error.
 void osDecodeCacheDescriptor(unsigned int descriptor, OsCpuInfo::CacheInfo* l1Data,
                              OsCpuInfo::CacheInfo* l1Instruction, OsCpuInfo::CacheInfo* l2Unified,
                              int* pageSize);
 
-/// Writes the caches and the page size from the descriptors of leaf 2. A processor that says there
-/// that its caches are in the deterministic-cache leaf gets them from that, and `systemPageSize`.
-/// One that tells no cache there, but has the extended leaf of the same form, as those of AMD do,
-/// gets them from that, and `systemPageSize`.
+/// Writes the caches and the page size from the descriptors of leaf 2. If these refer to the
+/// deterministic-cache leaf, writes the caches of that leaf, and `systemPageSize`. If no cache is
+/// known then and the processor has the extended leaf of the same form, as those of AMD do, writes
+/// the caches of that one, and `systemPageSize`.
 void osMemoryInfo(const OsCpuid& cpuid, int systemPageSize, OsCpuInfo::CacheInfo* l1Data,
                   OsCpuInfo::CacheInfo* l1Instruction, OsCpuInfo::CacheInfo* l2Unified,
                   int* pageSize);

@@ -13,7 +13,7 @@
 namespace Zu
 {
 
-/// What dates are made of.
+/// The types that represent dates.
 class ZU_BASE_API OsDateTypes
 {
 public:
@@ -28,7 +28,7 @@ public:
         std::uint32_t _low;
 
         /// @{
-        /// By the count.
+        /// Compare the counts.
         constexpr bool operator==(const DateRep& other) const noexcept
         {
             return _high == other._high && _low == other._low;
@@ -46,15 +46,15 @@ public:
         /// @}
     };
 
-    /// The fields of a calendar, in the Gregorian one at all times.
+    /// The fields of a date, always in the Gregorian calendar.
     class ZU_BASE_API DateStruct
     {
     public:
-        /// The fields as they are given; nothing is checked.
+        /// Takes the fields as given; nothing is checked.
         DateStruct(int year, int month, int day, int hour, int minute, double second,
                    int dayOfWeek);
 
-        /// With all its digits.
+        /// The full year, with all its digits.
         int year;
         /// 1 to 12.
         int month;
@@ -73,9 +73,9 @@ public:
     /// How the fields relate to the count.
     enum TimeMode
     {
-        /// As they are in UTC.
+        /// The fields are in UTC.
         TimeUniversal,
-        /// By the platform's rules for local time.
+        /// The fields are in local time, by the platform's rules.
         TimeLocal
     };
 };

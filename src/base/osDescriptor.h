@@ -7,13 +7,13 @@
 namespace Zu
 {
 
-/// The same open file under a number that is none of the standard streams', which a process may
-/// have been started without: what it then wrote to its standard output would land in the file.
-/// Children do not inherit it. Negative, with `errno` set, if there is no such number any more; a
-/// negative number stays as it is.
+/// Moves an open file to a descriptor that is none of the standard streams'. A process may have
+/// been started without these; what it then wrote to its standard output would land in the file.
+/// Children do not inherit the new descriptor. Returns a negative number, with `errno` set, if no
+/// descriptor is free; a negative `number` is returned unchanged.
 int osAboveStandard(int number);
 
-/// Closes what it holds; a negative number is nothing.
+/// Closes its descriptor when it is destroyed; a negative number means none.
 class OsDescriptor
 {
 public:
@@ -27,7 +27,7 @@ public:
         return _number;
     }
 
-    /// Gives it to the caller, who closes it.
+    /// Hands the descriptor to the caller, who closes it.
     int release()
     {
         const int number = _number;

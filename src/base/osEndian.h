@@ -1,5 +1,5 @@
 /// @file
-/// The order of bytes.
+/// Byte order.
 
 #ifndef ZU_BASE_OSENDIAN_H
 #define ZU_BASE_OSENDIAN_H
@@ -13,12 +13,12 @@
 namespace Zu
 {
 
-/// Swaps the bytes of numbers, for files of a stated byte order:
-/// `invertIf(OsEndian::isBigEndian(), value)` has the layout of a little-endian host on any. Any
-/// thread may call it.
+/// Swaps the bytes of numbers, for files with a defined byte order:
+/// `invertIf(OsEndian::isBigEndian(), value)` has the layout of a little-endian host on every host.
+/// Any thread may call it.
 class OsEndian
 {
-    // Numbers alone: the order of bytes of anything else is not its value's.
+    // Numbers only: reversing the bytes of anything else does not reverse its byte order.
     template <class T>
     using IfNumber = std::enable_if_t<std::is_arithmetic_v<T> && !std::is_same_v<T, bool> &&
                                       !std::is_same_v<T, long double>>;
@@ -26,7 +26,7 @@ class OsEndian
 public:
     OsEndian() = delete;
 
-    /// Whether the last byte of a number in memory is its lowest.
+    /// Whether the last byte of a number in memory is its least significant one.
     static constexpr bool isBigEndian() noexcept
     {
         return Compiler::bitCast<Bytes<4>>(std::uint32_t{1})._bytes[3] == 1;

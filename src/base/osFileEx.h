@@ -11,7 +11,7 @@
 namespace Zu
 {
 
-/// The scope of the file classes' exceptions; it is no class of theirs. A path in a reason is cut
+/// The scope of the file classes' exceptions, but not their base class. A path in a reason is cut
 /// to 256 characters; a null one counts as empty.
 class ZU_BASE_API OsFileEx
 {
@@ -58,7 +58,7 @@ public:
     ExBase* clone() const override;
 };
 
-/// What was to be new is there: "File already exists."
+/// A file that must be new exists: "File already exists."
 class ZU_BASE_API OsFileEx::ExFileExists : public std::runtime_error, public ExBase
 {
 public:

@@ -1,5 +1,5 @@
 /// @file
-/// Which children of a directory are wanted.
+/// Filters for the children of a directory.
 
 #ifndef ZU_BASE_OSFILEFILTER_H
 #define ZU_BASE_OSFILEFILTER_H
@@ -20,12 +20,12 @@ public:
     OsFileFilter& operator=(const OsFileFilter&) = delete;
     virtual ~OsFileFilter();
 
-    /// Whether the child is wanted. The path is the directory's with the child's name, so the file
-    /// system can be asked about it.
+    /// Whether the child is wanted. The path is that of the directory with the child's name, so
+    /// that the file system can be asked about it.
     virtual bool filter(const OsFilePath& path) const = 0;
 };
 
-/// Everything.
+/// Accepts everything.
 class ZU_BASE_API OsPassThroughFilter : public OsFileFilter
 {
 public:
@@ -33,7 +33,7 @@ public:
     bool filter(const OsFilePath& path) const override;
 };
 
-/// Directories.
+/// Accepts directories.
 class ZU_BASE_API OsDirectoryFilter : public OsFileFilter
 {
 public:
@@ -41,15 +41,15 @@ public:
     bool filter(const OsFilePath& path) const override;
 };
 
-/// What is no directory and, if a suffix is given, has a name that ends in it; letter case counts,
-/// and the whole name may be the suffix.
+/// Accepts whatever is not a directory and, if a suffix is given, has a name that ends in it. Case
+/// matters, and the suffix may be the whole name.
 class ZU_BASE_API OsLeafFileFilter : public OsFileFilter
 {
 public:
     /// Without a suffix.
     OsLeafFileFilter();
 
-    /// Copies the suffix; null is none.
+    /// Copies the suffix; null means none.
     explicit OsLeafFileFilter(const char* suffix);
     ~OsLeafFileFilter() override;
     bool filter(const OsFilePath& path) const override;

@@ -13,7 +13,7 @@
 namespace Zu
 {
 
-/// A path: text with the few operations that need to know what a path is.
+/// A path: text, with the few operations that interpret it as a path.
 ///
 /// The text is kept exactly as given: separators, "." and ".." and a separator at the end stay, so
 /// two paths to one file can differ. Making a path touches no disk; only getBaseName(),
@@ -25,9 +25,9 @@ namespace Zu
 /// | absolute | second character ":" or first two characters backslashes, at least 3 characters | begins with "/" |
 /// | root directory | of the current drive, "C:\" | "/" |
 ///
-/// Text parameters must not be null unless it is said otherwise. An operation that raises leaves
-/// its object as it was. Paths are values without shared state; what asks the platform reads the
-/// environment or the current directory, and must not race with a change of those.
+/// Text parameters must not be null unless documented otherwise. An operation that raises leaves
+/// its object unchanged. Paths are values without shared state. Operations that ask the platform
+/// read the environment or the current directory, and must not race with a change of those.
 class ZU_BASE_API OsFilePath
 {
 public:
@@ -62,10 +62,10 @@ public:
     static bool isAbsolute(const char* path);
     /// @}
 
-    /// Not isAbsolute().
+    /// The opposite of isAbsolute().
     bool isRelative() const;
 
-    /// What follows the last "." of getBaseName(), or the empty text. Raises as that does.
+    /// What follows the last "." of getBaseName(), or the empty text. Raises what that raises.
     ArrayPtrRet<char> getExtension() const;
 
     /// The last element of the resolved path; the empty path if that ends in a separator. Raises
@@ -73,10 +73,10 @@ public:
     /// more than 1,023 characters.
     OsFilePath getBaseName() const;
 
-    /// The directory of the resolved path: of "." and ".." the resolved path itself, else what
-    /// stands before its last separator. The directory name of a path that ends in a separator is
-    /// that path without it; a drive's root gives the bare drive, "C:", and on Linux the directory
-    /// name of "/a" and of "/" is "/". Raises as getBaseName() does.
+    /// The directory of the resolved path: for "." and ".." the resolved path itself, otherwise
+    /// what precedes its last separator. A path that ends in a separator gives that path without
+    /// it. A drive's root gives the bare drive, "C:"; on Linux "/a" and "/" both give "/". Raises
+    /// what getBaseName() raises.
     OsFilePath getDirectoryName() const;
 
     /// @{
@@ -87,12 +87,12 @@ public:
     /// @}
 
     /// @{
-    /// Appends one element. Raises OsFileEx::ExSeparatorNotAllowed if it holds a separator.
+    /// Appends one element. Raises OsFileEx::ExSeparatorNotAllowed if it contains a separator.
     OsFilePath& operator+=(const char* element);
     OsFilePath operator+(const char* element) const;
     /// @}
 
-    /// -1, 0 or 1 by the first byte that differs, bytes taken as unsigned; letter case counts on
+    /// -1, 0 or 1 by the first byte that differs, with bytes compared as unsigned; case matters on
     /// every platform.
     static int compare(const char* a, const char* b);
 
@@ -102,12 +102,12 @@ public:
     /// The root directory, on Windows that of the current drive.
     static OsFilePath getRootDir();
 
-    /// The directory for temporary files, with a separator at its end: what the platform answers
-    /// on Windows, the variable TMPDIR or else "/tmp/" on Linux. Raises ExSysErrorWindows.
+    /// The directory for temporary files, with a separator at its end: on Windows what the platform
+    /// reports, on Linux the variable TMPDIR or otherwise "/tmp/". Raises ExSysErrorWindows.
     static OsFilePath getTempDir();
 
     /// The value of the variable HOME, on Windows with each "/" turned into a backslash. Raises
-    /// OsFileEx::ExHomeNotDefined if it is not set; no other variable is asked. A value of more
+    /// OsFileEx::ExHomeNotDefined if it is not set; no other variable is consulted. A value of more
     /// than 1,023 characters raises ExSysErrorWindows.
     static OsFilePath getHomeDir();
 
@@ -115,7 +115,7 @@ public:
     std::ostream& dump(std::ostream& os) const;
 
 private:
-    // The length of every buffer that is handed to the platform, with its terminator.
+    // The length of every buffer that is passed to the platform, including the terminator.
     static constexpr std::size_t BUFFER_SIZE = 1024;
 
     // Each writes into the caller's buffer of BUFFER_SIZE characters and returns it.
@@ -123,8 +123,8 @@ private:
     static char* getTempDir(char* buffer);
     static char* getHomeDir(char* buffer);
 
-    // Resolves a path into a buffer of BUFFER_SIZE characters; returns its last element in there,
-    // or null if it ends in a separator.
+    // Resolves a path into a buffer of BUFFER_SIZE characters; returns its last element in that
+    // buffer, or null if it ends in a separator.
     static const char* performGetFullPath(const char* path, char* buffer);
 
     void concatenate(const char* element);

@@ -11,7 +11,7 @@
 #include <memory>
 #include <string>
 
-/// What says that it failed has set the system's last error. Interrupted calls are resumed.
+/// A function that reports failure has set the system's last error. Interrupted calls are resumed.
 namespace Zu::OsFilePlatform
 {
 
@@ -20,49 +20,49 @@ using Handle = std::int64_t;
 
 constexpr Handle NONE = -1;
 
-/// Opens what is there, with the bits of OsFileTypes::Access; others may open it too. NONE if it
-/// fails.
+/// Opens an existing file with the bits of OsFileTypes::Access; others may open it too. Returns
+/// NONE if it fails.
 Handle openExisting(const char* path, int access);
 
-/// Opens for writing, and makes an empty file before; `exclusive` refuses one that is there.
+/// Makes or empties a file and opens it for writing; `exclusive` refuses an existing one.
 Handle openNew(const char* path, const OsFileTypes::Permissions& permissions, bool exclusive);
 
-/// How closing went.
+/// The result of closing.
 enum class Closed
 {
     Done,
-    /// It failed, and the handle is as it was.
+    /// It failed, and the handle is still open.
     Failed,
-    /// It failed, and the handle is gone all the same.
+    /// It failed, but the handle is gone all the same.
     Gone
 };
 
 Closed close(Handle handle);
 
-/// Moves the position, and tells where it is then, from the beginning.
+/// Moves the position and reports it, counted from the beginning.
 bool seek(Handle handle, std::int64_t offset, OsFileTypes::SeekMode mode, std::int64_t& position);
 
-/// One call of the system, which may give less than there is; the end of the file is no failure and
+/// One system call, which may read less than there is. The end of the file is not a failure: it
 /// gives 0.
 bool read(Handle handle, void* buffer, std::uint32_t size, std::uint32_t& count);
 
-/// A full disk is no failure: `count` is then less than `size`. It says what was written also if
-/// the call fails.
+/// A full disk is not a failure: `count` is then less than `size`. `count` is the number of bytes
+/// written even if the call fails.
 bool write(Handle handle, const void* buffer, std::uint32_t size, std::uint32_t& count);
 
-/// Whether it is a file on a disk, which ends where a read gives nothing, and is never waited for.
+/// Whether it is a file on a disk: an empty read marks its end, and reading it never blocks.
 bool isPlain(Handle handle);
 
-/// Gives the file this size, and moves the position there.
+/// Sets the size of the file and moves the position to its end.
 bool resize(Handle handle, std::int64_t size);
 
-/// Brings what was written to the disk.
+/// Flushes what was written to the disk.
 bool flush(Handle handle);
 
-/// A directory has none: it fails.
+/// Fails for a directory, which has no size.
 bool sizeOf(const char* path, std::uint64_t& size);
 
-/// Of the bits of `mask`, reading and writing, those that a trial shows.
+/// The bits of `mask`, of those for reading and writing, for which a trial succeeds.
 int accessTo(const char* path, int mask);
 
 bool typeOf(const char* path, OsFileTypes::ElementType& type);
@@ -70,7 +70,7 @@ bool typeOf(const char* path, OsFileTypes::ElementType& type);
 /// The name of the owner; empty where the platform has none.
 bool ownerOf(const char* path, std::string& owner);
 
-/// A moment, in the calendar of the mode.
+/// A point in time, in the calendar of the mode.
 struct Moment
 {
     OsDateTypes::TimeMode _mode;
@@ -85,12 +85,12 @@ struct Moment
 bool lastModificationOf(const char* path, Moment& moment);
 bool lastAccessOf(const char* path, Moment& moment);
 
-/// What unbuffered transfers on a volume have to keep to.
+/// The constraints of unbuffered transfers on a volume.
 struct Volume
 {
     std::uint32_t _sectorSize;
     bool _isRemote;
-    /// By which a remote one is reported.
+    /// The name by which a remote volume is reported.
     std::string _name;
 };
 
@@ -105,22 +105,22 @@ bool isLink(const char* path);
 /// Removes a link, whatever it leads to.
 bool removeLink(const char* path);
 
-/// What a symbolic link that a replacement has to follow leads to, as it is written in the link. It
-/// fails for all else, and on Windows always.
+/// The target of a symbolic link that a replacement has to follow, as written in the link. Fails
+/// for everything else, and always on Windows.
 bool linkTarget(const char* path, std::string& target);
 
-/// Whether the path leads to a device, a FIFO or a socket, which no file can stand for, and whose
+/// Whether the path leads to a device, a FIFO or a socket, which no file can replace, and whose
 /// content has no end; never on Windows.
 bool isSpecial(const char* path);
 
-/// Gives another name; never replaces what has it.
+/// Renames; never replaces what has the new name.
 bool rename(const char* path, const char* target);
 
-/// Gives another name in one step, in the place of what has it.
+/// Renames in one step, and replaces what has the new name.
 bool replace(const char* path, const char* target);
 
-/// Gives an open file the owner and the modes of a plain file, as far as the system allows it and
-/// has them.
+/// Gives an open file the owner and the modes of a plain file, as far as the system has them and
+/// permits it.
 void keepOwnerAndModes(const char* from, Handle to);
 
 /// The permission bits of a file or directory, where there are any, and its times, in the
@@ -135,23 +135,23 @@ struct Attributes
 bool attributesOf(Handle handle, Attributes& attributes);
 bool setAttributes(Handle handle, const Attributes& attributes);
 
-/// Opens a directory for its attributes: to read them, or with OsFileTypes::AccessWrite also to set
-/// them. NONE if it fails.
+/// Opens a directory to read its attributes, or with OsFileTypes::AccessWrite also to set them.
+/// Returns NONE if it fails.
 Handle openDirectory(const char* path, int access);
 
-/// Brings the names in the directory of a path to the disk, where that takes an extra step.
+/// Flushes the names in the directory of a path to the disk, where that takes an extra step.
 void flushDirectoryOf(const char* path);
 
-/// Whether both lead to the same file or directory.
+/// Whether both paths lead to the same file or directory.
 bool isSame(const char* a, const char* b);
 
-/// The full path without steps and links; empty if nothing is there.
+/// The full path with ".", ".." and links resolved; empty if nothing is there.
 std::string resolved(const char* path);
 
 bool createDirectory(const char* path, const OsFileTypes::Permissions& permissions);
 bool removeDirectory(const char* path);
 
-/// Sets the last error.
+/// The errors that setLastError() can set.
 enum class Error
 {
     DiskFull,
@@ -177,7 +177,7 @@ public:
         Failed
     };
 
-    /// The next name; it is good until the next call.
+    /// The next name, valid until the next call.
     Result next(const char*& name);
 
 private:

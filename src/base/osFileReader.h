@@ -1,5 +1,5 @@
 /// @file
-/// Bytes out of a file.
+/// Reads bytes from a file.
 
 #ifndef ZU_BASE_OSFILEREADER_H
 #define ZU_BASE_OSFILEREADER_H
@@ -15,12 +15,14 @@
 namespace Zu
 {
 
-/// An open file that is read from. It has no buffer of its own; others may have the file open, too.
+/// A file that is open for reading. It has no buffer of its own; others may have the file open,
+/// too.
 ///
-/// Every operation on a closed reader raises ExSysErrorANSI, with EBADF. A failed call of the
-/// system raises ExSysErrorWindows.
+/// Every operation on a closed reader raises ExSysErrorANSI, with EBADF. A failed system call
+/// raises ExSysErrorWindows.
 ///
-/// Thread-safety: an object is of one thread at a time; two objects on one file are independent.
+/// Thread-safety: an object belongs to one thread at a time; two objects on one file are
+/// independent.
 class ZU_BASE_API OsFileReader
 {
     friend class OsFile;
@@ -28,7 +30,7 @@ class ZU_BASE_API OsFileReader
 
 public:
     /// @{
-    /// Opens a file that is there. Raise OsFileEx::ExNullFilePath for the empty path.
+    /// Opens an existing file. Raise OsFileEx::ExNullFilePath for the empty path.
     explicit OsFileReader(const OsFilePath& path);
     explicit OsFileReader(const OsFile& file);
     /// @}
@@ -36,21 +38,22 @@ public:
     OsFileReader(const OsFileReader&) = delete;
     OsFileReader& operator=(const OsFileReader&) = delete;
 
-    /// Closes the file if it is open. A failure raises, unless another exception is under way;
-    /// close() before tells it in any case.
+    /// Closes the file if it is open. A failure raises, unless another exception is under way; an
+    /// earlier call of close() reports it in any case.
     ~OsFileReader() noexcept(false);
 
-    /// Moves the position, and returns where it is then, in bytes from the beginning. A place
-    /// before the beginning, or beyond 2147483647, raises, and the position stays; OsFileTools goes
-    /// further.
+    /// Moves the position and returns it, in bytes from the beginning. A position before the
+    /// beginning, or beyond 2147483647, raises and leaves the old one unchanged;
+    /// OsFileTools::seek64() goes further.
     std::int32_t seek(std::int32_t offset, OsFileTypes::SeekMode mode);
 
-    /// Reads up to `size` bytes, and returns how many; 0 at the end of the file. Fewer than asked
-    /// for mean that the file ends there, or that the system failed behind them, which the next
-    /// read raises. Of what is no file, such as a pipe, they are those that have come.
+    /// Reads up to `size` bytes and returns how many; 0 at the end of the file. Fewer than
+    /// requested mean that the file ends there, or that the system failed after them, which the
+    /// next read raises. From something other than a file, such as a pipe, they are those that have
+    /// arrived.
     std::uint32_t read(void* buffer, std::uint32_t size);
 
-    /// When it raises, the reader is open as before and may be closed again, unless the system has
+    /// When it raises, the reader is still open and may be closed again, unless the system has
     /// released the file all the same, as Linux does.
     void close();
 

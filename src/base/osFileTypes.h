@@ -24,15 +24,15 @@ public:
         ElementRegular = 0,
         /// A directory.
         ElementDirectory = 1,
-        /// On Windows a file with other attributes than the plain ones, on Linux what is neither
-        /// file nor directory: a FIFO, a socket, a device.
+        /// On Windows a file with attributes other than the plain ones; on Linux what is neither a
+        /// file nor a directory: a FIFO, a socket, a device.
         ElementSpecial = 3
     };
 
     /// Where a position in a file is counted from.
     enum SeekMode
     {
-        /// From where it is now.
+        /// From the current position.
         SeekCurrent = 0,
         /// From the beginning of the file.
         SeekBegin = 1,
@@ -49,8 +49,8 @@ public:
         PathRelative = 1
     };
 
-    /// What unbuffered transfers on the volume of a file have to keep to. The library's own
-    /// transfers are buffered.
+    /// The constraints of unbuffered transfers on the volume of a file. The library's own transfers
+    /// are buffered.
     class UnbufferedInfo
     {
     public:
@@ -62,13 +62,13 @@ public:
         {
         }
 
-        /// Of places in memory and in the file, in bytes.
+        /// The alignment of memory and of positions in the file, in bytes.
         std::uint32_t getAlignment() const
         {
             return _alignment;
         }
 
-        /// Transfers are multiples of it, in bytes.
+        /// Transfers are multiples of this size, in bytes.
         std::uint32_t getBlockSize() const
         {
             return _blockSize;
@@ -98,9 +98,9 @@ public:
     };
 
     /// Who may do what with a new file, as bits of Access. Windows has no such modes and ignores
-    /// them; Linux applies them, less what the process's umask takes away.
+    /// them; Linux applies them, less the process's umask.
     ///
-    /// The bits have other values than in the modes of POSIX, where reading is 4 and executing 1:
+    /// The bits have other values than in POSIX modes, where reading is 4 and executing 1:
     /// Permissions(7, 5, 4) is the mode 0751, and the default (3, 1, 1) is 0644.
     class Permissions
     {

@@ -9,13 +9,13 @@
 namespace Zu
 {
 
-/// How a platform call went. After everything but Done the system's last error is set.
+/// The result of a platform call. Unless it is Done, the system's last error is set.
 enum class OsFsResult
 {
     Done,
-    /// Something of that name is there already.
+    /// Something of that name exists already.
     Exists,
-    /// Nothing of that name is there.
+    /// Nothing of that name exists.
     Missing,
     /// It failed and the platform gives no error.
     NoError,
@@ -42,8 +42,8 @@ bool osFsIsSymLink(const char* path);
 /// The mode bits of POSIX for `permissions`.
 unsigned int osFsMode(const OsFileTypes::Permissions& permissions);
 
-/// The mode bits for a file that stands for one with these. The bits that lend rights go unless
-/// owner and group are the same, and another group may do what everybody may.
+/// The mode bits for a file that replaces one with these. The set-ID and sticky bits are dropped
+/// unless owner and group are kept, and a different group gets the permissions of everybody else.
 unsigned int osFsKeptMode(unsigned int mode, bool isOwnerKept, bool isGroupKept);
 
 } // namespace Zu

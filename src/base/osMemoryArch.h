@@ -9,8 +9,8 @@
 namespace Zu
 {
 
-/// The figures by which code is fitted to caches and pages, all in bytes. A figure that the
-/// processor does not tell is 0.
+/// Figures for fitting code to caches and pages, all in bytes. A figure that the processor does not
+/// report is 0.
 ///
 /// The package "osal" makes the instance; after that any thread may read it.
 class ZU_BASE_API OsMemoryArch
@@ -21,7 +21,7 @@ public:
     OsMemoryArch(const OsMemoryArch&) = delete;
     OsMemoryArch& operator=(const OsMemoryArch&) = delete;
 
-    /// A block so large that it is not kept in any cache; fixed at 0x10000000.
+    /// The size of a block that is too large for any cache; fixed at 0x10000000.
     virtual int getLargeBlockSize() const = 0;
 
     /// Size of the first-level data cache.

@@ -10,12 +10,12 @@
 namespace Zu
 {
 
-/// The figures, from what the processor tells of its caches. The instruction cache is not passed
-/// on.
+/// The figures, from what the processor reports about its caches. The instruction cache is not
+/// exposed.
 class OsMemoryArchImp final : public OsMemoryArch
 {
 public:
-    /// From this machine's processor.
+    /// Reads the figures from this machine's processor.
     OsMemoryArchImp();
 
     OsMemoryArchImp(const OsCpuInfo::CacheInfo& l1Data, const OsCpuInfo::CacheInfo& l2Unified,

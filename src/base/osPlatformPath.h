@@ -1,5 +1,5 @@
 /// @file
-/// What the two forms of paths answer differently. Internal to the library.
+/// Where the two forms of paths differ. Internal to the library.
 
 #ifndef ZU_BASE_OSPLATFORMPATH_H
 #define ZU_BASE_OSPLATFORMPATH_H

@@ -6,7 +6,7 @@
 
 #include "baseApi.h"
 
-// The system's own types, declared as its headers do, so that those need not be included.
+// The system's types, declared as in its headers so that those need not be included.
 struct HKEY__;
 typedef HKEY__* HKEY; ///< A key of the registry.
 struct _FILETIME;

@@ -1,5 +1,5 @@
 /// @file
-/// Which file systems stand on another machine. Internal to the library.
+/// Which file systems are on another machine. Internal to the library.
 
 #ifndef ZU_BASE_OSREMOTEVOLUME_H
 #define ZU_BASE_OSREMOTEVOLUME_H
@@ -9,8 +9,8 @@
 namespace Zu
 {
 
-/// Whether a file system of this type, by the number that Linux gives it, is reached over a net.
-/// The common ones are known; another one counts as local.
+/// Whether a file system of this type, by its number on Linux, is reached over a network. The
+/// common ones are known; any other one counts as local.
 constexpr bool osIsRemoteVolume(std::uint32_t type)
 {
     switch (type)

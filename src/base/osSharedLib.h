@@ -11,11 +11,12 @@
 namespace Zu
 {
 
-/// A shared library that was loaded at run time. It stays loaded to the end of the process, also
-/// when the object ends. A library that declares packages is loaded inside an InReinitGuard.
+/// A shared library that was loaded at run time. It stays loaded to the end of the process, even
+/// after the object is destroyed. Load a library that declares packages inside an InReinitGuard.
 ///
-/// A static object of the library that raises an exception while it is loaded ends the process on
-/// Windows and can leave the loader locked on Linux: libraries of the family build none that do.
+/// If a static object of the library raises an exception while the library is loaded, the process
+/// ends on Windows, and the loader can stay locked on Linux. Libraries of the family have no such
+/// objects.
 class ZU_BASE_API OsSharedLib
 {
 public:
@@ -23,8 +24,8 @@ public:
     OsSharedLib& operator=(const OsSharedLib&) = delete;
     virtual ~OsSharedLib();
 
-    /// The address of the library's own function of this name; the caller casts it to its type.
-    /// Functions of the libraries that it needs are not found. Raises
+    /// The address of the function of this name in the library itself; the caller casts it to its
+    /// type. Functions of the libraries that it depends on are not found. Raises
     /// OsSharedLibEx::ExFunctionNotFound, also for null.
     virtual void* getFunction(const char* name) = 0;
 
@@ -35,7 +36,7 @@ public:
     /// Raises OsSharedLibEx::ExCantOpenLib.
     static ObjPtrRet<OsSharedLib> open(const OsFilePath& path);
 
-    /// What the file names of shared libraries end in: ".dll" on Windows, ".so" on Linux.
+    /// The suffix of the file names of shared libraries: ".dll" on Windows, ".so" on Linux.
     static const char* getSuffix();
 
 protected:

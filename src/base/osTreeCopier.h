@@ -9,7 +9,7 @@
 namespace Zu
 {
 
-/// Copies what a walk through a directory comes to. Targets are the full new names.
+/// Copies what a walk through a directory visits. Targets are the full new names.
 class OsTreeCopier
 {
 public:
@@ -18,7 +18,7 @@ public:
     /// Makes the directory, unless it is there.
     virtual void enterDirectory(const OsFilePath& source, const OsFilePath& target) = 0;
 
-    /// Ends the directory that was entered last.
+    /// Finishes the directory that was entered last.
     virtual void leaveDirectory(const OsFilePath& target) = 0;
 
 protected:

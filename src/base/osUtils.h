@@ -27,12 +27,12 @@ public:
     /// The id of the calling thread, as the system's own tools show it.
     static std::uint32_t getThreadId();
 
-    /// The host's name, on Windows of at most 15 characters. Raises ExSysErrorANSI.
+    /// The host's name; on Windows it has at most 15 characters. Raises ExSysErrorANSI.
     static ArrayPtrRet<char> getHostName();
 
-    /// The name of the user that the process runs as, on Windows of at most 256 characters. The
-    /// flag has no effect. Raises ExSysErrorANSI, also if the user has no name, as it may be in a
-    /// container.
+    /// The name of the user that the process runs as; on Windows it has at most 256 characters. The
+    /// flag has no effect. Raises ExSysErrorANSI, also if the user has no name, which can happen in
+    /// a container.
     static ArrayPtrRet<char> getUserName(bool flag);
 };
 

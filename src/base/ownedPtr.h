@@ -7,12 +7,12 @@
 namespace Zu
 {
 
-/// Whether the destructor of `T` may throw. An owner must know that without seeing the whole of the
-/// type, so a type whose destructor is `noexcept(false)` says so beside its declaration:
+/// Whether the destructor of `T` may throw. An owner must know that without seeing the complete
+/// type, so a type whose destructor is `noexcept(false)` declares it beside its own declaration:
 /// `template <> inline constexpr bool Zu::ownedMayThrow<My> = true;`
 template <class T> inline constexpr bool ownedMayThrow = false;
 
-/// Ends an object made with `new`.
+/// Disposes of an object made with `new`.
 struct DisposeObject
 {
     /// Deletes the object, which may be null. `T` must be complete.
@@ -23,7 +23,7 @@ struct DisposeObject
     }
 };
 
-/// Ends an array made with `new[]`.
+/// Disposes of an array made with `new[]`.
 struct DisposeArray
 {
     /// Deletes the array, which may be null. `T` must be complete.
@@ -34,16 +34,17 @@ struct DisposeArray
     }
 };
 
-/// One pointer, possibly null, and the duty to end what it points to.
+/// One pointer, possibly null, and the duty to dispose of what it points to.
 ///
-/// Copying and assigning transfer: the source is left null. Not reference counted; a value of one
-/// thread at a time. Clients use it through ObjPtr, ObjPtrRet, ArrayPtr and ArrayPtrRet, which
-/// take ownership from each other where they dispose in the same way. `T` may be incomplete where
-/// an owner is only declared, as in a class that hides its implementation.
+/// Copying and assigning transfer ownership: the source is left null. There is no reference count;
+/// a value belongs to one thread at a time. Clients use it through ObjPtr, ObjPtrRet, ArrayPtr and
+/// ArrayPtrRet, which take ownership from each other if they dispose in the same way. `T` may be
+/// incomplete where an owner is only declared, as in a class that hides its implementation.
 template <class T, class Disposal> class OwnedPtr
 {
 public:
-    /// Ends what is owned and takes the pointer of the source; nothing when it is the same object.
+    /// Disposes of what is owned and takes the pointer of the source. Does nothing if the source is
+    /// this owner.
     OwnedPtr& operator=(OwnedPtr& source)
     {
         takeFrom(source);
@@ -63,13 +64,13 @@ public:
         return _pointer;
     }
 
-    /// Whether there is nothing to own.
+    /// Whether nothing is owned.
     bool isNull() const noexcept
     {
         return !_pointer;
     }
 
-    /// Gives ownership to the caller and leaves null.
+    /// Hands ownership to the caller and leaves null.
     T* release() noexcept
     {
         T* const pointer = _pointer;
@@ -89,7 +90,7 @@ protected:
     /// The same.
     OwnedPtr(OwnedPtr&& source) noexcept : _pointer(source.release()) {}
 
-    /// Ends what is owned. An object whose destructor may throw can do so through its owner.
+    /// Disposes of what is owned. An object whose destructor may throw can do so through its owner.
     ~OwnedPtr() noexcept(!ownedMayThrow<T>)
     {
         Disposal::dispose(_pointer);
@@ -99,7 +100,7 @@ private:
     void takeFrom(OwnedPtr& source)
     {
         if (this == &source) return;
-        // The new pointer stands before the old object ends, whose destructor may throw.
+        // The new pointer is set before the old object, whose destructor may throw, is disposed of.
         T* const old = _pointer;
         _pointer = source.release();
         Disposal::dispose(old);
