@@ -1,9 +1,10 @@
 #include "base/hwCounter.h"
 
-#include "base/exSysError.h"
+#include "base/exRaise.h"
 #include "base/internalAssert.h"
 #include "base/osCpuPlatform.h"
 
+#include <cerrno>
 #include <memory>
 
 namespace Zu
@@ -17,7 +18,7 @@ namespace
 std::unique_ptr<HwCounterEng> makeEngine()
 {
     std::uint64_t frequency = 0;
-    if (!osCounterFrequency(frequency)) throw ExSysErrorANSI(__FILE__, __LINE__);
+    if (!osCounterFrequency(frequency)) ZU_RAISE_ERRNO(errno);
     ZU_INTERNAL_ASSERT(frequency != 0);
     return std::unique_ptr<HwCounterEng>(HwCounterEng::create(frequency));
 }

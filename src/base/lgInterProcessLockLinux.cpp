@@ -1,6 +1,6 @@
 #include "base/lgInterProcessLock.h"
 
-#include "base/exSysError.h"
+#include "base/exRaise.h"
 #include "base/lgLockName.h"
 #include "base/osDescriptor.h"
 
@@ -27,12 +27,6 @@ namespace
 constexpr off_t CHANGE = 0;
 constexpr off_t USE = 1;
 
-[[noreturn]] void raise(int code)
-{
-    errno = code;
-    throw ExSysErrorWindows(__FILE__, __LINE__);
-}
-
 // Whether it succeeded.
 bool setFileLock(int file, off_t byte, short kind, bool wait)
 {
@@ -50,7 +44,7 @@ bool setFileLock(int file, off_t byte, short kind, bool wait)
 struct stat statusOf(int file)
 {
     struct stat status = {};
-    if (fstat(file, &status) != 0) raise(errno);
+    if (fstat(file, &status) != 0) ZU_RAISE_SYSTEM_ERROR(errno);
     return status;
 }
 
@@ -65,13 +59,13 @@ void makeMutex(pthread_mutex_t& mutex)
 {
     pthread_mutexattr_t attributes;
     int code = pthread_mutexattr_init(&attributes);
-    if (code != 0) raise(code);
+    if (code != 0) ZU_RAISE_SYSTEM_ERROR(code);
     pthread_mutexattr_setpshared(&attributes, PTHREAD_PROCESS_SHARED);
     pthread_mutexattr_settype(&attributes, PTHREAD_MUTEX_RECURSIVE);
     pthread_mutexattr_setrobust(&attributes, PTHREAD_MUTEX_ROBUST);
     code = pthread_mutex_init(&mutex, &attributes);
     pthread_mutexattr_destroy(&attributes);
-    if (code != 0) raise(code);
+    if (code != 0) ZU_RAISE_SYSTEM_ERROR(code);
 }
 
 // A mapped file of shared memory, counted by its users, or memory of this process alone.
@@ -119,7 +113,7 @@ private:
         while (!openCurrent(name)) closeFile();
         // Alone with the file: what is in it is of nobody, or was left by a process that died.
         if (setFileLock(_file, USE, F_WRLCK, false)) makeMutex(*_mutex);
-        if (!setFileLock(_file, USE, F_RDLCK, true)) raise(errno);
+        if (!setFileLock(_file, USE, F_RDLCK, true)) ZU_RAISE_SYSTEM_ERROR(errno);
         _name = name;
         setFileLock(_file, CHANGE, F_UNLCK, true);
     }
@@ -128,9 +122,9 @@ private:
     bool openCurrent(const std::string& name)
     {
         _file = osAboveStandard(shm_open(name.c_str(), O_RDWR | O_CREAT, 0600));
-        if (_file < 0) raise(errno);
-        if (!isOwn(statusOf(_file))) raise(EACCES);
-        if (!setFileLock(_file, CHANGE, F_WRLCK, true)) raise(errno);
+        if (_file < 0) ZU_RAISE_SYSTEM_ERROR(errno);
+        if (!isOwn(statusOf(_file))) ZU_RAISE_SYSTEM_ERROR(EACCES);
+        if (!setFileLock(_file, CHANGE, F_WRLCK, true)) ZU_RAISE_SYSTEM_ERROR(errno);
         if (statusOf(_file).st_nlink == 0) return false;
         reserve(name);
         map(MAP_SHARED);
@@ -145,14 +139,14 @@ private:
         while (code == EINTR);
         if (code == 0) return;
         if (setFileLock(_file, USE, F_WRLCK, false)) shm_unlink(name.c_str());
-        raise(code);
+        ZU_RAISE_SYSTEM_ERROR(code);
     }
 
     void map(int flags)
     {
         void* const memory =
             mmap(nullptr, sizeof(pthread_mutex_t), PROT_READ | PROT_WRITE, flags, _file, 0);
-        if (memory == MAP_FAILED) raise(errno);
+        if (memory == MAP_FAILED) ZU_RAISE_SYSTEM_ERROR(errno);
         _mutex = static_cast<pthread_mutex_t*>(memory);
         if (_file < 0) makeMutex(*_mutex);
     }
@@ -233,13 +227,13 @@ public:
             pthread_mutex_consistent(&_memory.mutex());
             pthread_mutex_unlock(&_memory.mutex());
         }
-        raise(code);
+        ZU_RAISE_SYSTEM_ERROR(code);
     }
 
     void unlock() override
     {
         const int code = pthread_mutex_unlock(&_memory.mutex());
-        if (code != 0) raise(code);
+        if (code != 0) ZU_RAISE_SYSTEM_ERROR(code);
     }
 
 private:

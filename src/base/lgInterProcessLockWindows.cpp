@@ -1,6 +1,6 @@
 #include "base/lgInterProcessLock.h"
 
-#include "base/exSysError.h"
+#include "base/exRaise.h"
 
 #include <exception>
 #include <windows.h>
@@ -16,14 +16,13 @@ class LockWindows : public LgInterProcessLock
 public:
     explicit LockWindows(const char* name) : _mutex(CreateMutexA(nullptr, FALSE, name))
     {
-        if (!_mutex) throw ExSysErrorWindows(__FILE__, __LINE__);
+        if (!_mutex) ZU_RAISE_LAST_ERROR();
     }
 
     ~LockWindows() noexcept(false) override
     {
         const bool isClosed = CloseHandle(_mutex);
-        if (!isClosed && std::uncaught_exceptions() == 0)
-            throw ExSysErrorWindows(__FILE__, __LINE__);
+        if (!isClosed && std::uncaught_exceptions() == 0) ZU_RAISE_LAST_ERROR();
     }
 
     void lock() override
@@ -34,14 +33,14 @@ public:
         {
             // The dead holder's mutex is ours now, which no caller expects who sees an exception.
             ReleaseMutex(_mutex);
-            SetLastError(ERROR_ABANDONED_WAIT_0);
+            ZU_RAISE_SYSTEM_ERROR(ERROR_ABANDONED_WAIT_0);
         }
-        throw ExSysErrorWindows(__FILE__, __LINE__);
+        ZU_RAISE_LAST_ERROR();
     }
 
     void unlock() override
     {
-        if (!ReleaseMutex(_mutex)) throw ExSysErrorWindows(__FILE__, __LINE__);
+        if (!ReleaseMutex(_mutex)) ZU_RAISE_LAST_ERROR();
     }
 
 private:

@@ -1,9 +1,11 @@
 #include "base/osCpuInfo.h"
 
-#include "base/exSysError.h"
+#include "base/exRaise.h"
 #include "base/internalAssert.h"
 #include "base/osCpuid.h"
 #include "base/osCpuPlatform.h"
+
+#include <cerrno>
 
 namespace Zu
 {
@@ -18,7 +20,7 @@ void OsCpuInfo::initialize()
     _type = osCpuTypeOf(osCpuArchitecture());
     _hasMMX = osCpuHasMMX();
     _hasSSE = osCpuHasSSE();
-    if (!osCounterFrequency(_hwCounterFrequency)) throw ExSysErrorANSI(__FILE__, __LINE__);
+    if (!osCounterFrequency(_hwCounterFrequency)) ZU_RAISE_ERRNO(errno);
     ZU_INTERNAL_ASSERT(_hwCounterFrequency != 0);
 }
 

@@ -1,9 +1,10 @@
 #include "base/osCpuInfo.h"
 
 #include "base/compilerSupport.h"
-#include "base/exSysError.h"
+#include "base/exRaise.h"
 #include "base/osCpuPlatform.h"
 
+#include <cerrno>
 #include <ctime>
 #include <unistd.h>
 
@@ -51,7 +52,7 @@ int osPageSize()
 std::uint64_t OsCpuInfo::getHwCounterValue()
 {
     timespec now;
-    if (clock_gettime(CLOCK_MONOTONIC, &now) != 0) throw ExSysErrorANSI(__FILE__, __LINE__);
+    if (clock_gettime(CLOCK_MONOTONIC, &now) != 0) ZU_RAISE_ERRNO(errno);
     return static_cast<std::uint64_t>(now.tv_sec) * TICKS_PER_SECOND +
            static_cast<std::uint64_t>(now.tv_nsec);
 }

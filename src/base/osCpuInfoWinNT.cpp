@@ -1,6 +1,6 @@
 #include "base/osCpuInfo.h"
 
-#include "base/exSysError.h"
+#include "base/exRaise.h"
 #include "base/osCpuPlatform.h"
 
 #include <cerrno>
@@ -48,11 +48,7 @@ int osPageSize()
 std::uint64_t OsCpuInfo::getHwCounterValue()
 {
     LARGE_INTEGER value;
-    if (!QueryPerformanceCounter(&value))
-    {
-        errno = ENOSYS;
-        throw ExSysErrorANSI(__FILE__, __LINE__);
-    }
+    if (!QueryPerformanceCounter(&value)) ZU_RAISE_ERRNO(ENOSYS);
     return static_cast<std::uint64_t>(value.QuadPart);
 }
 

@@ -1,6 +1,6 @@
 #include "base/osDirectory.h"
 
-#include "base/exSysError.h"
+#include "base/exRaise.h"
 #include "base/osFileEx.h"
 #include "base/osFileHandle.h"
 #include "base/osFilePlatform.h"
@@ -133,15 +133,13 @@ OsDirectory::~OsDirectory() = default;
 void OsDirectory::create(const OsFileTypes::Permissions& permissions)
 {
     checkNotEmpty(getPath());
-    if (!OsFilePlatform::createDirectory(getPath().getChars(), permissions))
-        throw ExSysErrorWindows(__FILE__, __LINE__);
+    if (!OsFilePlatform::createDirectory(getPath().getChars(), permissions)) ZU_RAISE_LAST_ERROR();
 }
 
 void OsDirectory::remove()
 {
     checkNotEmpty(getPath());
-    if (!OsFilePlatform::removeDirectory(getPath().getChars()))
-        throw ExSysErrorWindows(__FILE__, __LINE__);
+    if (!OsFilePlatform::removeDirectory(getPath().getChars())) ZU_RAISE_LAST_ERROR();
 }
 
 // Hands each child's name that the filter accepts on, until one is refused.
@@ -154,7 +152,7 @@ void OsDirectory::scan(const OsFileFilter& filter, const Accept& accept) const
     Scan::Result result;
     while ((result = entries.next(name)) == Scan::Result::Name)
         if (filter.filter(getPath() + name) && !accept(name)) return;
-    if (result == Scan::Result::Failed) throw ExSysErrorWindows(__FILE__, __LINE__);
+    if (result == Scan::Result::Failed) ZU_RAISE_LAST_ERROR();
 }
 
 ObjPtrRet<Vector<OsFilePath>> OsDirectory::getChildrenPath(OsFileTypes::PathTypes type,
@@ -206,8 +204,7 @@ void OsDirectory::removeChildren(const OsFileFilter& filter)
     for (const OsFilePath& path : *paths)
         if (OsFilePlatform::isLink(path.getChars()))
         {
-            if (!OsFilePlatform::removeLink(path.getChars()))
-                throw ExSysErrorWindows(__FILE__, __LINE__);
+            if (!OsFilePlatform::removeLink(path.getChars())) ZU_RAISE_LAST_ERROR();
         }
         else if (OsFsUtils::isDirectory(path.getChars()))
             OsFsUtils::removeDir(path.getChars());

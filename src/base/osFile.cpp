@@ -1,7 +1,7 @@
 #include "base/osFile.h"
 
 #include "base/duplicateString.h"
-#include "base/exSysError.h"
+#include "base/exRaise.h"
 #include "base/osDateUtil.h"
 #include "base/osFileEx.h"
 #include "base/osFileHandle.h"
@@ -72,8 +72,7 @@ ArrayPtrRet<char> OsFile::getOwner() const
 {
     checkExists();
     std::string owner;
-    if (!OsFilePlatform::ownerOf(_path.getChars(), owner))
-        throw ExSysErrorWindows(__FILE__, __LINE__);
+    if (!OsFilePlatform::ownerOf(_path.getChars(), owner)) ZU_RAISE_LAST_ERROR();
     return duplicateString(owner.c_str());
 }
 
@@ -81,13 +80,9 @@ std::uint32_t OsFile::getSize() const
 {
     checkExists();
     std::uint64_t size = 0;
-    if (!OsFilePlatform::sizeOf(_path.getChars(), size))
-        throw ExSysErrorWindows(__FILE__, __LINE__);
+    if (!OsFilePlatform::sizeOf(_path.getChars(), size)) ZU_RAISE_LAST_ERROR();
     if (size >= std::numeric_limits<std::uint32_t>::max())
-    {
-        OsFilePlatform::setLastError(OsFilePlatform::Error::TooLarge);
-        throw ExSysErrorWindows(__FILE__, __LINE__);
-    }
+        ZU_RAISE_SYSTEM_ERROR(OsFilePlatform::codeOf(OsFilePlatform::Error::TooLarge));
     return static_cast<std::uint32_t>(size);
 }
 
@@ -114,8 +109,7 @@ OsFileTypes::ElementType OsFile::getType() const
 {
     checkExists();
     OsFileTypes::ElementType type;
-    if (!OsFilePlatform::typeOf(_path.getChars(), type))
-        throw ExSysErrorWindows(__FILE__, __LINE__);
+    if (!OsFilePlatform::typeOf(_path.getChars(), type)) ZU_RAISE_LAST_ERROR();
     return type;
 }
 
@@ -139,8 +133,7 @@ ObjPtrRet<OsDateTypes::DateRep> OsFile::getLastModificationTime() const
 {
     checkExists();
     Moment moment;
-    if (!OsFilePlatform::lastModificationOf(_path.getChars(), moment))
-        throw ExSysErrorWindows(__FILE__, __LINE__);
+    if (!OsFilePlatform::lastModificationOf(_path.getChars(), moment)) ZU_RAISE_LAST_ERROR();
     return dateOf(moment);
 }
 
@@ -148,8 +141,7 @@ ObjPtrRet<OsDateTypes::DateRep> OsFile::getLastAccessTime() const
 {
     checkExists();
     Moment moment;
-    if (!OsFilePlatform::lastAccessOf(_path.getChars(), moment))
-        throw ExSysErrorWindows(__FILE__, __LINE__);
+    if (!OsFilePlatform::lastAccessOf(_path.getChars(), moment)) ZU_RAISE_LAST_ERROR();
     return dateOf(moment);
 }
 
@@ -158,8 +150,7 @@ ObjPtrRet<OsFileTypes::UnbufferedInfo> OsFile::getUnbufferedInfo() const
     constexpr std::uint32_t LARGEST_TRANSFER = 0x7fffffff;
     checkExists();
     OsFilePlatform::Volume volume;
-    if (!OsFilePlatform::volumeOf(_path.getChars(), volume))
-        throw ExSysErrorWindows(__FILE__, __LINE__);
+    if (!OsFilePlatform::volumeOf(_path.getChars(), volume)) ZU_RAISE_LAST_ERROR();
     if (volume._isRemote)
         throw OsFileEx::ExNoRemoteUnbuffered(__FILE__, __LINE__, volume._name.c_str());
     return ObjPtrRet<OsFileTypes::UnbufferedInfo>(
@@ -175,7 +166,7 @@ void OsFile::create(const OsFileTypes::Permissions& permissions, bool exclusive)
 void OsFile::remove()
 {
     checkPath();
-    if (!OsFilePlatform::remove(_path.getChars())) throw ExSysErrorWindows(__FILE__, __LINE__);
+    if (!OsFilePlatform::remove(_path.getChars())) ZU_RAISE_LAST_ERROR();
 }
 
 void OsFile::renameTo(const OsFilePath& path)
@@ -183,8 +174,7 @@ void OsFile::renameTo(const OsFilePath& path)
     checkPath();
     checkNotEmpty(path);
     const OsFilePath newPath = path;
-    if (!OsFilePlatform::rename(_path.getChars(), newPath.getChars()))
-        throw ExSysErrorWindows(__FILE__, __LINE__);
+    if (!OsFilePlatform::rename(_path.getChars(), newPath.getChars())) ZU_RAISE_LAST_ERROR();
     setPath(newPath);
 }
 
@@ -206,13 +196,13 @@ std::int64_t OsFile::open(int access) const
 {
     checkPath();
     const std::int64_t handle = OsFilePlatform::openExisting(_path.getChars(), access);
-    if (handle == OsFilePlatform::NONE) throw ExSysErrorWindows(__FILE__, __LINE__);
+    if (handle == OsFilePlatform::NONE) ZU_RAISE_LAST_ERROR();
     return handle;
 }
 
 void OsFile::close(std::int64_t handle) const
 {
-    if (OsFilePlatform::close(handle) != Closed::Done) throw ExSysErrorWindows(__FILE__, __LINE__);
+    if (OsFilePlatform::close(handle) != Closed::Done) ZU_RAISE_LAST_ERROR();
 }
 
 } // namespace Zu

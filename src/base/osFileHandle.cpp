@@ -1,6 +1,6 @@
 #include "base/osFileHandle.h"
 
-#include "base/exSysError.h"
+#include "base/exRaise.h"
 #include "base/osFileEx.h"
 #include "base/osFilePlatform.h"
 #include "base/osFsUtils.h"
@@ -31,8 +31,7 @@ bool isBarred(const char* target)
 void check(std::int64_t handle)
 {
     if (handle != OsFilePlatform::NONE) return;
-    errno = EBADF;
-    throw ExSysErrorANSI(__FILE__, __LINE__);
+    ZU_RAISE_ERRNO(EBADF);
 }
 
 void checkNotEmpty(const OsFilePath& path)
@@ -44,8 +43,7 @@ std::int64_t seek(std::int64_t handle, std::int64_t offset, OsFileTypes::SeekMod
 {
     check(handle);
     std::int64_t position = 0;
-    if (!OsFilePlatform::seek(handle, offset, mode, position))
-        throw ExSysErrorWindows(__FILE__, __LINE__);
+    if (!OsFilePlatform::seek(handle, offset, mode, position)) ZU_RAISE_LAST_ERROR();
     return position;
 }
 
@@ -56,8 +54,7 @@ std::int32_t seek32(std::int64_t handle, std::int32_t offset, OsFileTypes::SeekM
     if (position <= std::numeric_limits<std::int32_t>::max())
         return static_cast<std::int32_t>(position);
     seek(handle, before, OsFileTypes::SeekBegin);
-    OsFilePlatform::setLastError(OsFilePlatform::Error::TooLarge);
-    throw ExSysErrorWindows(__FILE__, __LINE__);
+    ZU_RAISE_SYSTEM_ERROR(OsFilePlatform::codeOf(OsFilePlatform::Error::TooLarge));
 }
 
 std::uint32_t read(std::int64_t handle, void* buffer, std::uint32_t size)
@@ -68,7 +65,7 @@ std::uint32_t read(std::int64_t handle, void* buffer, std::uint32_t size)
     {
         std::uint32_t count = 0;
         const bool isRead = OsFilePlatform::read(handle, bytes + total, size - total, count);
-        if (!isRead && total == 0) throw ExSysErrorWindows(__FILE__, __LINE__);
+        if (!isRead && total == 0) ZU_RAISE_LAST_ERROR();
         total += count;
         // No call gives more than 2 GiB, and of what is no file another one might wait for ever.
         if (count == 0 || total == size || !OsFilePlatform::isPlain(handle)) return total;
@@ -87,8 +84,8 @@ void writeAll(std::int64_t handle, std::string_view content, std::uint64_t& writ
         const bool isDone = OsFilePlatform::write(handle, piece.data(), size, count);
         written += count;
         if (isDone && count == size) continue;
-        if (isDone) OsFilePlatform::setLastError(OsFilePlatform::Error::DiskFull);
-        throw ExSysErrorWindows(__FILE__, __LINE__);
+        if (isDone) ZU_RAISE_SYSTEM_ERROR(OsFilePlatform::codeOf(OsFilePlatform::Error::DiskFull));
+        ZU_RAISE_LAST_ERROR();
     }
 }
 
@@ -121,14 +118,14 @@ void close(std::int64_t& handle)
     check(handle);
     const OsFilePlatform::Closed result = OsFilePlatform::close(handle);
     if (result != OsFilePlatform::Closed::Failed) handle = OsFilePlatform::NONE;
-    if (result != OsFilePlatform::Closed::Done) throw ExSysErrorWindows(__FILE__, __LINE__);
+    if (result != OsFilePlatform::Closed::Done) ZU_RAISE_LAST_ERROR();
 }
 
 void closeAtEnd(std::int64_t handle)
 {
     if (handle == OsFilePlatform::NONE) return;
     const bool isClosed = OsFilePlatform::close(handle) == OsFilePlatform::Closed::Done;
-    if (!isClosed && std::uncaught_exceptions() == 0) throw ExSysErrorWindows(__FILE__, __LINE__);
+    if (!isClosed && std::uncaught_exceptions() == 0) ZU_RAISE_LAST_ERROR();
 }
 
 } // namespace Zu::OsFileHandle

@@ -1,7 +1,7 @@
 #include "base/osFilePath.h"
 
 #include "base/duplicateString.h"
-#include "base/exSysError.h"
+#include "base/exRaise.h"
 #include "base/exSystemCode.h"
 #include "base/osFileEx.h"
 #include "base/osPathText.h"
@@ -153,7 +153,7 @@ char* OsFilePath::getHomeDir(char* buffer)
     if (std::strlen(home) >= BUFFER_SIZE)
     {
         setLastSystemCode(OsPlatformPath::nameTooLong());
-        throw ExSysErrorWindows(__FILE__, __LINE__);
+        ZU_RAISE_LAST_ERROR();
     }
     std::strcpy(buffer, home);
     std::replace(buffer, buffer + std::strlen(buffer), '/', *getSeparator());

@@ -1,6 +1,6 @@
 #include "base/osFilePath.h"
 
-#include "base/exSysError.h"
+#include "base/exRaise.h"
 #include "base/osPathText.h"
 #include "base/osPlatformPath.h"
 
@@ -19,11 +19,7 @@ namespace
 // Hands a path to a buffer that every caller has made of the same size.
 char* copyToBuffer(const std::string& path, char* buffer, std::size_t size)
 {
-    if (path.size() >= size)
-    {
-        errno = ENAMETOOLONG;
-        throw ExSysErrorWindows(__FILE__, __LINE__);
-    }
+    if (path.size() >= size) ZU_RAISE_SYSTEM_ERROR(ENAMETOOLONG);
     std::memcpy(buffer, path.c_str(), path.size() + 1);
     return buffer;
 }
@@ -64,14 +60,10 @@ char* OsFilePath::getTempDir(char* buffer)
 
 const char* OsFilePath::performGetFullPath(const char* path, char* buffer)
 {
-    if (*path == '\0')
-    {
-        errno = ENOENT;
-        throw ExSysErrorWindows(__FILE__, __LINE__);
-    }
+    if (*path == '\0') ZU_RAISE_SYSTEM_ERROR(ENOENT);
     char currentDir[4096] = "";
     if (!osIsAbsoluteWithoutDrive(path) && !getcwd(currentDir, sizeof currentDir))
-        throw ExSysErrorWindows(__FILE__, __LINE__);
+        ZU_RAISE_LAST_ERROR();
     copyToBuffer(osLexicalFullPath(currentDir, path), buffer, BUFFER_SIZE);
     const char* const lastElement = std::strrchr(buffer, '/') + 1;
     return *lastElement ? lastElement : nullptr;

@@ -1,6 +1,6 @@
 #include "base/osFilePath.h"
 
-#include "base/exSysError.h"
+#include "base/exRaise.h"
 #include "base/osPathText.h"
 #include "base/osPlatformPath.h"
 
@@ -18,8 +18,8 @@ namespace
 void checkLength(DWORD length, std::size_t size)
 {
     if (length > 0 && length < size) return;
-    if (length >= size) SetLastError(ERROR_FILENAME_EXCED_RANGE);
-    throw ExSysErrorWindows(__FILE__, __LINE__);
+    if (length >= size) ZU_RAISE_SYSTEM_ERROR(ERROR_FILENAME_EXCED_RANGE);
+    ZU_RAISE_LAST_ERROR();
 }
 
 } // namespace

@@ -151,7 +151,7 @@ std::string resolved(const char* path);
 bool createDirectory(const char* path, const OsFileTypes::Permissions& permissions);
 bool removeDirectory(const char* path);
 
-/// The errors that setLastError() can set.
+/// What no call of the platform reports, and its code on the platform.
 enum class Error
 {
     DiskFull,
@@ -159,7 +159,7 @@ enum class Error
     TooManyLinks
 };
 
-void setLastError(Error error);
+int codeOf(Error error);
 
 /// The names in a directory, in the platform's order, without "." and "..".
 class Scan

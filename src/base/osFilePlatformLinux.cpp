@@ -357,20 +357,18 @@ bool removeDirectory(const char* path)
     return rmdir(path) == 0;
 }
 
-void setLastError(Error error)
+int codeOf(Error error)
 {
     switch (error)
     {
     case Error::DiskFull:
-        errno = ENOSPC;
-        break;
+        return ENOSPC;
     case Error::TooLarge:
-        errno = EFBIG;
-        break;
+        return EFBIG;
     case Error::TooManyLinks:
-        errno = ELOOP;
         break;
     }
+    return ELOOP;
 }
 
 struct Scan::State

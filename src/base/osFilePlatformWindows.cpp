@@ -330,20 +330,18 @@ bool removeDirectory(const char* path)
     return RemoveDirectoryA(path);
 }
 
-void setLastError(Error error)
+int codeOf(Error error)
 {
     switch (error)
     {
     case Error::DiskFull:
-        SetLastError(ERROR_DISK_FULL);
-        break;
+        return ERROR_DISK_FULL;
     case Error::TooLarge:
-        SetLastError(ERROR_FILE_TOO_LARGE);
-        break;
+        return ERROR_FILE_TOO_LARGE;
     case Error::TooManyLinks:
-        SetLastError(ERROR_CANT_RESOLVE_FILENAME);
         break;
     }
+    return ERROR_CANT_RESOLVE_FILENAME;
 }
 
 struct Scan::State

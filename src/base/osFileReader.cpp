@@ -1,6 +1,6 @@
 #include "base/osFileReader.h"
 
-#include "base/exSysError.h"
+#include "base/exRaise.h"
 #include "base/osFileHandle.h"
 #include "base/osFilePlatform.h"
 
@@ -23,7 +23,7 @@ void OsFileReader::performOpen()
 {
     OsFileHandle::checkNotEmpty(_path);
     _handle = OsFilePlatform::openExisting(_path.getChars(), OsFileTypes::AccessRead);
-    if (_handle == OsFilePlatform::NONE) throw ExSysErrorWindows(__FILE__, __LINE__);
+    if (_handle == OsFilePlatform::NONE) ZU_RAISE_LAST_ERROR();
 }
 
 std::int32_t OsFileReader::seek(std::int32_t offset, OsFileTypes::SeekMode mode)

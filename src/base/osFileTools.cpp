@@ -1,6 +1,6 @@
 #include "base/osFileTools.h"
 
-#include "base/exSysError.h"
+#include "base/exRaise.h"
 #include "base/osFileEx.h"
 #include "base/osFileHandle.h"
 #include "base/osFilePlatform.h"
@@ -103,10 +103,7 @@ OsFilePath behindLinks(const OsFilePath& path)
     for (int links = 0; OsFilePlatform::linkTarget(place.getChars(), target); ++links)
     {
         if (links == MOST_LINKS)
-        {
-            OsFilePlatform::setLastError(OsFilePlatform::Error::TooManyLinks);
-            throw ExSysErrorWindows(__FILE__, __LINE__);
-        }
+            ZU_RAISE_SYSTEM_ERROR(OsFilePlatform::codeOf(OsFilePlatform::Error::TooManyLinks));
         const OsFilePath next(target.c_str());
         place = next.isAbsolute() ? next : OsFilePath((directoryOf(place) + target).c_str());
     }
@@ -125,8 +122,7 @@ void removeTree(const OsFilePath& path)
 {
     if (OsFilePlatform::isLink(path.getChars()))
     {
-        if (!OsFilePlatform::removeLink(path.getChars()))
-            throw ExSysErrorWindows(__FILE__, __LINE__);
+        if (!OsFilePlatform::removeLink(path.getChars())) ZU_RAISE_LAST_ERROR();
         return;
     }
     if (!OsFsUtils::isDirectory(path.getChars()))
@@ -147,7 +143,7 @@ std::uint64_t OsFileTools::getSize64(const OsFilePath& path)
 {
     if (!OsFile(path).exists()) throw OsFileEx::ExInvalidPath(__FILE__, __LINE__, path.getChars());
     std::uint64_t size = 0;
-    if (!OsFilePlatform::sizeOf(path.getChars(), size)) throw ExSysErrorWindows(__FILE__, __LINE__);
+    if (!OsFilePlatform::sizeOf(path.getChars(), size)) ZU_RAISE_LAST_ERROR();
     return size;
 }
 
@@ -166,7 +162,7 @@ std::int64_t OsFileTools::seek64(OsFileWriter& writer, std::int64_t offset,
 void OsFileTools::reserve64(OsFileWriter& writer, std::int64_t size)
 {
     OsFileHandle::check(writer._handle);
-    if (!OsFilePlatform::resize(writer._handle, size)) throw ExSysErrorWindows(__FILE__, __LINE__);
+    if (!OsFilePlatform::resize(writer._handle, size)) ZU_RAISE_LAST_ERROR();
 }
 
 void OsFileTools::writeAll(OsFileWriter& writer, std::string_view content, std::uint64_t& written)
@@ -197,10 +193,9 @@ void OsFileTools::replaceAll(const OsFilePath& path, std::string_view content,
     std::uint64_t written = 0;
     writeAll(beside._writer, content, written);
     if (isThere) OsFilePlatform::keepOwnerAndModes(target.getChars(), beside._writer._handle);
-    if (!OsFilePlatform::flush(beside._writer._handle)) throw ExSysErrorWindows(__FILE__, __LINE__);
+    if (!OsFilePlatform::flush(beside._writer._handle)) ZU_RAISE_LAST_ERROR();
     beside._writer.close();
-    if (!OsFilePlatform::replace(beside._path.getChars(), target.getChars()))
-        throw ExSysErrorWindows(__FILE__, __LINE__);
+    if (!OsFilePlatform::replace(beside._path.getChars(), target.getChars())) ZU_RAISE_LAST_ERROR();
     beside._isTaken = true;
     OsFilePlatform::flushDirectoryOf(target.getChars());
 }
@@ -231,8 +226,7 @@ public:
         if (OsFsUtils::isDirectory(target.getChars())) return;
         constexpr int ALL =
             OsFileTypes::AccessRead | OsFileTypes::AccessWrite | OsFileTypes::AccessExecute;
-        if (!OsFilePlatform::createDirectory(target.getChars(), {ALL, 0, 0}))
-            throw ExSysErrorWindows(__FILE__, __LINE__);
+        if (!OsFilePlatform::createDirectory(target.getChars(), {ALL, 0, 0})) ZU_RAISE_LAST_ERROR();
     }
 
     void leaveDirectory(const OsFilePath& target) override
@@ -250,7 +244,7 @@ private:
         OpenDirectory(const OsFilePath& path, int access)
             : _handle(OsFilePlatform::openDirectory(path.getChars(), access))
         {
-            if (_handle == OsFilePlatform::NONE) throw ExSysErrorWindows(__FILE__, __LINE__);
+            if (_handle == OsFilePlatform::NONE) ZU_RAISE_LAST_ERROR();
         }
         OpenDirectory(const OpenDirectory&) = delete;
         OpenDirectory& operator=(const OpenDirectory&) = delete;
@@ -265,15 +259,13 @@ private:
     static Attributes attributesOf(OsFilePlatform::Handle handle)
     {
         Attributes attributes;
-        if (!OsFilePlatform::attributesOf(handle, attributes))
-            throw ExSysErrorWindows(__FILE__, __LINE__);
+        if (!OsFilePlatform::attributesOf(handle, attributes)) ZU_RAISE_LAST_ERROR();
         return attributes;
     }
 
     static void setAttributes(OsFilePlatform::Handle handle, const Attributes& attributes)
     {
-        if (!OsFilePlatform::setAttributes(handle, attributes))
-            throw ExSysErrorWindows(__FILE__, __LINE__);
+        if (!OsFilePlatform::setAttributes(handle, attributes)) ZU_RAISE_LAST_ERROR();
     }
 
     // Of the directories that were entered.

@@ -1,6 +1,6 @@
 #include "base/osFileWriter.h"
 
-#include "base/exSysError.h"
+#include "base/exRaise.h"
 #include "base/osFileHandle.h"
 #include "base/osFilePlatform.h"
 
@@ -29,7 +29,7 @@ void OsFileWriter::performOpen(const OsFileTypes::Permissions& permissions, bool
 {
     OsFileHandle::checkNotEmpty(_path);
     _handle = OsFilePlatform::openNew(_path.getChars(), permissions, exclusive);
-    if (_handle == OsFilePlatform::NONE) throw ExSysErrorWindows(__FILE__, __LINE__);
+    if (_handle == OsFilePlatform::NONE) ZU_RAISE_LAST_ERROR();
 }
 
 std::int32_t OsFileWriter::seek(std::int32_t offset, OsFileTypes::SeekMode mode)
@@ -41,15 +41,14 @@ std::uint32_t OsFileWriter::write(const void* buffer, std::uint32_t size)
 {
     OsFileHandle::check(_handle);
     std::uint32_t count = 0;
-    if (!OsFilePlatform::write(_handle, buffer, size, count))
-        throw ExSysErrorWindows(__FILE__, __LINE__);
+    if (!OsFilePlatform::write(_handle, buffer, size, count)) ZU_RAISE_LAST_ERROR();
     return count;
 }
 
 void OsFileWriter::reserve(std::uint32_t size)
 {
     OsFileHandle::check(_handle);
-    if (!OsFilePlatform::resize(_handle, size)) throw ExSysErrorWindows(__FILE__, __LINE__);
+    if (!OsFilePlatform::resize(_handle, size)) ZU_RAISE_LAST_ERROR();
 }
 
 void OsFileWriter::close()

@@ -1,7 +1,7 @@
 #include "base/osFsUtils.h"
 
 #include "base/exInternalError.h"
-#include "base/exSysError.h"
+#include "base/exRaise.h"
 #include "base/osFileEx.h"
 #include "base/osFsPlatform.h"
 
@@ -54,13 +54,12 @@ void OsFsUtils::createDir(const char* path, bool)
             throw ExInternalError(__FILE__, __LINE__,
                                   "A regular file with the same path name exists.");
     }
-    throw ExSysErrorWindows(__FILE__, __LINE__);
+    ZU_RAISE_LAST_ERROR();
 }
 
 void OsFsUtils::removeDir(const char* path)
 {
-    if (osFsRemoveDir(nameOf(path)) != OsFsResult::Done)
-        throw ExSysErrorWindows(__FILE__, __LINE__);
+    if (osFsRemoveDir(nameOf(path)) != OsFsResult::Done) ZU_RAISE_LAST_ERROR();
 }
 
 bool OsFsUtils::fileExists(const char* path)
@@ -75,7 +74,7 @@ void OsFsUtils::createFile(const char* path, const OsFileTypes::Permissions& per
     const OsFsResult result = osFsCreateFile(path, permissions, exclusive);
     if (result == OsFsResult::Done) return;
     if (result == OsFsResult::Exists && exclusive) throw OsFileEx::ExFileExists(__FILE__, __LINE__);
-    throw ExSysErrorWindows(__FILE__, __LINE__);
+    ZU_RAISE_LAST_ERROR();
 }
 
 void OsFsUtils::deleteFile(const char* path)
@@ -84,7 +83,7 @@ void OsFsUtils::deleteFile(const char* path)
     if (result == OsFsResult::Done || result == OsFsResult::NoError) return;
     // What has no name is not a file that is missing.
     if (result == OsFsResult::Missing && *nameOf(path) != '\0') return;
-    throw ExSysErrorWindows(__FILE__, __LINE__);
+    ZU_RAISE_LAST_ERROR();
 }
 
 bool OsFsUtils::isDirectory(const char* path)

@@ -1,6 +1,6 @@
 #include "base/osProcess.h"
 
-#include "base/exSysError.h"
+#include "base/exRaise.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -86,9 +86,7 @@ public:
 
     static void check(int error)
     {
-        if (error == 0) return;
-        errno = error;
-        throw ExSysErrorWindows(__FILE__, __LINE__);
+        if (error != 0) ZU_RAISE_SYSTEM_ERROR(error);
     }
 
     const posix_spawn_file_actions_t* get() const

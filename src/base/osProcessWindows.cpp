@@ -1,6 +1,6 @@
 #include "base/osProcess.h"
 
-#include "base/exSysError.h"
+#include "base/exRaise.h"
 #include "base/osCommandLine.h"
 
 #include <string>
@@ -36,7 +36,7 @@ ObjPtrRet<OsProcessImp> OsProcess::performStart(const char* const* argv)
     startup.cb = sizeof startup;
     if (!CreateProcessA(nullptr, line.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr,
                         &startup, &child->_process))
-        throw ExSysErrorWindows(__FILE__, __LINE__);
+        ZU_RAISE_LAST_ERROR();
     return ObjPtrRet<OsProcessImp>(child.release());
 }
 

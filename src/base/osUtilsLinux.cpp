@@ -1,7 +1,7 @@
 #include "base/osUtils.h"
 
 #include "base/duplicateString.h"
-#include "base/exSysError.h"
+#include "base/exRaise.h"
 
 #include <cerrno>
 #include <climits>
@@ -32,7 +32,7 @@ std::uint32_t OsUtils::getThreadId()
 ArrayPtrRet<char> OsUtils::getHostName()
 {
     char name[HOST_NAME_MAX + 1];
-    if (gethostname(name, sizeof name) != 0) throw ExSysErrorANSI(__FILE__, __LINE__);
+    if (gethostname(name, sizeof name) != 0) ZU_RAISE_ERRNO(errno);
     return duplicateString(name, HOST_NAME_MAX);
 }
 
@@ -47,11 +47,7 @@ ArrayPtrRet<char> OsUtils::getUserName(bool)
         if (error == ERANGE) buffer.resize(2 * buffer.size());
         error = getpwuid_r(geteuid(), &record, buffer.data(), buffer.size(), &found);
     } while (error == ERANGE || error == EINTR);
-    if (!found)
-    {
-        errno = error != 0 ? error : ENOENT;
-        throw ExSysErrorANSI(__FILE__, __LINE__);
-    }
+    if (!found) ZU_RAISE_ERRNO(error != 0 ? error : ENOENT);
     return duplicateString(record.pw_name);
 }
 

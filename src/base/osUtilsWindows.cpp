@@ -1,6 +1,6 @@
 #include "base/osUtils.h"
 
-#include "base/exSysError.h"
+#include "base/exRaise.h"
 
 #include <cerrno>
 #include <process.h>
@@ -22,8 +22,7 @@ ArrayPtrRet<char> queryName(NameQuery query, DWORD size)
     {
         const bool isTooLong =
             GetLastError() == ERROR_BUFFER_OVERFLOW || GetLastError() == ERROR_INSUFFICIENT_BUFFER;
-        errno = isTooLong ? ENAMETOOLONG : ENOENT;
-        throw ExSysErrorANSI(__FILE__, __LINE__);
+        ZU_RAISE_ERRNO(isTooLong ? ENAMETOOLONG : ENOENT);
     }
     return name;
 }

@@ -1,6 +1,6 @@
 #include "base/periodicTimerBeat.h"
 
-#include "base/exSysError.h"
+#include "base/exRaise.h"
 #include "base/internalAssert.h"
 #include "base/osDescriptor.h"
 #include "base/sleeper.h"
@@ -23,7 +23,7 @@ public:
     Timer()
         : _descriptor(osAboveStandard(timerfd_create(CLOCK_MONOTONIC, TFD_NONBLOCK | TFD_CLOEXEC)))
     {
-        if (_descriptor < 0) throw ExSysErrorWindows(__FILE__, __LINE__);
+        if (_descriptor < 0) ZU_RAISE_LAST_ERROR();
     }
 
     Timer(const Timer&) = delete;

@@ -1,6 +1,6 @@
 #include "base/periodicTimerBeat.h"
 
-#include "base/exSysError.h"
+#include "base/exRaise.h"
 #include "base/internalAssert.h"
 #include "base/timerPeriod.h"
 
@@ -19,7 +19,7 @@ class Event
 public:
     Event() : _handle(CreateEventA(nullptr, TRUE, FALSE, nullptr))
     {
-        if (!_handle) throw ExSysErrorWindows(__FILE__, __LINE__);
+        if (!_handle) ZU_RAISE_LAST_ERROR();
     }
 
     Event(const Event&) = delete;

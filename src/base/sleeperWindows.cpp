@@ -1,6 +1,6 @@
 #include "base/sleeper.h"
 
-#include "base/exSysError.h"
+#include "base/exRaise.h"
 #include "base/osCpuInfo.h"
 #include "base/timerPeriod.h"
 
@@ -62,7 +62,7 @@ public:
         Sleep(10);
         _secondsPerTick = 1.0 / static_cast<double>(OsCpuInfo::getHwCounterFrequency());
         _slot = TlsAlloc();
-        if (_slot == TLS_OUT_OF_INDEXES) throw ExSysErrorWindows(__FILE__, __LINE__);
+        if (_slot == TLS_OUT_OF_INDEXES) ZU_RAISE_LAST_ERROR();
     }
 
     ~SleeperWindows() override

@@ -26,6 +26,8 @@ PLATFORM_MACRO = re.compile(
     r"|_*(linux|gnu_linux|unix|APPLE|MACH|FreeBSD|NetBSD|OpenBSD|ANDROID)(__)?)\b")
 HAS_HEADER = re.compile(r"__has_include\s*\(\s*[<\"]([^>\"]+)")
 ASKS_PLATFORM = "base/baseApi.h"
+SYSTEM_ERROR = re.compile(r"\bthrow\s+(Zu::)?ExSysError\w*")
+RAISES_SYSTEM_ERRORS = "base/exRaise.cpp"
 LINE_LENGTH = 100
 
 
@@ -69,6 +71,14 @@ def checkPlatforms(sources, errors):
             platform = platformOf(name)
             if platform and source.platform != platform:
                 errors.add(source.shown, line, "platform", f"{name} is for {platform} halves")
+
+
+def checkRaising(sources, errors):
+    """Errors of the system are raised in one way."""
+    for source in sources.values():
+        for line, text in enumerate(source.lines, 1):
+            if SYSTEM_ERROR.search(text) and source.name != RAISES_SYSTEM_ERRORS:
+                errors.add(source.shown, line, "raising", "exRaise.h has the macro for this")
 
 
 def checkHeaders(sources, errors):
@@ -154,6 +164,7 @@ def check(root, requireTests):
     sources = readSources(root)
     checkOwnHeaderFirst(sources, table, errors)
     checkPlatforms(sources, errors)
+    checkRaising(sources, errors)
     checkHeaders(sources, errors)
     checkPublicHeaders(table, sources, errors)
     if requireTests:

@@ -265,6 +265,11 @@ class Sources(PolicyTest):
                     self.assertSources({file: own(stem, f"#include <{name}>")},
                                        f"{file}:2: [platform]")
 
+    def testSystemErrorRaisedByHand(self):
+        statement = "void f() { throw ExSysErrorWindows(__FILE__, __LINE__); }"
+        self.assertSources({"src/base/high.cpp": own("high", statement)},
+                           "src/base/high.cpp:2: [raising]")
+
     def testWrongGuard(self):
         self.assertSources({"src/base/low.h": header("lo")}, "src/base/low.h:1: [guard]")
         self.assertSources({"src/base/middle.imp": header("middle")},
