@@ -1,5 +1,6 @@
 /// @file
-/// A periodic timer but for the beat itself, which is the platform's. Internal to the library.
+/// A periodic timer except for the beat itself, which the platform provides. Internal to the
+/// library.
 
 #ifndef ZU_BASE_PERIODICTIMERBEAT_H
 #define ZU_BASE_PERIODICTIMERBEAT_H
@@ -12,8 +13,8 @@
 namespace Zu
 {
 
-/// The intervals that have gone by, rounded to the nearest whole number, of which the low 32 bits
-/// count.
+/// The number of elapsed intervals, rounded to the nearest whole number; only its low 32 bits are
+/// kept.
 std::uint32_t periodicTimerCount(double elapsed, double interval);
 
 class PeriodicTimerBeat : public PeriodicTimer
@@ -32,18 +33,18 @@ protected:
 
     static constexpr int NO_LIMIT = -1;
 
-    /// Lets the timer beat until a beat comes within two resolutions of the interval, or half a
-    /// second is over: then it is false. All in seconds; `now` tells the time.
+    /// Lets the timer beat until a beat comes within two resolutions of the interval; false if none
+    /// does within half a second. All in seconds; `now` returns the time.
     bool isBeating(double resolution, const std::function<double()>& now);
 
 private:
     bool hasGoodBeat(double resolution, const std::function<double()>& now);
 
-    /// Sets the platform's timer, to a first beat after so many milliseconds; none for 0.
+    /// Sets the platform's timer to a first beat after so many milliseconds; 0 means no beat.
     virtual void beginBeat(std::uint32_t milliseconds) = 0;
     virtual void endBeat() = 0;
 
-    /// Forgets beats that have come, and waits for the next, at most for so many milliseconds.
+    /// Discards the beats that have come, and waits at most so many milliseconds for the next.
     virtual void waitForBeat(int limit) = 0;
 };
 

@@ -1,5 +1,5 @@
 /// @file
-/// Numbers as the library writes them on streams.
+/// Numbers as the library writes them to streams.
 
 #ifndef ZU_BASE_PLAINNUMBER_H
 #define ZU_BASE_PLAINNUMBER_H
@@ -14,9 +14,9 @@ namespace Zu
 {
 
 /// @{
-/// Writes a number with the format of the stream, its width, fill character and precision
-/// included, but with the point of the locale "C" and without grouping, whatever locale the stream
-/// has. The stream's locale is left alone: another thread may be writing there.
+/// Writes a number in the format of the stream, including its width, fill character and precision,
+/// but with the decimal point of the locale "C" and without grouping, whatever the stream's locale.
+/// That locale is left unchanged, since another thread may be writing.
 ZU_BASE_API std::ostream& writePlain(std::ostream& os, short value);
 ZU_BASE_API std::ostream& writePlain(std::ostream& os, unsigned short value);
 ZU_BASE_API std::ostream& writePlain(std::ostream& os, int value);
@@ -29,7 +29,7 @@ ZU_BASE_API std::ostream& writePlain(std::ostream& os, float value);
 ZU_BASE_API std::ostream& writePlain(std::ostream& os, double value);
 /// @}
 
-/// A number that is written by no locale; see plainNumber().
+/// A number that is written independently of locales; see plainNumber().
 template <class T> class PlainNumber
 {
 public:
@@ -46,8 +46,9 @@ private:
     T _value;
 };
 
-/// The value as every text of the library has it, `os << plainNumber(seconds)`: by no locale, and a
-/// NaN without a sign. What is no number stays as it is: it has an insertion operator of its own.
+/// The value in the form of every text of the library, `os << plainNumber(seconds)`: independent of
+/// locales, and with NaNs without a sign. A value that is not a number is returned unchanged, since
+/// it has an insertion operator of its own.
 template <class T> constexpr auto plainNumber(const T& value)
 {
     if constexpr (std::is_arithmetic_v<T>)

@@ -9,12 +9,13 @@
 namespace Zu
 {
 
-/// As long as it lives, `snprintf()` and its like write numbers on the calling thread as the locale
-/// "C" has them, whatever `setlocale()` was called with. Where that is so anyway it does nothing.
-/// For formats that a client gives; the library's own numbers are written without any locale.
+/// While an object of this class exists, `snprintf()` and the like write numbers on the calling
+/// thread as in the locale "C", whatever `setlocale()` was called with. Does nothing if they do so
+/// anyway. It is for formats that a client gives; the library's own numbers are written without any
+/// locale.
 ///
-/// Thread-safety: on Linux other threads do not notice. On Windows the process has one locale, and
-/// they do, as with each number that a standard stream writes there.
+/// Thread-safety: on Linux other threads are not affected. On Windows the process has one locale,
+/// so they are, as they are by each number that a standard stream writes there.
 class PlainNumerals
 {
 public:
@@ -24,7 +25,7 @@ public:
     ~PlainNumerals();
 
 private:
-    // What the halves need to put the former state back.
+    // What the platform halves need to restore the former state.
     bool _isSet = false;
     void* _own = nullptr;
     void* _former = nullptr;

@@ -1,5 +1,5 @@
 /// @file
-/// The stream on which the library makes its texts.
+/// The stream in which the library builds its texts.
 
 #ifndef ZU_BASE_PLAINTEXTSTREAM_H
 #define ZU_BASE_PLAINTEXTSTREAM_H

@@ -12,8 +12,8 @@
 namespace Zu
 {
 
-/// Powers of two among unsigned 32-bit integers. What the operations give beyond the range is
-/// deliberate: counts of shifts are taken modulo 32.
+/// Powers of two among unsigned 32-bit integers. Results beyond the range are deliberate: shift
+/// counts are taken modulo 32.
 class Pow2
 {
 public:
@@ -33,21 +33,21 @@ public:
         return highestBit(x);
     }
 
-    /// The smallest k for which 2 to the power k is at or above `x`; 32 for 0 and above 2^31.
+    /// The smallest k for which 2 to the power k is at least `x`; 32 for 0 and above 2^31.
     static constexpr std::uint32_t log2Ceil(std::uint32_t x) noexcept
     {
         if (x == 0) return 32;
         return x == 1 ? 0 : highestBit(x - 1) + 1;
     }
 
-    /// The smallest power of two at or above `x`; 0 for 0, and 1 above 2^31.
+    /// The smallest power of two that is at least `x`; 0 for 0, and 1 above 2^31.
     static constexpr std::uint32_t ceil(std::uint32_t x) noexcept
     {
         return x == 0 ? 0 : exp(log2Ceil(x));
     }
 
 private:
-    // Of a number that is not 0.
+    // For a number that is not 0.
     static constexpr std::uint32_t highestBit(std::uint32_t x) noexcept
     {
         return 31U - static_cast<std::uint32_t>(Compiler::countLeadingZeros(x));

@@ -6,8 +6,8 @@
 
 #include <cstddef>
 
-/// Where the fields stand that are read, in bytes from the beginning of their record, and the least
-/// size of each record. All fields have 32 bits.
+/// The offsets of the fields that are read, in bytes from the beginning of their record, and the
+/// minimum size of each record. All fields have 32 bits.
 namespace Zu::PrPerfLayout
 {
 

@@ -14,10 +14,10 @@
 namespace Zu
 {
 
-// Deliberately without a virtual destructor: nobody deletes one through a base.
+// Deliberately without a virtual destructor: objects are not deleted through a base.
 ZU_IGNORE_NON_VIRTUAL_DTOR
 
-/// The figures of several profilers together, but for the deviation.
+/// The combined figures of several profilers, except for the deviation.
 class ZU_BASE_API ProfConsolidator
 {
 public:
@@ -25,12 +25,12 @@ public:
     ProfConsolidator(const ProfConsolidator&) = default;
     ProfConsolidator& operator=(const ProfConsolidator&) = default;
 
-    /// Adds the profiler's closed cycles. One without cycles has a least time of 0, which
+    /// Adds the profiler's closed cycles. A profiler without cycles has a minimum time of 0, which
     /// deliberately counts.
     virtual void consolidate(ProfilerBase& profiler);
 
     /// @{
-    /// Of all cycles, in seconds; 0 when there is none.
+    /// Over all cycles, in seconds; 0 if there are none.
     double totalTime() const;
     double averageTime() const;
     double minTime() const;

@@ -15,9 +15,9 @@
 namespace Zu
 {
 
-/// Statistics of cycles, of either kind of clock. A cycle holds any number of spans from a start to
-/// a stop, and ends with endCycle(). All times are in seconds. A profiler belongs to one thread at
-/// a time.
+/// Statistics of cycles, for either kind of clock. A cycle consists of any number of spans, each
+/// from a start to a stop, and ends with endCycle(). All times are in seconds. A profiler belongs
+/// to one thread at a time.
 class ZU_BASE_API ProfilerBase
 {
 public:
@@ -35,28 +35,28 @@ public:
     /// Begins a span of the cycle.
     virtual void start() = 0;
 
-    /// Adds the span from the last start to the cycle, however often it is called.
+    /// Adds the span since the last start to the cycle, at every call.
     virtual void stop() = 0;
 
     /// Closes the cycle, which counts even if nothing was started in it.
     virtual void endCycle() = 0;
 
-    /// Back to no cycle.
+    /// Discards all cycles.
     virtual void reset() = 0;
 
-    /// What the running cycle has so far.
+    /// The time of the running cycle so far.
     virtual double cycleTime() const = 0;
 
     /// @{
-    /// Of all closed cycles; so for what follows. Each is 0 when there is none.
+    /// Over all closed cycles, like the figures that follow. Each is 0 if there are none.
     virtual double totalTime() const = 0;
     virtual double averageTime() const = 0;
     virtual double minTime() const = 0;
     virtual double maxTime() const = 0;
     /// @}
 
-    /// The sample deviation; 0 for fewer than two cycles. It comes from running sums, deliberately:
-    /// when all cycles took the same time, rounding may make it a NaN.
+    /// The sample standard deviation; 0 for fewer than two cycles. It is deliberately computed from
+    /// running sums: when all cycles took the same time, rounding may make it a NaN.
     virtual double standardDeviation() const = 0;
 
     /// How many cycles were closed.
@@ -158,11 +158,11 @@ private:
     int _cycles = 0;
 };
 
-/// One span of a profiler, for the time of a scope.
+/// One span of a profiler, for the duration of a scope.
 class ProfilerSpan
 {
 public:
-    /// Starts the profiler, which must outlive the span; its end stops it.
+    /// Starts the profiler, which must outlive the span; the end of the span stops it.
     explicit ProfilerSpan(ProfilerBase& profiler) : _profiler(profiler)
     {
         _profiler.start();
@@ -180,11 +180,11 @@ private:
     ProfilerBase& _profiler;
 };
 
-/// One cycle of a profiler, for the time of a scope; what is measured are the spans in it.
+/// One cycle of a profiler, for the duration of a scope; the spans in it are measured.
 class ProfilerCycle
 {
 public:
-    /// The profiler must outlive the cycle, whose end closes it there.
+    /// The profiler must outlive this object, whose end closes the profiler's cycle.
     explicit ProfilerCycle(ProfilerBase& profiler) : _profiler(profiler) {}
     ProfilerCycle(const ProfilerCycle&) = delete;
     ProfilerCycle& operator=(const ProfilerCycle&) = delete;
@@ -198,8 +198,8 @@ private:
     ProfilerBase& _profiler;
 };
 
-/// Writes name, number of cycles and the six figures, a line each, and an empty line. The stream's
-/// precision counts; its flags, width and fill character are put back.
+/// Writes name, number of cycles and the six figures, one per line, and an empty line. The stream's
+/// precision applies; its flags, width and fill character are restored.
 ZU_BASE_API std::ostream& operator<<(std::ostream& os, const ProfilerBase& profiler);
 
 /// The same with nine decimals.

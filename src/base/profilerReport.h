@@ -13,9 +13,9 @@
 namespace Zu
 {
 
-/// The rows of a report on a stream: left-justified and fixed, with blanks. Puts flags, width and
-/// fill character back at its end. A width that the stream has is deliberately left for the first
-/// text of the report.
+/// The rows of a report on a stream: left-justified, in fixed notation, filled with blanks.
+/// Restores flags, width and fill character when it is destroyed. A width that is set on the stream
+/// is deliberately left for the first text of the report.
 class ProfilerReport
 {
 public:

@@ -1,5 +1,5 @@
 /// @file
-/// The exact ratio of two integers, as which every rate is held.
+/// The exact ratio of two integers, which represents every rate.
 
 #ifndef ZU_BASE_RATIONAL_H
 #define ZU_BASE_RATIONAL_H
@@ -17,16 +17,16 @@
 namespace Zu
 {
 
-/// A fraction in lowest terms with a positive denominator; 0 is held as 0/1. Read as a rate it is
-/// ticks per second.
+/// A fraction in lowest terms with a positive denominator; 0 is stored as 0/1. Read as a rate it is
+/// in ticks per second.
 ///
-/// Arithmetic wraps where it leaves 32 bits, so two fractions stay as they are given: one with the
-/// numerator -2147483648, which is deliberately not reduced, and one with that denominator, whose
+/// Arithmetic wraps beyond 32 bits, so two kinds of fractions stay as given: one with the numerator
+/// -2147483648, which is deliberately not reduced, and one with the denominator -2147483648, whose
 /// negation is itself.
 ///
 /// Equality is exact. The ordering is deliberately not: it compares as `double`, with a tolerance
 /// of 1e-7. Two rationals that are closer are neither smaller nor greater than each other, and may
-/// still be unequal; so it is no ordering for a container.
+/// still be unequal, so the ordering is not suitable for a container.
 class ZU_BASE_API Rational
 {
     friend class DtTime;
@@ -56,7 +56,7 @@ public:
     }
 
     /// @{
-    /// The terms as they are held.
+    /// The terms as they are stored.
     constexpr std::int32_t getNumerator() const noexcept
     {
         return _numerator;
@@ -68,25 +68,25 @@ public:
     }
     /// @}
 
-    /// Numerator through denominator.
+    /// Numerator divided by denominator.
     constexpr double getDouble() const noexcept
     {
         return static_cast<double>(_numerator) / static_cast<double>(_denominator);
     }
 
-    /// The same, with both rounded to single precision before they are divided.
+    /// The same, with both rounded to single precision before the division.
     constexpr float getFloat() const noexcept
     {
         return static_cast<float>(_numerator) / static_cast<float>(_denominator);
     }
 
-    /// Denominator through numerator; infinity for 0.
+    /// Denominator divided by numerator; infinity for 0.
     constexpr double getReciprocalDouble() const noexcept
     {
         return ieeeDivide(static_cast<double>(_denominator), static_cast<double>(_numerator));
     }
 
-    /// The same, with both rounded to single precision before they are divided.
+    /// The same, with both rounded to single precision before the division.
     constexpr float getReciprocalFloat() const noexcept
     {
         return ieeeDivide(static_cast<float>(_denominator), static_cast<float>(_numerator));
@@ -101,10 +101,10 @@ private:
         return static_cast<std::int32_t>(0U - static_cast<std::uint32_t>(value));
     }
 
-    // Of numbers from 1 to the largest one. Stein's algorithm (Josef Stein, 1967, "Computational
-    // problems associated with Racah algebra") does without divisions, and here without branches in
-    // its loop: so it hardly depends on the processor. It takes one step for each bit by which its
-    // numbers differ in size, so that of those which are far apart a division is ahead.
+    // For numbers from 1 to the largest one. Stein's algorithm (Josef Stein, 1967, "Computational
+    // problems associated with Racah algebra") needs no divisions, and here no branches in its
+    // loop, so its speed hardly depends on the processor. It takes one step for each bit by which
+    // its numbers differ in size, so a division is faster if they are far apart.
     static constexpr std::uint32_t greatestCommonDivisor(std::uint32_t a, std::uint32_t b) noexcept
     {
         constexpr int FAR_APART = 8;
@@ -122,8 +122,9 @@ private:
         auto other = static_cast<std::int32_t>(b >> Compiler::countTrailingZeros(b));
         while (odd != other)
         {
-            // Of two odd numbers, so it is even. The number of its zeros is had before its sign is
-            // taken away: the same for both signs, and that is the longest way through the loop.
+            // The difference of two odd numbers, so it is even. Its zeros are counted before its
+            // sign is removed: the count is the same for both signs, and this is the longest path
+            // through the loop.
             const std::int32_t difference = other - odd;
             const int zeros = Compiler::countTrailingZeros(static_cast<std::uint32_t>(difference));
             odd = other < odd ? other : odd;
@@ -140,15 +141,15 @@ private:
             greatestCommonDivisor(magnitude, static_cast<std::uint32_t>(b)));
     }
 
-    // Most divisors are 1, which a branch knows before a division would.
+    // Most divisors are 1, which a branch detects faster than a division would.
     static constexpr std::int32_t divided(std::int32_t value, std::int32_t divisor) noexcept
     {
         return divisor == 1 ? value : value / divisor;
     }
 
-    // Of two in lowest terms, neither of which is 0, where no product of terms leaves 32 bits. What
-    // can be reduced is one's numerator with the other's denominator; mostly that is 1, and both
-    // are smaller than the products.
+    // For two fractions in lowest terms, neither of them 0, where no product of terms exceeds 32
+    // bits. Only the numerator of one and the denominator of the other can have a common divisor.
+    // It is mostly 1, and both terms are smaller than the products.
     static constexpr Rational productOf(const Rational& a, const Rational& b) noexcept
     {
         const std::int32_t ab = commonDivisor(a._numerator, b._denominator);
@@ -162,7 +163,7 @@ private:
     constexpr void lowestTerms() noexcept
     {
         const std::int32_t magnitude = _numerator < 0 ? negated(_numerator) : _numerator;
-        // Neither the smallest integer nor a denominator that became it can be reduced.
+        // Neither the smallest integer nor a denominator that wrapped to it can be reduced.
         if (magnitude < 0 || _denominator < 0) return;
         const std::int32_t divisor = commonDivisor(magnitude, _denominator);
         _numerator = divided(_numerator, divisor);
@@ -186,12 +187,12 @@ constexpr bool operator!=(const Rational& a, const Rational& b) noexcept
 }
 /// @}
 
-/// How far apart two rationals are at least that the ordering tells apart.
+/// The ordering treats rationals as different only beyond this distance.
 inline constexpr double RATIONAL_TOLERANCE = 1e-7;
 
 /// @{
-/// Compare as `double`. `<` and `>` are true beyond RATIONAL_TOLERANCE alone, `<=` and `>=` also
-/// for what lies closer on the other side.
+/// Compare as `double`. `<` and `>` are true only beyond RATIONAL_TOLERANCE; `<=` and `>=` are also
+/// true for values that are closer on the other side.
 constexpr bool operator<(const Rational& a, const Rational& b) noexcept
 {
     return a.getDouble() < b.getDouble() - RATIONAL_TOLERANCE;

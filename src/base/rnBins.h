@@ -1,5 +1,5 @@
 /// @file
-/// What histograms of all kinds do with bins, edges and scenes.
+/// Bins, edges and scenes, as histograms of all kinds use them.
 
 #ifndef ZU_BASE_RNBINS_H
 #define ZU_BASE_RNBINS_H
@@ -21,8 +21,8 @@
 namespace Zu::RnBins
 {
 
-/// So many zeros for each of so many rows. Raises std::length_error for a size that no vector has,
-/// with the text of Zu::Vector, which the runtime libraries have each their own of.
+/// `count` zeros for each of `rows` rows. Raises std::length_error for a size beyond the maximum of
+/// a vector, with the text of Zu::Vector, since the texts of the runtime libraries differ.
 template <class T> std::vector<T> zeros(std::size_t count, std::size_t rows = 1)
 {
     const std::size_t most = std::vector<T>().max_size();
@@ -41,7 +41,7 @@ template <class T> std::vector<T> edgesOf(unsigned int nBins, T min, T max)
     return edges;
 }
 
-/// A copy of the edges of `nBins` bins, which are one more than there are bins.
+/// A copy of the edges of `nBins` bins, one more than there are bins.
 template <class T> std::vector<T> edgesOf(unsigned int nBins, const T* edges)
 {
     std::vector<T> copy = zeros<T>(std::size_t(nBins) + 1);
@@ -49,8 +49,8 @@ template <class T> std::vector<T> edgesOf(unsigned int nBins, const T* edges)
     return copy;
 }
 
-/// Rounded down; what fits no `int`, and a NaN, is the lowest one. The library's own function is a
-/// call on processors of the first generation.
+/// Rounds down; a NaN, and what does not fit in an `int`, gives the smallest `int`. The standard
+/// library's own function is a call on first-generation processors.
 template <class T> int floorToInt(T value)
 {
     const int truncated = truncateTo<int>(value);
@@ -70,31 +70,31 @@ inline bool isBin(int i, unsigned int nBins)
     return i >= 0 && static_cast<unsigned int>(i) < nBins;
 }
 
-/// Counts values by their bins. Values come in turns to several tables, as a processor that has
-/// just written a count must wait before it reads it again.
+/// Counts values by their bins. Values go to several tables in turn, as a processor that has just
+/// written a count must wait before it reads it again.
 class Counter
 {
 public:
-    /// So many bins, all at 0.
+    /// `nBins` bins, all at 0.
     explicit Counter(unsigned int nBins)
         : _nBins(nBins), _counts(zeros<std::uint32_t>(tableSize(), TABLES))
     {
     }
 
-    /// Whether counting so many values costs less than adding each.
+    /// Whether counting `n` values costs less than adding each.
     static bool pays(unsigned int nBins, unsigned int n)
     {
         return n / TABLES >= nBins;
     }
 
-    /// Counts the bins of `n` values; the number of bins itself stands for none.
+    /// Counts the bins of `n` values; the number of bins itself means no bin.
     void add(unsigned int n, const std::int32_t* bins)
     {
         for (unsigned int k = 0; k < n; ++k)
             ++_counts[k % TABLES * tableSize() + static_cast<std::uint32_t>(bins[k])];
     }
 
-    /// How many values of the bin were added.
+    /// How many values were added to the bin.
     std::uint32_t countOf(unsigned int bin) const
     {
         std::uint32_t count = 0;
@@ -118,7 +118,7 @@ private:
 /// The sum of a number and `count` ones, added one by one.
 template <class T> T withOnes(T number, std::uint32_t count)
 {
-    // Whole numbers that are exact don't care about the order.
+    // The order does not matter for whole numbers that are exact.
     constexpr T EXACT = static_cast<T>(std::uint64_t(1) << std::numeric_limits<T>::digits);
     if (number >= 0 && number <= EXACT - static_cast<T>(count) && std::floor(number) == number)
         return number + static_cast<T>(count);
@@ -126,8 +126,8 @@ template <class T> T withOnes(T number, std::uint32_t count)
     return number;
 }
 
-/// The cumulative table of all bins, which starts at 0 and ends near 1. Without weight, all behind
-/// the first entry are NaNs.
+/// The cumulative table of all bins, which starts at 0 and ends near 1. Without weight, all entries
+/// after the first are NaNs.
 template <class T> std::vector<T> cumulated(const std::vector<T>& bins)
 {
     T sum = 0;
@@ -143,13 +143,13 @@ template <class T> std::vector<T> cumulated(const std::vector<T>& bins)
     return table;
 }
 
-/// A number as dumps have it.
+/// A number as dumps show it.
 template <class T> PlainNumber<T> shown(T number)
 {
     return plainNumber(number);
 }
 
-/// What each scene begins with, up to its points.
+/// Writes the beginning of each scene, up to its points.
 inline void beginScene(std::ostream& out)
 {
     out << "#Inventor V2.1 ascii\n"
@@ -159,7 +159,7 @@ inline void beginScene(std::ostream& out)
            "  PointSet { vertexProperty VertexProperty { vertex [ \n";
 }
 
-/// What stands between points and lines.
+/// Writes what is between points and lines.
 inline void beginLines(std::ostream& out)
 {
     out << "] } }\n"

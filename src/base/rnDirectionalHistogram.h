@@ -13,52 +13,53 @@
 namespace Zu
 {
 
-/// What the histograms of directions have in common. Cells are of equal solid angle: the polar
-/// index runs over equal intervals of the cosine, upwards, the other one over equal intervals of
-/// `phi`. A cosine of 1 and a `phi` of 2 pi belong to the last cells. What leads to a negative
-/// index, or to no `int`, is dropped and counted nowhere.
+/// What the histograms of directions have in common. Cells have equal solid angles: the polar index
+/// runs upwards over equal intervals of the cosine, the other one over equal intervals of `phi`. A
+/// cosine of 1 and a `phi` of 2 pi belong to the last cells. A direction whose index is negative,
+/// or does not fit in an `int`, is dropped and counted nowhere.
 ///
-/// `Range` says which cosines there are.
+/// `Range` defines the range of cosines.
 ///
-/// A number of cells that no vector has raises std::length_error "vector<T> too long".
+/// A number of cells beyond the maximum of a vector raises std::length_error "vector<T> too long".
 ///
-/// Thread-safety: filling belongs to one thread at a time; any number may read in between.
+/// Thread-safety: filling belongs to one thread at a time; any number of threads may read in
+/// between.
 template <class T, class Range> class RnDirectionalHistogram
 {
 public:
-    /// Cells without weight: so many cosines, times so many angles.
+    /// Cells without weight, `nBinsTheta` times `nBinsPhi` of them.
     RnDirectionalHistogram(unsigned int nBinsTheta, unsigned int nBinsPhi);
     RnDirectionalHistogram(const RnDirectionalHistogram&) = default;
     RnDirectionalHistogram& operator=(const RnDirectionalHistogram&) = default;
     virtual ~RnDirectionalHistogram();
 
-    /// The cell of a pair of angles, in radians; it may be none. Nothing fills by it.
+    /// The cell of a pair of angles, in radians; it may not exist. Filling does not use this.
     virtual void getBinIndices(T theta, T phi, int& i, int& j) const;
 
-    /// The cell of a cosine and an angle. What lies behind the last cells is in these.
+    /// The cell of a cosine and an angle. Values beyond the last cells belong to those.
     virtual void getBinIndicesCosine(T cosTheta, T phi, int& i, int& j) const;
 
-    /// Adds the weight to the cell of the direction, which getBinIndicesCosine() tells of the
+    /// Adds the weight to the cell of the direction, which getBinIndicesCosine() returns for the
     /// cosine of `theta`.
     void addAngles(T theta, T phi, T weight);
 
     /// The same with the weight 1.
     void addAngles(T theta, T phi);
 
-    /// Adds the weight to the cell that getBinIndicesCosine() tells.
+    /// Adds the weight to the cell that getBinIndicesCosine() returns.
     void addCosine(T cosTheta, T phi, T weight);
 
     /// The same with the weight 1.
     void addCosine(T cosTheta, T phi);
 
-    /// Draws `n` directions, by getSampleCosine(), and adds each with the weight 1. Deliberately
-    /// the cosine of that cosine is taken once more, so the cells are not those that addCosine()
+    /// Draws `n` directions with getSampleCosine() and adds each with the weight 1. Deliberately
+    /// takes the cosine of the drawn cosine once more, so the cells are not those that addCosine()
     /// fills with the same samples.
     void addSamples(RnSphericalRng<T>* rng, unsigned int n);
 
-    /// What stands at the place `i * nBinsTheta + j` of the storage, where filling uses
-    /// `i * nBinsPhi + j`: deliberately, so it is the cell's weight only where both numbers of bins
-    /// are the same, or `i` is 0. Behind the end of the storage it is 0.
+    /// The value at index `i * nBinsTheta + j` of the storage, where filling uses `i * nBinsPhi +
+    /// j`. This is deliberate: the value is the cell's weight only if both numbers of bins are the
+    /// same, or `i` is 0. Beyond the end of the storage it is 0.
     T getBin(unsigned int i, unsigned int j) const;
 
     /// The weight in all cells.
@@ -70,11 +71,11 @@ public:
     /// The number of bins of `phi`.
     T getSizePhi() const;
 
-    /// Takes all weights out of the cells.
+    /// Removes all weights from the cells.
     void clear();
 
-    /// Writes a line for each cell, `phi` fastest: the limits of its cosine and of its `phi` and
-    /// its weight, in the stream's format.
+    /// Writes a line for each cell, with `phi` varying fastest: the limits of its cosine and of its
+    /// `phi`, and its weight, in the stream's format.
     void dumpText(std::ostream& out) const;
 
     /// Writes a scene for viewers of Open Inventor files: the density as the distance of points
@@ -96,26 +97,26 @@ private:
 /// Cosines from -1 to 1.
 struct RnSphericalRange
 {
-    /// How far the cosines reach.
+    /// The width of the range of cosines.
     template <class T> static constexpr T SPAN = T(2);
 
     /// The lowest cosine.
     template <class T> static constexpr T LOWEST = T(-1);
 
-    /// Of all directions, in steradians.
+    /// The solid angle of all directions, in steradians.
     template <class T> static constexpr T SOLID_ANGLE = T(12.566370614359172);
 };
 
 /// Cosines from 0 to 1.
 struct RnHemisphericalRange
 {
-    /// How far the cosines reach.
+    /// The width of the range of cosines.
     template <class T> static constexpr T SPAN = T(1);
 
     /// The lowest cosine.
     template <class T> static constexpr T LOWEST = T(0);
 
-    /// Of all directions, in steradians.
+    /// The solid angle of all directions, in steradians.
     template <class T> static constexpr T SOLID_ANGLE = T(6.283185307179586);
 };
 

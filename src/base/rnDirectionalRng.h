@@ -11,10 +11,10 @@ namespace Zu
 {
 
 /// What the sources of directions have in common: `Shape` maps the first value of a pair to the
-/// cosine of the polar angle, the second one times 2 pi is `phi`.
+/// cosine of the polar angle; the second value times 2 pi is `phi`.
 ///
 /// getSequenceXYZ() takes `phi` from the first values of its pairs and the polar part from the
-/// second ones; everything else has it the other way round. This is deliberate, so that with a
+/// second ones; everything else does the opposite. This is deliberate, so that with a
 /// low-discrepancy source the two forms give different points.
 ///
 /// Sine, cosine and arc cosine are the platform's, so results may differ between platforms in
@@ -33,8 +33,7 @@ public:
     /// The next direction, from the next pair of the source.
     void getSampleCosine(T& cosTheta, T& phi) override;
 
-    /// `n` directions from a sequence of the source, with the values of its pairs the other way
-    /// round.
+    /// `n` directions from a sequence of the source, with the values of its pairs swapped.
     void getSequenceXYZ(unsigned int n, T* x, T* y, T* z) override;
 
     /// `n` directions from a sequence of the source.
@@ -59,7 +58,7 @@ public:
     const char* getName() const override;
 
 protected:
-    /// Raises ExInternalError "Assertion '_rng' failed." for no source.
+    /// Raises ExInternalError "Assertion '_rng' failed." for a null source.
     explicit RnDirectionalRng(RnBiRng<T>* rng);
     RnDirectionalRng(const RnDirectionalRng&) = default;
     RnDirectionalRng& operator=(const RnDirectionalRng&) = default;
@@ -72,7 +71,7 @@ private:
 /// The whole sphere, evenly.
 struct RnUniformSphericalShape
 {
-    /// The answer of getName().
+    /// The result of getName().
     static constexpr const char* NAME = "Uniform spherical";
 
     /// The cosine of the polar angle for the first value of a pair.
@@ -82,10 +81,10 @@ struct RnUniformSphericalShape
     template <class T> static T density(T cosTheta);
 };
 
-/// The upper half, evenly. The lower half is answered the same density.
+/// The upper half, evenly. The density reported for the lower half is the same.
 struct RnUniformHemisphericalShape
 {
-    /// The answer of getName().
+    /// The result of getName().
     static constexpr const char* NAME = "Uniform hemispherical";
 
     /// The cosine of the polar angle for the first value of a pair.
@@ -95,11 +94,11 @@ struct RnUniformHemisphericalShape
     template <class T> static T density(T cosTheta);
 };
 
-/// The upper half, in proportion to the cosine. The density of the lower half is answered
+/// The upper half, in proportion to the cosine. The density reported for the lower half is
 /// negative.
 struct RnCosineHemisphericalShape
 {
-    /// The answer of getName().
+    /// The result of getName().
     static constexpr const char* NAME = "Cosine hemispherical";
 
     /// The cosine of the polar angle for the first value of a pair.
@@ -109,13 +108,13 @@ struct RnCosineHemisphericalShape
     template <class T> static T density(T cosTheta);
 };
 
-/// "Uniform spherical": every direction is as probable, with a density of 1/(4 pi).
+/// "Uniform spherical": every direction is equally probable, with a density of 1/(4 pi).
 template <class T>
 class ZU_BASE_VISIBLE RnUniformSphericalRng
     : public RnDirectionalRng<T, RnSphericalRng<T>, RnUniformSphericalShape>
 {
 public:
-    /// Raises ExInternalError "Assertion '_rng' failed." for no source.
+    /// Raises ExInternalError "Assertion '_rng' failed." for a null source.
     explicit RnUniformSphericalRng(RnBiRng<T>* rng);
     virtual ~RnUniformSphericalRng();
 };
@@ -126,7 +125,7 @@ class ZU_BASE_VISIBLE RnUniformHemisphericalRng
     : public RnDirectionalRng<T, RnHemisphericalRng<T>, RnUniformHemisphericalShape>
 {
 public:
-    /// Raises ExInternalError "Assertion '_rng' failed." for no source.
+    /// Raises ExInternalError "Assertion '_rng' failed." for a null source.
     explicit RnUniformHemisphericalRng(RnBiRng<T>* rng);
     virtual ~RnUniformHemisphericalRng();
 };
@@ -137,7 +136,7 @@ class ZU_BASE_VISIBLE RnCosineHemisphericalRng
     : public RnDirectionalRng<T, RnHemisphericalRng<T>, RnCosineHemisphericalShape>
 {
 public:
-    /// Raises ExInternalError "Assertion '_rng' failed." for no source.
+    /// Raises ExInternalError "Assertion '_rng' failed." for a null source.
     explicit RnCosineHemisphericalRng(RnBiRng<T>* rng);
     virtual ~RnCosineHemisphericalRng();
 };

@@ -11,15 +11,16 @@ namespace Zu
 {
 
 /// @{
-/// Whether the source is one of the library's own whose getSequence() is known to be as many calls
-/// of its operator(). Only such a one may be asked for many values at once where single draws are
-/// told: whatever else implements the interface sees the calls.
+/// Whether the source is one of the library's own whose getSequence() is known to equal as many
+/// calls of its operator(). Only such a source may be asked for many values at once where single
+/// draws are documented, because any other implementation of the interface sees the calls.
 ZU_BASE_API bool rnDrawsAlike(const RnRng<float>& source);
 ZU_BASE_API bool rnDrawsAlike(const RnRng<double>& source);
 /// @}
 
 /// @{
-/// The values of `n` calls of the source's operator(), in `values`: all at once if it draws alike.
+/// Writes the values of `n` calls of the source's operator() to `values`: all at once if it draws
+/// alike.
 ZU_BASE_API void rnDraw(RnRng<float>& source, unsigned int n, float* values);
 ZU_BASE_API void rnDraw(RnRng<double>& source, unsigned int n, double* values);
 /// @}

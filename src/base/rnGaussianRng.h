@@ -11,7 +11,7 @@
 namespace Zu
 {
 
-/// The declared fraction of a Gaussian source: that of four sigmas on each side.
+/// The declared fraction of a Gaussian source: that within four sigmas on each side.
 template <class T> struct RnGaussianFraction;
 
 /// In single precision.
@@ -30,11 +30,11 @@ template <> struct RnGaussianFraction<double>
 
 /// Shapes a uniform source by the polar method: G. Marsaglia and T. Bray, "A convenient method for
 /// generating normal variables", 1964. Values come in pairs, of which the second is kept for the
-/// next draw. A pair takes two draws of the source, and two more as long as it is rejected. A pair
+/// next draw. A pair takes two draws of the source, and two more each time it is rejected. A pair
 /// of draws of exactly 0.5 gives NaNs.
 ///
-/// The efficient range is two sigmas on each side, while the fraction is that of four; deliberately
-/// neither is made to fit the other.
+/// The efficient range is two sigmas on each side, while the fraction is that of four; the mismatch
+/// is deliberate.
 ///
 /// The source must live as long as it is drawn from; it is not owned. Copies share it.
 template <class T> class RnGaussianRng : public RnRng<T>
@@ -42,7 +42,7 @@ template <class T> class RnGaussianRng : public RnRng<T>
 public:
     /// @{
     /// Mean 0 and sigma 1 unless they are given. Raises ExInternalError "Assertion '_uniRng'
-    /// failed." for no source, and then "Assertion '_sigma > 0' failed."; a NaN passes.
+    /// failed." for a null source, and then "Assertion '_sigma > 0' failed."; a NaN passes.
     explicit RnGaussianRng(RnRng<T>* uniRng);
     RnGaussianRng(RnRng<T>* uniRng, T mean, T sigma);
     /// @}
@@ -56,7 +56,7 @@ public:
     T getEfficientFraction() const override;
     T getPdf(T x) const override;
 
-    /// Restarts the source. A value that was kept stays, deliberately, and comes first.
+    /// Restarts the source. A value that was kept deliberately stays, and comes first.
     void restart() override;
 
     /// "Gaussian".

@@ -17,11 +17,11 @@ namespace Zu
 /// solving multivariable problems", 1960. The first coordinate is a regular grid, (k + 0.5) /
 /// length for k from 0 on; the others are van der Corput sequences, which start with number 1.
 ///
-/// Behind the end of the set nothing stops: the grid starts again and the sequences run on, so a
-/// second pass is another set on the same grid. A sequence takes its grid from 0 on wherever the
-/// set stands, and does not move it, while the other coordinates go on. Both are deliberate; to
-/// have the same points again, restart. A length of 0 divides by zero in getSample(). Objects may
-/// be copied.
+/// Drawing does not stop at the end of the set: the grid starts again and the sequences run on, so
+/// a second pass is another set on the same grid. A sequence of points takes its grid from 0 on,
+/// whatever the current point, and does not advance it, while the other coordinates go on. Both are
+/// deliberate; restart to get the same points again. A length of 0 divides by zero in getSample().
+/// Objects may be copied.
 template <class T, int N> class RnHammersleyMultiRng : public RnUnitBoxRng<T, N>
 {
 public:
@@ -44,8 +44,8 @@ public:
 
     virtual ~RnHammersleyMultiRng();
 
-    /// Goes to point `n`, counted from 0. Beyond the length, deliberately, the first coordinate of
-    /// that point is above 1.
+    /// Goes to point `n`, counted from 0. Beyond the length, the first coordinate of that point is
+    /// deliberately above 1.
     void restart(unsigned int n);
 
     /// The N - 1 bases.
@@ -55,7 +55,7 @@ public:
     void setPrimeNumbers(const unsigned int* const primes);
 
 private:
-    // The sum is a double's in both instantiations, the quotient of the type's own.
+    // Both instantiations compute the sum in `double` and the quotient in their own type.
     T gridAt(std::uint32_t index) const;
 
     std::uint32_t _length;

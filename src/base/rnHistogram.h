@@ -17,12 +17,13 @@ namespace Zu
 
 template <class T> class RnHistogramRng;
 
-/// Collects weighted values into bins. Bin `i` is from edge `i` up to, and without, edge `i + 1`.
-/// Values outside all bins are dropped without a word.
+/// Collects weighted values into bins. Bin `i` extends from edge `i` up to, but not including, edge
+/// `i + 1`. Values outside all bins are silently dropped.
 ///
-/// A number of bins that no vector has raises std::length_error "vector<T> too long".
+/// A number of bins beyond the maximum of a vector raises std::length_error "vector<T> too long".
 ///
-/// Thread-safety: filling belongs to one thread at a time; any number may read in between.
+/// Thread-safety: filling belongs to one thread at a time; any number of threads may read in
+/// between.
 template <class T> class RnHistogram
 {
     friend class RnHistogramRng<T>;
@@ -38,20 +39,20 @@ public:
     RnHistogram& operator=(const RnHistogram&) = default;
     virtual ~RnHistogram();
 
-    /// The bin of `x`: below the first edge, and for a NaN, -1; from the last edge on, as many as
-    /// there are bins.
+    /// The bin of `x`: -1 below the first edge and for a NaN; the number of bins from the last edge
+    /// on.
     virtual int getBinIndex(T x) const;
 
     /// Adds the weight to the bin of `x`.
     void addValue(T x, T weight);
 
-    /// Adds `n` values, each with the weight 1. That is faster than one by one.
+    /// Adds `n` values, each with the weight 1. This is faster than adding them one by one.
     void addValues(unsigned int n, const T* values);
 
     /// Draws `n` values and adds each with the weight 1.
     void addSamples(RnRng<T>* rng, unsigned int n);
 
-    /// The weight in bin `i`, which must be one; that is not checked.
+    /// The weight in bin `i`, which must exist; that is not checked.
     T getBin(int i) const;
 
     /// The edges of bin `i`.
@@ -66,7 +67,7 @@ public:
     /// The number of bins.
     T getSize() const;
 
-    /// Takes all weights out of the bins.
+    /// Removes all weights from the bins.
     void clear();
 
     /// Writes a line for each bin: its edges and its weight, in the stream's format.
@@ -103,8 +104,8 @@ private:
     RnSearch<T> _search;
 };
 
-/// A histogram with bins of equal width, which are computed and not searched for. Near an edge that
-/// may, by rounding, be the neighbour of the bin whose edges enclose the value.
+/// A histogram with bins of equal width, which are computed and not searched for. Near an edge,
+/// rounding may give the neighbour of the bin whose edges enclose the value.
 template <class T> class RnUniformHistogram : public RnHistogram<T>
 {
 public:
@@ -114,7 +115,7 @@ public:
     RnUniformHistogram& operator=(const RnUniformHistogram&) = default;
     ~RnUniformHistogram() override;
 
-    /// What fits no `int` is below the first bin.
+    /// A result that does not fit in an `int` counts as below the first bin.
     int getBinIndex(T x) const override;
 
 private:

@@ -16,12 +16,13 @@ namespace Zu
 
 template <class T> class RnHistogramBiRng;
 
-/// Collects weighted pairs in the cells of a rectangular grid. A cell is from its lower edges up
-/// to, and without, its upper ones. Pairs outside on either axis are dropped without a word.
+/// Collects weighted pairs in the cells of a rectangular grid. A cell extends from its lower edges
+/// up to, but not including, its upper ones. Pairs outside on either axis are silently dropped.
 ///
-/// A number of cells that no vector has raises std::length_error "vector<T> too long".
+/// A number of cells beyond the maximum of a vector raises std::length_error "vector<T> too long".
 ///
-/// Thread-safety: filling belongs to one thread at a time; any number may read in between.
+/// Thread-safety: filling belongs to one thread at a time; any number of threads may read in
+/// between.
 template <class T> class RnHistogramBi
 {
     friend class RnHistogramBiRng<T>;
@@ -37,17 +38,17 @@ public:
     RnHistogramBi& operator=(const RnHistogramBi&) = default;
     virtual ~RnHistogramBi();
 
-    /// The cell of a pair: on each axis -1 below the first edge and for a NaN, and from the last
-    /// edge on as many as there are bins.
+    /// The cell of a pair. On each axis it is -1 below the first edge and for a NaN, and the number
+    /// of bins from the last edge on.
     virtual void getBinIndices(T x, T y, int& i, int& j) const;
 
     /// Adds the weight to the cell of the pair.
     void addValue(T x, T y, T weight);
 
-    /// Draws `n` pairs, by getSample(), and adds each with the weight 1.
+    /// Draws `n` pairs with getSample() and adds each with the weight 1.
     void addSamples(RnBiRng<T>* rng, unsigned int n);
 
-    /// The weight in a cell, which must be one; that is not checked.
+    /// The weight in a cell, which must exist; that is not checked.
     T getBin(unsigned int i, int j) const;
 
     /// The edges of a cell.
@@ -65,16 +66,16 @@ public:
     T getSizeY() const;
     /// @}
 
-    /// Takes all weights out of the cells.
+    /// Removes all weights from the cells.
     void clear();
 
-    /// Writes a line for each cell, x fastest: its edges on x and y and its weight, in the stream's
-    /// format.
+    /// Writes a line for each cell, with x varying fastest: its edges on x and y and its weight, in
+    /// the stream's format.
     void dumpText(std::ostream& out) const;
 
     /// Writes a scene for viewers of Open Inventor files: the density as points, with lines around
-    /// the range and for the unit, whose place deliberately takes both coordinates from the range
-    /// on x. A histogram without weight has densities of `nan`, which no viewer reads.
+    /// the range and for the unit. The place of the latter deliberately takes both coordinates from
+    /// the range on x. A histogram without weight has densities of `nan`, which no viewer reads.
     void dumpInventor(std::ostream& out) const;
 
 protected:
@@ -105,7 +106,7 @@ protected:
     /// @}
 
 private:
-    // The place of a cell in storage; false for a pair outside.
+    // The index of a cell in storage; false for a pair outside.
     bool findCell(T x, T y, std::size_t& cell) const;
     void dumpLines(std::ostream& out) const;
 
@@ -119,8 +120,8 @@ private:
     RnSearch<T> _searchY;
 };
 
-/// A histogram with cells of equal size, which are computed and not searched for. Near an edge that
-/// may, by rounding, be the neighbour of the cell whose edges enclose the pair.
+/// A histogram with cells of equal size, which are computed and not searched for. Near an edge,
+/// rounding may give the neighbour of the cell whose edges enclose the pair.
 template <class T> class RnUniformHistogramBi : public RnHistogramBi<T>
 {
 public:
@@ -130,7 +131,7 @@ public:
     RnUniformHistogramBi& operator=(const RnUniformHistogramBi&) = default;
     ~RnUniformHistogramBi() override;
 
-    /// What fits no `int` is below the first bin.
+    /// A result that does not fit in an `int` counts as below the first bin.
     void getBinIndices(T x, T y, int& i, int& j) const override;
 
 private:

@@ -16,21 +16,21 @@ namespace Zu
 
 /// Draws pairs that follow a histogram. Two draws of a uniform source make a pair: the first one
 /// chooses the cell, in proportion to its weight, and the place on x, the second one the place on
-/// y. A cell without weight is never chosen; what RnHistogramRng says of the ends of the table
-/// holds here, too. Weights must not be negative. Of a histogram without weight all
-/// x, and all densities in its range, are NaNs; so are samples of one without cells.
+/// y. A cell without weight is never chosen; what RnHistogramRng documents about the ends of the
+/// table applies here, too. Weights must not be negative. For a histogram without weight, all x and
+/// all densities in its range are NaNs; so are the samples for one without cells.
 ///
 /// The histogram is copied. The source must live as long as it is drawn from; it is not owned.
 /// Copies share it.
 template <class T> class RnHistogramBiRng : public RnBiRng<T>
 {
 public:
-    /// Raises ExInternalError "Assertion '_rng' failed." for no source.
+    /// Raises ExInternalError "Assertion '_rng' failed." for a null source.
     RnHistogramBiRng(const RnHistogramBi<T>& histogram, RnRng<T>* rng);
 
     void getSample(T& x, T& y) override;
 
-    /// The pairs of `n` calls of getSample(), which a derived class may have replaced.
+    /// The pairs of `n` calls of getSample(), which a derived class may have overridden.
     void getSequence(unsigned int n, T* x, T* y) override;
 
     /// @{
@@ -41,8 +41,8 @@ public:
     T getEfficientFraction() const override;
     /// @}
 
-    /// The probability of the cell of a pair, 0 outside of all. Deliberately it is not divided by
-    /// the area of the cell.
+    /// The probability of the cell of a pair; 0 outside all cells. It is deliberately not divided
+    /// by the area of the cell.
     T getPdf(T x, T y) const override;
 
     /// Restarts the source.

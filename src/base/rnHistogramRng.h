@@ -15,18 +15,18 @@ namespace Zu
 {
 
 /// Draws values that follow a histogram: one draw of a uniform source chooses the bin, in
-/// proportion to its weight, and the place in it. A bin without weight is never chosen: a draw at
+/// proportion to its weight, and the place in it. A bin without weight is never chosen. A draw at
 /// or above the last entry of the table, which rounding may leave below 1, gives the end of the
-/// last bin that has one, a draw below 0 the beginning of the first. Weights must not be negative.
-/// Of a histogram without weight all samples, and all densities in its range, are NaNs; so are
-/// samples of one without bins.
+/// last bin that has weight; a draw below 0 gives the beginning of the first one. Weights must not
+/// be negative. For a histogram without weight, all samples and all densities in its range are
+/// NaNs; so are the samples for one without bins.
 ///
 /// The histogram is copied. The source must live as long as it is drawn from; it is not owned.
 /// Copies share it.
 template <class T> class RnHistogramRng : public RnRng<T>
 {
 public:
-    /// Raises ExInternalError "Assertion '_rng' failed." for no source.
+    /// Raises ExInternalError "Assertion '_rng' failed." for a null source.
     RnHistogramRng(const RnHistogram<T>& histogram, RnRng<T>* rng);
 
     T operator()() override;
@@ -34,14 +34,14 @@ public:
     void getSequence(unsigned int n, T* values) override;
 
     /// @{
-    /// Of the range from the first to the last edge, whatever the bins hold.
+    /// Of the range from the first to the last edge, whatever the bins contain.
     T getEfficientWidth() const override;
     T getEfficientMin() const override;
     T getEfficientMax() const override;
     T getEfficientFraction() const override;
     /// @}
 
-    /// The density in the bin of `x`; 0 outside of all.
+    /// The density in the bin of `x`; 0 outside all bins.
     T getPdf(T x) const override;
 
     /// Restarts the source.

@@ -13,7 +13,7 @@
 namespace Zu
 {
 
-/// What the integers of the generator are multiplied by.
+/// The factor by which the integers of the generator are multiplied.
 template <class T> struct RnLecuyerScale;
 
 /// In single precision.
@@ -30,15 +30,15 @@ template <> struct RnLecuyerScale<double>
     static constexpr double VALUE = 1.0 / 2147483563.0;
 };
 
-/// Two multiplicative congruential generators, joined: P. L'Ecuyer, "Efficient and portable
+/// Two combined multiplicative congruential generators: P. L'Ecuyer, "Efficient and portable
 /// combined random number generators", Communications of the ACM 31, 1988. The two streams are
-/// joined by a sum, deliberately, where the paper has the difference. The results lie strictly
+/// deliberately combined by a sum, where the paper has the difference. The results are strictly
 /// between 0 and 1; the largest `float` is 1 - 2^-24.
 ///
-/// The seeds work as they always did, which is kept: the second seed starts the first stream, the
-/// first seed has no effect on any result, and no restart touches the second stream, which begins
-/// at 55555 when the object is made and runs on from there. So a restarted generator does not in
-/// general repeat itself. Seeds are not checked; a stream at 0 stays there.
+/// The effect of the seeds is frozen, see docs/compatibility.md: the second seed starts the first
+/// stream, the first seed has no effect on any result, and no restart touches the second stream,
+/// which begins at 55555 when the object is made and runs on from there. So a restarted generator
+/// does not in general repeat itself. Seeds are not checked; a stream at 0 stays there.
 template <class T> class ZU_BASE_VISIBLE RnLecuyerUniformRng : public RnUniformRng<T>
 {
 public:
@@ -89,8 +89,8 @@ private:
     static constexpr std::int32_t MODULUS1 = 2147483399;
     static constexpr std::int32_t START1 = 55555;
 
-    // One step by Schrage's factorisation, MODULUS = MULTIPLIER * QUOTIENT + REST. Masks stand for
-    // branches that nothing could predict.
+    // One step by Schrage's factorisation, MODULUS = MULTIPLIER * QUOTIENT + REST. Masks replace
+    // branches that are unpredictable.
     template <std::int32_t MULTIPLIER, std::int32_t QUOTIENT, std::int32_t REST,
               std::int32_t MODULUS>
     ZU_ALWAYS_INLINE static std::int32_t stepped(std::int32_t state)

@@ -10,8 +10,9 @@
 namespace Zu
 {
 
-/// Shapes a uniform source to a triangle, whose peak is at the center and whose sides reach half
-/// the width away from it, by inverting the distribution function: one draw of the source each.
+/// Shapes a uniform source to a triangle by inverting the distribution function, with one draw of
+/// the source for each sample. The peak is at the center, and the sides extend half the width from
+/// it.
 ///
 /// The source must live as long as it is drawn from; it is not owned. Copies share it.
 template <class T> class ZU_BASE_VISIBLE RnMexicanHatRng : public RnRng<T>
@@ -19,7 +20,7 @@ template <class T> class ZU_BASE_VISIBLE RnMexicanHatRng : public RnRng<T>
 public:
     /// @{
     /// Center 0 and width 1 unless they are given. Raises ExInternalError "Assertion 'rng != 0'
-    /// failed." for no source, and then "Assertion '_halfwidth > 0' failed."; a NaN passes.
+    /// failed." for a null source, and then "Assertion '_halfwidth > 0' failed."; a NaN passes.
     explicit RnMexicanHatRng(RnRng<T>* rng);
     RnMexicanHatRng(RnRng<T>* rng, T center, T width);
     /// @}
@@ -44,7 +45,7 @@ public:
     /// The source that is shaped.
     RnRng<T>* getUniRng() const;
 
-    /// The next value for center 0 and sides of 1.
+    /// The next value for center 0 and sides of length 1.
     T evalUnit();
 
 private:

@@ -15,8 +15,8 @@ namespace Zu
 /// The sequence of base 2 in four dimensions, from point 4096 on: H. Niederreiter, "Low-discrepancy
 /// and low-dispersion sequences", 1988, with the generator matrices of P. Bratley, B. Fox and H.
 /// Niederreiter, "Algorithm 738", 1994. Points come in the order of their plain numbers, not in
-/// that of a Gray code. There are 31 bits; in `float` the largest numbers round to exactly 1. Point
-/// numbers that differ by 2^31 give the same point. Objects may be copied.
+/// that of a Gray code. Coordinates have 31 bits; in `float` the largest ones round to exactly 1.
+/// Point numbers that differ by 2^31 give the same point. Objects may be copied.
 template <class T> class ZU_BASE_VISIBLE RnNiederreiterMultiRng : public RnUnitBoxRng<T, 4>
 {
 public:
@@ -25,7 +25,7 @@ public:
 
     void getSample(T* const values) override;
 
-    /// The tuples of `n` calls of getSample(), which a derived class may have replaced.
+    /// The tuples of `n` calls of getSample(), which a derived class may have overridden.
     void getSequence(unsigned int n, T** const arrays) override;
 
     /// Back to the first point.
@@ -36,7 +36,7 @@ public:
 
     virtual ~RnNiederreiterMultiRng();
 
-    /// Goes to point `n` behind the first one, at no cost.
+    /// Goes to the `n`th point after the first one, at no cost.
     void restart(unsigned int n);
 
 private:

@@ -6,7 +6,7 @@
 
 #include <cstdint>
 
-/// All is computed by the compiler.
+/// Everything is computed at compile time.
 namespace Zu::RnNiederreiterTables
 {
 
@@ -18,7 +18,7 @@ inline constexpr int BYTE_VALUES = 256;
 /// A polynomial over the field of two elements; bit k is the coefficient of x^k.
 using Polynomial = std::uint64_t;
 
-/// Of each dimension, irreducible.
+/// One for each dimension, irreducible.
 inline constexpr Polynomial POLYNOMIALS[DIMENSIONS] = {0b10, 0b11, 0b111, 0b1011};
 
 constexpr int degreeOf(Polynomial polynomial)
@@ -81,7 +81,7 @@ inline constexpr Columns COLUMNS[DIMENSIONS] = {
     columnsOf(POLYNOMIALS[0]), columnsOf(POLYNOMIALS[1]), columnsOf(POLYNOMIALS[2]),
     columnsOf(POLYNOMIALS[3])};
 
-/// What each value of each byte of a point's number contributes: a point is four look-ups.
+/// What each value of each byte of a point's number contributes: a point takes four look-ups.
 struct ByteTable
 {
     std::uint32_t _words[BYTES][BYTE_VALUES][DIMENSIONS] = {};

@@ -15,10 +15,10 @@
 namespace Zu
 {
 
-/// A congruential generator whose values are drawn from a table in an order of their own: RAN2 of
-/// W. Press and others, "Numerical Recipes", 1986, after C. Bays and S. Durham, with the modulus
-/// 1771875, the multiplier 2416 and the increment 374441. The results lie in [0, 1), are multiples
-/// of 1/1771875, and may be 0.
+/// A congruential generator whose values are drawn from a table in shuffled order: RAN2 of W. Press
+/// and others, "Numerical Recipes", 1986, after C. Bays and S. Durham, with the modulus 1771875,
+/// the multiplier 2416 and the increment 374441. The results are in [0, 1), are multiples of
+/// 1/1771875, and may be 0.
 template <class T> class ZU_BASE_VISIBLE RnNumRecUniformRng : public RnUniformRng<T>
 {
 public:
@@ -76,7 +76,7 @@ private:
     static constexpr std::uint32_t INCREMENT = 374441;
     static constexpr T RM = T(1) / T(1771875);
 
-    // The numbers lie below 2^31, and signed ones are converted faster.
+    // The numbers are below 2^31, and signed ones are converted faster.
     ZU_ALWAYS_INLINE static T valueOf(std::uint32_t state)
     {
         return static_cast<T>(static_cast<std::int32_t>(state)) * RM;

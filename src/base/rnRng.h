@@ -9,8 +9,8 @@
 /// Sources of samples come for `float` and `double`. A sampler that is written against one of these
 /// interfaces runs unchanged on pseudo-random, low-discrepancy, shaped and measured sources.
 ///
-/// None of the interfaces has a destructor that a client could call: objects are ended through
-/// their own type, and what wraps a source never owns it.
+/// None of the interfaces has a destructor that a client could call: objects are destroyed through
+/// their own type, and a wrapper never owns its source.
 ///
 /// Thread-safety, for all of them: a draw changes the source, which belongs to one thread at a
 /// time. So does everything that draws from it.
@@ -37,7 +37,7 @@ public:
     virtual T getEfficientMax() const = 0;
     /// @}
 
-    /// The fraction of the probability that the range is declared to hold.
+    /// The fraction of the probability that the range is declared to contain.
     virtual T getEfficientFraction() const = 0;
 
     /// The probability density at `x`.
@@ -46,7 +46,7 @@ public:
     /// Goes back to the start of the sequence, as far as the source can.
     virtual void restart() = 0;
 
-    /// The name of the source, which is static.
+    /// The name of the source, a static text.
     virtual const char* getName() const = 0;
 
 protected:
@@ -73,7 +73,7 @@ public:
     virtual void getEfficientMax(T& x, T& y) const = 0;
     /// @}
 
-    /// The fraction of the probability that the whole rectangle is declared to hold.
+    /// The fraction of the probability that the whole rectangle is declared to contain.
     virtual T getEfficientFraction() const = 0;
 
     /// The joint density.
@@ -109,7 +109,7 @@ public:
     virtual void getEfficientMax(T* const maxs) const = 0;
     /// @}
 
-    /// The fraction of the probability that the whole box is declared to hold.
+    /// The fraction of the probability that the whole box is declared to contain.
     virtual T getEfficientFraction() const = 0;
 
     /// The joint density at `values[0..N-1]`.
@@ -128,7 +128,7 @@ protected:
     ~RnMultiRng() = default;
 };
 
-/// A source of directions, told as `x, y, z` on the unit sphere, as angles (`theta` from the +z
+/// A source of directions, given as `x, y, z` on the unit sphere, as angles (`theta` from the +z
 /// axis, `phi` around it, in radians), or as the cosine of `theta` and `phi`.
 template <class T> class ZU_BASE_VISIBLE RnSphericalRng
 {

@@ -16,11 +16,11 @@
 namespace Zu
 {
 
-/// A cumulative table of cells, and which of them a draw chooses.
+/// A cumulative table of cells, from which draws choose.
 template <class T> class RnSampler
 {
 public:
-    /// For the weights of the cells, at least one.
+    /// Takes the weights of the cells, at least one.
     explicit RnSampler(const std::vector<T>& weights)
         : _entries(RnBins::cumulated(weights)), _search(_entries)
     {
@@ -33,8 +33,8 @@ public:
         }
     }
 
-    /// Which cell a draw chooses, and how far into it the draw reaches: from 0 up to 1, a NaN
-    /// without weight and for a draw that is one. `_isEnd` tells a draw behind the whole table,
+    /// The cell that a draw chooses, and how far into it the draw reaches: from 0 up to 1; a NaN
+    /// without weight, and for a draw that is a NaN. `_isEnd` marks a draw beyond the whole table,
     /// which reaches the very end of its cell.
     struct Choice
     {
@@ -42,11 +42,11 @@ public:
         std::uint32_t _cell;
         /// How far into it.
         T _fraction;
-        /// Whether the draw is behind the whole table.
+        /// Whether the draw is beyond the whole table.
         bool _isEnd;
     };
 
-    /// Never a cell without weight, if there is another.
+    /// Never chooses a cell without weight if there is another.
     Choice choose(T u) const
     {
         const unsigned int count = _search.countUpTo(_entries, u);
@@ -61,8 +61,9 @@ public:
     }
 
     /// Chooses for `n` draws in turn: calls `use(i, choice)` for each, where `drawAt(i)` is the
-    /// draw. What no cache holds of a large table is fetched ahead; so `drawAt` is called for draws
-    /// to come, and more than once, and `fetch(cell)` is told roughly which cells they choose.
+    /// draw. Parts of a large table that are in no cache are prefetched. For that, `drawAt` is also
+    /// called for later draws, and more than once, and `fetch(cell)` is called with roughly the
+    /// cells that they choose.
     template <class DrawAt, class Fetch, class Use>
     void chooseAll(unsigned int n, const DrawAt& drawAt, const Fetch& fetch, const Use& use) const
     {
@@ -90,8 +91,8 @@ public:
     }
 
 private:
-    // From so many entries on the table and its guide are larger than the fast caches, and what is
-    // fetched is fetched by so many draws ahead.
+    // From LARGE entries on, the table and its guide exceed the fast caches, and prefetching is
+    // AHEAD draws ahead.
     static constexpr std::size_t LARGE = 32768;
     static constexpr unsigned int AHEAD = 16;
 

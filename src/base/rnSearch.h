@@ -14,15 +14,15 @@
 namespace Zu
 {
 
-/// How many entries of an ascending table stand before the first that is greater than a value: a
-/// guide table, as of H.-C. Chen and Y. Asau, "On generating random variates from an empirical
-/// distribution", 1974, gives the place up to the entries of one of its cells. The result is always
+/// Finds how many entries of an ascending table precede the first one that is greater than a value.
+/// A guide table, as of H.-C. Chen and Y. Asau, "On generating random variates from an empirical
+/// distribution", 1974, narrows the search to the entries of one of its cells. The result is always
 /// that of a binary search.
 template <class T> class RnSearch
 {
 public:
-    /// For the entries as they are now; at least one. Where they don't ascend or aren't finite, the
-    /// search is the binary one alone.
+    /// For the present entries, at least one. If they don't ascend or aren't finite, only the
+    /// binary search is used.
     explicit RnSearch(const std::vector<T>& entries)
     {
         const T range = entries.back() - entries.front();
@@ -38,7 +38,7 @@ public:
         _guide[cell] = static_cast<std::uint32_t>(entries.size());
     }
 
-    /// For a value that is no number: 0.
+    /// 0 for a NaN.
     unsigned int countUpTo(const std::vector<T>& entries, T value) const
     {
         if (_guide.empty())
@@ -50,7 +50,7 @@ public:
         const unsigned int high = _guide[cell + 1];
         if (high - low > FEW) return binary(entries, low, high, value);
         // Entries of lower cells are below the value, those of higher ones above it. The first two
-        // steps, which mostly do, hang on no branch.
+        // steps, which are mostly enough, depend on no branch.
         low += static_cast<unsigned int>(entries[low] <= value);
         low += static_cast<unsigned int>(entries[low] <= value);
         while (entries[low] <= value) ++low;
@@ -58,9 +58,9 @@ public:
     }
 
     /// @{
-    /// For the search of a value that is soon to come, in a table which no cache holds: the first
-    /// one fetches the place in the guide, the second one, some searches later, that in the table,
-    /// and returns the index of the entry before it. Results do not depend on it.
+    /// Prefetch for the search of a later value, in a table that is in no cache. The first one
+    /// fetches the place in the guide. The second one, some searches later, fetches that in the
+    /// table, and returns the index of the entry before it. Results do not depend on these.
     void fetchGuide(const std::vector<T>& entries, T value) const
     {
         if (isGuided(entries, value)) Compiler::prefetch(&_guide[cellOf(value)]);
@@ -106,7 +106,7 @@ private:
         return low;
     }
 
-    // Rises with the value, also where it is rounded.
+    // Increases with the value, even when that is rounded.
     std::size_t cellOf(T value) const
     {
         return static_cast<std::size_t>(static_cast<std::int64_t>((value - _first) * _scale));

@@ -10,14 +10,15 @@
 namespace Zu
 {
 
-/// Takes both coordinates from one source: getSample() x and then y, but getSequence() first all x
-/// and then all y. So a sequence is, deliberately, not the pairs of as many samples.
+/// Takes both coordinates from one source: getSample() first x and then y, but getSequence() first
+/// all x and then all y. So a sequence is deliberately not the same as the pairs of as many
+/// samples.
 ///
 /// The source must live as long as it is drawn from; it is not owned. Copies share it.
 template <class T> class ZU_BASE_VISIBLE RnSeparableBiRng : public RnBiRng<T>
 {
 public:
-    /// Raises ExInternalError "Assertion '_uniRng' failed." for no source.
+    /// Raises ExInternalError "Assertion '_uniRng' failed." for a null source.
     explicit RnSeparableBiRng(RnRng<T>* uniRng);
 
     void getSample(T& x, T& y) override;
@@ -46,7 +47,7 @@ template <class T> class ZU_BASE_VISIBLE RnAsymmetricalSeparableBiRng : public R
 {
 public:
     /// Raises ExInternalError "Assertion '_uniRng0' failed." or "Assertion '_uniRng1' failed." for
-    /// no source.
+    /// a null source.
     RnAsymmetricalSeparableBiRng(RnRng<T>* uniRng0, RnRng<T>* uniRng1);
 
     void getSample(T& x, T& y) override;
@@ -60,7 +61,7 @@ public:
     /// Restarts the sources, that of x first.
     void restart() override;
 
-    /// "Assymetrical Bi Separable", as it always was spelled.
+    /// "Assymetrical Bi Separable"; the spelling is frozen, see docs/compatibility.md.
     const char* getName() const override;
 
     virtual ~RnAsymmetricalSeparableBiRng();
@@ -74,7 +75,7 @@ private:
 template <class T, int N> class ZU_BASE_VISIBLE RnSeparableMultiRng : public RnMultiRng<T, N>
 {
 public:
-    /// Raises ExInternalError "Assertion '_uniRng' failed." for no source.
+    /// Raises ExInternalError "Assertion '_uniRng' failed." for a null source.
     explicit RnSeparableMultiRng(RnRng<T>* uniRng);
 
     void getSample(T* const values) override;

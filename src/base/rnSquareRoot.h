@@ -13,7 +13,7 @@ namespace Zu
 
 /// @{
 /// The processor's own instruction: a platform's function may round twice where the compiler does
-/// not take its place.
+/// not replace it.
 ZU_ALWAYS_INLINE inline double rnSquareRoot(double value)
 {
     const __m128d number = _mm_set_sd(value);

@@ -1,5 +1,5 @@
 /// @file
-/// Sources of samples beside the random numbers of the standard library.
+/// Adapters between sources of samples and the random numbers of the standard library.
 
 #ifndef ZU_BASE_RNSTDADAPTERS_H
 #define ZU_BASE_RNSTDADAPTERS_H
@@ -14,10 +14,9 @@ namespace Zu
 {
 
 /// A uniform source as a generator of random bits, for the distributions and algorithms of the
-/// standard library. Each draw gives the leading bits of the sample: 16 of a `float`'s, 31 of a
-/// `double`'s; a sample of 1 or more gives ones alone, one
-/// that is negative or no number gives 0. The bits are no better than the source:
-/// RnNumRecUniformRng has less than 21, RnStdUniformRng has 15.
+/// standard library. Each draw returns the leading bits of the sample: 16 of a `float`, 31 of a
+/// `double`. A sample of 1 or more gives all ones; a negative one or a NaN gives 0. The bits are no
+/// better than the source: RnNumRecUniformRng has fewer than 21, RnStdUniformRng has 15.
 ///
 /// The source must live as long as it is drawn from; it is not owned.
 template <class T> class RnBitGenerator
@@ -37,7 +36,7 @@ public:
         return 0;
     }
 
-    /// All bits are set: 16 of a `float`'s source, 31 of a `double`'s.
+    /// All bits are set: 16 for a source of `float`, 31 for one of `double`.
     static constexpr result_type max()
     {
         return (result_type(1) << BITS) - 1;
@@ -55,14 +54,14 @@ private:
     RnRng<T>* _rng;
 };
 
-/// A source in the place of a distribution of the standard library. The generator that it is given
-/// is not drawn from: the source has its own.
+/// A source in place of a distribution of the standard library. The generator that is passed to it
+/// is not used: the source has its own.
 ///
 /// The source must live as long as it is drawn from; it is not owned.
 template <class T> class RnDistribution
 {
 public:
-    /// That of the samples.
+    /// The type of the samples.
     using result_type = T;
 
     /// Draws from `rng`.
@@ -104,8 +103,8 @@ private:
     RnRng<T>* _rng;
 };
 
-/// A generator of random bits of the standard library as a uniform source: the other way round. A
-/// restart goes back to the state that the generator had when it was given.
+/// The opposite: a generator of random bits of the standard library as a uniform source. A restart
+/// goes back to the state that the generator had when it was passed in.
 template <class T, class Engine = std::mt19937> class RnEngineRng : public RnUniformRng<T>
 {
 public:
@@ -116,7 +115,7 @@ public:
 
     T operator()() override
     {
-        // The function rounds, and may come to 1.
+        // The function rounds, and may return 1.
         T value;
         do value = std::generate_canonical<T, std::numeric_limits<T>::digits>(_engine);
         while (!(value < T(1)));

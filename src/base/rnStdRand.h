@@ -1,5 +1,5 @@
 /// @file
-/// The random numbers of the runtime library, of which each thread has a stream.
+/// The random numbers of the runtime library, with a stream for each thread.
 
 #ifndef ZU_BASE_RNSTDRAND_H
 #define ZU_BASE_RNSTDRAND_H
@@ -9,11 +9,11 @@
 namespace Zu
 {
 
-/// The calling thread's next number, from 0 to 32767: what `rand` gives on Windows, and the same
+/// The calling thread's next number, from 0 to 32767: what `rand` returns on Windows, and the same
 /// stream elsewhere.
 ZU_BASE_API int rnStdRand();
 
-/// Starts the calling thread's stream anew, as `srand` does. It begins with the seed 1.
+/// Restarts the calling thread's stream, as `srand` does. A stream begins with the seed 1.
 ZU_BASE_API void rnStdSeed(unsigned int seed);
 
 } // namespace Zu

@@ -11,9 +11,9 @@
 namespace Zu
 {
 
-/// Draws from the runtime library's numbers from 0 to 32767, over 32767; so it reaches 1 often, as
-/// no other uniform source does. All objects of a thread draw from the thread's one stream, and
-/// what one of them restarts runs anew for all.
+/// Draws the runtime library's numbers from 0 to 32767 and divides them by 32767, so it often
+/// reaches 1, unlike any other uniform source. All objects of a thread draw from the thread's one
+/// stream; restarting one of them restarts it for all.
 template <class T> class RnStdUniformRng : public RnUniformRng<T>
 {
 public:

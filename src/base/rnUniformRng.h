@@ -10,7 +10,7 @@
 namespace Zu
 {
 
-/// 1 where `x` is at least 0 and below 1, else 0; so for a NaN.
+/// 1 where `x` is at least 0 and below 1, otherwise 0, also for a NaN.
 template <class T> constexpr T rnUniformPdf(T x) noexcept
 {
     return x >= T(0) && x < T(1) ? T(1) : T(0);
@@ -24,8 +24,8 @@ template <class T> constexpr T rnUniformPdf(const T* values, int n) noexcept
     return T(1);
 }
 
-/// A source whose samples lie in [0, 1), with the same density everywhere. The density at 1 is 0
-/// also for those few sources that reach 1.
+/// A source whose samples are in [0, 1), with the same density everywhere. The density at 1 is 0
+/// even for those few sources that reach 1.
 template <class T> class ZU_BASE_VISIBLE RnUniformRng : public RnRng<T>
 {
 public:

@@ -1,5 +1,5 @@
 /// @file
-/// The answers of sources that are uniform on the unit square, cube or box.
+/// Range and density of sources that are uniform on the unit square, cube or box.
 
 #ifndef ZU_BASE_RNUNITBOX_H
 #define ZU_BASE_RNUNITBOX_H
@@ -12,7 +12,7 @@
 namespace Zu
 {
 
-/// An interface of points, with the answers to the queries of range and density.
+/// An interface of points in which the queries of range and density are implemented.
 template <class T, int N> class ZU_BASE_VISIBLE RnUnitBoxRng : public RnMultiRng<T, N>
 {
 public:
@@ -53,7 +53,7 @@ protected:
     ~RnUnitBoxRng() = default;
 };
 
-/// A two-dimensional source, `Rng`, in the form of pairs. It answers for the density itself, by the
+/// A two-dimensional source, `Rng`, in the form of pairs. It computes the density itself, by the
 /// same rule.
 template <class T, class Rng> class ZU_BASE_VISIBLE RnUnitSquareRng : public RnBiRng<T>
 {
@@ -118,7 +118,7 @@ public:
     }
 
 protected:
-    /// Makes `Rng` of the arguments.
+    /// Constructs `Rng` from the arguments.
     template <class... Arguments>
     explicit RnUnitSquareRng(Arguments... arguments) : _rng(arguments...)
     {

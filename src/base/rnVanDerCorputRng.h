@@ -14,11 +14,11 @@ namespace Zu
 
 /// The radical inverses of 1, 2, 3...: J. van der Corput, "Verteilungsfunktionen", 1935. The digits
 /// of a point's number are mirrored at the radix point, with repeated products of the rounded
-/// reciprocal of the base as weights. The results lie in [0, 1); in `float` the sum may round to
+/// reciprocal of the base as weights. The results are in [0, 1); in `float` the sum may round to
 /// exactly 1, in base 2 from point 33554431 on. Point 0, which comes after point 4294967295, is 0.
 ///
-/// The base is not checked: 0 divides by zero at the first draw, 1 never ends it. Objects may be
-/// copied; the copy continues on its own.
+/// The base is not checked: with 0 the first draw divides by zero, with 1 it never ends. Objects
+/// may be copied; the copy continues on its own.
 template <class T> class ZU_BASE_VISIBLE RnVanDerCorputRng : public RnUniformRng<T>
 {
 public:

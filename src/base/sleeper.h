@@ -11,11 +11,11 @@
 namespace Zu
 {
 
-/// Sleeps on a precise timer of the platform and not on the scheduler's coarse one. The package
+/// Sleeps on a precise timer of the platform instead of the scheduler's coarse one. The package
 /// "profiling" has the one instance.
 ///
-/// Thread-safety: any thread may use it between the start and the end of the package, none may be
-/// asleep at the end.
+/// Thread-safety: any thread may use it between the start and the end of the package; no thread may
+/// be asleep at the end.
 class ZU_BASE_API Sleeper
 {
     friend class InInit<ZuInit::profiling>;
@@ -26,7 +26,7 @@ public:
     Sleeper& operator=(const Sleeper&) = delete;
 
     /// The instance. Raises InSingletonEx::ExNotInitialized before the start of the package and
-    /// after its end. What a thread needs to sleep, it gets with its first call.
+    /// after its end. The first call of a thread provides what it needs to sleep.
     static Sleeper& getInstance();
 
     /// Seconds since some fixed moment, on the high-resolution counter. Raises ExSysErrorANSI if
@@ -36,9 +36,9 @@ public:
     /// The shortest period of the platform's timers, in seconds.
     virtual double getResolution() = 0;
 
-    /// Sleeps for so many seconds, truncated to milliseconds, of which the low 32 bits count.
-    /// Refuses, with false and without a sleep, where this gives 0: so a time below a millisecond;
-    /// and a negative time. On Windows the timer may be up to one resolution early.
+    /// Sleeps for so many seconds, truncated to milliseconds, of which only the low 32 bits count.
+    /// Returns false without sleeping if that gives 0, as for a time below a millisecond, and for a
+    /// negative time. On Windows the timer may be up to one resolution early.
     virtual bool sleep(double seconds) = 0;
 
 protected:

@@ -1,5 +1,5 @@
 /// @file
-/// The format of a caller's stream, kept for it. Internal to the library.
+/// Saves the format of a caller's stream. Internal to the library.
 
 #ifndef ZU_BASE_STREAMFORMAT_H
 #define ZU_BASE_STREAMFORMAT_H
@@ -10,8 +10,8 @@
 namespace Zu
 {
 
-/// Puts flags, width and fill character of a stream back at its end, so that a report may set what
-/// it needs.
+/// Restores flags, width and fill character of a stream when it is destroyed, so that a report may
+/// set what it needs.
 class StreamFormat
 {
 public:
@@ -30,7 +30,7 @@ public:
         _os.fill(_fill);
     }
 
-    /// Sets what a new stream has; whether each insertion is flushed stays.
+    /// Sets the format of a new stream; whether each insertion is flushed is left unchanged.
     void setPlain()
     {
         _os.flags(std::ios_base::dec | std::ios_base::skipws | (_flags & std::ios_base::unitbuf));

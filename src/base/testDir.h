@@ -18,12 +18,12 @@ class ZU_BASE_API TestDir
 public:
     TestDir() = delete;
 
-    /// The variable ZU_TEST_DIR, or OsFilePath::getTempDir() where it is not set, as it was at the
-    /// first call. The directory is not made.
+    /// The variable ZU_TEST_DIR, or OsFilePath::getTempDir() if it is not set, as read at the first
+    /// call. The directory is not made.
     static const OsFilePath& getDefaultPath();
 
-    /// Makes a directory, unless it is there, and gives its path back. Raises what
-    /// OsFsUtils::createDir() does.
+    /// Makes a directory unless it exists, and returns its path. Raises what OsFsUtils::createDir()
+    /// raises.
     static OsFilePath create(const OsFilePath& path);
 };
 

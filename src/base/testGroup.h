@@ -13,8 +13,8 @@
 namespace Zu
 {
 
-/// A test that a program offers by name. An object registers itself when it is built, as a rule as
-/// a static object, so linking it in is all that it takes:
+/// A test that a program offers by name. An object registers itself when it is constructed. Usually
+/// it is a static object, so that linking it in is enough:
 ///
 /// @code
 /// class LookupTest : public Zu::TestGroup
@@ -25,8 +25,8 @@ namespace Zu
 /// } theLookupTest;
 /// @endcode
 ///
-/// A group stays in the registry when it ends, so it must live as long as groups are looked up.
-/// A copy shares the texts and is not registered; copies are not meant for use.
+/// A group stays in the registry when it is destroyed, so it must live as long as groups are looked
+/// up. A copy shares the texts and is not registered; copies are not meant for use.
 ///
 /// Thread-safety: everything here belongs to one thread; run() may start threads of its own.
 class ZU_BASE_API TestGroup
@@ -38,33 +38,34 @@ public:
     TestGroup& operator=(const TestGroup&) = default;
     virtual ~TestGroup();
 
-    /// What run() needs and what is not to be measured; nothing here. The words are those of the
-    /// command line behind the group's name, or from it on if getGroupNameInArgs(); in a
-    /// performance run they are those of the file alone. Behind the last stands a null.
+    /// Prepares what run() needs and what must not be measured; does nothing by default. The words
+    /// are those of the command line after the group's name, or beginning with it if
+    /// getGroupNameInArgs(). In a performance run they are only those of the file. A null follows
+    /// the last one.
     virtual void prepare(int argc, char** const argv);
 
     /// The test. It fails by raising an exception.
     virtual void run(int argc, char** const argv) = 0;
 
-    /// The end of what prepare() began; nothing here. It is not called when run() raised.
+    /// Ends what prepare() began; does nothing by default. It is not called when run() raised.
     virtual void terminate();
 
-    /// Writes the result of a cycle of a performance run; nothing here.
+    /// Writes the result of a cycle of a performance run; does nothing by default.
     virtual void dump(std::ostream& os);
 
     /// Null for a group without a name.
     const char* getName() const;
 
-    /// What setPrintHeaders() was told.
+    /// What was passed to setPrintHeaders().
     bool getPrintHeaders() const;
 
-    /// What setGroupNameInArgs() was told.
+    /// What was passed to setGroupNameInArgs().
     bool getGroupNameInArgs() const;
 
     /// The first group of this name; null if there is none, and for null.
     static TestGroup* getInstance(const char* name);
 
-    /// Whether the program was instrumented for profiling, as TestMgr tells from its name.
+    /// Whether the program was instrumented for profiling, as TestMgr finds out from its name.
     static bool isPixified();
 
     /// Traces a heading, "***** text *****" between two empty lines, on the level "Main".
@@ -77,21 +78,21 @@ public:
     static void printInstances();
 
 protected:
-    /// The name is that of setName(); without one the group can't be run by name. When the name is
+    /// Takes the name as setName() does; a group without one can't be run by name. When the name is
     /// refused the group is not registered.
     explicit TestGroup(const char* name = nullptr);
 
-    /// The texts are copied; null takes one away. A name that another group has raises
-    /// ExInternalError `Duplicate test group : "<name>".` and leaves this one without a name.
+    /// The texts are copied; null removes one. A name that another group has raises ExInternalError
+    /// `Duplicate test group : "<name>".` and leaves this group without a name.
     void setName(const char* name);
 
-    /// What stands behind the name in printInstances().
+    /// The text after the name in printInstances().
     void setUsage(const char* usage);
 
-    /// What stands below.
+    /// The text below it.
     void setDescription(const char* description);
 
-    /// Whether TestMgr tells that it runs the group, and its end; true at first.
+    /// Whether TestMgr announces the start and the end of the group; true at first.
     void setPrintHeaders(bool printHeaders);
 
     /// Whether the group wants its own name as the first word; false at first.

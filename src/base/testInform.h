@@ -9,9 +9,9 @@
 namespace Zu
 {
 
-/// Tells whoever drives the tests why a run did not pass: into the file that the variable
-/// ZU_RUN_TEST_MSGS names, which holds the last message alone, or through the trace manager. A file
-/// that can't be opened loses the message.
+/// Reports to the driver of the tests why a run did not pass: in the file that the variable
+/// ZU_RUN_TEST_MSGS names, which then contains only the last message, or otherwise through the
+/// trace manager. If the file can't be opened, the message is lost.
 ///
 /// Thread-safety: one thread at a time.
 class ZU_BASE_API TestInform

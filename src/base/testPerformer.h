@@ -21,8 +21,8 @@ namespace Zu
 class TestGroup;
 
 /// Runs the groups that a file names, each for a number of cycles, and measures each run by the
-/// hardware counter and by the time of day; only run() itself is measured. docs/testing.md has the
-/// form of the file.
+/// hardware counter and by the time of day; only run() itself is measured. docs/testing.md
+/// documents the form of the file.
 ///
 /// Thread-safety: one thread.
 class ZU_BASE_API TestPerformer
@@ -38,20 +38,22 @@ public:
     ~TestPerformer();
 
     /// Loads a file and runs what it names, in its order; a negative number of cycles runs nothing.
-    /// What a group raises ends it. What is wrong with the file raises ExInternalError before
-    /// anything is run:
-    /// - "Invalid file name : <<name>>." for what can't be opened or read, a directory among them
-    /// - "Too many test groups in file." for a line behind the 128th group, even an empty one
+    /// An exception that a group raises ends the run. An error in the file raises ExInternalError
+    /// before anything is run:
+    /// - "Invalid file name : <<name>>." for a file that can't be opened or read, including a
+    ///   directory
+    /// - "Too many test groups in file." for a line after the 128th group, even an empty one
     /// - "Test group name is too long: <<name>>." for more than 47 characters
     /// - "Invalid test group name: <<name>>." for a group that is not registered
-    /// - "Invalid number of cycles: <<text>>." for 0, a text that is no number, and none
+    /// - "Invalid number of cycles: <<text>>." for 0, a text that is not a number, and a missing
+    ///   one
     /// - "Too many args to test group." for more than 16
     ///
-    /// A text of 128 characters or more, and the ">." behind it, is left out of these.
+    /// A text of 128 characters or more, and the ">." after it, is left out of these.
     ///
     /// A line ends in a line feed, with or without a carriage return before it, on every platform.
-    /// It has at most 255 characters. Of a longer one the first 255 count, and deliberately
-    /// nothing behind them is read.
+    /// It has at most 255 characters. Of a longer one, only the first 255 count, and deliberately
+    /// nothing after them is read.
     void execute(const OsFilePath& file);
 
 private:
@@ -65,9 +67,9 @@ private:
         TestGroup* _group;
         std::int32_t _cycles;
         std::int32_t _argc;
-        // Null behind the last.
+        // Null after the last one.
         std::array<char*, MAX_ARGS + 1> _args;
-        // Of a cycle, in seconds.
+        // For one cycle, in seconds.
         double _averageTime;
     };
 
@@ -80,7 +82,7 @@ private:
     void takeArgument(Record& record, const char* token);
 
     void execute(Record& record);
-    // Of the averages by the two clocks the one that counts.
+    // Chooses between the averages of the two clocks.
     static double averageOf(double timeOfDay, double counter);
     void executeCycle(Record& record, int cycle);
 
@@ -93,7 +95,7 @@ private:
     std::int32_t _count = 0;
     Profiler<HwIntervalTimer> _hwProfiler;
     Profiler<TodIntervalTimer> _todProfiler;
-    // The arguments of all files: a group may hold on to those of an earlier one.
+    // The arguments of all files: a group may keep those of an earlier one.
     std::vector<std::shared_ptr<char[]>> _texts;
 };
 

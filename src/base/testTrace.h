@@ -12,7 +12,7 @@
 namespace Zu
 {
 
-/// The level "Main" under the name that the statements of tracing go by.
+/// The level "Main", under the name by which trace statements refer to it.
 namespace TraceLevels
 {
 inline TraceLevel*& Main = Trace::MainTraceLevel;

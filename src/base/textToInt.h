@@ -7,8 +7,8 @@
 namespace Zu
 {
 
-/// The decimal number at the beginning of the text, as `atoi` reads it: 0 for text that is none,
-/// and the nearest int for a number out of range. `errno` stays as it was.
+/// The decimal number at the beginning of the text, as `atoi` reads it: 0 for text that is not a
+/// number, and the nearest int for a number out of range. `errno` is left unchanged.
 int textToInt(const char* text);
 
 } // namespace Zu

@@ -12,7 +12,7 @@
 namespace Zu
 {
 
-/// A total of spans, of either kind of clock. A timer belongs to one thread at a time.
+/// A total of spans, for either kind of clock. A timer belongs to one thread at a time.
 class ZU_BASE_API TimerBase
 {
 public:
@@ -30,13 +30,13 @@ public:
     /// Begins a span; the total stays.
     virtual void start() = 0;
 
-    /// Adds the span from the last start, however often it is called.
+    /// Adds the span since the last start, at every call.
     virtual void stop() = 0;
 
     /// Stops the timer, with the total 0.
     virtual void reset() = 0;
 
-    /// The seconds of all spans, with what there is of a running one.
+    /// The seconds of all spans, including a running one so far.
     virtual double totalTime() const = 0;
 };
 

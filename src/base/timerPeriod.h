@@ -14,20 +14,20 @@ namespace Zu
 /// What the platform's timer service offers. Periods are in milliseconds.
 struct TimerService
 {
-    /// What it states as the shortest period of timers.
+    /// The shortest period of timers that it reports.
     std::uint32_t (*_shortestPeriod)();
 
     /// @{
-    /// Ask for a precision and release it; paired.
+    /// Request a precision and release it; calls are paired.
     void (*_beginPeriod)(std::uint32_t period);
     void (*_endPeriod)(std::uint32_t period);
     /// @}
 };
 
-/// That of this platform.
+/// The service of this platform.
 extern const TimerService theTimerService;
 
-/// Asks the platform for its best timer precision as long as one lives.
+/// Requests the platform's best timer precision as long as an object exists.
 class TimerPeriod
 {
 public:
@@ -48,12 +48,13 @@ private:
     std::uint32_t _milliseconds;
 };
 
-/// A time as timers take it: truncated to milliseconds, of which the low 32 bits count. 0, which no
-/// timer takes, for a negative time and for what no 64-bit integer holds.
+/// A time in the form that timers accept: truncated to milliseconds, of which only the low 32 bits
+/// count. 0, which no timer accepts, for a negative time and for one that no 64-bit integer can
+/// hold.
 std::uint32_t timerMilliseconds(double seconds);
 
-/// Sleeps for a time by waits of so many milliseconds each, none longer than `longest`. False,
-/// without a wait, for a time of no millisecond.
+/// Sleeps for a time by waits of so many milliseconds each, none longer than `longest`. Returns
+/// false without waiting if the time gives no milliseconds.
 bool timerSleep(double seconds, std::uint32_t longest,
                 const std::function<void(std::uint32_t)>& wait);
 

@@ -1,5 +1,5 @@
 /// @file
-/// Lines of a developer's view of control flow.
+/// Trace lines, a developer's view of control flow.
 
 #ifndef ZU_BASE_TRACE_H
 #define ZU_BASE_TRACE_H
@@ -16,13 +16,14 @@
 namespace Zu
 {
 
-/// Forms the lines of tracing, and keeps the depth of their indentation. What is shown is said by
-/// an option text, in the variable ZU_TRACE_OPTIONS and by setOptions();
-/// docs/profiling-and-tracing.md has the options. Tracing works at any time, also before main().
+/// Forms trace lines, and keeps the depth of their indentation. An option text, in the variable
+/// ZU_TRACE_OPTIONS or passed to setOptions(), controls what is shown;
+/// docs/profiling-and-tracing.md documents the options. Tracing works at any time, even before
+/// main().
 ///
-/// Thread-safety: isEnabled() is for any thread. Registration and options have no lock and belong
-/// to one thread. A Trace is of one thread at a time; the default manager gives all threads the
-/// same one.
+/// Thread-safety: any thread may call isEnabled(). Registration and options have no lock and belong
+/// to one thread. A Trace belongs to one thread at a time; the default manager gives all threads
+/// the same one.
 class ZU_BASE_API Trace
 {
     friend class TraceOptions;
@@ -38,23 +39,23 @@ public:
     /// The level "Main", which is on by default.
     static TraceLevel* MainTraceLevel;
 
-    /// The level of this name, made switched off if there is none, unless an option has switched it
-    /// on before. The file is kept as a pointer unless it is null.
+    /// The level of this name. If there is none, makes one that is switched off unless an option
+    /// has switched it on before. The file is kept as a pointer unless it is null.
     static TraceLevel* registerLevel(const char* name, const char* file);
 
     /// The level that a source keeps, or the one of this name while it has none yet: a source gets
-    /// its own when its static objects are built, and may be asked to trace before.
+    /// its own when its static objects are constructed, and may trace before that.
     static const TraceLevel& levelOf(const TraceLevel* level, const char* name)
     {
         return level ? *level : *registerLevel(name, nullptr);
     }
 
-    /// Applies an option text; null does nothing. Raises ExInternalError
-    /// `Unknown token "<token>" in trace options.`; what stands before it holds.
+    /// Applies an option text; null does nothing. Raises ExInternalError `Unknown token "<token>"
+    /// in trace options.`; the options before it remain in effect.
     static void setOptions(const char* options);
 
-    /// Writes all levels, whether they are on, and the sources that registered them, whatever the
-    /// format of the stream, which is put back.
+    /// Writes all levels, whether they are on, and the sources that registered them, independently
+    /// of the stream's format, which is restored.
     static void printLevels(std::ostream& os);
 
     /// Whether tracing and the level are on.
@@ -63,15 +64,15 @@ public:
         return level.isOn() && _on.load(std::memory_order_relaxed);
     }
 
-    /// Writes what opens every line: process, prefix, file and line, indentation, each as the
-    /// options say. This and the operations below write the same text whatever the format of the
-    /// stream, and put that back: flags, width and fill character.
+    /// Writes the beginning of every line: process, prefix, file and line, indentation, each as the
+    /// options require. This and the operations below write the same text whatever the format of
+    /// the stream, and restore that: flags, width and fill character.
     void prefix(std::ostream& os, const char* file, int line);
 
-    /// Writes what opens the line of a statement.
+    /// Writes the beginning of a statement's line.
     void log(std::ostream& os, const char* file, int line);
 
-    /// Writes a line with a text made as `printf` makes it in the locale "C", cut to 1,023
+    /// Writes a line with a text formatted as by `printf` in the locale "C", cut to 1,023
     /// characters.
     ZU_PRINTF_FORMAT(5, 6)
     void print(std::ostream& os, const char* file, int line, const char* format, ...);
@@ -81,7 +82,7 @@ public:
     void printException(const ExBase& ex, const char* file, int line);
 
 protected:
-    /// Writes what a derived class wants to stand in front of the line; nothing here.
+    /// Writes what a derived class wants in front of the line; nothing by default.
     virtual void printPrefix(std::ostream& os);
 
 private:
@@ -98,7 +99,7 @@ private:
 };
 
 /// Traces the entry into a scope and the exit from it. If the level was on at the entry, the exit
-/// is told too, whatever it is then.
+/// is also traced, whatever the level is then.
 class ZU_BASE_API Trace::Entry
 {
 public:

@@ -28,7 +28,7 @@ public:
         return _name.get();
     }
 
-    /// Whether the level itself is on; Trace::isEnabled() also asks whether tracing is.
+    /// Whether the level itself is on; Trace::isEnabled() also checks whether tracing is on.
     bool isOn() const
     {
         return _enabled.load(std::memory_order_relaxed);
@@ -40,7 +40,7 @@ private:
 
     ArrayPtr<char> _name;
     std::atomic<bool> _enabled{false};
-    // The sources that registered it, each as often as it did.
+    // The sources that registered it, each as many times as it did so.
     Vector<const char*> _files;
 };
 

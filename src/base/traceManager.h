@@ -12,10 +12,10 @@
 namespace Zu
 {
 
-/// Gives the calling context its Trace, and takes the finished lines. The default one has a single
-/// Trace and writes to standard output.
+/// Provides the Trace of the calling context, and receives the finished lines. The default manager
+/// has a single Trace and writes to standard output.
 ///
-/// Thread-safety: managers are made and ended by one thread while no other one traces.
+/// Thread-safety: one thread makes and destroys managers, while no other thread traces.
 class ZU_BASE_API TraceManager
 {
 public:
@@ -33,11 +33,11 @@ public:
 
 protected:
     /// The new manager becomes current if none was installed before, or if its priority is greater
-    /// than the current one's; otherwise it is left out. The default one, of priority 0, is
-    /// installed by the first who traces.
+    /// than the current one's; otherwise it is ignored. The default one, of priority 0, is
+    /// installed by the first operation that traces.
     explicit TraceManager(int priority);
 
-    /// If this manager is current, the default one is from here on; an earlier one is not restored.
+    /// If this manager is current, the default one replaces it; an earlier one is not restored.
     virtual ~TraceManager();
 
 private:

@@ -13,7 +13,7 @@
 namespace Zu
 {
 
-/// The options of the process and its levels. The one store is made at first use, also before
+/// The options of the process and its levels. The one store is made at first use, even before
 /// main(), and never deleted.
 class TraceOptions
 {
@@ -25,7 +25,8 @@ public:
     TraceOptions& operator=(const TraceOptions&) = delete;
 
     /// Applies the options of a text, "show=Main,noindent". A null or empty text does nothing.
-    /// Raises ExInternalError "Unknown token "..." in trace options."; what stands before it holds.
+    /// Raises ExInternalError "Unknown token "..." in trace options."; the options before it remain
+    /// in effect.
     void apply(const char* text);
 
     /// The level of this name, made if there is none. A file is noted unless it is null.
@@ -34,7 +35,7 @@ public:
     /// Writes the levels with their sources.
     void printLevels(std::ostream& os) const;
 
-    /// The file's last components, as many as the options say; "/" alone separates.
+    /// The file's last components, as many as the options require; only "/" separates.
     const char* tailOf(const char* file) const;
 
     bool isPrinting() const
@@ -77,7 +78,7 @@ private:
     bool _printLevels = false;
     bool _writeProtect = false;
     ShowAll _showAll = AS_NAMED;
-    // By the levels' own copies of their names.
+    // Keyed by the levels' own copies of their names.
     std::map<const char*, TraceLevel*, ByBytes> _levels;
 };
 

@@ -12,10 +12,10 @@
 #include <optional>
 #include <utility>
 
-/// Makes a level known to the source that it stands in, outside of functions:
-/// ZU_TRACE_LEVEL(Parser). A level of one name is the same in all sources. So for the levels of the
-/// library: Main. Statements work before it is reached, too: in the constructor of a static object
-/// that stands in front of it, or in another source.
+/// Makes a level known to the source in which it is placed, outside functions:
+/// ZU_TRACE_LEVEL(Parser). Levels of one name are the same level in all sources, including the
+/// library's own: Main. Statements also work before it is reached: in the constructor of a static
+/// object that precedes it, or in another source.
 #define ZU_TRACE_LEVEL(name)                                                                       \
     namespace TraceLevels                                                                          \
     {                                                                                              \
@@ -24,8 +24,8 @@
     }                                                                                              \
     static_assert(true)
 
-/// Traces a line if the level is on: ZU_TRACE(Parser, "token " << token). When it is off, nothing
-/// of the operands is evaluated. An operand may be whatever a standard stream takes; this one has
+/// Traces a line if the level is on: ZU_TRACE(Parser, "token " << token). When it is off, no
+/// operand is evaluated. An operand may be anything that a standard stream accepts; this stream has
 /// the locale "C", whatever the global one is.
 #define ZU_TRACE(level, ...)                                                                       \
     do                                                                                             \
@@ -39,9 +39,9 @@
         }                                                                                          \
     } while (false)
 
-/// Traces the entry into the scope that it stands in and the exit from it, by a name that is kept
-/// as a pointer: ZU_TRACE_SCOPE(Parser, "parse"). When the level is off at the entry, nothing of
-/// the name is evaluated, and no manager is asked for anything.
+/// Traces the entry into the enclosing scope and the exit from it, by a name that is kept as a
+/// pointer: ZU_TRACE_SCOPE(Parser, "parse"). When the level is off at the entry, the name is not
+/// evaluated, and no manager is asked for anything.
 #define ZU_TRACE_SCOPE(level, name)                                                                \
     [[maybe_unused]] const std::optional<::Zu::Trace::Entry> ZU_XGLUE(zuTraceEntry, __COUNTER__) = \
         ::Zu::Trace::isEnabled(::Zu::Trace::levelOf(TraceLevels::level, #level))                   \

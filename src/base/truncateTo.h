@@ -9,8 +9,8 @@
 namespace Zu
 {
 
-/// Truncated toward zero; the smallest of the integers for what does not fit and for a NaN, as the
-/// conversion of x86-64 processors has it.
+/// Truncates toward zero. A value that does not fit, and a NaN, gives the smallest integer, as the
+/// conversion of x86-64 processors does.
 template <class Integer, class Float> constexpr Integer truncateTo(Float value) noexcept
 {
     constexpr Integer LOWEST = std::numeric_limits<Integer>::min();

@@ -10,8 +10,8 @@
 namespace Zu
 {
 
-/// The value, but for a NaN one without a sign: platforms write that sign or leave it out, and
-/// texts are the same everywhere. What is no floating-point number stays as it is.
+/// The value, but a NaN without its sign: platforms differ in whether they write it, and texts must
+/// be the same everywhere. A value that is not a floating-point number is returned unchanged.
 template <class T> constexpr T withoutNaNSign(const T& value) noexcept
 {
     if constexpr (std::is_floating_point_v<T>)

@@ -46,7 +46,7 @@ struct ZU_BASE_VISIBLE initVars
 {
 };
 
-/// Defaults, environment and overrides; what everything depends on.
+/// Defaults, environment and overrides; everything depends on it.
 struct ZU_BASE_VISIBLE initialize
 {
 };
