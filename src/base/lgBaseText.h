@@ -20,7 +20,7 @@ class OsFilePath;
 class Rational;
 
 /// @{
-/// Insert a value as its insertion operator for standard streams writes it on a new stream.
+/// Insert a value as its insertion operator writes it to a new standard stream.
 ZU_BASE_API LgStream& operator<<(LgStream& stream, const Rational& rational);
 ZU_BASE_API LgStream& operator<<(LgStream& stream, const DtTimeIndex& index);
 ZU_BASE_API LgStream& operator<<(LgStream& stream, const DtTime& time);
@@ -35,16 +35,16 @@ ZU_BASE_API LgStream& lgInsertInterval(LgStream& stream, const DtTimeIndex& min,
                                        const DtTimeIndex& max);
 /// @}
 
-/// Inserts an interval as its insertion operator for standard streams writes it on a new stream.
+/// Inserts an interval as its insertion operator writes it to a new standard stream.
 template <class T> LgStream& operator<<(LgStream& stream, const Interval<T>& interval)
 {
     return lgInsertInterval(stream, interval._min, interval._max);
 }
 
-/// Inserts the path as it stands.
+/// Inserts the path unchanged.
 ZU_BASE_API LgStream& operator<<(LgStream& stream, const OsFilePath& path);
 
-/// Inserts the reason.
+/// Inserts the exception's reason.
 ZU_BASE_API LgStream& operator<<(LgStream& stream, const ExBase& exception);
 
 } // namespace Zu

@@ -21,35 +21,35 @@ namespace Zu
 {
 
 /// The operands of a log statement, `LgParts() << "text" << number`, kept by reference to be
-/// inserted later: an operand that logs something itself, such as a call of a function, has done so
-/// before the event is begun. Lives no longer than the statement.
+/// inserted later. An operand that itself logs something, such as a function call, has thus done so
+/// before the event begins. Lives no longer than the statement.
 class LgParts
 {
 public:
-    /// Inserts nothing: here are no operands yet.
+    /// Inserts nothing: there are no operands yet.
     void insertInto(LgStream&) const {}
 };
 
 /// @{
-/// Whether LgStream has an insertion operator for a type, in what was included.
+/// Whether LgStream has an insertion operator for a type, among the headers included.
 template <class T, class = void> inline constexpr bool lgIsInsertable = false;
 template <class T>
 inline constexpr bool lgIsInsertable<
     T, std::void_t<decltype(std::declval<LgStream&>() << std::declval<const T&>())>> = true;
 /// @}
 
-/// The parts before one operand, and that operand.
+/// One operand and the parts before it.
 template <class Before, class Part> class LgMoreParts
 {
 public:
-    /// The parts before are copied; an operand that is a reference stays one.
+    /// Copies the parts before; an operand that is a reference stays one.
     LgMoreParts(const Before& before, Part part) : _before(before), _part(part) {}
 
     /// Inserts all operands, the first one first.
     void insertInto(LgStream& stream) const
     {
         _before.insertInto(stream);
-        // What can't be inserted has been reported where it stands.
+        // An operand that can't be inserted has already failed a static assertion in operator<<.
         if constexpr (lgIsInsertable<std::remove_reference_t<Part>>) stream << _part;
     }
 
@@ -59,20 +59,20 @@ private:
 };
 
 /// @{
-/// Whether a type is that of the operands of a log statement.
+/// Whether a type represents the operands of a log statement.
 template <class T> inline constexpr bool lgIsParts = false;
 template <> inline constexpr bool lgIsParts<LgParts> = true;
 template <class Before, class Part>
 inline constexpr bool lgIsParts<LgMoreParts<Before, Part>> = true;
 /// @}
 
-/// Numbers are kept as values, so that a constant that has a value and no place will do.
+/// Numbers are kept by value, so that a constant without storage can be an operand.
 template <class T>
 using LgKeptPart =
     std::conditional_t<std::is_arithmetic_v<T> || std::is_enum_v<T>, const T, const T&>;
 
 /// @{
-/// The operands of a log statement and one more.
+/// Appends one more operand to those of a log statement.
 template <class Before, class T, class = std::enable_if_t<lgIsParts<Before>>,
           class = std::enable_if_t<!std::is_arithmetic_v<T> && !std::is_enum_v<T>>>
 LgMoreParts<Before, LgKeptPart<T>> operator<<(const Before& before, const T& part)
@@ -96,12 +96,12 @@ LgMoreParts<Before, LgKeptPart<T>> operator<<(const Before& before, T part)
 }
 /// @}
 
-/// The insertion of one event's text into its queue. If it ends early, by an exception of an
-/// operand's insertion operator, the event is taken back.
+/// The insertion of one event's text into its queue. If an exception of an operand's insertion
+/// operator ends it early, the event is withdrawn.
 class LgInsertion
 {
 public:
-    /// For the event that the queue has reserved.
+    /// Begins the insertion for the event that the queue has reserved.
     explicit LgInsertion(LgQueue& queue) : _queue(&queue)
     {
         _queue->beginInsertion();
@@ -118,7 +118,7 @@ public:
     /// Publishes the event.
     void complete()
     {
-        // From here on there is nothing to take back, whatever the observer does.
+        // From here on there is nothing to withdraw, whatever the observer does.
         LgQueue& queue = *_queue;
         _queue = nullptr;
         queue.endInsertion();
@@ -128,11 +128,11 @@ private:
     LgQueue* _queue;
 };
 
-/// One line for standard output, of the same bytes as an event's text.
+/// One line for standard output, with the same bytes as an event's text.
 class ZU_BASE_API LgDirectLine
 {
 public:
-    /// Takes the text of the line.
+    /// The stream that receives the text of the line.
     LgStream& getStream();
 
     /// Writes the line.
@@ -142,7 +142,7 @@ private:
     LgStream _stream;
 };
 
-/// One log statement under way; see ZU_LOG.
+/// One log statement in progress; see ZU_LOG.
 class LgEvent
 {
 public:
@@ -195,8 +195,8 @@ private:
 
 } // namespace Zu
 
-/// Declares a minor group, in a header, so that several sources can log into it. This one and the
-/// next stand outside of functions, in the namespace of the subsystem.
+/// Declares a minor group in a header, so that several source files can log to it. This macro and
+/// the next are used outside functions, in the namespace of the subsystem.
 #define ZU_DECLARE_LOG_GROUP(name)                                                                 \
     inline namespace LgGroups                                                                      \
     {                                                                                              \
@@ -204,7 +204,7 @@ private:
     }                                                                                              \
     static_assert(true)
 
-/// Defines a minor group, in one source. A group that only this source logs into needs no
+/// Defines a minor group in one source file. A group that only this file logs to needs no
 /// declaration.
 #define ZU_DEFINE_LOG_GROUP(name)                                                                  \
     ZU_DECLARE_LOG_GROUP(name);                                                                    \
@@ -214,8 +214,8 @@ private:
     }                                                                                              \
     static_assert(true)
 
-/// Starts a minor group below the major group with the name `major`, a text; for the start-up of
-/// the subsystem's package, which depends on "logger". A group that stands already raises
+/// Starts a minor group of the major group named by the text `major`. For the start-up of the
+/// subsystem's package, which must depend on "logger". A group that has already been started raises
 /// ExInternalError "Assertion 'LgGroups::ZU_XGLUE( MinorLevel, <name> ) == 0' failed."
 #define ZU_START_LOG_GROUP(major, name)                                                            \
     (ZU_ASSERT_TEXT(ZU_XGLUE(MinorLevel, name) == nullptr,                                         \
@@ -223,28 +223,28 @@ private:
      static_cast<void>(ZU_XGLUE(MinorLevel, name) = new ::Zu::LgMinorGroup(                        \
                            ::Zu::LgMajorGroup::getInstanceForName(major), #name)))
 
-/// Ends a minor group, in the shut-down of the subsystem's package. A group that was not started
+/// Ends a minor group. For the shut-down of the subsystem's package. A group that was not started
 /// raises ExInternalError "Assertion 'LgGroups::ZU_XGLUE( MinorLevel, <name> ) != 0' failed."
 #define ZU_STOP_LOG_GROUP(name)                                                                    \
     (ZU_ASSERT_TEXT(ZU_XGLUE(MinorLevel, name) != nullptr,                                         \
                     "LgGroups::ZU_XGLUE( MinorLevel, " #name " ) != 0"),                           \
      delete ZU_XGLUE(MinorLevel, name), static_cast<void>(ZU_XGLUE(MinorLevel, name) = nullptr))
 
-/// Logs an event of a level into a minor group: ZU_LOG(Query, level, "took " << seconds << " s").
-/// When the group does not let the level through, nothing of the operands is evaluated. While the
-/// logger is inactive the text goes to standard output, but for that of level Profiling.
+/// Logs an event of a level to a minor group: ZU_LOG(Query, level, "took " << seconds << " s"). If
+/// the group does not let the level through, no operand is evaluated. While the logger is inactive
+/// the text goes to standard output, except for level Profiling.
 ///
-/// An operand may be whatever LgStream has an insertion operator for; one of a client's own is
-/// found in the namespace of its type. An event that such an operator logs itself is lost while
-/// the logger is active; one that is logged while an operand is evaluated is not. An exception
-/// leaves no part of the event.
+/// An operand may be anything that LgStream has an insertion operator for; a client's own operator
+/// is found in the namespace of its type. While the logger is active, an event that such an
+/// operator logs itself is lost; one that is logged while an operand is evaluated is not. After an
+/// exception no part of the event remains.
 ///
 /// A group that was not started raises ExInternalError "Assertion 'minor' failed."
 #define ZU_LOG(group, level, ...)                                                                  \
     ZU_LOG_NAMED(ZU_XGLUE(zuEvent, __COUNTER__), group, level, __VA_ARGS__)
 
-/// ZU_LOG with the name of the variable that it makes. Each statement has one of its own: it may
-/// stand inside an operand of another.
+/// ZU_LOG with the name of the variable that it defines. Each statement needs a name of its own,
+/// since it may be nested in an operand of another one.
 #define ZU_LOG_NAMED(event, group, level, ...)                                                     \
     do                                                                                             \
     {                                                                                              \
@@ -253,7 +253,7 @@ private:
     } while (false)
 
 /// @{
-/// The same for one level each: ZU_LOG_WARNING(Query, "took " << seconds << " s").
+/// ZU_LOG for one level each: ZU_LOG_WARNING(Query, "took " << seconds << " s").
 #define ZU_LOG_INTERNAL_ERROR(group, ...) ZU_LOG(group, ::Zu::LgTypes::InternalError, __VA_ARGS__)
 #define ZU_LOG_FATAL_ERROR(group, ...) ZU_LOG(group, ::Zu::LgTypes::FatalError, __VA_ARGS__)
 #define ZU_LOG_ERROR(group, ...) ZU_LOG(group, ::Zu::LgTypes::Error, __VA_ARGS__)

@@ -21,11 +21,11 @@ protected:
     LgEx(const char* file, int line);
 };
 
-/// A text that is no level: "Invalid level string specified: <text>".
+/// A text that is not a level: "Invalid level string specified: <text>".
 class ZU_BASE_API LgEx::InvalidLevelString : public std::invalid_argument, public LgEx
 {
 public:
-    /// `text` is what was to be a level.
+    /// `text` is the invalid text.
     InvalidLevelString(const char* file, int line, const char* text);
 
     const char* what() const noexcept override;

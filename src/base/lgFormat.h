@@ -1,5 +1,5 @@
 /// @file
-/// Numbers of a log statement in another form than the usual one.
+/// Number formats for log statements other than the default one.
 
 #ifndef ZU_BASE_LGFORMAT_H
 #define ZU_BASE_LGFORMAT_H
@@ -14,9 +14,9 @@ namespace Zu
 
 class LgStream;
 
-/// A number and the form that a log statement shows it in, made by the functions below:
+/// A number and the format in which a log statement shows it, made by the functions below:
 /// ZU_LOG_WARNING(Query, "at " << Zu::lgWidth(Zu::lgHex(address), 16, '0')). The text is made when
-/// it is inserted, without the heap and by no locale.
+/// it is inserted, without heap allocation and independent of the locale.
 class LgNumber
 {
     friend ZU_BASE_API LgStream& operator<<(LgStream& stream, const LgNumber& number);
@@ -26,8 +26,8 @@ class LgNumber
     template <class T> friend LgNumber lgShortest(T value);
 
 public:
-    /// Of any number, in the form that LgStream gives it; characters and `bool` are numbers, too. A
-    /// `long double` is rounded to `double`.
+    /// Takes any number, in the format that LgStream gives it; characters and `bool` are numbers
+    /// too. A `long double` is rounded to `double`.
     template <class T, class = std::enable_if_t<std::is_arithmetic_v<T>>>
     LgNumber(T value) : _form(Form::PLAIN)
     {
@@ -77,7 +77,7 @@ template <class T> LgNumber lgHex(T value)
     return number;
 }
 
-/// A number with so many decimals, from 0 to 100, rounded from its exact value.
+/// A number with the given count of decimals, from 0 to 100, rounded from its exact value.
 inline LgNumber lgDecimals(double value, int decimals)
 {
     LgNumber number(value);
@@ -86,7 +86,7 @@ inline LgNumber lgDecimals(double value, int decimals)
     return number;
 }
 
-/// A `float` or `double` in as few characters as give the same number when they are read again:
+/// A `float` or `double` in the fewest characters that read back as the same number:
 /// "0.1", "1e+100".
 template <class T> LgNumber lgShortest(T value)
 {
@@ -98,8 +98,8 @@ template <class T> LgNumber lgShortest(T value)
     return number;
 }
 
-/// A number at the right of a field of so many characters, at most 100; a longer one is not cut.
-/// The fill character '0' stands behind the sign.
+/// A number right-aligned in a field of `width` characters, at most 100; a longer one is not
+/// truncated. The fill character '0' goes after the sign.
 inline LgNumber lgWidth(LgNumber number, int width, char fill = ' ')
 {
     number._width = width;
@@ -107,7 +107,7 @@ inline LgNumber lgWidth(LgNumber number, int width, char fill = ' ')
     return number;
 }
 
-/// Inserts it.
+/// Inserts the formatted number.
 ZU_BASE_API LgStream& operator<<(LgStream& stream, const LgNumber& number);
 
 } // namespace Zu

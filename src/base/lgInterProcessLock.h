@@ -10,15 +10,16 @@
 namespace Zu
 {
 
-/// A lock that processes find by its name. The thread that holds it may take it again, and releases
-/// it as often.
+/// A recursive lock that processes find by its name. The thread that holds it may take it again,
+/// and must release it as many times.
 ///
 /// Processes that share a log file must also all append to it (a `+` before its name): otherwise
-/// each truncates it and writes at a place of its own.
+/// each truncates it and writes at its own position.
 ///
-/// Every failure raises ExSysErrorWindows with the platform's code. A holder that died is one,
-/// deliberately: whoever takes the lock next is told once that a line may have been left
-/// unfinished, and does not hold the lock then; from there on it works again.
+/// Every failure raises ExSysErrorWindows with the platform's code. The death of the holder
+/// deliberately counts as a failure: the next thread to take the lock gets the exception, once,
+/// since a line may have been left unfinished. It does not hold the lock then; afterwards the lock
+/// works again.
 class ZU_BASE_API LgInterProcessLock
 {
 public:
@@ -26,27 +27,28 @@ public:
     LgInterProcessLock(const LgInterProcessLock&) = delete;
     LgInterProcessLock& operator=(const LgInterProcessLock&) = delete;
 
-    /// Leaves the lock to its other users; a failure raises, unless an exception is under way.
+    /// Leaves the lock to its other users. A failure raises, unless an exception is already in
+    /// flight.
     virtual ~LgInterProcessLock() noexcept(false);
 
     /// Waits for the lock, without a limit.
     virtual void lock() = 0;
 
-    /// Releases it; for the thread that holds it.
+    /// Releases the lock. Only the thread that holds it may call this.
     virtual void unlock() = 0;
 
-    /// A new object for the lock of this name, which is made if no process has it; the caller owns
-    /// it. The lock ends with its last user. Without a name (null) it is a lock of this process
-    /// alone.
+    /// A new object, owned by the caller, for the lock of this name. The lock is created if no
+    /// process has it and ends with its last user. Without a name (null) the lock is private to
+    /// this process.
     static LgInterProcessLock* create(const char* name);
 };
 
 /// The destructor may throw.
 template <> inline constexpr bool ownedMayThrow<LgInterProcessLock> = true;
 
-/// Holds a lock for the time of a scope; a null one costs nothing, which is the normal case of a
-/// process that shares no file. What unlock() raises leaves the destructor, unless another
-/// exception is under way.
+/// Holds a lock for the duration of a scope. A null lock costs nothing; this is the normal case of
+/// a process that shares no file. The destructor passes on what unlock() raises, unless another
+/// exception is in flight.
 class ZU_BASE_API LgInterProcessLockGuard
 {
 public:
@@ -69,7 +71,7 @@ private:
     void unlock();
 
     LgInterProcessLock* _lock;
-    // How many exceptions were under way when the scope began.
+    // How many exceptions were in flight when the scope began.
     int _exceptions = 0;
 };
 

@@ -1,5 +1,5 @@
 /// @file
-/// The name of a lock between processes as a file system can hold it. Internal to the library.
+/// The name of an inter-process lock in a form that a file system accepts. Internal to the library.
 
 #ifndef ZU_BASE_LGLOCKNAME_H
 #define ZU_BASE_LGLOCKNAME_H
@@ -10,9 +10,9 @@
 namespace Zu
 {
 
-/// "/ZU-lock-", the user's number, "-" and the name, in which every byte but letters, digits, "-",
-/// "_" and "." is written as "%" and two hexadecimal digits: different names stay different, none
-/// leads elsewhere, and users don't get in each other's way.
+/// "/ZU-lock-", the user's number, "-" and the name, in which every byte except letters, digits,
+/// "-", "_" and "." is written as "%" and two hexadecimal digits. Different names stay different,
+/// no name leads outside the folder, and users do not interfere with each other.
 std::string lgLockName(const char* name, std::uint32_t user);
 
 } // namespace Zu

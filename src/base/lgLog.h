@@ -19,57 +19,56 @@ namespace Zu
 
 class LgQueue;
 
-/// The logger's static control block. The package "logger" reads the environment into it once, at
-/// its start, and closes what it opened at its end; docs/logging.md has the variables.
+/// The logger's static control block. The package "logger" configures it from the environment once,
+/// when it starts, and closes the opened files when it ends; docs/logging.md has the variables.
 ///
-/// Two things belong to the application: the function that gives each thread its queue, and the
-/// thread that runs the reader. LgService of the application kit brings both. Without them the
+/// The application supplies two things: the function that gives each thread its queue, and the
+/// thread that runs the reader. LgService of the application kit provides both. Without them the
 /// logger is inactive, and text goes to standard output.
 ///
 /// A broken rule is fatal.
 ///
-/// Thread-safety: what changes the set-up belongs to phases of one thread; what asks may be called
-/// by any thread.
+/// Thread-safety: operations that change the set-up belong to single-threaded phases. Any thread
+/// may call the queries.
 class ZU_BASE_API LgLog
 {
 public:
-    /// How a thread finds its queue; must return one.
+    /// How a thread finds its queue; must not return null.
     using QueueFunction = LgQueue* (*)();
 
     LgLog() = delete;
 
-    /// Reads the environment and opens the log files, each with a banner. What opens no file is
-    /// not reported: its text vanishes. What OsFsUtils::createDir() raises because a file stands in
-    /// the place of the log directory, and what LgInterProcessLock::create() and its lock() raise,
-    /// leaves it; it may be called again then. Asserts "file_prof == 0" and "file_log == 0".
+    /// Reads the environment and opens the log files, each with a banner. A file that can't be
+    /// opened is not reported: its text vanishes. Raises what OsFsUtils::createDir() raises if a
+    /// file is in the place of the log directory, and what LgInterProcessLock::create() and its
+    /// lock() raise; init() may then be called again. Asserts "file_prof == 0" and "file_log == 0".
     static void init();
 
-    /// Closes the log files, each with a banner, and ends the groups. Events that wait in queues
-    /// can't reach a file from here on: LgReader::flushAll() belongs before it. What taking the
-    /// lock raises leaves it once everything else is done, and the file that it was taken for has
-    /// no banner.
+    /// Closes the log files, each with a banner, and ends the groups. Events waiting in queues can
+    /// no longer reach a file, so call LgReader::flushAll() first. An exception from taking the
+    /// lock is raised once everything else is done; the file that the lock was for gets no banner.
     static void destroy();
 
     /// Prints where each level's text goes.
     static void displaySetup();
 
-    /// The calling thread's queue, as the queue function gives it.
+    /// The calling thread's queue, as returned by the queue function.
     static LgQueue& getQueue()
     {
         return *_queueFunction.load(std::memory_order_acquire)();
     }
 
-    /// Sets the queue function; null brings back the default one, which gives one queue to all
-    /// threads that no reader sees.
+    /// Sets the queue function. Null restores the default one, which returns the same queue to all
+    /// threads; no reader sees that queue.
     static void setQueueFunction(QueueFunction function);
 
-    /// Whether events go into queues, and not straight to standard output.
+    /// Whether events go into queues instead of straight to standard output.
     static bool isLoggerActive()
     {
         return _loggerActive.load(std::memory_order_acquire);
     }
 
-    /// Says whether events go into queues.
+    /// Sets whether events go into queues.
     static void setLoggerActivation(bool active)
     {
         _loggerActive.store(active, std::memory_order_release);
@@ -81,20 +80,20 @@ public:
         return _blockingTrace.load(std::memory_order_relaxed);
     }
 
-    /// Says whether LgTrace::print() waits for room in the queue.
+    /// Sets whether LgTrace::print() waits for room in the queue.
     static void setBlockingTrace(bool blocking)
     {
         _blockingTrace.store(blocking, std::memory_order_relaxed);
     }
 
-    /// Whether lines and banners bear times.
+    /// Whether lines and banners contain times.
     static bool isTimeStampsEnabled()
     {
         return _logTimeStamps.load(std::memory_order_relaxed);
     }
 
     /// @{
-    /// Say whether lines and banners bear times.
+    /// Set whether lines and banners contain times.
     static void enableTimeStamps()
     {
         _logTimeStamps.store(true, std::memory_order_relaxed);
@@ -112,16 +111,16 @@ public:
     /// Whether the level's text also goes to standard output.
     static bool isLevelEchoed(LgTypes::Level level);
 
-    /// The stream of the level's file; null if it has none.
+    /// The stream of the level's file; null if the level has none.
     static std::ostream* getLevelOutput(LgTypes::Level level);
 
-    /// Whether the level's text was to go to a file in the log directory, which could not be made:
-    /// it has no file then, and what would have been written there is counted by
-    /// LgReader::getUnwrittenCount().
+    /// Whether the level's text was meant for a file in the log directory, but that directory could
+    /// not be created. The level then has no file, and LgReader::getUnwrittenCount() counts its
+    /// unwritten events.
     static bool isFileMissing(LgTypes::Level level);
 
-    /// Whether the level's text may go to standard output while the logger is inactive: all but
-    /// Profiling.
+    /// Whether the level's text may go to standard output while the logger is inactive: true for
+    /// all levels except Profiling.
     static bool isInactiveOutputAllowed(LgTypes::Level level)
     {
         return level != LgTypes::Profiling;
@@ -130,11 +129,11 @@ public:
     /// The registry; null before the first init().
     static LgRegistry* getRegistry();
 
-    /// Moves all queues into `r`, which becomes the registry, and returns the former one, empty;
-    /// null changes nothing.
+    /// Moves all queues into `r`, which becomes the registry, and returns the previous one, now
+    /// empty. Null changes nothing.
     static ObjPtrRet<LgRegistry> setRegistry(ObjPtr<LgRegistry> r);
 
-    /// The lock that lines are written under; null if there is none.
+    /// The lock held while a line is written; null if there is none.
     static LgInterProcessLock* getInterProcessLock();
 
 private:

@@ -9,12 +9,12 @@
 namespace Zu
 {
 
-/// How long the text of a double can be: sign, 309 digits, point, six digits.
+/// The size of a buffer for any double: sign, 309 digits, point, six digits.
 constexpr std::size_t LG_DOUBLE_TEXT_SIZE = 320;
 
-/// Writes `value` with six decimals as `printf("%f")` does, rounded to even from its exact value,
-/// and returns the end of the text, which is not terminated. A NaN is "nan", without a sign. The
-/// buffer holds LG_DOUBLE_TEXT_SIZE characters.
+/// Writes `value` with six decimals as `printf("%f")` does, rounded from its exact value with ties
+/// to even, and returns the end of the text, which is not terminated. A NaN is "nan", without a
+/// sign. The buffer must have room for LG_DOUBLE_TEXT_SIZE characters.
 char* lgWriteDouble(char* buffer, double value);
 
 } // namespace Zu

@@ -14,16 +14,16 @@
 namespace Zu
 {
 
-/// The files to which levels write. Levels that name the same file share one stream.
+/// The files that the levels write to. Levels that name the same file share one stream.
 ///
-/// Thread-safety: what opens and closes belongs to phases of one thread.
+/// Thread-safety: opening and closing belong to single-threaded phases.
 class LgOutputs
 {
 public:
-    /// Opens the files that the set-up names, in the order of the levels. Of levels that share a
-    /// file the first one decides whether it is appended to. A file that can't be opened has a
-    /// stream all the same, in its failed state. `opened` gets each stream once. What it raises
-    /// leaves with the files open so far.
+    /// Opens the files that the set-up names, in the order of the levels. Of the levels that share
+    /// a file, the first one decides whether it is appended to. A file that can't be opened still
+    /// has a stream, in a failed state. `opened` is called once for each stream. If it raises, the
+    /// files opened so far stay open.
     void open(const LgSetup& setup, const std::function<void(std::ofstream&)>& opened);
 
     /// The stream of a level; null if it has none.

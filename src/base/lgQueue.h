@@ -19,16 +19,17 @@ namespace Zu
 {
 
 /// Carries log events from one producing thread to one reading thread. It never blocks the
-/// producer, allocates nothing after its construction and takes no lock. 1,024 entries hold levels
-/// and time stamps, an LgStream their texts in the same order: one entry, one string. An event that
-/// finds no room in either is lost, and an overflow entry in its place counts a burst of losses.
+/// producer, allocates nothing after construction and takes no lock. 1,024 entries hold levels and
+/// time stamps; an LgStream holds their texts in the same order, one string per entry. An event
+/// that finds no room in either is lost, and an overflow entry in its place counts the burst of
+/// losses.
 ///
 /// A broken rule of the queue is fatal.
 ///
-/// Thread-safety: exactly two actors, of which each calls only what is said to be its own: the
-/// producer and the reader. Each index has one writer; moving it is a release that pairs with the
-/// other side's acquire, so an entry and its text are complete before they can be seen, and the
-/// reader is done with a slot before it is used again. Copies share both rings.
+/// Thread-safety: there are exactly two actors, the producer and the reader, and each calls only
+/// the operations marked as its own. Each index has one writer. Moving it is a release that pairs
+/// with the other side's acquire, so an entry and its text are complete before they can be seen,
+/// and the reader is done with a slot before it is reused. Copies share both rings.
 class ZU_BASE_API LgQueue
 {
 public:
@@ -44,31 +45,32 @@ public:
             return _oflow;
         }
 
-        /// How many events were lost, as far as the entry knows: losses that meet the reader are
-        /// missing, and a slot that bears the mark of an earlier use keeps its count. The exact
-        /// total is LgQueue::getLostCount(). Asserts "_oflow".
+        /// How many events were lost. The number is approximate: losses that race with the reader
+        /// are missing, and a slot that was an overflow entry before keeps its earlier count.
+        /// LgQueue::getLostCount() has the exact total. Asserts "_oflow".
         std::int32_t getOverflowCount() const;
 
         /// The event's level. Asserts "!_oflow".
         LgTypes::Level getLevel() const;
 
-        /// In ticks of HwCounter::timeStamp(): when the event was reserved, or the first one lost.
+        /// When the event was reserved, or the first one was lost, in ticks of
+        /// HwCounter::timeStamp().
         std::uint64_t getTimeStamp() const
         {
             return _timeStamp;
         }
 
-        /// Makes this an overflow entry with the count 1 or an event of level Tracing; nothing if
-        /// it is of that kind already.
+        /// Makes this an overflow entry with the count 1, or an event of level Tracing. Does
+        /// nothing if it already is of that kind.
         void setOverflowEntry(bool oflow);
 
         /// Counts one more lost event. Asserts "_oflow".
         void incOverflowCount();
 
-        /// Asserts "!_oflow".
+        /// Sets the event's level. Asserts "!_oflow".
         void setLevel(LgTypes::Level level);
 
-        /// In ticks of HwCounter::timeStamp().
+        /// Sets the time stamp, in ticks of HwCounter::timeStamp().
         void setTimeStamp(std::uint64_t timeStamp)
         {
             _timeStamp = timeStamp;
@@ -76,12 +78,12 @@ public:
 
     private:
         bool _oflow = false;
-        // The level or the count. A count may grow while the reader looks at it.
+        // The level or the count. A count may grow while the reader reads it.
         std::atomic<std::int32_t> _value{LgTypes::InternalError};
         std::uint64_t _timeStamp = 0;
     };
 
-    /// Is told of what happens to a queue. Owned by it.
+    /// Is notified of what happens to a queue, which owns it.
     class ZU_BASE_API Observer
     {
     public:
@@ -100,7 +102,8 @@ public:
         virtual void waitForSpace(const LgQueue& queue, int size) = 0;
     };
 
-    /// While one lives, all events of the producer vanish, uncounted. The producer's.
+    /// While one exists, all events of the producer are dropped without being counted. For the
+    /// producer.
     class ZU_BASE_API SuppressGuard
     {
     public:
@@ -128,29 +131,32 @@ public:
 
     // What the producer calls.
 
-    /// Starts an event. On true its text goes into getStream(), and addEntry() publishes it; on
-    /// false the event is gone: counted as lost, unless events are suppressed.
+    /// Starts an event. If it returns true, the text goes into getStream() and addEntry() publishes
+    /// the event. If it returns false, the event is lost and counted as such, unless events are
+    /// suppressed.
     bool reserveEntry(LgTypes::Level level);
 
-    /// Publishes the reserved event; nothing if there is none. An event without text is dropped,
-    /// and a text that was not ended is ended here.
+    /// Publishes the reserved event; does nothing if there is none. An event without text is
+    /// dropped. A text that has not been ended is ended here.
     void addEntry();
 
-    /// How many events found no room since the queue was made. Any thread may ask.
+    /// How many events were lost since the queue was constructed, including those refused during an
+    /// insertion. Any thread may call this.
     std::uint64_t getLostCount() const
     {
         return _lost.load(std::memory_order_relaxed);
     }
 
-    /// What the call-site macros put around the insertion of a reserved event's text. Between them
-    /// every further event of the same thread, from inside an insertion operator, would mix its
-    /// text into that of the first: it is refused, and counted in getLostCount() alone.
+    /// The call-site macros put beginInsertion() and endInsertion() around the insertion of a
+    /// reserved event's text. A further event of the same thread in between, from inside an
+    /// insertion operator, would mix its text into that of the first. It is refused, and counted
+    /// only in getLostCount().
     void beginInsertion()
     {
         _inserting = true;
     }
 
-    /// Whether the text of an event is being inserted; the producer's.
+    /// Whether the text of an event is being inserted. For the producer.
     bool isInserting() const
     {
         return _inserting;
@@ -163,14 +169,15 @@ public:
         addEntry();
     }
 
-    /// Takes the event back with what there is of its text, because an insertion failed.
+    /// Withdraws the event with the part of its text already inserted, because an insertion failed.
     void cancelInsertion();
 
-    /// Asks the observer to wait until there is room for `size` characters; without an observer it
+    /// Asks the observer to wait until there is room for `size` characters. Without an observer it
     /// returns at once.
     void waitForSpace(int size) const;
 
-    /// Says that the producer's thread has ended; from here on the queue is the reader's.
+    /// Announces that the producer's thread has ended. From here on the queue belongs to the
+    /// reader.
     void creatorExit();
 
     // What the reader calls.
@@ -178,11 +185,11 @@ public:
     /// The oldest entry. Asserts "_beg != _end".
     const Entry& readEntry() const;
 
-    /// Drops the oldest entry, whose text must have been taken from the stream. Asserts
+    /// Removes the oldest entry, whose text must have been taken from the stream. Asserts
     /// "_beg != _end".
     void removeEntry();
 
-    /// Whether the producer's thread lives.
+    /// Whether the producer's thread is still alive.
     bool isCreatorAlive() const
     {
         return _creatorAlive.load(std::memory_order_acquire);
@@ -190,20 +197,20 @@ public:
 
     // What both may call.
 
-    /// Whether no entry waits.
+    /// Whether no entry is waiting.
     bool isEmpty() const
     {
         return _end.get() == _beg.get();
     }
 
-    /// Whether the next event will be lost for want of an entry.
+    /// Whether the next event will be lost because no entry is free.
     bool isFull() const;
 
-    /// How many entries may wait at once: 1,023, of which the last is for lost events.
+    /// How many entries can wait at once: 1,023, the last of which is reserved for lost events.
     static unsigned int getMaxSize();
 
     /// @{
-    /// The texts; insertion is the producer's, extraction the reader's.
+    /// The stream of texts. Insertion is for the producer, extraction for the reader.
     LgStream& getStream()
     {
         return _stream;
@@ -221,12 +228,12 @@ public:
         return _threadId;
     }
 
-    /// Installs the observer, once, before the queue is used by two threads; returns null. Asserts
+    /// Installs the observer, once, before two threads use the queue; returns null. Asserts
     /// "_observer.isNull()".
     ObjPtrRet<Observer> changeObserver(ObjPtr<Observer> observer);
 
 protected:
-    /// Rings of other sizes, powers of two from 4 on, for tests.
+    /// Makes rings of other sizes, powers of two from 4 on, for tests.
     LgQueue(std::uint32_t threadId, std::uint32_t entries, std::uint32_t characters);
 
 private:
@@ -238,7 +245,7 @@ private:
         return isFree() || isFreeNow();
     }
 
-    // Two free slots: one for the event, and one that stays for lost ones.
+    // Two free slots are needed: one for the event and one reserved for lost events.
     bool isFree() const
     {
         return _end.distanceTo(_begSeen) - 1 >= 2;
@@ -261,7 +268,7 @@ private:
     std::int32_t _suppress;
     // Written by the producer alone.
     std::atomic<std::uint64_t> _lost;
-    // Where the reader was when the producer last looked; it can only have moved on since.
+    // The reader's position when the producer last looked; it can only have advanced since.
     std::uint32_t _begSeen;
     // Where the reserved event's text begins.
     LgStream::Mark _mark;

@@ -1,5 +1,5 @@
 /// @file
-/// The list of queues that the log reader looks at.
+/// The list of queues that the log reader serves.
 
 #ifndef ZU_BASE_LGREGISTRY_H
 #define ZU_BASE_LGREGISTRY_H
@@ -12,7 +12,7 @@ namespace Zu
 
 class LgQueue;
 
-/// Where the queues of a process are entered for the log reader. It owns none of them.
+/// Where the queues of a process are registered for the log reader. It owns none of them.
 class ZU_BASE_API LgRegistry
 {
 public:
@@ -21,29 +21,29 @@ public:
     LgRegistry& operator=(const LgRegistry&) = default;
     virtual ~LgRegistry();
 
-    /// Enters a queue, behind those that are there.
+    /// Appends a queue to the list.
     virtual void registerQueue(LgQueue* queue) = 0;
 
-    /// Takes a queue out.
+    /// Removes a queue.
     virtual void deregisterQueue(LgQueue* queue) = 0;
 
-    /// The queues, in the order in which they were entered.
+    /// The queues, in order of registration.
     virtual List<LgQueue*> getQueueList() const = 0;
 };
 
 /// The registry of a process whose queues come and go only while no reader runs.
 ///
-/// Thread-safety: none. Threads that come and go beside a reader need a registry that guards its
-/// three operations; the application kit has one.
+/// Thread-safety: none. If threads come and go while a reader runs, the registry must guard its
+/// three operations; the application kit has such a registry.
 class ZU_BASE_API LgSimpleRegistry : public LgRegistry
 {
 public:
     ~LgSimpleRegistry() override;
 
-    /// Enters the queue, once more if it is there.
+    /// Appends the queue, even if it is already registered.
     void registerQueue(LgQueue* queue) override;
 
-    /// Takes the queue out wherever it stands; nothing if it is not there.
+    /// Removes every occurrence of the queue; does nothing if it is not registered.
     void deregisterQueue(LgQueue* queue) override;
 
     List<LgQueue*> getQueueList() const override;

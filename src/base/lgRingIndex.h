@@ -1,5 +1,5 @@
 /// @file
-/// A position in a ring that one thread moves and another one reads.
+/// A position in a ring that one thread moves and another reads.
 
 #ifndef ZU_BASE_LGRINGINDEX_H
 #define ZU_BASE_LGRINGINDEX_H
@@ -10,12 +10,12 @@
 namespace Zu
 {
 
-/// A position from 0 to the size of a ring less one; all arithmetic wraps. The size is a power of
+/// A position from 0 to the size of a ring minus one; all arithmetic wraps. The size is a power of
 /// two.
 ///
 /// Thread-safety: one thread writes, any may read. A store is a release and a load an acquire, so
-/// what was written before a position was moved is visible to who has seen it moved. There is no
-/// read-modify-write.
+/// anything written before a position was moved is visible to a thread that has seen it moved.
+/// There is no read-modify-write.
 class LgRingIndex
 {
 public:
@@ -34,7 +34,7 @@ public:
     }
     /// @}
 
-    /// Moves to `value`, which wraps.
+    /// Moves to `value` modulo the size.
     LgRingIndex& operator=(std::uint32_t value) noexcept
     {
         set(value);
@@ -47,7 +47,7 @@ public:
         return _value.load(std::memory_order_acquire);
     }
 
-    /// The same for the thread that writes it, which need not wait for anything.
+    /// The same for the thread that writes it, which needs no synchronisation.
     std::uint32_t own() const noexcept
     {
         return _value.load(std::memory_order_relaxed);
@@ -90,7 +90,7 @@ public:
         return before;
     }
 
-    /// The position `count` places further on.
+    /// The position `count` places ahead.
     std::uint32_t plus(std::uint32_t count) const noexcept
     {
         return (get() + count) & _mask;

@@ -1,5 +1,5 @@
 /// @file
-/// What the environment says about the outputs of the levels. Internal to the library.
+/// The outputs of the levels as configured by the environment. Internal to the library.
 
 #ifndef ZU_BASE_LGSETUP_H
 #define ZU_BASE_LGSETUP_H
@@ -24,9 +24,9 @@ struct LgLevelSetup
     bool _enabled = false;
     bool _echo = false;
     bool _append = false;
-    /// The file as it was named. An empty name is one, too, which no file has.
+    /// The file name as given. An empty name also counts, but no file can be opened by it.
     std::optional<std::string> _file;
-    /// Whether the file was to stand in a log directory that can't be used.
+    /// Whether the file was meant for a log directory that can't be used.
     bool _isFileMissing = false;
 
     bool operator==(const LgLevelSetup&) const = default;
@@ -39,7 +39,7 @@ struct LgLogFiles
     std::string _profiles;
 };
 
-/// The records of all levels. They open nothing.
+/// The set-up of all levels. It opens no files.
 class LgSetup
 {
 public:
@@ -59,13 +59,13 @@ public:
     /// | anything else | yes | no | no | the value |
     static LgLevelSetup parse(const char* value);
 
-    /// Reads the variables of all levels. Internal Error and Profiling without a variable keep
-    /// their echo and append flags from an earlier start, Tracing its append flag and its file:
-    /// deliberately.
+    /// Reads the variables of all levels. Deliberately, levels without a variable keep some
+    /// settings of an earlier start: Internal Error and Profiling their echo and append flags,
+    /// Tracing its append flag and its file.
     void read(const Environment& environment, const LgLogFiles& files);
 
     /// @{
-    /// The record of a level.
+    /// The set-up of a level.
     LgLevelSetup& operator[](LgTypes::Level level)
     {
         return _levels[level];

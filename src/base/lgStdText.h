@@ -1,7 +1,7 @@
 /// @file
 /// Values of the standard library, and enumerations, in log statements.
 ///
-/// It is not part of base.h: what it includes costs its clients time to compile.
+/// It is not part of base.h, because the headers that it includes cost compile time.
 
 #ifndef ZU_BASE_LGSTDTEXT_H
 #define ZU_BASE_LGSTDTEXT_H
@@ -21,16 +21,17 @@
 namespace Zu
 {
 
-/// Inserts the unit of a duration of so many seconds: "ms", "min", "[1/30]s".
+/// Inserts the unit of a duration whose period is `numerator` / `denominator` seconds: "ms", "min",
+/// "[1/30]s".
 ZU_BASE_API LgStream& lgInsertUnit(LgStream& stream, std::intmax_t numerator,
                                    std::intmax_t denominator);
 
-/// Inserts a date of UTC, so many seconds from 1970 and nanoseconds of the second, with 0 to 9
+/// Inserts a UTC date, given as seconds since 1970 and nanoseconds of the second, with 0 to 9
 /// decimals: "2026-11-22T16:25:08.125Z". Negative nanoseconds count from the end of the second.
 ZU_BASE_API LgStream& lgInsertUtc(LgStream& stream, std::int64_t seconds, std::int64_t nanoseconds,
                                   int decimals);
 
-/// How many decimals of a second ticks of 1/`denominator` seconds need: 0, 3, 6 or 9.
+/// How many decimals of a second a tick of 1/`denominator` seconds needs: 0, 3, 6 or 9.
 constexpr int lgDecimalsOf(std::intmax_t denominator)
 {
     if (denominator == 1) return 0;
@@ -53,7 +54,7 @@ LgStream& operator<<(LgStream& stream, const std::chrono::duration<Rep, Period>&
     return lgInsertUnit(stream << +duration.count(), Ratio::num, Ratio::den);
 }
 
-/// Inserts the date of UTC: "2026-11-22T16:25:08.125Z". It has as many decimals as the ticks need.
+/// Inserts the UTC date with as many decimals as the ticks need: "2026-11-22T16:25:08.125Z".
 template <class Duration>
 LgStream& operator<<(LgStream& stream,
                      const std::chrono::time_point<std::chrono::system_clock, Duration>& time)
@@ -72,7 +73,7 @@ LgStream& operator<<(LgStream& stream,
                        lgDecimalsOf(Duration::period::type::den));
 }
 
-/// Inserts the time since the beginning of the clock.
+/// Inserts the time since the clock's epoch.
 template <class Clock, class Duration>
 LgStream& operator<<(LgStream& stream, const std::chrono::time_point<Clock, Duration>& time)
 {
@@ -83,16 +84,16 @@ LgStream& operator<<(LgStream& stream, const std::chrono::time_point<Clock, Dura
 ZU_BASE_API LgStream& operator<<(LgStream& stream, const std::thread::id& id);
 
 /// @{
-/// Inserts category and number, "generic:2". The words are in `message()`, and may depend on the
+/// Inserts category and number, "generic:2", since the words of `message()` may depend on the
 /// locale.
 ZU_BASE_API LgStream& operator<<(LgStream& stream, const std::error_code& code);
 ZU_BASE_API LgStream& operator<<(LgStream& stream, const std::error_condition& condition);
 /// @}
 
-/// Inserts a path as it stands, in UTF-8 on Windows.
+/// Inserts a path unchanged, in UTF-8 on Windows.
 ZU_BASE_API LgStream& lgInsertPath(LgStream& stream, const std::filesystem::path& path);
 
-/// As lgInsertPath(); for paths alone, not for what can be made one.
+/// Calls lgInsertPath(); only for paths, not for types that convert to a path.
 template <class P, class = std::enable_if_t<std::is_same_v<P, std::filesystem::path>>, class = void>
 LgStream& operator<<(LgStream& stream, const P& path)
 {

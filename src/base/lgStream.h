@@ -1,5 +1,5 @@
 /// @file
-/// The ring of text from one thread to another.
+/// A ring of text from one thread to another.
 
 #ifndef ZU_BASE_LGSTREAM_H
 #define ZU_BASE_LGSTREAM_H
@@ -19,28 +19,28 @@
 namespace Zu
 {
 
-/// A ring of 32,768 characters into which one thread writes strings with insertion operators and
-/// from which another one takes them when they are finished. It never allocates, blocks or raises
-/// after its construction: a piece of text that does not fit becomes "#", and what finds no room at
-/// all is dropped.
+/// A ring of 32,768 characters. One thread writes strings into it with insertion operators, and
+/// another takes them when they are finished. It never allocates, blocks or raises after
+/// construction: a piece of text that does not fit becomes "#", and one that finds no room at all
+/// is dropped.
 ///
-/// It has no state of formatting. Integers are decimal; `float`, `double` and `long double` have
-/// six decimals; a NaN is "nan" without a sign; `bool` is "true" or "false"; the three character
-/// types are characters; pointers have the platform's form; a null text is "(null)". A number is
-/// never shortened, however long.
+/// It has no formatting state. Integers are decimal; `float`, `double` and `long double` have six
+/// decimals; a NaN is "nan" without a sign; `bool` is "true" or "false"; the three character types
+/// are characters; pointers have the platform's form; a null text is "(null)". A number is never
+/// shortened, however long.
 ///
-/// Thread-safety: one writer and one reader, without a lock. hasOverflowed() is a hint only. Copies
+/// Thread-safety: one writer and one reader, without a lock. hasOverflowed() is only a hint. Copies
 /// share the ring; streams are not meant to be copied on their own.
 class ZU_BASE_API LgStream
 {
     friend class LgQueue;
 
 public:
-    /// Empty, with a ring of its own.
+    /// An empty stream with a ring of its own.
     LgStream();
 
     /// @{
-    /// Shares the ring of the other one, and has its positions.
+    /// Shares the ring of the other stream and copies its positions.
     LgStream(const LgStream& other);
     LgStream& operator=(const LgStream& other);
     /// @}
@@ -50,8 +50,8 @@ public:
     // What the writer calls.
 
     /// @{
-    /// Inserts a value in the form that the class says. A text is inserted up to its first NUL, and
-    /// a NUL as a character is none.
+    /// Inserts a value in the form documented at the class. A text is inserted up to its first NUL;
+    /// a NUL character inserts nothing.
     LgStream& operator<<(const char* text)
     {
         if (!text) text = "(null)";
@@ -67,7 +67,7 @@ public:
     LgStream& operator<<(const std::string& text);
     LgStream& operator<<(char character)
     {
-        // A NUL would end the string: it is no text.
+        // A NUL would end the string, so it is not inserted.
         return insert(&character, character == '\0' ? 0 : 1);
     }
 
@@ -89,10 +89,10 @@ public:
     LgStream& operator<<(const void* pointer);
     /// @}
 
-    /// Applies a manipulator, of which there is one: ends().
+    /// Applies a manipulator; ends() is the only one.
     LgStream& operator<<(LgStream& (*manipulator)(LgStream&));
 
-    /// Ends the string: from here on the reader can take it.
+    /// Ends the string. From here on the reader can take it.
     void completeString()
     {
         const std::uint32_t position = _writePos.own();
@@ -111,13 +111,14 @@ public:
         _outputFlags = 0;
     }
 
-    /// Bit 0: text was inserted since the last reset, be it empty. Bit 1: the string is closed.
+    /// Bit 0: text, even empty text, was inserted since the last reset. Bit 1: the string is
+    /// closed.
     unsigned int getOutputFlags() const
     {
         return _outputFlags & (TEXT_INSERTED | STRING_CLOSED);
     }
 
-    /// Whether no character finds room.
+    /// Whether there is no room for another character.
     bool isFull() const;
 
     /// Whether text was lost since the reader last took a string.
@@ -126,10 +127,10 @@ public:
         return _overflowed.load(std::memory_order_relaxed);
     }
 
-    /// How many characters find room.
+    /// How many characters there is room for.
     unsigned int getNumCharacters() const;
 
-    /// How long the longest string is that the ring can hold.
+    /// The length of the longest string that the ring can hold.
     static unsigned int getMaxSize();
 
     // What the reader calls.
@@ -137,8 +138,8 @@ public:
     /// The length of the next string, without terminator; 0 if there is none.
     unsigned int getNextSize() const;
 
-    /// Takes the next string, or the empty one if there is none. `destination` has room for 32,768
-    /// characters.
+    /// Takes the next string, or the empty one if there is none. `destination` must have room for
+    /// 32,768 characters.
     LgStream& operator>>(char* destination)
     {
         take(destination);
@@ -149,17 +150,16 @@ public:
     unsigned int take(char* destination);
 
 protected:
-    /// A ring of another size, a power of two from 4 on, for tests.
+    /// Makes a ring of another size, a power of two from 4 on, for tests.
     explicit LgStream(std::uint32_t size);
 
 private:
     static constexpr std::uint32_t BufSize = 32768;
 
-    // The writer's data stand on a cache line of their own, so that the reader's moves do not take
-    // it away.
+    // The writer's data have a cache line of their own, which the reader's moves do not invalidate.
     static constexpr std::size_t CACHE_LINE = 64;
 
-    // Where a string begins, so that it can be taken back while no reader may look at it.
+    // Where a string begins, so that it can be withdrawn before the reader may look at it.
     struct Mark
     {
         std::uint32_t _writePos;
@@ -169,7 +169,7 @@ private:
 
     static constexpr unsigned char TEXT_INSERTED = 1;
     static constexpr unsigned char STRING_CLOSED = 2;
-    // Not told: the string was closed a second time.
+    // Not exposed: the string was closed a second time.
     static constexpr unsigned char CLOSED_AGAIN = 4;
 
     Mark getMark() const
@@ -185,8 +185,8 @@ private:
         _outputFlags = static_cast<unsigned char>(_outputFlags | STRING_CLOSED | again);
     }
 
-    // Closes what was inserted since the mark, if that is still to be done, and sees to it that it
-    // is one string: an event has one.
+    // Closes what was inserted since the mark unless it is closed already, and makes sure that it
+    // is one string, as an event has only one.
     void completeOne(const Mark& mark)
     {
         if (_lastComplete.own() == mark._lastComplete) completeString();
@@ -202,7 +202,8 @@ private:
         return _writePos.own() >= _straightEnd && isFullAtEdge();
     }
 
-    // Inline for what is copied in one piece, with places to spare: nearly always so.
+    // Inline for text that is copied in one piece with room to spare, which is nearly always the
+    // case.
     LgStream& insert(const char* text, std::size_t length)
     {
         const std::uint32_t position = _writePos.own();
@@ -221,7 +222,7 @@ private:
     };
     bool findNext(Next& next) const;
 
-    // Asks for a place that will be written soon.
+    // Prefetches a place that will be written soon.
     void fetchAhead() const
     {
         constexpr std::uint32_t CHARACTERS = 256;
@@ -246,10 +247,10 @@ private:
     std::atomic<bool> _overflowed;
     bool _terminatorPending;
     unsigned char _outputFlags;
-    // Where the reader was when the writer last looked; it can only have moved on since.
+    // The reader's position when the writer last looked; it can only have advanced since.
     std::uint32_t _readPosSeen;
-    // Up to here, but not on it, the writer may go on without a look at the reader or a wrap; 0
-    // while it has to look first.
+    // The writer may advance to just before this position without checking the reader or wrapping;
+    // 0 while it has to check first.
     std::uint32_t _straightEnd;
 };
 

@@ -8,12 +8,12 @@
 
 #include <cstdint>
 
-/// What all of the logger speaks of.
+/// Types used throughout the logger.
 namespace Zu::LgTypes
 {
 
-/// How severe an event is, from the most severe one to Tracing. Profiling is not on that scale: it
-/// is a switch of its own.
+/// How severe an event is, from the most severe level to Tracing. Profiling is not on that scale:
+/// it is a separate switch.
 enum Level : std::int32_t
 {
     /// Can't be switched off.
@@ -28,22 +28,22 @@ enum Level : std::int32_t
     Informational,
     /// The mildest level.
     Tracing,
-    /// On or off beside the threshold.
+    /// Switched on or off independently of the threshold.
     Profiling,
     /// How many levels there are.
     NUM_LEVELS
 };
 
-/// The bit of each level in the masks of groups. The last belongs to no level.
+/// The bit of each level in the masks of groups. The last bit belongs to no level.
 inline constexpr std::uint32_t levelBit[] = {0x80, 0x40, 0x20, 0x10, 0x08, 0x04, 0x02, 0x01};
 
-/// The level's text, as it stands in lines of the log: "Internal Error", "Fatal Error", "Error",
+/// The level's text as it appears in log lines: "Internal Error", "Fatal Error", "Error",
 /// "Warning", "Informational", "Tracing" or "Profiling". Raises ExInternalError
-/// "Assertion 'l < NUM_LEVELS' failed." for what is no level.
+/// "Assertion 'l < NUM_LEVELS' failed." for a value that is not a level.
 ZU_BASE_API const char* levelToString(Level l);
 
-/// The level with this text; letter case and every blank count. Raises LgEx::InvalidLevelString for
-/// any other text and ExInternalError "Assertion 's' failed." for null.
+/// The level with this text; letter case and every blank matter. Raises LgEx::InvalidLevelString
+/// for any other text and ExInternalError "Assertion 's' failed." for null.
 ZU_BASE_API Level stringToLevel(const char* s);
 
 } // namespace Zu::LgTypes

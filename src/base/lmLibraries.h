@@ -12,9 +12,9 @@
 namespace Zu
 {
 
-/// Asks the system and not the loader: whatever module stands in the memory of the process is
-/// listed. On Windows these are the allocations that a module's file stands behind, on Linux the
-/// files with a mapping that can be executed. Nothing fails: what can't be found out is left out.
+/// Asks the system rather than the loader: every module in the memory of the process is listed. On
+/// Windows these are the allocations backed by a module's file, on Linux the files with an
+/// executable mapping. Nothing fails: anything that can't be determined is left out.
 ///
 /// Thread-safety: one call at a time.
 class ZU_BASE_API LmLibraries
@@ -22,15 +22,15 @@ class ZU_BASE_API LmLibraries
 public:
     LmLibraries() = delete;
 
-    /// The libraries of this moment, by their addresses. There is one list: the next call fills it
-    /// afresh.
+    /// The libraries loaded at this moment, in the order of their addresses. There is only one
+    /// list, which the next call refills.
     static const std::vector<LmLibrary>& getList();
 
     /// Prints them to standard output.
     static void dumpList();
 
 private:
-    // Appends the present libraries.
+    // Appends the libraries loaded at this moment.
     static void performGetList(std::vector<LmLibrary>& libraries);
 };
 

@@ -1,5 +1,5 @@
 /// @file
-/// A loaded library, and how it lies in memory.
+/// A loaded library and its layout in memory.
 
 #ifndef ZU_BASE_LMLIBRARY_H
 #define ZU_BASE_LMLIBRARY_H
@@ -13,7 +13,7 @@
 namespace Zu
 {
 
-/// A piece of a library, with one protection.
+/// A piece of a library with uniform protection.
 struct LmBlock
 {
     /// Bits of `_flags`.
@@ -25,7 +25,7 @@ struct LmBlock
         Write = 8,
         /// Its content can be executed.
         Execute = 16,
-        /// What is written stays in this process.
+        /// Copy-on-write: changes stay in this process.
         Copy = 32
     };
 
@@ -43,14 +43,14 @@ struct LmBlock
 class ZU_BASE_API LmLibrary
 {
 public:
-    /// Its path is "Unknown".
+    /// A library with the path "Unknown".
     LmLibrary();
 
-    /// Begins at `base`, without blocks. The path is copied; null gives the empty text.
+    /// A library at `base`, without blocks. The path is copied; null gives the empty text.
     LmLibrary(void* base, const char* path);
 
     /// @{
-    /// A copy has a path of its own; what is moved from keeps its addresses, without path and
+    /// A copy has a path of its own. A moved-from library keeps its addresses but has no path or
     /// blocks.
     LmLibrary(const LmLibrary& other);
     LmLibrary(LmLibrary&& other) noexcept;
@@ -64,10 +64,10 @@ public:
     void* _base = nullptr;
     /// The same address again.
     void* _address = nullptr;
-    /// The file's name as the system tells it: on Windows cut to 149 characters, on Linux with
-    /// " (deleted)" behind that of a file that is gone.
+    /// The file's name as the system reports it: on Windows truncated to 149 characters, on Linux
+    /// followed by " (deleted)" if the file has been deleted.
     ArrayPtr<char> _path;
-    /// By their addresses.
+    /// In the order of their addresses.
     std::vector<LmBlock> _blocks;
 };
 

@@ -1,6 +1,6 @@
 /// @file
-/// The walk through the regions of a process's memory, and what the answers of the system mean.
-/// Internal to the library.
+/// The walk through the regions of a process's memory, and the interpretation of what the system
+/// reports. Internal to the library.
 
 #ifndef ZU_BASE_LMREGION_H
 #define ZU_BASE_LMREGION_H
@@ -19,7 +19,7 @@ namespace Zu::LmRegion
 
 using Address = std::uint64_t;
 
-/// The bits of LmBlock for a protection by the number that Windows gives it.
+/// The LmBlock flags for a Windows protection constant.
 std::uint32_t flagsOfProtection(std::uint32_t protection);
 
 /// A region as Windows describes it.
@@ -33,7 +33,7 @@ struct Region
     std::uint32_t _protection;
 };
 
-/// What stands behind a state by its number on Windows.
+/// The meaning of a Windows state constant.
 enum class Kind
 {
     Allocation,
@@ -43,22 +43,22 @@ enum class Kind
 
 Kind kindOf(std::uint32_t state);
 
-/// What holds for a region: its own protection if it is committed, that of its allocation if it is
-/// reserved.
+/// The protection in force for a region: its own if it is committed, that of its allocation if it
+/// is reserved.
 std::uint32_t protectionOf(const Region& region);
 
-/// What the walk asks the system.
+/// The queries that the walk makes to the system.
 struct Questions
 {
     /// Describes the region of an address; false where there is none.
     std::function<bool(Address, Region&)> _query;
-    /// Gives the name of the module at an address; false where there is none.
+    /// Returns the name of the module at an address; false where there is none.
     std::function<bool(Address, std::string&)> _nameOf;
-    /// Is told of a region in a state that there should not be.
+    /// Is notified of a region in an unexpected state.
     std::function<void()> _onFault;
 };
 
-/// Appends the libraries in the memory that the questions are about.
+/// Appends the libraries in the memory that the questions describe.
 void walk(const Questions& questions, std::vector<LmLibrary>& libraries);
 
 /// A line of the memory map of a process on Linux.
@@ -66,7 +66,7 @@ struct MapLine
 {
     Address _begin;
     Address _end;
-    /// Of LmBlock.
+    /// Flags of LmBlock.
     std::uint32_t _flags;
     /// Device and inode as the line has them.
     std::string_view _file;
@@ -74,12 +74,12 @@ struct MapLine
     std::string_view _path;
 };
 
-/// Takes a line apart; false if it is none.
+/// Parses a line; false if it is malformed.
 bool parseMapLine(std::string_view text, MapLine& line);
 
-/// Appends the libraries of a memory map: the files with a mapping that can be executed. What lies
-/// before a line above it, as where the map has changed while it was read, and what is no line, is
-/// left out.
+/// Appends the libraries of a memory map: the files with an executable mapping. Skips malformed
+/// lines, and lines whose address is below that of an earlier line, which occur if the map changes
+/// while it is read.
 void librariesOfMap(std::string_view map, std::vector<LmLibrary>& libraries);
 
 } // namespace Zu::LmRegion

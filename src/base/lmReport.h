@@ -11,8 +11,8 @@
 namespace Zu
 {
 
-/// Writes libraries and their blocks to standard output, both numbered from 0, and flushes it. Of a
-/// block without a size only its number is written.
+/// Writes libraries and their blocks to standard output, both numbered from 0, and flushes it. For
+/// a block of size 0 only its number is written.
 void lmPrintReport(const std::vector<LmLibrary>& libraries);
 
 } // namespace Zu

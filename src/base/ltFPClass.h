@@ -1,5 +1,5 @@
 /// @file
-/// What kind of floating-point value a number is.
+/// Classification of floating-point values.
 
 #ifndef ZU_BASE_LTFPCLASS_H
 #define ZU_BASE_LTFPCLASS_H
@@ -9,14 +9,14 @@
 namespace Zu
 {
 
-/// Classes of floating-point values. Any thread may ask.
+/// Checks for classes of floating-point values. Any thread may call them.
 class LtFPClass
 {
 public:
     LtFPClass() = delete;
 
     /// @{
-    /// Whether it is no number.
+    /// Whether it is a NaN.
     static constexpr bool isNaN(double x) noexcept
     {
         return x != x;
@@ -29,7 +29,7 @@ public:
     /// @}
 
     /// @{
-    /// Whether it is an infinity of either sign.
+    /// Whether it is positive or negative infinity.
     static constexpr bool isInfinity(double x) noexcept
     {
         return isPositiveInfinity(x) || isNegativeInfinity(x);
@@ -42,7 +42,7 @@ public:
     /// @}
 
     /// @{
-    /// Whether it is the infinity above all numbers.
+    /// Whether it is positive infinity.
     static constexpr bool isPositiveInfinity(double x) noexcept
     {
         return x == std::numeric_limits<double>::infinity();
@@ -55,7 +55,7 @@ public:
     /// @}
 
     /// @{
-    /// Whether it is the infinity below all numbers.
+    /// Whether it is negative infinity.
     static constexpr bool isNegativeInfinity(double x) noexcept
     {
         return x == -std::numeric_limits<double>::infinity();
@@ -68,7 +68,7 @@ public:
     /// @}
 
     /// @{
-    /// Neither infinite nor a NaN.
+    /// Whether it is neither infinite nor a NaN.
     static constexpr bool isFinite(double x) noexcept
     {
         return !isNaN(x) && !isInfinity(x);
