@@ -71,7 +71,7 @@ auto open(Buffer& buffer, int descriptor, std::ios::openmode mode, int)
     return buffer.__open(descriptor, mode);
 }
 
-// Without a way into the standard library's buffer no descriptor can be adopted.
+// Without access to the standard library's buffer no descriptor can be adopted.
 template <class Buffer> Buffer* open(Buffer&, int, std::ios::openmode, long)
 {
     return nullptr;

@@ -80,7 +80,7 @@ void checkStamp(const DbgBuildInfo& first, const DbgBuildInfo& info)
     const char* const expected = first.getBuildStamp(false);
     const char* const stamp = info.getBuildStamp(false);
     if (std::strcmp(stamp, expected) == 0) return;
-    // Two blanks stand before the second "build", deliberately.
+    // The two blanks before the second "build" are frozen, see docs/compatibility.md.
     DbgBuildInfoLog::log(LgTypes::FatalError,
                          std::string("Build stamp mismatch, registering with API ") +
                              first.getApiName() + " build " + expected + ": library " +
@@ -149,7 +149,7 @@ std::ostream& DbgBuildInfoMgr::printBuildInfo(std::ostream& os, bool verbose)
     printAppInfo(os, verbose);
     for (const auto& [name, group] : infoTable())
     {
-        // Where there was no memory for the first record.
+        // The group is empty if there was no memory for its first record.
         if (group.empty()) continue;
         os << "API ";
         printVersion(os, *group.front());

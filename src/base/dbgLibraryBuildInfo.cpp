@@ -6,7 +6,7 @@ namespace Zu
 namespace
 {
 
-// The compiler takes the date from SOURCE_DATE_EPOCH where that is set.
+// The compiler takes the date from SOURCE_DATE_EPOCH if that is set.
 constexpr DbgBuildText TEXT = {"Corvane",
                                0,
                                2,

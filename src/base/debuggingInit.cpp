@@ -49,11 +49,11 @@ InVariable<int> checkStamps ZU_INIT_ORDER(ZU_INIT_ORDER_DEBUGGING)(
 
 template <> void InInit<ZuInit::debugging>::performInitialize()
 {
-    // The options come into being, and with them what ZU_TRACE_OPTIONS says.
+    // Creates the options and applies those that ZU_TRACE_OPTIONS sets.
     Trace::setOptions("");
     DbgBuildInfoLog::start();
     DbgBuildInfoMgr::init();
-    // A variable that is 0, or not there, leaves its switch alone.
+    // A variable that is 0 or not set leaves its switch unchanged.
     if (noValidate.getValue() != 0) DbgBuildInfoUtil::setValidateVersions(false);
     if (checkStamps.getValue() != 0) DbgBuildInfoUtil::setCheckStamps(true);
 }

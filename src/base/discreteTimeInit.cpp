@@ -19,7 +19,7 @@ template <> InInit<ZuInit::discreteTime>::InInit() : InPackageInit("discreteTime
 
 template <> void InInit<ZuInit::discreteTime>::performInitialize()
 {
-    // The counts of the reference clock begin here, and no later first use pays for it.
+    // The reference clock starts counting here, so that its first use costs nothing extra.
     DtRefTimeFactory::getInstance();
 }
 

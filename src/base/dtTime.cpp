@@ -26,8 +26,8 @@ std::ostream& operator<<(std::ostream& os, const DtTime& time)
 
 } // namespace Zu
 
-// The instant in seconds is count * denominator / numerator; hashed in lowest terms. The two terms
-// of a rate have a common divisor only where one of them is the smallest integer.
+// The instant in seconds is count * denominator / numerator, which is hashed in lowest terms. The
+// two terms of a rate have a common divisor only if one of them is the smallest integer.
 std::size_t std::hash<Zu::DtTime>::operator()(const Zu::DtTime& time) const noexcept
 {
     const std::int64_t terms[] = {time.getCount(), time.getRate().getDenominator(),

@@ -31,7 +31,7 @@ template <class Float> Float frequency(const Rational& rate)
     return static_cast<Float>(rate.getNumerator()) / static_cast<Float>(rate.getDenominator());
 }
 
-// The next field, which is cut off the rest; empty if there is none.
+// Removes the next field from the rest and returns it; empty if there is none.
 std::string nextField(std::string& rest)
 {
     rest.erase(0, rest.find_first_not_of(' '));
@@ -41,7 +41,7 @@ std::string nextField(std::string& rest)
     return field;
 }
 
-// As strtol() of 32 bits reads it.
+// Reads a number like a 32-bit strtol().
 std::int32_t readNumber(const std::string& field, Error::ErrorCode malformed,
                         Error::ErrorCode overflow)
 {
@@ -96,7 +96,7 @@ DtTime DtTimeUtil::getDtTimeFromDtString(const char* text)
     const std::string countField = nextField(rest);
     const int error = errno;
     const long long count = std::strtoll(countField.c_str(), nullptr, 10);
-    // A count that does not fit is no concern of the fields behind it.
+    // A count that does not fit must not affect the fields after it.
     errno = error;
     const std::int32_t numerator =
         readNumber(nextField(rest), Error::RateNumeratorMalformed, Error::RateNumeratorOverflow);

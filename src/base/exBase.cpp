@@ -13,7 +13,7 @@ namespace Zu
 namespace
 {
 
-// Appends as much of text as the buffer holds beside its terminator.
+// Appends as much of the text as fits into the buffer with its terminator.
 template <std::size_t Size> void appendCut(char (&buffer)[Size], const char* text)
 {
     const std::size_t used = std::strlen(buffer);

@@ -26,7 +26,7 @@ void systemCodeText(int code, char* buffer, std::size_t size)
 
 const char* errnoText(int code)
 {
-    // The system keeps this locale, and makes none.
+    // The system keeps a static "C" locale; this returns it and makes no new one.
     return strerror_l(code, newlocale(LC_ALL_MASK, "C", nullptr));
 }
 

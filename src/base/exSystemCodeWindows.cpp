@@ -19,7 +19,8 @@ void setLastSystemCode(int code)
 
 void systemCodeText(int code, char* buffer, std::size_t size)
 {
-    // Texts with inserts ("%1 is not a valid application") would read arguments that nobody gave.
+    // Texts with inserts ("%1 is not a valid application") would read arguments that were never
+    // passed.
     const DWORD flags = FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS;
     buffer[0] = '\0';
     FormatMessageA(flags, nullptr, static_cast<DWORD>(code), 0, buffer, static_cast<DWORD>(size),

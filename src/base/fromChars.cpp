@@ -15,7 +15,7 @@ namespace Zu
 namespace
 {
 
-// A natural number of any size, its lowest word first and its highest one not 0.
+// A natural number of any size, lowest word first; the highest word is not 0.
 class Natural
 {
 public:
@@ -60,7 +60,7 @@ public:
                                              other._words.rend());
     }
 
-    // Of a number that is not greater.
+    // `other` must not be greater.
     void subtract(const Natural& other)
     {
         std::uint64_t borrow = 0;
@@ -81,7 +81,7 @@ constexpr int QUOTIENT_BITS = 63;
 constexpr int MANTISSA_BITS = 53;
 constexpr int LEAST_EXPONENT = -1074;
 
-// quotient * 2^exponent, rounded, when there may be more behind the quotient.
+// quotient * 2^exponent, rounded. `isMore`: the bits after the quotient are not all 0.
 double rounded(std::uint64_t quotient, bool isMore, int exponent)
 {
     const int dropped = std::max(QUOTIENT_BITS - MANTISSA_BITS, LEAST_EXPONENT - exponent);
@@ -100,7 +100,7 @@ double nearest(Natural numerator, Natural denominator, int exponent)
     const int shift = denominator.bits() - numerator.bits();
     numerator.shiftLeft(std::max(shift, 0));
     denominator.shiftLeft(std::max(-shift, 0));
-    // Now the quotient is above 1/2 and below 2.
+    // Now the quotient is between 1/2 and 2, exclusive.
     exponent -= shift;
     std::uint64_t quotient = 0;
     for (++exponent; quotient >> (QUOTIENT_BITS - 1) == 0; --exponent)
@@ -117,9 +117,9 @@ double nearest(Natural numerator, Natural denominator, int exponent)
 struct Parts
 {
     Natural _digits{0};
-    // The place of the last digit, counted from the point, in digits.
+    // The place of the last digit, in digits from the point.
     std::int64_t _lastPlace = 0;
-    // How many digits count, from the first that is not 0.
+    // The number of significant digits, from the first that is not 0.
     int _count = 0;
     std::int64_t _exponent = 0;
 };
@@ -132,8 +132,8 @@ int digitOf(char character)
     return std::numeric_limits<int>::max();
 }
 
-// The end of the digits, or null without one. Behind so many digits all that matters is whether
-// there is a further one that is not 0.
+// Returns the end of the digits, or null if there are none. After ENOUGH digits it only matters
+// whether a further one is not 0.
 const char* readDigits(const char* place, const char* end, int base, Parts& parts)
 {
     constexpr int ENOUGH = 800;
@@ -168,10 +168,10 @@ const char* readDigits(const char* place, const char* end, int base, Parts& part
     return isThere ? place : nullptr;
 }
 
-// The end of the exponent; of the mantissa, where none follows.
+// Returns the end of the exponent, or of the mantissa if no exponent follows.
 const char* readExponent(const char* place, const char* end, char mark, Parts& parts)
 {
-    // Longer than any text; so it wins against any number of digits.
+    // Greater than the length of any text, so it outweighs any number of digits.
     constexpr std::int64_t LIMIT = std::int64_t{1} << 56;
     const char* digit = place;
     if (digit == end || std::tolower(static_cast<unsigned char>(*digit)) != mark) return place;
@@ -189,7 +189,7 @@ double valueOfDecimal(Parts& parts)
 {
     constexpr double INFINITE = std::numeric_limits<double>::infinity();
     const std::int64_t power = parts._lastPlace + parts._exponent;
-    // Of the first digit, one place beyond what fits.
+    // The value is below 10^magnitude, and at least a tenth of that.
     const std::int64_t magnitude = power + parts._count;
     if (parts._count == 0 || magnitude < -330) return 0;
     if (magnitude > 310) return INFINITE;
@@ -209,7 +209,7 @@ double valueOfHexadecimal(const Parts& parts)
     return nearest(parts._digits, Natural(1), static_cast<int>(power));
 }
 
-// Behind how many characters the word ends, whatever its case; 0 if it is not there.
+// The length of the word if the text begins with it, in any case; otherwise 0.
 std::size_t lengthOf(std::string_view word, std::string_view text)
 {
     const bool isThere =
@@ -220,7 +220,7 @@ std::size_t lengthOf(std::string_view word, std::string_view text)
     return isThere ? word.size() : 0;
 }
 
-// "nan" may have letters, digits and underscores in parentheses behind it.
+// "nan" may be followed by letters, digits and underscores in parentheses.
 std::size_t lengthOfNan(std::string_view text)
 {
     const std::size_t length = lengthOf("nan", text);
@@ -232,7 +232,7 @@ std::size_t lengthOfNan(std::string_view text)
     return static_cast<std::size_t>(other - text.begin()) + 1;
 }
 
-// Reads one of the words for what is no finite number; null if there is none.
+// Reads a word for an infinity or a NaN; returns null if there is none.
 const char* readWord(const char* begin, const char* end, double& value)
 {
     const std::string_view text(begin, static_cast<std::size_t>(end - begin));

@@ -41,7 +41,7 @@ HmHeapMgr::SafetyLevel levelOf(const char* variable, HmHeapMgr::SafetyLevel othe
 
 } // namespace
 
-// An unset variable switches deferred freeing off, deliberately.
+// Deliberately, an unset variable switches deferred freeing off.
 HmHeapMgr::HmHeapMgr()
     : _safetyLevel(levelOf("ZU_HEAP_SAFETY_LEVEL", Full)),
       _output2Prompt(switchOf("ZU_HEAP_OUTPUT_PROMPT")),

@@ -16,8 +16,7 @@ bool beginsWith(const char* text, const char* beginning)
     return std::strncmp(text, beginning, std::strlen(beginning)) == 0;
 }
 
-// Whether an entry matches; `position`, its beginning, is moved to the last blank that was looked
-// at.
+// Whether an entry matches. `position`, its beginning, is moved to the last blank examined.
 bool matches(const ArrayPtr<char>* frame, const char*& position)
 {
     const char* word = position;
@@ -27,7 +26,7 @@ bool matches(const ArrayPtr<char>* frame, const char*& position)
         word = blank + 1;
         if (beginsWith(word, END)) return true;
         if (!frame->get() || !beginsWith(word, frame->get())) return false;
-        // There is nothing behind the end of the text to look at.
+        // There is nothing to examine past the end of the text.
         if (*word == '\0') return false;
         ++frame;
     }
@@ -43,7 +42,8 @@ bool hmIsUnknownLeak(const ArrayPtr<char>* stack, const char* knownLeaks)
     {
         const char* const entry = position;
         if (matches(stack, position)) return false;
-        // An entry without a blank is behind us only past its first word.
+        // Without a blank the position has not moved, so the search steps past the beginning of the
+        // entry.
         position = std::strstr(position == entry ? entry + 1 : position, BEGIN);
     }
     return true;

@@ -13,8 +13,8 @@ namespace Zu
 namespace
 {
 
-// Asks the platform and not OsCpuInfo, which knows the frequency from the start of its package on
-// only: static objects come before.
+// Asks the platform and not OsCpuInfo, which has the frequency only once its package has started;
+// static objects come earlier.
 std::unique_ptr<HwCounterEng> makeEngine()
 {
     std::uint64_t frequency = 0;
@@ -32,8 +32,8 @@ void HwCounter::init()
     if (engine()) return;
     std::unique_ptr<HwCounterEng> made = makeEngine();
     HwCounterEng* none = nullptr;
-    // Releases the new engine to the loads of engine(). Of threads that come together one wins, and
-    // the others' engines have been seen by nobody.
+    // The release pairs with the acquire in engine(). If several threads get here at once, one
+    // wins; nobody has seen the engines of the others.
     if (_theHwCounter.compare_exchange_strong(none, made.get(), std::memory_order_release,
                                               std::memory_order_relaxed))
         made.release();
@@ -41,7 +41,7 @@ void HwCounter::init()
 
 std::uint64_t HwCounter::timeStamp()
 {
-    // The test stands here, so that a read makes no call but the engine's.
+    // The test is repeated here, so that a read usually makes no call but the engine's.
     if (!engine()) [[unlikely]]
         init();
     return timeStampInline();

@@ -12,7 +12,7 @@ namespace Zu
 namespace
 {
 
-// A count is converted as a signed number, so that a difference may be negative.
+// Counts are converted as signed numbers, so that a difference can be negative.
 double signedCount(std::uint64_t count)
 {
     return static_cast<double>(static_cast<std::int64_t>(count));
@@ -28,7 +28,7 @@ HwCounterRate hwCounterRate(std::uint64_t frequency)
     return {static_cast<int>(frequency), shift};
 }
 
-// The engine of this platform.
+// Makes the engine of this platform.
 HwCounterEng* HwCounterEng::create()
 {
     return create(OsCpuInfo::getHwCounterFrequency());

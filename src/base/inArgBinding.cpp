@@ -17,7 +17,7 @@ namespace Zu
 namespace
 {
 
-// "x" and "x:" are one option.
+// "x" and "x:" are the same option.
 struct FirstCharacterLess
 {
     bool operator()(const std::string& a, const std::string& b) const

@@ -53,7 +53,7 @@ template <> struct InAliasValues<InOvrAlias> : ValueIsTheKey
 {
 };
 
-// Deliberately the environment of this moment, not the snapshot of InInitMgr::getEnv().
+// Deliberately reads the current environment, not the snapshot of InInitMgr::getEnv().
 template <> struct InAliasValues<InEnvAlias>
 {
     static void assign(const Aliases& aliases, const Vector<char*>&)

@@ -5,14 +5,14 @@
 namespace Zu
 {
 
-// There before any constructor runs.
+// Exists before any constructor runs.
 ZU_CONSTINIT_VECTOR Vector<char*> InContextAliasMgrBase::_args ZU_CONSTINIT_VECTOR_PRIORITY;
 
 namespace
 {
 
-// Ends the words of a process that exits without a shut-down. It is built after the list, so it
-// ends before it.
+// Deletes the words if the process exits without a shut-down. It is constructed after the list, so
+// it is destroyed before it.
 class WordsEnd : public InContextAliasMgrBase
 {
 public:

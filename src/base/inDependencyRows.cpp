@@ -51,7 +51,7 @@ bool InDependencyRows::close(std::vector<std::int32_t>& counts)
     bool cycle = false;
     for (int i = 0; i < _size; ++i)
     {
-        // A package that reaches itself through others; what it names itself is no cycle.
+        // A package that reaches itself through others is a cycle; one that names itself is not.
         const bool reachesItself = test(i, i) && !direct.test(i, i);
         const std::int32_t found = countBits(i) - direct.countBits(i);
         counts[static_cast<std::size_t>(i)] += reachesItself ? found - 1 : found;

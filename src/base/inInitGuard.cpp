@@ -30,9 +30,9 @@ void start(int& argc, const char* const*& argv)
     }
 }
 
-// How many exceptions were under way when each of the present guards was made, the latest last. A
-// guard in the body of a package may live while an older exception unwinds the stack below it, and
-// that is none of its concern.
+// How many exceptions were in flight when each of the existing guards was made, the latest last. A
+// guard in the body of a package may exist while an older exception unwinds the stack below it,
+// which does not concern that guard.
 ZU_CONSTINIT_VECTOR std::vector<int> exceptionsAtStart ZU_CONSTINIT_VECTOR_PRIORITY;
 
 void noteStart()
@@ -40,8 +40,8 @@ void noteStart()
     exceptionsAtStart.push_back(std::uncaught_exceptions());
 }
 
-// Runs the work of a guard's end: its exceptions pass, but never into a stack that unwinds through
-// the guard.
+// Runs the work at the end of a guard. Exceptions pass through, but never while the stack unwinds
+// through the guard.
 template <class Work> void runAtEnd(Work work)
 {
     const int atStart = exceptionsAtStart.back();
@@ -57,11 +57,12 @@ template <class Work> void runAtEnd(Work work)
     }
     catch (...)
     {
-        // The exception under way tells more than one from cleaning up after it.
+        // The exception in flight says more than one from the clean-up after it.
     }
 }
 
-// Starts with words that are not of the manager's type, and takes them from the caller as it does.
+// Starts with words of another type than the manager's, and takes them from the caller as the
+// manager does.
 template <class Words> void startWith(int& argc, Words& argv)
 {
     const char* const* words = argv;

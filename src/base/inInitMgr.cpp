@@ -17,11 +17,11 @@ namespace Zu
 namespace
 {
 
-// Null before the manager is made and again after static destruction has taken it, when the
-// objects of packages may still follow.
+// Null before the manager is made, and again after its static destruction, when package objects may
+// still be destroyed.
 InInitMgrImpl* theImpl = nullptr;
 
-// Never destroyed: the texts that getEnv() gives out live to the end of the process.
+// Never destroyed: the texts that getEnv() returns live until the end of the process.
 const InEnvironment& environmentSnapshot()
 {
     static const InEnvironment* const snapshot =
@@ -106,8 +106,8 @@ void InInitMgr::decReinitCount()
     _impl->decReinitCount();
 }
 
-// A package declares itself to the manager and the manager runs packages. The operations that
-// reach for the manager stand here, so that inPackageInit stays below it.
+// A package declares itself to the manager, and the manager runs packages. The operations that need
+// the manager are defined here, so that inPackageInit stays in a lower layer.
 
 InPackageInit::~InPackageInit()
 {

@@ -22,7 +22,7 @@ namespace Zu
 namespace
 {
 
-// Sets a flag and puts the old value back on every way out.
+// Sets a flag and restores its old value on every exit path.
 class FlagScope
 {
 public:
@@ -42,7 +42,7 @@ private:
     const bool _previous;
 };
 
-// Shows the list of a running pass to those who end packages.
+// Makes the list of a running pass visible to forgetPackage().
 class RunningPass
 {
 public:
@@ -68,7 +68,7 @@ const std::type_info& typeOf(const InPackageEntry& entry)
     return typeid(package);
 }
 
-// Null is the mark of an object that ended while its list was being walked.
+// Null marks an object that ended while its list was being walked.
 bool isAlive(const InPackageEntry& entry)
 {
     return entry._package != nullptr;
@@ -127,11 +127,11 @@ void InInitMgrImpl::forgetPackage(const InPackageInit& package)
 {
     markEnded(_registered, package);
     removeEnded(_registered);
-    // The bodies of packages may end others; what is being walked keeps its places.
+    // The bodies of packages may end other packages; a list that is being walked keeps its places.
     markEnded(_savedPackages, package);
     if (!_isFinalizing) removeEnded(_savedPackages);
     for (Vector<InPackageEntry>* pass : _runningPasses) markEnded(*pass, package);
-    // A failed pass is kept for its report, which can't be made without all of its packages.
+    // A failed pass is kept for its report, which needs all of its packages.
     if (markEnded(_packagesToInit, package)) dropPass();
 }
 
@@ -213,7 +213,8 @@ void InInitMgrImpl::closeRows()
 void InInitMgrImpl::runInitialisers()
 {
     ZU_INTERNAL_ASSERT(!_cycle);
-    // The list is alphabetical, so equal counts start in ascending order of the names.
+    // The list is alphabetical, so packages with equal counts start in ascending order of their
+    // names.
     std::stable_sort(_packagesToInit.begin(), _packagesToInit.end(),
                      [](const InPackageEntry& a, const InPackageEntry& b)
                      { return a._nbDependencies < b._nbDependencies; });
@@ -221,7 +222,8 @@ void InInitMgrImpl::runInitialisers()
     savePass();
 
     const FlagScope initializing(_isInitializing);
-    // A body may load a module under a guard, whose pass then replaces _packagesToInit.
+    // A body may load a module under a guard, and the pass of that guard then replaces
+    // _packagesToInit.
     Vector<InPackageEntry> pass = _packagesToInit;
     const RunningPass running(_runningPasses, pass);
     for (const InPackageEntry& entry : pass)
@@ -236,7 +238,7 @@ void InInitMgrImpl::runInitialisers()
     dropPass();
 }
 
-// Notes the packages of the pass behind those of earlier ones.
+// Appends the packages of the pass to those of earlier passes.
 void InInitMgrImpl::savePass()
 {
     for (const InPackageEntry& entry : _packagesToInit)
@@ -245,7 +247,7 @@ void InInitMgrImpl::savePass()
         if (index == -1)
             _savedPackages.push_back(entry);
         else
-            // The body of an earlier object failed; it keeps its place, but this one is started.
+            // The body of an earlier object failed. Its place is kept, but this object is started.
             _savedPackages[static_cast<std::size_t>(index)]._package = entry._package;
     }
 }
@@ -261,7 +263,8 @@ void InInitMgrImpl::finalize()
 {
     if (!_isInitialized) throw InEx::ExFinaliseBeforeInit(__FILE__, __LINE__);
     if (_isFinalized) throw InEx::ExDoubleFinalise(__FILE__, __LINE__);
-    // Deliberately without a guard: when a body throws, the flag and the lists stay as they are.
+    // Deliberately without a scope guard: if a body throws, the flag and the lists stay as they
+    // are.
     _isFinalizing = true;
     for (std::size_t i = _savedPackages.size(); i-- > 0;)
         if (isAlive(_savedPackages[i]) && _savedPackages[i]._initialized)
@@ -295,6 +298,7 @@ bool InInitMgrImpl::isFinalizing() const
 
 std::ostream& InInitMgrImpl::dump(std::ostream& os) const
 {
+    // "to be initialize" is frozen, see docs/compatibility.md.
     if (_registered.empty())
         os << "No packages waiting to be initialize." << std::endl;
     else

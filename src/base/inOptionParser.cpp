@@ -13,7 +13,7 @@ namespace
 constexpr int END_OF_OPTIONS = -1;
 constexpr int UNKNOWN_OPTION = '?';
 
-// Cuts at the first of the separators and returns the character that stood there.
+// Cuts the text at the first of the separators and returns the character that was there.
 char cutAt(char*& position, const char* separators)
 {
     position += std::strcspn(position, separators);
@@ -84,7 +84,7 @@ int InOptionParser::getSubOption(char** optionp, char* const* tokens, char** val
     return -1;
 }
 
-// Goes to the first letter of the next word; false when the options end before or at that word.
+// Moves to the first letter of the next word; false if the options end before or at that word.
 bool InOptionParser::enterNextWord()
 {
     if (++_argIndex == _argc) return false;
@@ -99,8 +99,8 @@ bool InOptionParser::enterNextWord()
     return true;
 }
 
-// Puts the cursor on the last character of the word in progress, so that the next option is looked
-// for in the word behind it. An empty word has no last character; any other text of one will do.
+// Puts the cursor on the last character of the current word, so that the next option is looked for
+// in the following word. An empty word has no last character; any text of one character will do.
 void InOptionParser::leaveWord()
 {
     const char* const word = _argv[_argIndex];

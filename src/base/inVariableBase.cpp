@@ -90,7 +90,7 @@ InVariableBase::~InVariableBase()
     _package->removeDependency(this);
 }
 
-// Also ends the variable's registrations when an alias can't be cloned any more.
+// Undoes the variable's registrations if an alias can no longer be cloned.
 void InVariableBase::joinPackage(const InContextAliasBase* const (&aliases)[10])
 {
     bool joined = false;

@@ -19,7 +19,7 @@ namespace Zu
 namespace
 {
 
-// As a new standard stream writes it.
+// Inserts a number as a new standard stream writes it.
 LgStream& insertGeneral(LgStream& stream, double value)
 {
     constexpr int PRECISION = 6;

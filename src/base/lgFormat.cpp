@@ -19,7 +19,7 @@ constexpr int MOST_DECIMALS = 100;
 constexpr int MOST_WIDTH = 100;
 constexpr int HEXADECIMAL = 16;
 
-// The longest is a number with all its decimals.
+// The longest text is a number with all its decimals.
 using Text = char[LG_DOUBLE_TEXT_SIZE + MOST_DECIMALS];
 
 template <class... Rest> char* write(Text& text, Rest... rest)

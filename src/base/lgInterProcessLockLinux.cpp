@@ -21,13 +21,13 @@ namespace Zu
 namespace
 {
 
-// Two bytes of the shared file stand for two locks on it. Who makes, ends or counts the users holds
-// CHANGE alone, for a moment; every user holds USE together with the others. Both end with their
-// process, however it ends.
+// Two bytes of the shared file represent two file locks. Code that creates or removes the file or
+// checks for users holds CHANGE exclusively, for a moment. Every user holds USE, shared with the
+// others. Both locks end with their process, however it ends.
 constexpr off_t CHANGE = 0;
 constexpr off_t USE = 1;
 
-// Whether it succeeded.
+// Returns whether it succeeded.
 bool setFileLock(int file, off_t byte, short kind, bool wait)
 {
     struct flock lock = {};
@@ -48,8 +48,8 @@ struct stat statusOf(int file)
     return status;
 }
 
-// Whoever can write to a mutex leads the library that works on it to write elsewhere, so memory
-// that another user made or can change is not touched.
+// Anyone who can write to a mutex can make the library that operates on it write elsewhere, so
+// memory that another user created or can change is not touched.
 bool isOwn(const struct stat& status)
 {
     return S_ISREG(status.st_mode) && status.st_uid == geteuid() && (status.st_mode & 0077) == 0;
@@ -68,11 +68,11 @@ void makeMutex(pthread_mutex_t& mutex)
     if (code != 0) ZU_RAISE_SYSTEM_ERROR(code);
 }
 
-// A mapped file of shared memory, counted by its users, or memory of this process alone.
+// A mapped shared-memory file that is counted by its users, or memory private to this process.
 class SharedMemory
 {
 public:
-    // The empty object stands before anything is opened, so that a failure closes what there is.
+    // Delegates first, so that the object is complete and its destructor cleans up after a failure.
     explicit SharedMemory(const char* name) : SharedMemory()
     {
         if (name)
@@ -95,8 +95,8 @@ public:
         return *_mutex;
     }
 
-    // Removes the name if nobody else uses it; the memory stays. A child of a fork shares the locks
-    // on the file with its parent and must leave them alone.
+    // Removes the name if nobody else uses it; the memory stays mapped. The child of a fork shares
+    // the file locks with its parent and must not release them.
     void leave() noexcept
     {
         if (_name.empty() || getpid() != _user) return;
@@ -111,14 +111,14 @@ private:
     void openNamed(const std::string& name)
     {
         while (!openCurrent(name)) closeFile();
-        // Alone with the file: what is in it is of nobody, or was left by a process that died.
+        // The only user: the content is new, or was left by a process that died.
         if (setFileLock(_file, USE, F_WRLCK, false)) makeMutex(*_mutex);
         if (!setFileLock(_file, USE, F_RDLCK, true)) ZU_RAISE_SYSTEM_ERROR(errno);
         _name = name;
         setFileLock(_file, CHANGE, F_UNLCK, true);
     }
 
-    // Opens the file and holds CHANGE; false if the last user has removed it in between.
+    // Opens the file and takes CHANGE; false if the last user has removed the file in between.
     bool openCurrent(const std::string& name)
     {
         _file = osAboveStandard(shm_open(name.c_str(), O_RDWR | O_CREAT, 0600));
@@ -131,7 +131,7 @@ private:
         return true;
     }
 
-    // Memory that is only promised would end the process when it is touched and there is none.
+    // If memory were only promised and then not available, touching it would kill the process.
     void reserve(const std::string& name)
     {
         int code = 0;
@@ -166,7 +166,7 @@ private:
 };
 
 // The memory of all locks of this process. Most locks live as long as their process and are never
-// ended: their names are left when the process exits.
+// destroyed, so their names are given up when the process exits.
 class OpenMemories
 {
 public:

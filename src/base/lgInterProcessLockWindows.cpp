@@ -31,7 +31,8 @@ public:
         if (result == WAIT_OBJECT_0) return;
         if (result == WAIT_ABANDONED)
         {
-            // The dead holder's mutex is ours now, which no caller expects who sees an exception.
+            // The dead holder's mutex is now ours, which a caller that gets an exception does not
+            // expect.
             ReleaseMutex(_mutex);
             ZU_RAISE_SYSTEM_ERROR(ERROR_ABANDONED_WAIT_0);
         }

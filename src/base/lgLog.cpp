@@ -26,7 +26,7 @@ namespace Zu
 namespace
 {
 
-// What init() makes. It outlives all static objects, since events may be flushed until the very
+// What init() creates. It outlives all static objects, since events may be flushed until the very
 // end.
 struct State
 {
@@ -73,7 +73,7 @@ LgLogFiles chooseFiles()
     return {(path + "events.log").getChars(), (path + "prof.log").getChars()};
 }
 
-// In one piece, as every line.
+// Writes the banner in one piece, like every line.
 void writeBanner(std::ostream& out)
 {
     const LgInterProcessLockGuard guard(LgLog::getInterProcessLock());
@@ -82,10 +82,11 @@ void writeBanner(std::ostream& out)
     if (LgLog::isTimeStampsEnabled())
     {
         const std::time_t now = std::time(nullptr);
+        // A period called "Clock Frequency" is frozen, see docs/compatibility.md.
         banner << "===== Started on " << std::ctime(&now) << "\n"
                << "===== Clock Frequency: " << std::fixed << std::setprecision(9)
                << HwCounter::resolution() << "\n";
-        // As readers of the stream's format may count on.
+        // Code that uses the stream's format flags may rely on this.
         out << std::fixed;
     }
     out << banner.str() << std::flush;
@@ -125,7 +126,7 @@ void LgLog::init()
     }
     catch (...)
     {
-        // It may be tried again.
+        // init() may be called again.
         if (hasGroups) LgMajorGroup::finalize();
         state()._outputs.closeAll();
         for (const LgTypes::Level level : LG_LEVELS) state()._setup[level]._file.reset();
@@ -170,7 +171,8 @@ void LgLog::destroy()
         }
         catch (...)
         {
-            // All files have one lock: only the first to take it can learn that its owner died.
+            // All files share one lock, so only the first attempt to take it can report that its
+            // owner died.
             if (!lockError) lockError = std::current_exception();
         }
         closeOutput(level);
@@ -179,8 +181,8 @@ void LgLog::destroy()
     if (lockError) std::rethrow_exception(lockError);
 }
 
-// The level itself keeps the name of its file, which displaySetup() goes on to show; those that
-// share the file have none from here on.
+// The level itself keeps the name of its file, which displaySetup() continues to show. The levels
+// that share the file lose it here.
 void LgLog::closeOutput(LgTypes::Level level)
 {
     for (const LgTypes::Level other : LG_LEVELS)

@@ -27,13 +27,13 @@ struct ByBytes
     }
 };
 
-// Copies of the groups' names, in order of first use, and the groups by those copies. Both are
-// there from initialize() to finalize().
+// Copies of the groups' names, in order of first use, and the groups by those copies. Both exist
+// from initialize() to finalize().
 using Names = std::list<ArrayPtr<char>>;
 using MajorGroups = std::map<const char*, LgMajorGroup*, ByBytes>;
 
-// The groups themselves stay to the end of the process, one for each name: a minor group may
-// outlive finalize(), and with a new start of the logger it belongs to the group of that name.
+// The groups themselves live until the end of the process, one for each name: a minor group may
+// outlive finalize(), and when the logger starts again it belongs to the group of that name.
 using KeptGroups = std::map<std::string, LgMajorGroup, std::less<>>;
 
 KeptGroups& keptGroups()
@@ -42,7 +42,7 @@ KeptGroups& keptGroups()
     return *theGroups;
 }
 
-// How both variables are used; for readers of the program's texts, never for the program.
+// How both variables are used. Only for people who read the strings in the binary; no code uses it.
 [[maybe_unused, gnu::used]] constexpr const char* USAGE_OF_DEFAULT_LEVEL =
     "setenv ZU_LOG_DEFAULT_LEVEL Tracing";
 [[maybe_unused, gnu::used]] constexpr const char* USAGE_OF_GROUPS =
@@ -59,8 +59,8 @@ const char* nameCopy(const char* name)
     return names->back().get();
 }
 
-// The next piece of the text up to the delimiter, which is overwritten; delimiters in front of it
-// are passed over. Null when there is none.
+// Returns the next piece of the text up to the delimiter, which is overwritten. Leading delimiters
+// are skipped. Null if there is none.
 char* nextToken(char*& position, char delimiter)
 {
     while (*position == delimiter) ++position;
@@ -143,7 +143,7 @@ void LgMajorGroup::parse(const char* text)
     {
         try
         {
-            // The level comes first: a bad pair makes no group.
+            // The level is converted first, so that a bad pair creates no group.
             const LgTypes::Level level = LgTypes::stringToLevel(nextToken(position, ','));
             getInstanceForName(name).setLogThreshold(level, false);
         }

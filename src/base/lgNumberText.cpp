@@ -15,24 +15,24 @@ namespace Zu
 namespace
 {
 
-// A wider product than the language has a type for.
+// For a product wider than any type of the language.
 using Wide = Compiler::UInt128;
 
 constexpr int MANTISSA_BITS = 52;
 constexpr int EXPONENT_BIAS = 1075;
 constexpr std::uint64_t MICRO = 1'000'000;
 
-// An absolute value as a whole number of units and of millionths.
+// An absolute value as whole units and millionths.
 struct Micros
 {
     std::uint64_t _whole;
     std::uint64_t _millionths;
 };
 
-// Of mantissa / 2^shift, with the millionths rounded to even from the exact value.
+// Computes mantissa / 2^shift, with the millionths rounded from the exact value, ties to even.
 Micros roundedMicros(std::uint64_t mantissa, int shift)
 {
-    // The mantissa has 53 bits, and a million 20: behind that nothing is left but to round down.
+    // The mantissa has 53 bits and a million has 20: beyond that everything rounds down to 0.
     if (shift > MANTISSA_BITS + 22) return {0, 0};
     const std::uint64_t whole = shift < 64 ? mantissa >> shift : 0;
     const Wide fraction = Wide{mantissa} - (Wide{whole} << shift);
@@ -77,7 +77,7 @@ char* lgWriteDouble(char* buffer, double value)
     if (exponent != 0) mantissa |= std::uint64_t{1} << MANTISSA_BITS;
     const int shift = EXPONENT_BIAS - (exponent != 0 ? exponent : 1);
     if (shift > 0) return writeMicros(buffer, roundedMicros(mantissa, shift));
-    // From 2^52 on it is a whole number; up to 2^64 it is written as one.
+    // From 2^52 on the value is a whole number; up to 2^64 it is written as one.
     if (shift > -12) return writeMicros(buffer, {mantissa << -shift, 0});
     return std::to_chars(buffer, buffer + LG_DOUBLE_TEXT_SIZE - 1, std::fabs(value),
                          std::chars_format::fixed, 6)

@@ -39,7 +39,8 @@ void LgQueue::Entry::setOverflowEntry(bool oflow)
 void LgQueue::Entry::incOverflowCount()
 {
     ZU_INTERNAL_ASSERT(_oflow);
-    // One writer: a load and a store do, and a locked instruction would cost more.
+    // There is only one writer: a load and a store suffice, and a locked instruction would cost
+    // more.
     const std::int32_t count = _value.load(std::memory_order_relaxed);
     if (count != std::numeric_limits<std::int32_t>::max())
         _value.store(count + 1, std::memory_order_relaxed);
@@ -116,7 +117,7 @@ bool LgQueue::reserveEntry(LgTypes::Level level)
     if (!hasRoom() || _stream.isFullForWriter()) return countLoss();
     Entry& entry = _entries[_end.own()];
     entry.setTimeStamp(HwCounter::timeStamp());
-    // The slot may still bear the mark of an earlier use.
+    // The slot may still be marked as an overflow entry from an earlier use.
     entry.setOverflowEntry(false);
     entry.setLevel(level);
     _stream.resetOutputFlags();
@@ -127,13 +128,13 @@ bool LgQueue::reserveEntry(LgTypes::Level level)
 
 bool LgQueue::isFreeNow()
 {
-    // Pairs with the reader's step: it is done with the slots before.
+    // Pairs with the release in removeEntry(): the reader is done with the slots before.
     _begSeen = _beg;
     return isFree();
 }
 
-// An event that is suppressed leaves no trace; one from inside another's insertion is lost, and has
-// no slot in which that could show.
+// A suppressed event leaves no trace. One from inside another's insertion is lost, and has no slot
+// in which the loss could be recorded.
 bool LgQueue::refuse()
 {
     if (_suppress == 0) _lost.store(getLostCount() + 1, std::memory_order_relaxed);
@@ -146,7 +147,7 @@ bool LgQueue::countLoss()
     Entry& last = _entries[_end.minus(1)];
     if (last.isOverflowEntry())
     {
-        // The reader may have taken this entry already; then the loss shows in no entry.
+        // The reader may already have taken this entry; then the loss appears in no entry.
         last.incOverflowCount();
         return false;
     }
@@ -164,21 +165,21 @@ void LgQueue::addEntry()
     const unsigned int flags = _stream.getOutputFlags();
     if ((flags & TEXT_INSERTED) == 0)
     {
-        // A bare end has stored an empty string, which no entry would ever take.
+        // A string that was only ended is empty, and no entry would ever take it.
         _stream.resetTo(_mark);
         return;
     }
     _stream.completeOne(_mark);
     ZU_INTERNAL_ASSERT_TEXT(_end.plus(1) != _begSeen, "_end+1U != _beg");
     ZU_INTERNAL_ASSERT_TEXT(_end.plus(2) != _begSeen, "_end+2U != _beg");
-    // Pairs with the reader's look at it: entry and text are complete.
+    // Pairs with the reader's acquire: entry and text are complete.
     ++_end;
     fetchAhead();
     if (!_observer.isNull()) _observer->entryAdded(*this);
 }
 
-// The reader had the places of events to come in its cache; they are on their way back when their
-// turn comes.
+// The slots of coming events are in the reader's cache; prefetching brings them back before their
+// turn.
 ZU_CAN_PREFETCH_FOR_WRITING void LgQueue::fetchAhead()
 {
     constexpr std::uint32_t ENTRIES = 4;
@@ -212,7 +213,7 @@ const LgQueue::Entry& LgQueue::readEntry() const
 void LgQueue::removeEntry()
 {
     ZU_INTERNAL_ASSERT_TEXT(_beg.get() != _end.get(), "_beg != _end");
-    // Pairs with the producer's look at it: the slot is done with.
+    // Pairs with the acquire in isFreeNow(): the reader is done with the slot.
     ++_beg;
     if (!_observer.isNull()) _observer->entryRemoved(*this);
 }

@@ -18,7 +18,7 @@ namespace Zu
 namespace
 {
 
-// As many characters as the ring of an LgStream has.
+// The size of the ring of an LgStream.
 constexpr unsigned int BufSize = 32768;
 
 constexpr std::size_t PREFIX_SIZE = 80;
@@ -30,7 +30,7 @@ inline char* append(char* place, const char* text)
     return place + length;
 }
 
-// All digits of a number, with zeros in front.
+// Appends all digits of a number, with leading zeros.
 template <std::uint32_t BASE, int WIDTH> char* appendFilled(char* place, std::uint32_t value)
 {
     for (int i = WIDTH; i > 0; --i, value /= BASE) place[i - 1] = "0123456789abcdef"[value % BASE];
@@ -65,18 +65,18 @@ char* appendText(char* place, LgQueue& q, const LgQueue::Entry& e)
 
 std::atomic<std::uint64_t> unwrittenCount{0};
 
-// In one piece: a line costs one call of the system. False if the stream has not taken it.
+// Writes a line in one piece, which costs one system call. False if the stream has not accepted it.
 bool writeLine(std::ostream& out, const char* line, std::size_t length)
 {
     if (LgLog::isTimeStampsEnabled())
     {
-        // As other writers of the stream may count on.
+        // Other writers of the stream may rely on this format.
         out.fill(' ');
         out.setf(std::ios::dec, std::ios::basefield);
     }
     try
     {
-        // What write() and flush() do, with the stream's preparations for output made once.
+        // Does the same as write() and flush(), but constructs the sentry only once.
         const std::ostream::sentry prepared(out);
         if (!prepared) return false;
         const auto size = static_cast<std::streamsize>(length);
@@ -86,8 +86,8 @@ bool writeLine(std::ostream& out, const char* line, std::size_t length)
     }
     catch (...)
     {
-        // Of a stream that a client has asked to raise. The line is lost, and the event is removed
-        // all the same.
+        // From a stream that a client has configured to raise. The line is lost, and the event is
+        // removed nevertheless.
     }
     return false;
 }
@@ -104,7 +104,8 @@ bool LgReader::eventsPending()
 bool LgReader::flushEarliest()
 {
     LgQueue* earliest = nullptr;
-    // A queue that is reaped may stand in the list once more: the walk begins again without it.
+    // A queue that was deleted may be in the list a second time, so the walk begins again without
+    // it.
     while (!findEarliest(earliest)) continue;
     if (!earliest) return false;
     flushQueue(earliest);
@@ -124,7 +125,8 @@ bool LgReader::findEarliest(LgQueue*& earliest)
         }
         else if (!earliest && !queue->isCreatorAlive() && queue->isEmpty())
         {
-            // Asked again: the last event may have come just before the thread's end.
+            // isEmpty() was checked again, since the last event may have come just before the
+            // thread ended.
             LgLog::getRegistry()->deregisterQueue(queue);
             delete queue;
             return false;

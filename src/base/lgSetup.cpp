@@ -14,7 +14,7 @@ struct LevelVariable
     LgTypes::Level _level;
 };
 
-// In the order in which they are read.
+// The variables, in the order in which they are read.
 constexpr LevelVariable LEVEL_VARIABLES[] = {
     {"ZU_LOG_INTERNAL_ERROR", LgTypes::InternalError},
     {"ZU_LOG_FATAL_ERROR", LgTypes::FatalError},
@@ -25,7 +25,7 @@ constexpr LevelVariable LEVEL_VARIABLES[] = {
     {"ZU_LOG_TRACING", LgTypes::Tracing},
 };
 
-// What a level without a variable gets.
+// The settings of a level without a variable.
 void setDefaults(LgLevelSetup& setup, LgTypes::Level level, const LgLogFiles& files)
 {
     if (level == LgTypes::Tracing)
@@ -57,7 +57,7 @@ LgLevelSetup LgSetup::parse(const char* value)
     const bool isMarked = setup._echo || text.starts_with('+');
     const bool hasTwoMarks = isMarked && text.substr(1).starts_with('+');
     setup._append = text.starts_with('+') || hasTwoMarks;
-    // A lone mark names no file; behind two marks an empty name is one.
+    // A single mark alone names no file; after two marks even an empty name counts.
     if (!isMarked || text.size() > 1) setup._file = text.substr(isMarked + hasTwoMarks);
     return setup;
 }

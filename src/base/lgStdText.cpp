@@ -59,12 +59,12 @@ struct Date
 };
 
 // From days since 1970, by Howard Hinnant, 2013, "chrono-Compatible Low-Level Date Algorithms".
-// Years begin in March here, so that the day that comes and goes is the last one.
+// Years begin in March here, so that the leap day is the last day of the year.
 Date dateOf(std::int64_t days)
 {
     constexpr std::int64_t DAYS_OF_ERA = 146097;
     constexpr std::int64_t DAYS_TO_1970 = 719468;
-    // The rest is never negative: the shift is several eras.
+    // The sum is never negative: the shift spans several eras.
     const std::int64_t shifted = days % DAYS_OF_ERA + DAYS_TO_1970;
     const std::int64_t era = days / DAYS_OF_ERA + shifted / DAYS_OF_ERA;
     const std::int64_t day = shifted % DAYS_OF_ERA;
@@ -81,7 +81,7 @@ LgNumber twoDigits(std::int64_t value)
     return lgWidth(value, 2, '0');
 }
 
-// What a thread's id is written into.
+// The buffer that a thread's id is written to.
 class IdBuffer : public std::streambuf
 {
 public:

@@ -59,7 +59,7 @@ LgStream::~LgStream() = default;
 LgStream& LgStream::operator<<(std::string_view text)
 {
     if (text.empty()) return insert("", 0);
-    // A NUL inside would end the string for the reader.
+    // An embedded NUL would end the string for the reader.
     return insert(text.data(), std::min(text.find('\0'), text.size()));
 }
 
@@ -85,7 +85,7 @@ LgStream& LgStream::operator<<(bool value)
 
 template <class Integer> LgStream& LgStream::insertInteger(Integer value)
 {
-    // The digits go straight into the ring where they are sure to fit.
+    // The digits go straight into the ring if they are sure to fit.
     constexpr std::uint32_t LENGTH = std::numeric_limits<Integer>::digits10 + 2;
     const std::uint32_t position = _writePos.own();
     if (position + LENGTH < _straightEnd)
@@ -156,12 +156,12 @@ LgStream& LgStream::operator<<(double value)
 LgStream& LgStream::operator<<(long double value)
 {
     if (std::isnan(value)) return *this << "nan";
-    // Sign, digits before the point, point of any locale, six digits, terminator.
+    // Sign, digits before the point, decimal point of any locale, six digits, terminator.
     char text[std::numeric_limits<long double>::max_exponent10 + 10 + MB_LEN_MAX];
     const int length = std::snprintf(text, sizeof text, "%Lf", value);
     const auto size = static_cast<std::size_t>(std::max(length, 0));
     if (std::isinf(value)) return insert(text, size);
-    // What stands between whole number and decimals is the locale's.
+    // The separator between the whole number and the decimals is the locale's.
     const std::size_t point = std::strspn(text, "-0123456789");
     std::memmove(text + point + 1, text + size - DECIMALS, DECIMALS);
     text[point] = '.';
@@ -191,7 +191,7 @@ LgStream& ends(LgStream& stream)
     return stream;
 }
 
-// What insert() leaves: a piece that wraps, that may find no room, or that is a single character.
+// Handles what insert() does not: a piece that wraps or may find no room.
 LgStream& LgStream::insertAtEdge(const char* text, std::size_t length)
 {
     if (!makeRoom()) return *this;
@@ -216,7 +216,7 @@ void LgStream::insertWrapping(const char* text, std::size_t length)
 
 void LgStream::lookForRoom()
 {
-    // Pairs with the release in take(): the reader has copied what stood before its place.
+    // Pairs with the release in take(): the reader has copied everything before its position.
     _readPosSeen = _readPos;
     findStraightEnd();
 }
@@ -232,14 +232,14 @@ void LgStream::findStraightEnd()
         _straightEnd = _readPosSeen == 0 ? size - 1 : size;
 }
 
-// Steps past a terminator on which the last string was left; false, and the string is closed where
-// it stands, if there is no room for a character.
+// Steps past a terminator on which the last string was left. If there is no room for a character,
+// it closes the string where it is and returns false.
 bool LgStream::makeRoom()
 {
     if (isFullAtEdge())
     {
         _overflowed.store(true, std::memory_order_relaxed);
-        // A pending terminator stands there already, where the reader may be looking.
+        // A pending terminator is already there, and the reader may be reading it.
         if (!_terminatorPending) _buffer[_writePos.own()] = '\0';
         _outputFlags |= STRING_CLOSED;
         return false;
@@ -258,15 +258,15 @@ bool LgStream::isFullAtEdge()
     return room(_readPosSeen) == 0;
 }
 
-// The characters that find room before a reader at this position; one place stays free, and one
-// more is taken by a terminator that was not stepped past.
+// How many characters there is room for before a reader at this position. One place stays free, and
+// a terminator that was not stepped past takes another.
 std::uint32_t LgStream::room(std::uint32_t readPos) const
 {
     const std::uint32_t ahead = _writePos.distanceTo(readPos - 1);
     return ahead == 0 ? 0 : ahead - (_terminatorPending ? 1 : 0);
 }
 
-// Puts the mark of lost text in its place.
+// Inserts the mark in place of the lost text.
 void LgStream::overflow()
 {
     _overflowed.store(true, std::memory_order_relaxed);
@@ -274,24 +274,24 @@ void LgStream::overflow()
     _buffer[_writePos.own()] = '\0';
 }
 
-// What completeString() leaves: the end of the ring, a ring that is nearly full, an empty string at
-// the very beginning.
+// Handles what completeString() does not: the end of the ring, a ring that is nearly full, an empty
+// string at the very beginning.
 void LgStream::completeAtEdge()
 {
     noteEnd();
-    // The position below is stepped past, which must never lead past the reader that was seen.
+    // The steps below must never pass the position at which the reader was last seen.
     _readPosSeen = _readPos;
     if (_terminatorPending)
     {
-        // Nothing was inserted since the last string was closed, on a terminator that stands yet:
-        // there is no other string.
+        // Nothing was inserted since the last string was closed on the pending terminator: there is
+        // no other string.
         if (_writePos.plus(1) == _readPosSeen) return;
         ++_writePos;
         _terminatorPending = false;
         findStraightEnd();
         return;
     }
-    // An empty string at the very beginning would leave no trace: it is put behind the first NUL,
+    // An empty string at the very beginning would leave no trace. It is put after the first NUL,
     // which then counts as read.
     if (_writePos.own() == _lastComplete.own()) ++_writePos;
     _buffer[_writePos.own()] = '\0';
@@ -309,19 +309,19 @@ void LgStream::resetTo(const Mark& mark)
     _writePos = mark._writePos;
     _lastComplete = mark._lastComplete;
     _terminatorPending = mark._terminatorPending;
-    // A text that began on the NUL of a fresh ring has overwritten it.
+    // Text that began on the NUL of a fresh ring has overwritten it.
     if (mark._writePos == mark._lastComplete && !mark._terminatorPending)
         _buffer[mark._writePos] = '\0';
     findStraightEnd();
 }
 
-// Somebody has ended the string and gone on. No reader has come to know what follows: it takes a
-// text for each entry, and this one's is not published.
+// The string was ended and then more was inserted. The reader has not seen what follows: it takes
+// one text per entry, and this entry is not published yet.
 void LgStream::keepFirst(const Mark& mark)
 {
     const std::uint32_t mask = _writePos.size() - 1;
     std::uint32_t end = mark._terminatorPending ? mark._writePos + 1 : mark._writePos;
-    // On the NUL of a fresh ring stands no text, but its end may be behind it.
+    // There is no text on the NUL of a fresh ring, but its end may follow.
     if (end == mark._lastComplete && _buffer[end & mask] == '\0') ++end;
     while (_buffer[end & mask] != '\0') ++end;
     _lastComplete = end & mask;
@@ -359,7 +359,7 @@ bool LgStream::findNext(Next& next) const
     const std::uint32_t complete = _lastComplete;
     const std::uint32_t position = _readPos.own();
     if (complete == position) return false;
-    // The reader rests on the terminator of the string before, but at the very beginning.
+    // The reader is on the terminator of the previous string, except at the very beginning.
     const std::uint32_t size = _readPos.size();
     next._begin = _buffer[position] == '\0' ? (position + 1) & (size - 1) : position;
     const char* const begin = _buffer.get() + next._begin;

@@ -14,7 +14,7 @@ namespace Zu
 namespace
 {
 
-// In one piece, so that lines of several threads do not mix.
+// Writes in one piece, so that lines of several threads do not mix.
 void printDirectly(const char* mess)
 {
     const std::string line = std::string(mess) + '\n';
@@ -50,7 +50,8 @@ void LgTrace::print(const char* mess)
         return;
     }
     LgQueue& q = LgLog::getQueue();
-    // From inside another event's insertion there is nothing to wait for: the line is refused.
+    // From inside another event's insertion there is nothing to wait for, since the line is
+    // refused.
     if (LgLog::getBlockingTrace() && !q.isInserting())
     {
         const std::size_t len = std::strlen(mess) + 1;

@@ -13,13 +13,13 @@ namespace Zu
 namespace
 {
 
-// The whole map; what could be read of it.
+// The whole map, or as much as could be read.
 std::string readMap()
 {
     std::string map;
     const OsDescriptor file(open("/proc/self/maps", O_RDONLY | O_CLOEXEC));
     if (file.get() < 0) return map;
-    // The system gives whole lines, as many as fit.
+    // Each read returns as many whole lines as fit.
     char buffer[65536];
     for (;;)
     {

@@ -11,7 +11,7 @@ namespace Zu
 namespace
 {
 
-// Longer names are cut to one less.
+// Longer names are truncated to one character less.
 constexpr DWORD NAME_SIZE = 150;
 
 LPVOID pointerTo(LmRegion::Address address)
@@ -42,7 +42,7 @@ bool nameOf(LmRegion::Address address, std::string& name)
     char text[NAME_SIZE];
     if (GetModuleFileNameA(static_cast<HMODULE>(pointerTo(address)), text, NAME_SIZE) == 0)
         return false;
-    // Not every version of the system ends a name that it has cut.
+    // Not every version of the system terminates a truncated name.
     text[NAME_SIZE - 1] = '\0';
     name = text;
     return true;

@@ -12,7 +12,7 @@ namespace Zu::LmRegion
 namespace
 {
 
-// The guard, no cache and write combine bits.
+// The guard, no-cache and write-combine bits.
 constexpr std::uint32_t MODIFIERS = 0x700;
 
 constexpr std::uint32_t COMMITTED = 0x1000;
@@ -24,7 +24,7 @@ void* pointerTo(Address address)
     return reinterpret_cast<void*>(static_cast<std::uintptr_t>(address));
 }
 
-// A region with the size of the allocation that it begins, and how many regions that has.
+// A region, with the size and the number of regions of the allocation that contains it.
 struct Allocation
 {
     Region _first;
@@ -72,7 +72,7 @@ void appendBlocks(const Questions& questions, const Allocation& allocation, LmLi
     }
 }
 
-// Takes a number off the front of the text, and the character behind it.
+// Takes a number and the character after it off the front of the text.
 bool takeNumber(std::string_view& text, char end, Address& number)
 {
     const char* const last = text.data() + text.size();
@@ -82,7 +82,7 @@ bool takeNumber(std::string_view& text, char end, Address& number)
     return true;
 }
 
-// Takes a word off the front of the text, and the blanks behind it.
+// Takes a word and the blanks after it off the front of the text.
 std::string_view takeWord(std::string_view& text)
 {
     const std::string_view word = text.substr(0, text.find(' '));
@@ -91,7 +91,7 @@ std::string_view takeWord(std::string_view& text)
     return word;
 }
 
-// The bits for "r-xp" and its like.
+// Parses permissions such as "r-xp".
 bool parseFlags(std::string_view text, std::uint32_t& flags)
 {
     if (text.size() != 4) return false;
@@ -101,7 +101,7 @@ bool parseFlags(std::string_view text, std::uint32_t& flags)
     return true;
 }
 
-// The mappings of one file, as far as they follow each other.
+// A run of consecutive mappings of one file.
 struct Mappings
 {
     std::string_view _file;
@@ -182,10 +182,10 @@ void walk(const Questions& questions, std::vector<LmLibrary>& libraries)
             appendBlocks(questions, allocation, library);
             libraries.push_back(std::move(library));
         }
-        // An allocation may end while it is looked at; then the region that was seen is behind us.
+        // An allocation may disappear while it is examined; then skip the region that was seen.
         Address next = base + allocation._size;
         if (next <= address) next = allocation._first._base + allocation._first._size;
-        // The highest address is the end.
+        // The walk ends at the highest address.
         if (next <= address) return;
         address = next;
     }
@@ -219,7 +219,7 @@ void librariesOfMap(std::string_view map, std::vector<LmLibrary>& libraries)
         MapLine line;
         if (!parseMapLine(text, line) || line._begin < end) continue;
         end = line._end;
-        // Memory without a file belongs to nobody; a library's own may lie among its mappings.
+        // Memory without a file is skipped; a library may have some between its mappings.
         if (!isOfFile(line)) continue;
         if (line._file != mappings._file) finish(mappings, libraries);
         add(line, mappings);
