@@ -38,7 +38,7 @@ bool isDate(const Fields& fields)
            isBetween(fields._second, 0, 59) && isBetween(fields._millisecond, 0, 999);
 }
 
-// Days since the beginning of 1601. Years begin in March here, so that the leap day is the last.
+// Days since the beginning of 1601. Years begin in March here, so that the leap day comes last.
 int daysTo(int year, int month, int day)
 {
     if (month <= 2) --year;
@@ -98,8 +98,7 @@ int dayOfWeekOf(std::uint64_t count)
 
 std::int64_t universalOf(std::int64_t local, const OffsetAt& offsetAt)
 {
-    // A day before and a day behind, what the clocks show is ahead by what holds before and behind
-    // any change that is near.
+    // The offsets a day earlier and a day later are those before and after any change nearby.
     const std::int64_t before = offsetAt(local - SECONDS_PER_DAY);
     const std::int64_t behind = offsetAt(local + SECONDS_PER_DAY);
     if (offsetAt(local - before) == before) return local - before;

@@ -14,7 +14,7 @@ namespace Zu
 namespace
 {
 
-// What the clock states of itself: it counts nanoseconds.
+// The clock's stated unit: it counts nanoseconds.
 constexpr std::uint64_t TICKS_PER_SECOND = 1'000'000'000;
 
 } // namespace

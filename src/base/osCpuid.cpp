@@ -17,9 +17,9 @@ constexpr unsigned int ARCHITECTURE_AMD64 = 9;
 constexpr unsigned int SEE_DETERMINISTIC_LEAF = 0xFF;
 constexpr std::uint32_t DETERMINISTIC_LEAF = 4;
 constexpr std::uint32_t HIGHEST_EXTENDED_LEAF = 0x80000000;
-// Answers as the deterministic-cache leaf does.
+// Has the form of the deterministic-cache leaf.
 constexpr std::uint32_t EXTENDED_DETERMINISTIC_LEAF = 0x8000001D;
-// No processor has nearly as many caches; one that never says "no more" must not hang us.
+// No processor has nearly as many caches; one that never reports "no more" must not hang us.
 constexpr std::uint32_t MAX_CACHES = 64;
 
 enum class CacheTarget
@@ -53,8 +53,8 @@ void appendBytes(std::vector<unsigned int>& bytes, std::uint32_t word, int first
     for (int i = firstByte; i < 4; ++i) bytes.push_back(word >> (8 * i) & 0xFF);
 }
 
-// The descriptor bytes of all rounds, in the order in which they are decoded. After the first
-// round `edx` is deliberately not read, and `ecx` twice.
+// The descriptor bytes of all rounds, in the order in which they are decoded. After the first round
+// `edx` is deliberately not read, and `ecx` is read twice.
 std::vector<unsigned int> cacheDescriptors(const OsCpuid& cpuid)
 {
     std::vector<unsigned int> bytes;

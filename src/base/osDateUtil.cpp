@@ -30,7 +30,7 @@ int cut(int field)
     return static_cast<std::uint16_t>(field);
 }
 
-// A number of ticks that went through a double, as the count it stands for.
+// Converts a number of ticks that went through a double to the count it represents.
 OsDateTypes::DateRep dateOfTicks(double ticks)
 {
     return dateOf(static_cast<std::uint64_t>(truncateTo<std::int64_t>(ticks)));
@@ -52,7 +52,7 @@ bool OsDateUtil::makeTime(int year, int month, int day, int hour, int minute, do
                                     cut(minute), whole,      milliseconds};
     std::optional<std::uint64_t> count = OsCalendar::countOf(fields);
     if (count && mode == OsDateTypes::TimeLocal) count = OsDatePlatform::universalOf(*count);
-    // Local time may lead before the first date, and wrap.
+    // Local time may go back before the first date, and wrap.
     if (!count || *count >> 63 != 0) return false;
     date = dateOf(*count);
     return true;

@@ -22,13 +22,13 @@ std::int64_t offsetAt(std::int64_t universal)
     return localtime_r(&time, &fields) ? fields.tm_gmtoff : 0;
 }
 
-// The count moved by so many seconds; what leads before 1601 wraps, and is no date.
+// The count moved by so many seconds. One that falls before 1601 wraps, and is not a date.
 std::uint64_t moved(std::uint64_t count, std::int64_t seconds)
 {
     return count + static_cast<std::uint64_t>(seconds * TICKS_PER_SECOND);
 }
 
-// What of a count is whole seconds, since 1970.
+// The whole seconds of a count, since 1970.
 std::int64_t secondsOf(std::uint64_t count)
 {
     return static_cast<std::int64_t>(count / TICKS_PER_SECOND) - SECONDS_TO_1970;

@@ -25,8 +25,8 @@ using OsFilePlatform::Scan;
     throw OsFileEx::ExInvalidPath(__FILE__, __LINE__, path.getChars());
 }
 
-// What stands before the last element, by the text alone: what a step up from a link leads to, only
-// the system can say.
+// What precedes the last element, by the text alone. Only the system can tell where a step up from
+// a link leads.
 std::string parentOf(const std::string& path)
 {
     static const std::string separators = std::string(OsFilePath::getSeparator()) + "/";
@@ -35,12 +35,12 @@ std::string parentOf(const std::string& path)
     const std::size_t end = path.find_last_of(separators, last);
     if (end == std::string::npos) return "";
     const std::size_t before = path.find_last_not_of(separators, end);
-    // A root keeps its separator: without it, a drive stands for its current directory.
+    // A root keeps its separator: without it, a drive means its current directory.
     if (before == std::string::npos || path[before] == ':') return path.substr(0, end + 1);
     return path.substr(0, before + 1);
 }
 
-// Where on the way to a path the existing part ends.
+// The deepest part of a path that exists, resolved.
 std::string nearestExisting(const OsFilePath& path)
 {
     std::string place = path.getChars();
@@ -48,7 +48,7 @@ std::string nearestExisting(const OsFilePath& path)
     return OsFilePlatform::resolved(place.empty() ? "." : place.c_str());
 }
 
-// Whether a path that may be still to be made is the directory, or lies in it.
+// Whether a path, which may not exist yet, is the directory or is inside it.
 bool isWithin(const OsFilePath& path, const OsFilePath& directory)
 {
     for (std::string place = nearestExisting(path); !place.empty(); place = parentOf(place))
@@ -56,8 +56,8 @@ bool isWithin(const OsFilePath& path, const OsFilePath& directory)
     return false;
 }
 
-// Walks through a directory, along links as the copy will, and refuses what would never end: a
-// directory that lies in itself, or one that the copy would be made in, and what is no file.
+// Walks through a directory, following links as the copy will. Refuses what would never end (a
+// directory inside itself, or one in which the copy would be made), and what is not a file.
 class HierarchyCheck
 {
 public:
@@ -90,7 +90,7 @@ private:
     int _links = 0;
 };
 
-// What is at the target already may be a link into the source, whose root is known.
+// What exists at the target may be a link into the source, whose root is given.
 void walk(const OsFilePath& source, const OsFilePath& target, const OsFilePath& root,
           OsTreeCopier& copier)
 {
@@ -107,7 +107,7 @@ void walk(const OsFilePath& source, const OsFilePath& target, const OsFilePath& 
     copier.leaveDirectory(target);
 }
 
-// Copies content alone.
+// Copies only the content.
 class PlainCopier final : public OsTreeCopier
 {
 public:
@@ -142,7 +142,7 @@ void OsDirectory::remove()
     if (!OsFilePlatform::removeDirectory(getPath().getChars())) ZU_RAISE_LAST_ERROR();
 }
 
-// Hands each child's name that the filter accepts on, until one is refused.
+// Passes on the name of each child that the filter accepts, until `accept` refuses one.
 template <class Accept>
 void OsDirectory::scan(const OsFileFilter& filter, const Accept& accept) const
 {
@@ -171,7 +171,7 @@ ObjPtrRet<Vector<OsFilePath>> OsDirectory::getChildrenPath(OsFileTypes::PathType
 ObjPtrRet<Vector<OsFile*>> OsDirectory::getChildren(const OsFileFilter& filter) const
 {
     const ObjPtr<Vector<OsFilePath>> paths = getChildrenPath(OsFileTypes::PathFull, filter);
-    // Until all are made, they are owned here.
+    // They are owned here until all are made.
     std::vector<std::unique_ptr<OsFile>> made;
     ObjPtr<Vector<OsFile*>> children(new Vector<OsFile*>);
     children->reserve(paths->size());

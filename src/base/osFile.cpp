@@ -22,7 +22,7 @@ using OsFileHandle::checkNotEmpty;
 using OsFilePlatform::Closed;
 using OsFilePlatform::Moment;
 
-// makeTime() looks at so many bits of a year.
+// makeTime() uses only so many bits of a year.
 constexpr int END_OF_YEARS = 1 << 16;
 
 ObjPtrRet<OsDateTypes::DateRep> dateOf(const Moment& moment)

@@ -16,10 +16,10 @@ namespace Zu::OsFileHandle
 namespace
 {
 
-// More than one call writes is cut, so that its count fits.
+// Larger writes are split, so that the count of each call fits.
 constexpr std::size_t LARGEST_PIECE = std::size_t{1} << 30;
 
-// A file that is there and may not be replaced; a directory is copied into.
+// Whether an existing file may not be replaced; a directory is copied into instead.
 bool isBarred(const char* target)
 {
     return OsFsUtils::fileExists(target) &&
@@ -67,7 +67,8 @@ std::uint32_t read(std::int64_t handle, void* buffer, std::uint32_t size)
         const bool isRead = OsFilePlatform::read(handle, bytes + total, size - total, count);
         if (!isRead && total == 0) ZU_RAISE_LAST_ERROR();
         total += count;
-        // No call gives more than 2 GiB, and of what is no file another one might wait for ever.
+        // No call reads more than 2 GiB, and on something other than a file another call might
+        // block forever.
         if (count == 0 || total == size || !OsFilePlatform::isPlain(handle)) return total;
     }
 }

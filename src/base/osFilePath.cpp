@@ -118,7 +118,7 @@ OsFilePath OsFilePath::operator+(const char* element) const
 
 int OsFilePath::compare(const char* a, const char* b)
 {
-    // strcmp() compares bytes as unsigned ones, but may answer with any number of the right sign.
+    // strcmp() compares bytes as unsigned ones, but may return any number of the right sign.
     const int order = std::strcmp(a, b);
     return (order > 0) - (order < 0);
 }

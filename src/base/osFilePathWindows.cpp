@@ -14,7 +14,7 @@ namespace Zu
 namespace
 {
 
-// A length beyond the buffer means that the buffer holds no path; the call sets no error then.
+// A length beyond the buffer means that the buffer contains no path; the call sets no error then.
 void checkLength(DWORD length, std::size_t size)
 {
     if (length > 0 && length < size) return;
@@ -34,7 +34,7 @@ bool OsPlatformPath::isAbsolute(const char* path)
     return osIsAbsoluteWithDrive(path);
 }
 
-// No resolved path has its only separator in front.
+// In no resolved path is the first character the only separator.
 const char* OsPlatformPath::rootName()
 {
     return "";
@@ -60,7 +60,7 @@ char* OsFilePath::getTempDir(char* buffer)
 const char* OsFilePath::performGetFullPath(const char* path, char* buffer)
 {
     char* lastElement = nullptr;
-    // Of an empty path the call says only that it failed.
+    // For an empty path the call reports only that it failed.
     SetLastError(ERROR_INVALID_NAME);
     checkLength(GetFullPathNameA(path, BUFFER_SIZE, buffer, &lastElement), BUFFER_SIZE);
     return lastElement;

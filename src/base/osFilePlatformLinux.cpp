@@ -32,7 +32,7 @@ int descriptorOf(Handle handle)
     return static_cast<int>(handle);
 }
 
-// What a call answers that a signal did not interrupt.
+// Repeats a call as long as a signal interrupts it.
 template <class Call> auto resumed(const Call& call)
 {
     auto result = call();
@@ -67,7 +67,7 @@ bool canOpen(const char* path, int flags)
 
 bool momentOf(const timespec& time, Moment& moment)
 {
-    // Local time would not tell apart the two hours at the end of daylight saving.
+    // Local time would not distinguish the two hours at the end of daylight saving.
     tm fields;
     if (!gmtime_r(&time.tv_sec, &fields)) return false;
     if (fields.tm_year > std::numeric_limits<int>::max() - 1900)
@@ -103,7 +103,7 @@ Handle openNew(const char* path, const OsFileTypes::Permissions& permissions, bo
                     static_cast<mode_t>(osFsMode(permissions)));
 }
 
-// The descriptor is released whatever close() reports, unless it was none.
+// The descriptor is released whatever close() reports, unless it was not open.
 Closed close(Handle handle)
 {
     if (::close(descriptorOf(handle)) == 0 || errno == EINTR) return Closed::Done;
@@ -168,8 +168,8 @@ bool sizeOf(const char* path, std::uint64_t& size)
     return true;
 }
 
-// Opening what is no file may have effects of its own, so of that the modes are asked. A directory
-// can't be opened like a file, as on the other platform.
+// Opening something other than a file may have side effects, so its modes are examined instead. A
+// directory can't be opened like a file, as on the other platform.
 int accessTo(const char* path, int mask)
 {
     struct stat status;
@@ -209,7 +209,7 @@ bool ownerOf(const char* path, std::string& owner)
     while ((code = getpwuid_r(status.st_uid, &entry, buffer.data(), buffer.size(), &found)) ==
            ERANGE)
         buffer.resize(buffer.size() * 2);
-    // A user without a name is told by number.
+    // A user without a name is reported by number.
     owner = code == 0 && found ? entry.pw_name : std::to_string(status.st_uid);
     return true;
 }
@@ -271,7 +271,7 @@ bool rename(const char* path, const char* target)
     if (syscall(SYS_renameat2, AT_FDCWD, path, AT_FDCWD, target, RENAME_NOREPLACE) == 0)
         return true;
     if (errno != EINVAL && errno != ENOSYS) return false;
-    // The file system can't, so there is a moment between look and step.
+    // The file system can't do it in one step, so there is a gap between check and rename.
     struct stat status;
     if (lstat(target, &status) == 0)
     {
@@ -293,7 +293,7 @@ void keepOwnerAndModes(const char* from, Handle to)
     const int file = descriptorOf(to);
     const bool isGroupKept = fchown(file, static_cast<uid_t>(-1), status.st_gid) == 0;
     const bool isOwnerKept = fchown(file, status.st_uid, static_cast<gid_t>(-1)) == 0;
-    // A change of the owner takes bits away, so the modes come behind it.
+    // A change of the owner clears bits, so the modes are set after it.
     fchmod(file, osFsKeptMode(status.st_mode & 07777, isOwnerKept, isGroupKept));
 }
 
@@ -315,7 +315,7 @@ bool setAttributes(Handle handle, const Attributes& attributes)
            futimens(descriptorOf(handle), times) == 0;
 }
 
-// Who may open it may set them, if it is his.
+// An owner who may open it may also set its attributes.
 Handle openDirectory(const char* path, int)
 {
     return openFile(path, O_RDONLY | O_DIRECTORY);

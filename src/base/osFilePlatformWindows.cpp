@@ -38,7 +38,7 @@ HANDLE openFile(const char* path, DWORD rights, DWORD sharing, DWORD flags = FIL
     return CreateFileA(path, rights, sharing, nullptr, OPEN_EXISTING, flags, nullptr);
 }
 
-// Closing must not hide why something else failed.
+// Closing must not hide why another call failed.
 void closeQuietly(HANDLE file)
 {
     const DWORD error = GetLastError();
@@ -64,7 +64,7 @@ bool momentOf(const char* path, bool isAccess, Moment& moment)
     return true;
 }
 
-// Of a file or directory whatever it is open for elsewhere.
+// Opens a file or directory for queries, however it is open elsewhere.
 HANDLE openToAsk(const char* path)
 {
     return openFile(path, 0, SHARED | FILE_SHARE_DELETE, FILE_FLAG_BACKUP_SEMANTICS);
@@ -160,7 +160,7 @@ bool sizeOf(const char* path, std::uint64_t& size)
     return isTold;
 }
 
-// The trial shares with nobody, so what is open elsewhere gives no access.
+// The trial does not share, so a file that is open elsewhere gives no access.
 int accessTo(const char* path, int mask)
 {
     int access = 0;
@@ -186,7 +186,7 @@ bool typeOf(const char* path, OsFileTypes::ElementType& type)
     return true;
 }
 
-// Owners are not told here.
+// Owners are not exposed here.
 bool ownerOf(const char*, std::string& owner)
 {
     owner.clear();
@@ -228,7 +228,7 @@ bool isLink(const char* path)
     return attributes != INVALID_FILE_ATTRIBUTES && attributes & FILE_ATTRIBUTE_REPARSE_POINT;
 }
 
-// Of a link to a directory, the directory's own call removes the link.
+// A link to a directory is removed by the call for directories.
 bool removeLink(const char* path)
 {
     const DWORD attributes = GetFileAttributesA(path);
@@ -236,13 +236,13 @@ bool removeLink(const char* path)
     return attributes & FILE_ATTRIBUTE_DIRECTORY ? RemoveDirectoryA(path) : DeleteFileA(path);
 }
 
-// Links are replaced themselves.
+// Links are themselves replaced.
 bool linkTarget(const char*, std::string&)
 {
     return false;
 }
 
-// The name of a device is no name in a directory here.
+// On this platform, the name of a device is not a name in a directory.
 bool isSpecial(const char*)
 {
     return false;
@@ -258,7 +258,7 @@ bool replace(const char* path, const char* target)
     return MoveFileExA(path, target, MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH);
 }
 
-// Owners are not told here, and there are no modes.
+// Owners are not exposed here, and there are no modes.
 void keepOwnerAndModes(const char*, Handle) {}
 
 bool attributesOf(Handle handle, Attributes& attributes)
@@ -314,7 +314,7 @@ std::string resolved(const char* path)
         GetFinalPathNameByHandleA(file, text, sizeof text, FILE_NAME_NORMALIZED | VOLUME_NAME_DOS);
     closeQuietly(file);
     if (length == 0 || length >= sizeof text) return "";
-    // It is told in the form that other calls take for a name without steps.
+    // It is reported in the form that other calls accept for a name without steps.
     const std::string full = text;
     if (full.rfind("\\\\?\\UNC\\", 0) == 0) return "\\" + full.substr(7);
     return full.rfind("\\\\?\\", 0) == 0 ? full.substr(4) : full;

@@ -21,7 +21,7 @@ namespace
 {
 
 constexpr std::uint32_t CHUNK = 65536;
-// As many as the system follows.
+// The number of links that the system follows.
 constexpr int MOST_LINKS = 40;
 
 OsFileTypes::Permissions ownerAlone()
@@ -29,14 +29,14 @@ OsFileTypes::Permissions ownerAlone()
     return {OsFileTypes::AccessRead | OsFileTypes::AccessWrite, 0, 0};
 }
 
-// What of a path is left without its last element, with the separator.
+// The path without its last element, including the separator.
 std::string directoryOf(const OsFilePath& path)
 {
     const std::string text = path.getChars();
     return text.substr(0, text.find_last_of(std::string(OsFilePath::getSeparator()) + "/") + 1);
 }
 
-// A new file beside another one, which is gone at the end unless it has taken that one's name.
+// A new file beside another one. It is removed at the end unless it has taken the other's name.
 class FileBeside
 {
 public:
@@ -51,7 +51,7 @@ public:
     ~FileBeside()
     {
         if (_isTaken) return;
-        // It must not stay open: not every system removes what is.
+        // It must not stay open: not every system removes open files.
         try
         {
             _writer.close();
@@ -67,12 +67,12 @@ public:
     bool _isTaken = false;
 
 private:
-    // Short, as the name of the file may be the longest that there is.
+    // Short, as the name of the file may already have the maximum length.
     static std::string nameBeside(const OsFilePath& target)
     {
         static std::atomic<unsigned int> number{0};
         const std::string directory = directoryOf(target);
-        // What a process of the same number has left behind keeps its name.
+        // A file left behind by a process of the same number keeps its name.
         for (;;)
         {
             const std::string name = directory + "." + std::to_string(OsUtils::getPid()) + "-" +
@@ -82,7 +82,7 @@ private:
     }
 };
 
-// As many bytes as fit, unless the file ends before.
+// As many bytes as fit, unless the file ends first.
 std::uint32_t readChunk(OsFileReader& reader, char* buffer)
 {
     std::uint32_t size = 0;
@@ -95,7 +95,7 @@ std::uint32_t readChunk(OsFileReader& reader, char* buffer)
     return size;
 }
 
-// The file that a link leads to, be it still to be made.
+// The file that a link leads to, even if it is still to be made.
 OsFilePath behindLinks(const OsFilePath& path)
 {
     OsFilePath place = path;
@@ -110,7 +110,7 @@ OsFilePath behindLinks(const OsFilePath& path)
     return place;
 }
 
-// With a separator behind it, a link would be taken for what it leads to.
+// A link with a separator after it would be resolved to its target.
 OsFilePath withoutSeparatorsAtEnd(const OsFilePath& path)
 {
     const std::string text = path.getChars();
@@ -187,7 +187,7 @@ void OsFileTools::replaceAll(const OsFilePath& path, std::string_view content,
     if (OsFilePlatform::isSpecial(path.getChars()))
         throw OsFileEx::ExInvalidPath(__FILE__, __LINE__, path.getChars());
     const OsFilePath target = behindLinks(path);
-    // What replaces a file may be private until it has that one's modes.
+    // A replacement can be private until it gets the modes of the existing file.
     const bool isThere = OsFsUtils::fileExists(target.getChars());
     FileBeside beside(target, isThere ? ownerAlone() : permissions);
     std::uint64_t written = 0;
@@ -200,7 +200,7 @@ void OsFileTools::replaceAll(const OsFilePath& path, std::string_view content,
     OsFilePlatform::flushDirectoryOf(target.getChars());
 }
 
-// Copies with permission bits and times. Directories get theirs when all is in them.
+// Copies with permission bits and times. Directories get theirs once their contents are copied.
 class OsFileTools::KeepingCopier final : public OsTreeCopier
 {
 public:
@@ -210,7 +210,7 @@ public:
         if (OsFilePlatform::isSpecial(source.getChars()))
             throw OsFileEx::ExInvalidPath(__FILE__, __LINE__, source.getChars());
         OsFileReader reader(source);
-        // Before reading, which is an access, too.
+        // Taken before reading, which is also an access.
         const Attributes attributes = attributesOf(reader._handle);
         OsFileWriter writer(destination, ownerAlone(), false);
         OsFileHandle::copyAll(reader._handle, writer._handle);
@@ -268,7 +268,7 @@ private:
         if (!OsFilePlatform::setAttributes(handle, attributes)) ZU_RAISE_LAST_ERROR();
     }
 
-    // Of the directories that were entered.
+    // The attributes of the directories that were entered.
     std::vector<Attributes> _attributes;
 };
 
@@ -298,7 +298,7 @@ void OsFileTools::removeWithAllContents(const OsFilePath& path)
     OsFileHandle::checkNotEmpty(path);
     if (!OsFsUtils::fileExists(path.getChars()) && !OsFilePlatform::isLink(path.getChars()))
         throw OsFileEx::ExInvalidPath(__FILE__, __LINE__, path.getChars());
-    // All that is in it would be gone when the system refuses it.
+    // Otherwise its contents would be gone by the time the system refuses it.
     if (!osEndsInName(path.getChars(), *OsFilePath::getSeparator()))
         throw OsFileEx::ExInvalidPath(__FILE__, __LINE__, path.getChars());
     removeTree(withoutSeparatorsAtEnd(path));

@@ -11,7 +11,7 @@ namespace Zu
 namespace
 {
 
-// The three bits of one class of users, which POSIX orders the other way round.
+// The three bits of one class of users, which POSIX has in the opposite order.
 unsigned int modeBits(int access)
 {
     unsigned int bits = 0;
@@ -21,7 +21,7 @@ unsigned int modeBits(int access)
     return bits;
 }
 
-// A null name is taken as the empty one, which no platform knows.
+// A null name is treated as the empty one, which no platform accepts.
 const char* nameOf(const char* path)
 {
     return path ? path : "";
@@ -81,7 +81,7 @@ void OsFsUtils::deleteFile(const char* path)
 {
     const OsFsResult result = osFsDeleteFile(nameOf(path));
     if (result == OsFsResult::Done || result == OsFsResult::NoError) return;
-    // What has no name is not a file that is missing.
+    // An empty name does not count as a missing file.
     if (result == OsFsResult::Missing && *nameOf(path) != '\0') return;
     ZU_RAISE_LAST_ERROR();
 }

@@ -23,7 +23,7 @@ OsFsResult resultOf(BOOL succeeded)
     }
 }
 
-// The code for something that is there already differs from call to call.
+// The code for something that exists already differs from call to call.
 OsFsResult resultOf(BOOL succeeded, DWORD existsCode)
 {
     if (!succeeded && GetLastError() == existsCode) return OsFsResult::Exists;

@@ -21,15 +21,15 @@ OsOwnership ownershipOf(const struct stat& status)
     return {status.st_uid, status.st_mode & 07777u, status.st_nlink};
 }
 
-// The directory of a name, held so that nobody can exchange it. A link of another user leads where
-// he likes.
+// Opens the directory of a name, so that nobody can exchange it. A link of another user may lead
+// anywhere.
 int openDirectory(std::string_view name)
 {
     const auto slash = name.rfind('/');
     std::string directory = ".";
     if (slash != std::string_view::npos)
     {
-        // With a slash at its end a link would be followed.
+        // A link with a slash after it would be followed.
         const auto last = name.find_last_not_of('/', slash);
         directory = last == std::string_view::npos ? "/" : name.substr(0, last + 1);
     }
@@ -46,8 +46,7 @@ bool isOwn(const struct stat& status)
     return osIsOwnOutput(ownershipOf(status), geteuid());
 }
 
-// Opens what stands in a shared place. Nothing is emptied, or waited for, before it is known whose
-// it is.
+// Opens a file in a shared place. It is neither emptied nor waited for until its owner is known.
 int openChecked(int place, const char* name, bool appends)
 {
     const int flags = O_WRONLY | O_CREAT | O_CLOEXEC | (appends ? O_APPEND : 0);
@@ -60,7 +59,7 @@ int openChecked(int place, const char* name, bool appends)
         if (!appends && S_ISREG(status.st_mode) && ftruncate(file.get(), 0) != 0) return -1;
         return file.release();
     }
-    // A link, or a pipe that nobody reads yet.
+    // A link, or a pipe that has no reader yet.
     if (errno != ELOOP && errno != ENXIO) return -1;
     if (fstatat(place, name, &status, AT_SYMLINK_NOFOLLOW) != 0 || !isOwn(status)) return -1;
     return openat(place, name, flags | (appends ? 0 : O_TRUNC), 0600);

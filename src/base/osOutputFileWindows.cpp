@@ -13,9 +13,9 @@ namespace
 
 constexpr int LAST_STANDARD = 2;
 
-// A descriptor for a handle, which it closes; negative, and the handle is closed, if there is none.
-// It is none of the standard streams', which a process may have closed: what it then wrote to its
-// standard output would land in the file.
+// Makes a descriptor that owns the handle. Returns a negative number, with the handle closed, if
+// there is none. It is none of the standard streams', which a process may have closed: what it then
+// wrote to its standard output would land in the file.
 int descriptorOf(HANDLE handle)
 {
     const int descriptor = _open_osfhandle(reinterpret_cast<std::intptr_t>(handle), 0);
@@ -25,7 +25,7 @@ int descriptorOf(HANDLE handle)
     const HANDLE process = GetCurrentProcess();
     const bool isMade =
         DuplicateHandle(process, handle, process, &twin, 0, FALSE, DUPLICATE_SAME_ACCESS);
-    // The number stays taken until the next one is found.
+    // The number stays in use until the next one is found.
     const int above = isMade ? descriptorOf(twin) : -1;
     _close(descriptor);
     return above;
@@ -34,7 +34,7 @@ int descriptorOf(HANDLE handle)
 // Negative if there is none.
 int openFile(const char* name, bool appends)
 {
-    // Others may open it, too, and whoever appends does so behind what they have written meanwhile.
+    // Others may open it, too; appending goes after whatever they have written in the meantime.
     const HANDLE handle = CreateFileA(
         name, appends ? FILE_APPEND_DATA : GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE,
         nullptr, appends ? OPEN_ALWAYS : CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr);

@@ -9,7 +9,7 @@ namespace Zu
 namespace
 {
 
-// Applies the elements of a path to those that stand already.
+// Applies the elements of a path to those collected so far.
 void applyElements(std::vector<std::string_view>& elements, std::string_view path)
 {
     while (!path.empty())

@@ -17,12 +17,12 @@ namespace Zu
 namespace
 {
 
-// Children that were let go of before their end. The system keeps the record of an ended child
-// until its parent asks for it, so they are asked after whenever one is started or let go of.
+// Children that were detached before they ended. The system keeps the record of an ended child
+// until its parent reaps it, so this is attempted whenever a child is started or detached.
 class DroppedChildren
 {
 public:
-    // Reaps those that have ended, and makes sure that one more can be added.
+    // Reaps those that have ended, and ensures that one more can be added.
     void prepare()
     {
         const std::lock_guard<std::mutex> guard(_lock);
@@ -31,7 +31,8 @@ public:
         ++_running;
     }
 
-    // Of a child that was prepared for: it is let go of, or it has ended or was never started.
+    // For a child after prepare(): add() if it is detached, forget() if it has ended or was never
+    // started.
     void add(pid_t child) noexcept
     {
         const std::lock_guard<std::mutex> guard(_lock);
@@ -59,14 +60,15 @@ private:
     std::size_t _running = 0;
 };
 
-// Never destroyed: static objects of clients may let go of children at the very end.
+// Never destroyed: static objects of clients may detach children at the very end.
 DroppedChildren& droppedChildren()
 {
     static DroppedChildren* const children = new DroppedChildren;
     return *children;
 }
 
-// The files that a child does not inherit: all but the standard ones. Raises the error of a call.
+// The files that a child does not inherit: all but the standard ones. Raises the error of a failed
+// call.
 class FileActions
 {
 public:
@@ -134,13 +136,13 @@ public:
 
 private:
     pid_t _child = 0;
-    // From the start to the end that was waited for.
+    // True from the start until the end has been waited for.
     bool _runs = false;
 };
 
 ObjPtrRet<OsProcessImp> OsProcess::performStart(const char* const* argv)
 {
-    // Made before the child, so that no child runs of which there is no record.
+    // Made before the child, so that no child runs without a record.
     ObjPtr<OsProcessLinux> child(new OsProcessLinux);
     child->start(argv);
     return ObjPtrRet<OsProcessImp>(child.release());

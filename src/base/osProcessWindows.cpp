@@ -28,9 +28,9 @@ public:
 
 ObjPtrRet<OsProcessImp> OsProcess::performStart(const char* const* argv)
 {
-    // Made before the child, so that no child runs of which there is no record.
+    // Made before the child, so that no child runs without a record.
     ObjPtr<OsProcessWindows> child(new OsProcessWindows);
-    // The call may write into the line.
+    // The call may modify the line.
     std::string line = osCommandLine(argv);
     STARTUPINFOA startup{};
     startup.cb = sizeof startup;

@@ -20,7 +20,7 @@ static_assert(sizeof(OsElfSymbol) == sizeof(ElfW(Sym)));
 OsSymbolTable symbolsOf(const link_map& library)
 {
     OsSymbolTable table;
-    // Most loaders turn the places in a library into addresses.
+    // Most loaders turn the offsets in a library into addresses.
     const auto at = [&library](ElfW(Addr) place) {
         return reinterpret_cast<const void*>(place < library.l_addr ? library.l_addr + place
                                                                     : place);
@@ -58,8 +58,9 @@ public:
     }
 
 private:
-    // The loader also looks into the libraries that this one needs; those have functions of their
-    // own. An indirect function of this one may stand anywhere, even in the kernel's own library.
+    // The loader also searches the libraries that this one depends on, but their functions are
+    // their own. An indirect function of this one may be anywhere, even in the kernel's own
+    // library.
     bool isOwn(void* function, const char* name) const
     {
         link_map* own = nullptr;
@@ -74,7 +75,7 @@ private:
     void* const _module;
 };
 
-// The loader takes an empty name for the program itself, which is no library.
+// The loader takes an empty name to mean the program itself, which is not a library.
 void* openModule(const OsFilePath& path)
 {
     return path.isEmpty() ? nullptr : dlopen(path.getChars(), RTLD_NOW | RTLD_LOCAL);

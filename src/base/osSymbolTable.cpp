@@ -33,8 +33,8 @@ bool isDefinition(const OsSymbolTable& table, std::uint32_t index, const char* n
     return symbol._section != 0 && std::strcmp(table._names + symbol._name, name) == 0;
 }
 
-// The numbers of buckets and of entries, the first entry of each bucket, and the entry behind each;
-// 0 is none.
+// The table consists of the number of buckets, the number of entries, the first entry of each
+// bucket, and the entry after each; 0 is none.
 bool isInHash(const OsSymbolTable& table, const char* name)
 {
     const std::uint32_t buckets = table._hash[0];
@@ -46,9 +46,10 @@ bool isInHash(const OsSymbolTable& table, const char* name)
     return false;
 }
 
-// The number of buckets, the first entry that is in the table, the number of words of 64 bits of a
-// filter, which only saves time, and what belongs to that; then the filter, the first entry of each
-// bucket, and the hash of each entry, whose lowest bit marks the last one of a bucket.
+// The table consists of the number of buckets, the first entry in the table, the number of 64-bit
+// words of a filter that only saves time, and a parameter of the filter. Then follow the filter,
+// the first entry of each bucket, and the hash of each entry, whose lowest bit marks the last one
+// of a bucket.
 bool isInGnuHash(const OsSymbolTable& table, const char* name)
 {
     const std::uint32_t buckets = table._gnuHash[0];

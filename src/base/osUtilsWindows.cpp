@@ -14,7 +14,7 @@ namespace
 
 using NameQuery = BOOL(WINAPI*)(char*, DWORD*);
 
-// The calls leave no error of the C runtime.
+// The calls set no error of the C runtime.
 ArrayPtrRet<char> queryName(NameQuery query, DWORD size)
 {
     ArrayPtrRet<char> name(new char[size]);
@@ -31,7 +31,7 @@ ArrayPtrRet<char> queryName(NameQuery query, DWORD size)
 
 void OsUtils::sleep(unsigned int seconds)
 {
-    // The call takes milliseconds, and the largest number means for ever.
+    // The call takes milliseconds, and the largest number means forever.
     constexpr unsigned int longest = 4'000'000;
     for (; seconds > longest; seconds -= longest) Sleep(longest * 1000);
     Sleep(seconds * 1000);

@@ -20,7 +20,7 @@ PeriodicTimerBeat::~PeriodicTimerBeat() = default;
 bool PeriodicTimerBeat::start()
 {
     if (_running) return false;
-    // Raises before anything beats.
+    // This may raise, so it comes before any beat.
     Sleeper& sleeper = Sleeper::getInstance();
     _running = true;
     beginBeat(timerMilliseconds(_interval));
@@ -68,7 +68,7 @@ bool PeriodicTimerBeat::isBeating(double resolution, const std::function<double(
     }
     catch (...)
     {
-        // The constructor that asks will not be followed by a destructor.
+        // The destructor will not run if the calling constructor fails.
         if (wasStarted) stop();
         throw;
     }
@@ -78,7 +78,7 @@ bool PeriodicTimerBeat::isBeating(double resolution, const std::function<double(
 
 bool PeriodicTimerBeat::hasGoodBeat(double resolution, const std::function<double()>& now)
 {
-    // Longer than the check goes on, so that a wait that ends without a beat fails it.
+    // Longer than the check, so that a wait that ends without a beat fails it.
     constexpr int LIMIT = 600;
     constexpr double PATIENCE = 0.5;
     const double window = resolution * 2.0;

@@ -16,7 +16,7 @@ namespace Zu
 namespace
 {
 
-// A descriptor that can be read from once a beat has come.
+// A descriptor that becomes readable when a beat has come.
 class Timer
 {
 public:

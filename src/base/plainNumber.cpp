@@ -11,8 +11,8 @@ namespace Zu
 namespace
 {
 
-// Point and grouping are those of the stream that a number is formatted for: where that has another
-// locale, the text is made elsewhere.
+// Decimal point and grouping come from the stream for which a number is formatted. If that has
+// another locale, the text is made on a separate stream.
 template <class T> std::ostream& write(std::ostream& os, T value)
 {
     if (os.getloc() == std::locale::classic()) return os << value;

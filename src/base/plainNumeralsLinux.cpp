@@ -11,7 +11,7 @@ namespace Zu
 PlainNumerals::PlainNumerals()
 {
     if (std::strcmp(nl_langinfo(RADIXCHAR), ".") == 0 && *nl_langinfo(THOUSEP) == '\0') return;
-    // The other categories stay: wide characters in a text are converted by one of them.
+    // The other categories are kept: one of them converts wide characters in a text.
     const locale_t copy = duplocale(uselocale(nullptr));
     if (!copy) return;
     const locale_t own = newlocale(LC_NUMERIC_MASK, "C", copy);

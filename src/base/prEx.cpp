@@ -18,7 +18,7 @@ ZU_EX_WHAT_AND_CLONE(PrEx::ExUnsupported)
 PrEx::ExBadCounterIndex::ExBadCounterIndex(const char* file, int line, unsigned int index)
     : std::runtime_error(""), PrEx(file, line)
 {
-    // Deliberately printed as a signed number; so are objects.
+    // Deliberately printed as a signed number, like the index of an object.
     const ExText text("Request with illegal counter index %d.", static_cast<int>(index));
     setReason(text.get());
 }

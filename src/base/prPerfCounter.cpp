@@ -26,7 +26,7 @@ constexpr std::uint32_t SIZE_VARIABLE = 0x300;
 
 using Bytes = std::span<const unsigned char>;
 
-// The caller has seen that it is there.
+// The caller has checked that it is there.
 template <class Number> Number numberAt(Bytes record, std::size_t offset)
 {
     Number number;
@@ -39,14 +39,14 @@ std::uint32_t fieldAt(Bytes record, std::size_t offset)
     return numberAt<std::uint32_t>(record, offset);
 }
 
-// What stands from an offset on; empty beyond the end.
+// The bytes from an offset on; empty beyond the end.
 Bytes from(Bytes bytes, std::size_t offset)
 {
     return offset > bytes.size() ? Bytes() : bytes.subspan(offset);
 }
 
-// The record that the bytes begin with, whose own length is its field at `lengthField`; empty if
-// the bytes don't hold it.
+// The record at the beginning of the bytes, whose field at `lengthField` is its length; empty if
+// the bytes don't contain it.
 Bytes recordOf(Bytes bytes, std::size_t lengthField, std::size_t leastSize)
 {
     if (bytes.size() < leastSize) return {};

@@ -5,7 +5,7 @@
 namespace Zu
 {
 
-// Nothing is published in this form here.
+// This platform publishes nothing in this form.
 std::uint64_t prGetCounterValue(unsigned int, unsigned int, const char*)
 {
     throw PrEx::ExUnsupported(__FILE__, __LINE__);

@@ -36,12 +36,12 @@ namespace
 
 std::int32_t queryData(const char* valueName, unsigned char* buffer, std::uint32_t size)
 {
-    // What it says of the data's size is not to be relied on here.
+    // The size that it reports is not reliable here.
     DWORD room = size;
     return RegQueryValueExA(HKEY_PERFORMANCE_DATA, valueName, nullptr, nullptr, buffer, &room);
 }
 
-// The query opens the data, and with them the libraries of those who provide them.
+// The query opens the data, and with them the libraries of their providers.
 struct OpenData
 {
     OpenData() = default;

@@ -14,7 +14,7 @@ namespace
 
 void writeRow(LgStream& stream, const char* label, double value)
 {
-    // All digits of the greatest number, and nine decimals.
+    // All digits of the largest number, and nine decimals.
     char text[340];
     const char* const end =
         std::to_chars(text, text + sizeof text, withoutNaNSign(value), std::chars_format::fixed, 9)

@@ -11,7 +11,7 @@ namespace Zu
 namespace
 {
 
-// Named here so that nobody takes it for a leak.
+// Kept here so that it does not look like a leak.
 [[maybe_unused]] HwCounterEng* earlyEngine = nullptr;
 
 } // namespace
@@ -25,8 +25,8 @@ template <> InInit<ZuInit::profiling>::InInit() : InPackageInit("profiling")
 
 template <> void InInit<ZuInit::profiling>::performInitialize()
 {
-    // An engine that an early reader has made deliberately stays: others may hold it. The exchange
-    // releases the new engine to the loads of HwCounter::engine().
+    // An engine that an early reader has made is deliberately kept: others may hold it. The
+    // exchange releases the new engine to the loads of HwCounter::engine().
     earlyEngine =
         HwCounter::_theHwCounter.exchange(HwCounterEng::create(), std::memory_order_acq_rel);
     InSingleton<Sleeper>::create(Sleeper::create());

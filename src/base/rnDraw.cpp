@@ -12,7 +12,7 @@ namespace Zu
 namespace
 {
 
-// A class that a client derives from one of these may draw in another way.
+// A client's class derived from one of these may draw in another way.
 template <class T> bool drawsAlike(const RnRng<T>& source)
 {
     const std::type_info& type = typeid(source);

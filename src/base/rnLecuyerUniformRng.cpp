@@ -8,12 +8,12 @@ namespace Zu
 namespace
 {
 
-// A sequence is made by leaps: each stream runs in eight lanes, of which each steps over the other
-// seven. All lanes are held in two registers of four.
+// A sequence is computed in leaps: each stream runs in eight lanes, each of which skips the other
+// seven. All lanes fit in two registers of four.
 constexpr unsigned int LANES = 8;
 constexpr unsigned int REGISTERS = LANES / 4;
 
-// A multiplier raised to the number of lanes.
+// A multiplier raised to the power of the number of lanes.
 constexpr std::int32_t leap(std::uint64_t multiplier, std::uint64_t modulus)
 {
     std::uint64_t power = 1;
@@ -21,7 +21,7 @@ constexpr std::int32_t leap(std::uint64_t multiplier, std::uint64_t modulus)
     return static_cast<std::int32_t>(power);
 }
 
-// Takes numbers below 2^62 to equal ones, modulo 2^31 - REST, of which two steps leave little more
+// Reduces numbers below 2^62 to congruent ones modulo 2^31 - REST. Two such steps leave little more
 // than 31 bits.
 template <int REST> __m128i folded(__m128i numbers)
 {
@@ -142,7 +142,7 @@ template <class T> unsigned int RnLecuyerUniformRng<T>::getBlocks(unsigned int n
         {
             lanes0[r] = leapt<85>(lanes0[r], multiplier0, modulus0);
             lanes1[r] = leapt<249>(lanes1[r], multiplier1, modulus1);
-            // z - 1, so that the sign tells where z is below 1.
+            // z - 1, so that the sign shows where z is below 1.
             const __m128i z =
                 _mm_sub_epi32(_mm_sub_epi32(_mm_add_epi32(lanes1[r], lanes0[r]), modulus0), one);
             const __m128i less = _mm_set1_epi32(MODULUS0 - 1);

@@ -15,7 +15,8 @@ using namespace RnNiederreiterTables;
 
 constexpr std::uint32_t SKIP = 4096;
 
-// A power of two, so that in float, too, the one rounding is that of the number of 31 bits.
+// Scaling by a power of two is exact, so that even in float the only rounding is that of the 31-bit
+// number.
 template <class T> T valueOf(std::uint32_t word)
 {
     return static_cast<T>(static_cast<std::int32_t>(word)) * T(0x1p-31);
@@ -59,7 +60,7 @@ template <class T> void RnNiederreiterMultiRng<T>::getSequence(unsigned int n, T
     }
 }
 
-// The points whose numbers differ in the low byte alone have all other words in common.
+// Points whose numbers differ only in the low byte have all other words in common.
 template <class T> void RnNiederreiterMultiRng<T>::getBlocks(unsigned int n, T** const arrays)
 {
     for (unsigned int done = 0; done < n;)

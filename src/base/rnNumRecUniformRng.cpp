@@ -9,7 +9,7 @@ namespace
 // How many steps of the congruential generator run side by side in a sequence.
 constexpr unsigned int LANES = 4;
 
-// So many values pay for the table of a sequence.
+// The number of values from which the table of a sequence pays off.
 constexpr unsigned int SEQUENCE_PAYS = 256;
 
 } // namespace
@@ -46,8 +46,9 @@ template <class T> void RnNumRecUniformRng<T>::getFewValues(unsigned int n, T* v
     for (unsigned int i = 0; i < n; ++i) values[i] = eval();
 }
 
-// What holds up a plain draw is its chain: entry, value, place of the next entry. Here an entry has
-// its place beside it, computed when it is put into the table, and the generator takes leaps.
+// A plain draw is limited by its dependency chain: entry, value, index of the next entry. Here each
+// entry is stored with its index, computed when it is put into the table, and the generator takes
+// leaps.
 template <class T> unsigned int RnNumRecUniformRng<T>::getBlocks(unsigned int n, T* values)
 {
     constexpr std::uint64_t leap2 = std::uint64_t(MULTIPLIER) * MULTIPLIER % MODULUS;

@@ -12,7 +12,7 @@ constinit thread_local std::uint32_t state = 1;
 
 } // namespace
 
-// The runtime's own numbers have another span here, and one stream for all threads.
+// Here the runtime's own numbers have another range, and one stream for all threads.
 int rnStdRand()
 {
     state = state * 214013 + 2531011;

@@ -11,7 +11,7 @@ namespace Zu
 namespace
 {
 
-// Four numbers are added to each value, one after the other.
+// Adds four numbers to each value, one after the other.
 template <class T> void addFour(const T* from, unsigned int n, const T* terms, T* values)
 {
     const T term0 = terms[0];
@@ -54,16 +54,16 @@ void addAll(const T* from, unsigned int n, const T* terms, unsigned int nTerms, 
 
 } // namespace
 
-// The points whose numbers differ in their low digits alone. The sum of a point takes its digits
-// from the lowest on; so the sums of the low digits are a table, to which the terms of the high
-// ones are added in their order. A digit of 0 adds 0, which changes no sum.
+// Points whose numbers differ only in their low digits. A point is summed from its lowest digit on.
+// So the sums of the low digits form a table, to which the terms of the high ones are added in
+// their order. A digit of 0 adds 0, which changes no sum.
 template <class T> class RnVanDerCorputRng<T>::Block
 {
 public:
     static constexpr unsigned int LARGEST = 512;
 
-    // How many points a block has that pays for a sequence of this length; below the base if none
-    // does. The bases 0 and 1 have blocks of 1, which end as their draws do.
+    // The number of points of a block that pays off for a sequence of this length; below the base
+    // if none does. The bases 0 and 1 have blocks of 1, which behave as their single draws do.
     static unsigned int lengthFor(std::uint32_t base, unsigned int n)
     {
         const std::uint64_t largest = std::min(LARGEST, n / 2);
@@ -88,8 +88,8 @@ public:
         }
     }
 
-    // Writes the point of this number and those behind it, up to `n` and to the end of the block;
-    // returns how many.
+    // Writes the point of this number and the following ones, up to `n` and to the end of the
+    // block; returns how many.
     unsigned int write(std::uint32_t index, unsigned int n, T* values)
     {
         const std::uint32_t low = index % _length;
@@ -114,7 +114,7 @@ private:
         }
     }
 
-    // Whether the sums of points up to this one, in base 2, need no rounding.
+    // Whether the sums of the points up to this one, in base 2, need no rounding.
     static bool isExact(std::uint32_t index)
     {
         return std::numeric_limits<T>::digits >= 32 ||

@@ -18,7 +18,7 @@ namespace
 // One wait is enough for any time.
 constexpr std::uint32_t LONGEST = std::numeric_limits<std::uint32_t>::max();
 
-// Lets the system wake the thread on time: it else gathers wake-ups of 50 microseconds.
+// Lets the system wake the thread on time: otherwise it coalesces wake-ups within 50 microseconds.
 class ExactWakeUp
 {
 public:
@@ -41,7 +41,7 @@ private:
 
 void sleepFor(std::uint32_t milliseconds)
 {
-    // The thread has a whole sleep also where signals interrupt it, so the end is a moment.
+    // The thread sleeps its full time even if signals interrupt it, so the end is an absolute time.
     timespec end;
     clock_gettime(CLOCK_MONOTONIC, &end);
     end.tv_sec += milliseconds / 1000;
@@ -88,7 +88,7 @@ Sleeper* Sleeper::create()
     return new SleeperLinux;
 }
 
-// A thread needs nothing here.
+// A thread needs no preparation here.
 void Sleeper::prepareThread(Sleeper&) {}
 
 } // namespace Zu

@@ -17,7 +17,7 @@ namespace Zu
 namespace
 {
 
-// What every timer device takes.
+// A time that every timer device accepts.
 constexpr std::uint32_t LONGEST = 60000;
 
 // The event of one thread.
@@ -34,7 +34,7 @@ public:
         if (_event) CloseHandle(_event);
     }
 
-    // False if the platform has no event or no timer to give.
+    // False if the platform has no event or no timer available.
     bool sleep(std::uint32_t milliseconds)
     {
         if (!_event) return false;
@@ -102,7 +102,7 @@ public:
 private:
     double _secondsPerTick;
     TimerPeriod _period;
-    // They stay to the end, as nobody tells when a thread ends.
+    // They are kept to the end, as the end of a thread is not reported.
     std::vector<std::unique_ptr<Holder>> _holders;
     std::mutex _lock;
     DWORD _slot;

@@ -19,7 +19,7 @@ OsFilePath* makeDefaultPath()
 
 const OsFilePath& TestDir::getDefaultPath()
 {
-    // Never freed: it may be asked for at the end of the process.
+    // Never freed: it may be requested at the end of the process.
     static const OsFilePath* const path = makeDefaultPath();
     return *path;
 }

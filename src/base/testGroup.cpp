@@ -69,7 +69,7 @@ bool TestGroup::getGroupNameInArgs() const
 
 void TestGroup::setName(const char* name)
 {
-    // The text may be the name that goes.
+    // The text may be the name that is being replaced.
     const std::shared_ptr<char[]> copy = copyOf(name);
     // A rename must not collide with the group itself.
     _name = nullptr;

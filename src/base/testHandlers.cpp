@@ -14,7 +14,7 @@ namespace Zu::TestHandlers
 namespace
 {
 
-// Where the standard library has no handler to set any more.
+// For standard libraries that no longer have a handler to set.
 namespace Missing
 {
 struct Handler
@@ -25,7 +25,7 @@ struct Handler
 [[maybe_unused]] void set_unexpected(Handler) {}
 } // namespace Missing
 
-// The language has given it up, but code compiled for an older one may come here.
+// The language has dropped it, but code compiled for an older standard may get here.
 ZU_IGNORE_DEPRECATED
 void setUnexpected()
 {

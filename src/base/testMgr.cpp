@@ -34,7 +34,7 @@ constexpr int UNKNOWN = 1;
 constexpr int RAISED = 2;
 constexpr int LEAK = 3;
 
-// The switches stand before the group, in fact. The text is what people know, deliberately kept.
+// In fact the switches precede the group. The text is frozen, see docs/compatibility.md.
 constexpr const char* USAGE = "\nArguments: \n\n"
                               "<testGroup> { <args> } \n"
                               "<testGroup> -perf <fileName>\n"
@@ -42,6 +42,7 @@ constexpr const char* USAGE = "\nArguments: \n\n"
                               "<testGroup> -dumpLibs { <args> }\n"
                               "<testGroup> -detectLeaks { <args> }\n";
 
+// The name is frozen, see docs/compatibility.md.
 constexpr DbgBuildText SUITE = {"RV Test Suite",
                                 1,
                                 0,
@@ -106,7 +107,7 @@ void dumpLibraries()
     LmLibraries::dumpList();
 }
 
-// What the word before the group's name asks for.
+// What the words before the group's name request.
 struct Choice
 {
     explicit Choice(const std::string& word)
@@ -123,11 +124,11 @@ struct Choice
     bool _leakCheck;
     bool _stackDump;
     bool _dumpLibs;
-    // Where the group's name stands.
+    // The index of the group's name.
     std::size_t _index;
 };
 
-// The words from a place on, with a null behind the last, as a `main` has them.
+// The words from an index on, followed by a null, as `main` gets them.
 class Arguments
 {
 public:
@@ -151,7 +152,7 @@ private:
     std::vector<char*> _words;
 };
 
-// What the collector raises at its end belongs to the run.
+// An exception that the collector raises at its end belongs to the run.
 void runWithLeakCheck(bool stackDump, TestGroup& group, Arguments& arguments)
 {
     HmGC collector;
@@ -160,7 +161,7 @@ void runWithLeakCheck(bool stackDump, TestGroup& group, Arguments& arguments)
     group.run(arguments.count(), arguments.words());
 }
 
-// Whether it ran without a leak that is told.
+// Whether it ran without a reported leak.
 bool run(const Choice& choice, TestGroup& group, Arguments& arguments)
 {
     if (!choice._leakCheck)
@@ -225,7 +226,7 @@ int perform(Words& args)
 int startAndPerform(int argc, char** argv)
 {
     const InInitGuard guard(argc, argv);
-    // After their end the packages have no second life, and nothing is left to report to.
+    // Packages that have stopped can't be started again, and there is nothing left to report to.
     if (!DbgBuildInfoLog::isStarted())
         testThrow(ExInternalError(__FILE__, __LINE__,
                                   "The packages have stopped: tests run once in a process."),

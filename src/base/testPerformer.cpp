@@ -22,10 +22,10 @@ ZU_TRACE_LEVEL(TestPerformer);
 namespace
 {
 
-// Of a line.
+// The maximum length of a line.
 constexpr std::streamsize MAX_LENGTH = 255;
 
-// From here on a token is too long to be shown.
+// A token of this length or more is not shown.
 constexpr std::size_t TOKEN_LIMIT = 128;
 
 [[noreturn]] void raise(const std::string& text, int line)
@@ -33,29 +33,29 @@ constexpr std::size_t TOKEN_LIMIT = 128;
     testThrow(ExInternalError(__FILE__, line, text.c_str()), __FILE__, line);
 }
 
-// A token that is wrong, behind what is wrong with it.
+// Reports what is wrong, followed by the wrong token.
 [[noreturn]] void raise(const char* text, const char* token, int line)
 {
     const bool isShown = std::strlen(token) < TOKEN_LIMIT;
     raise(isShown ? std::string(text) + token + ">." : std::string(text), line);
 }
 
-// Takes a line, which ends in a line feed or in a carriage return and a line feed. Of one that is
-// too long only the beginning is taken, and the stream has failed from there on.
+// Reads a line, which ends in a line feed, or in a carriage return and a line feed. Only the
+// beginning of a line that is too long is read, and the stream has failed from there on.
 std::string nextLine(std::istream& stream)
 {
     // Room for a carriage return, and for the terminator.
     char line[MAX_LENGTH + 2] = "";
     stream.getline(line, sizeof line);
     std::streamsize length = stream.gcount();
-    // A stream that is good has taken a line feed, too.
+    // A good stream has consumed a line feed, too.
     if (stream.good() && --length > 0 && line[length - 1] == '\r') line[--length] = '\0';
     if (length > MAX_LENGTH) stream.setstate(std::ios_base::failbit);
     line[MAX_LENGTH] = '\0';
     return line;
 }
 
-// Cuts the next word off a line, and gives null at the end. Blanks alone separate.
+// Cuts the next word off a line; null at the end. Only blanks separate.
 char* nextToken(char*& line)
 {
     line += std::strspn(line, " ");
@@ -88,15 +88,15 @@ TestPerformer& TestPerformer::getInstance()
 void TestPerformer::loadFile(const char* name)
 {
     ZU_TRACE_SCOPE(TestPerformer, "TestPerformer::loadFile()");
-    // Binary, so that a text is the same one on every platform.
+    // Binary, so that a text is the same on every platform.
     std::ifstream stream(name, std::ios_base::in | std::ios_base::binary);
-    // Some platforms open a directory as if it were a file, and fail to read it.
+    // Some platforms open a directory like a file, and only fail to read it.
     stream.peek();
     if (stream.bad() || !stream.is_open()) raise("Invalid file name : <", name, __LINE__);
     _count = 0;
     std::string line = nextLine(stream);
-    // The end of the file may stand behind a last line. So may that of a line that is too long:
-    // what could be read of it counts, and then the stream has failed.
+    // The end of the file may follow the last line directly, even one that is too long: what could
+    // be read of it counts, and then the stream has failed.
     while (stream.good() || !line.empty())
     {
         if (_count == MAX_RECORDS) raise("Too many test groups in file.", __LINE__);
@@ -160,7 +160,7 @@ void TestPerformer::execute(Record& record)
 
 double TestPerformer::averageOf(double timeOfDay, double counter)
 {
-    // An average above it is too long for the hardware counter to be trusted, in seconds.
+    // In seconds. Above this average the hardware counter is not trusted.
     constexpr double LONG_TIME = 30.0;
     return timeOfDay > LONG_TIME ? timeOfDay : counter;
 }
@@ -216,7 +216,7 @@ std::ostream& operator<<(std::ostream& os, const TestPerformer& performer)
     for (std::int32_t i = 0; i < performer._count; ++i)
     {
         const TestPerformer::Record& record = performer._records[static_cast<std::size_t>(i)];
-        // The largest double has 309 digits before its point.
+        // The largest double has 309 digits before its decimal point.
         char average[320];
         *std::to_chars(average, average + sizeof average - 1, record._averageTime,
                        std::chars_format::fixed, 6)

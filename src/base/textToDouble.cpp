@@ -13,8 +13,8 @@ namespace Zu
 namespace
 {
 
-// Whether a digit follows "0x", perhaps behind a point. Without one the number is the "0" alone,
-// whatever else from_chars() would take there: a sign, "inf", "nan".
+// Whether a digit follows "0x", possibly after a decimal point. Otherwise the number is only the
+// "0", whatever from_chars() would accept there: a sign, "inf", "nan".
 bool isHexadecimal(const char* text)
 {
     if (text[0] != '0' || (text[1] != 'x' && text[1] != 'X')) return false;
@@ -22,7 +22,7 @@ bool isHexadecimal(const char* text)
     return std::isxdigit(static_cast<unsigned char>(*digit)) != 0;
 }
 
-// Where a number that begins here must have ended: the standard library takes "p+-1" for an
+// The end of a number that begins here, at most: the standard library accepts "p+-1" as an
 // exponent.
 const char* boundOf(const char* begin, bool isHex)
 {
@@ -31,8 +31,8 @@ const char* boundOf(const char* begin, bool isHex)
     return begin + std::strlen(begin);
 }
 
-// Whether a number that does not fit is too great, and not too small: whether its digits before the
-// point, moved by its exponent, are more than none.
+// Whether a number that does not fit is too large rather than too small: whether it has digits
+// before the decimal point once that is moved by its exponent.
 bool isTooGreat(const char* begin, const char* end, bool isHex)
 {
     long exponent = 0;
@@ -44,7 +44,8 @@ bool isTooGreat(const char* begin, const char* end, bool isHex)
         const char* const digits = mark[1] == '+' ? mark + 2 : mark + 1;
         if (std::from_chars(digits, end, exponent).ec != std::errc()) return *digits != '-';
     }
-    // Digits that count, from the first that is not 0, before the point or, negative, behind it.
+    // The number of significant digits before the point, from the first that is not 0; negative for
+    // the zeros after the point.
     long places = 0;
     bool isBehindPoint = false;
     bool isBegun = false;

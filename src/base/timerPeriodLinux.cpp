@@ -3,8 +3,8 @@
 namespace Zu
 {
 
-// The system's timers are finer, and their precision is always the best; milliseconds are what the
-// timers of this library are set in.
+// The system's timers are finer, and always have their best precision. The timers of this library
+// are set in milliseconds.
 const TimerService theTimerService{[] { return std::uint32_t{1}; }, [](std::uint32_t) {},
                                    [](std::uint32_t) {}};
 

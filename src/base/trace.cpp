@@ -26,8 +26,8 @@ namespace
 
 struct MainLevel
 {
-    // Nobody can catch what a static object raises, and where the library is a module that is being
-    // loaded, the platform's loader would get it: the process ends here.
+    // Nothing can catch an exception from a static object. If the library is a module that is being
+    // loaded, the platform's loader would get it, so the process ends here.
     MainLevel() noexcept
     {
         try
@@ -80,7 +80,7 @@ void Trace::prefix(std::ostream& os, const char* file, int line)
     if (isFirst.exchange(false) && options.isPrinting()) options.printLevels(os);
     if (options._pid) os << std::left << std::setw(10) << options._pidText;
     if (options._prefix) printPrefix(os);
-    // Whatever the hook has left there.
+    // The hook may have changed the format.
     format.setPlain();
     if (options._line)
     {

@@ -50,8 +50,8 @@ public:
         return level ? *level : *registerLevel(name, nullptr);
     }
 
-    /// Applies an option text; null does nothing. Raises ExInternalError `Unknown token "<token>"
-    /// in trace options.`; the options before it remain in effect.
+    /// Applies an option text; null does nothing. Raises ExInternalError
+    /// `Unknown token "<token>" in trace options.`; the options before it remain in effect.
     static void setOptions(const char* options);
 
     /// Writes all levels, whether they are on, and the sources that registered them, independently

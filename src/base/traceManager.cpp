@@ -56,7 +56,7 @@ void TraceManager::registerManager(TraceManager* manager)
 void TraceManager::unregisterManager(TraceManager* manager)
 {
     if (_manager != manager) return;
-    // Nobody's priority is to be held against the default one's.
+    // No manager's priority must compete with that of the default one.
     _manager = nullptr;
     _manager = &defaultManager();
 }
@@ -64,10 +64,10 @@ void TraceManager::unregisterManager(TraceManager* manager)
 void TraceManager::print(const char* text) const
 {
     if (!text || *text == '\0') return;
-    // Standard output is ready when the static objects of a source that includes it are built, and
-    // who traces may be earlier.
+    // Standard output is ready once the static objects of a source that includes its header are
+    // constructed, but tracing may start earlier.
     static const std::ios_base::Init theStreams;
-    // In one piece, so that lines of several threads do not mix.
+    // In one piece, so that lines of different threads do not mix.
     const std::string line = std::string(text) + '\n';
     std::cout.write(line.data(), static_cast<std::streamsize>(line.size())).flush();
 }

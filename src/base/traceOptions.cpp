@@ -63,7 +63,7 @@ bool TraceOptions::ByBytes::operator()(const char* a, const char* b) const
 TraceOptions& TraceOptions::getInstance()
 {
     static TraceOptions* const theOptions = new TraceOptions;
-    // Once: a text that is refused is told to the first who traces, and to nobody after.
+    // Only once: a refused text is reported to the first caller that traces, and to no later one.
     static std::atomic<bool> isNew{true};
     if (isNew.exchange(false)) theOptions->apply(std::getenv("ZU_TRACE_OPTIONS"));
     return *theOptions;

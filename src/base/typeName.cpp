@@ -13,14 +13,14 @@ namespace Zu
 namespace
 {
 
-// Keyed by a copy of the runtime's name: a module that is unloaded takes its type_info with it.
+// Keyed by a copy of the runtime's name: the type_info of an unloaded module goes with it.
 struct NameTable
 {
     std::mutex _lock;
     std::map<std::string, std::string, std::less<>> _names;
 };
 
-// Never destroyed: names are asked for until the last static object of the process is gone.
+// Never destroyed: names are requested until the last static object of the process is gone.
 NameTable& nameTable()
 {
     static NameTable* const table = new NameTable;
@@ -46,7 +46,7 @@ const char* typeName(const std::type_info& type) noexcept
     }
     catch (...)
     {
-        // Without memory the runtime's own form has to do.
+        // Without memory, the runtime's own form is used.
         return type.name();
     }
 }
