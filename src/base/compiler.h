@@ -237,11 +237,11 @@ inline void prefetchForWriting(const void*) noexcept {}
 
 #if ZU_COMPILER_GNU
 
-/// As Portable::UInt128.
+/// The same as Portable::UInt128.
 __extension__ using UInt128 = unsigned __int128;
 
 /// @{
-/// As Portable::countTrailingZeros().
+/// The same as Portable::countTrailingZeros().
 constexpr int countTrailingZeros(std::uint32_t value) noexcept
 {
     return __builtin_ctz(value);
@@ -253,13 +253,13 @@ constexpr int countTrailingZeros(std::uint64_t value) noexcept
 }
 /// @}
 
-/// As Portable::countLeadingZeros().
+/// The same as Portable::countLeadingZeros().
 constexpr int countLeadingZeros(std::uint32_t value) noexcept
 {
     return __builtin_clz(value);
 }
 
-/// As Portable::multiplyOverflows().
+/// The same as Portable::multiplyOverflows().
 constexpr bool multiplyOverflows(std::int64_t a, std::int64_t b, std::int64_t& product) noexcept
 {
     return __builtin_mul_overflow(a, b, &product);

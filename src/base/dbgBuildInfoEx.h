@@ -31,7 +31,8 @@ class ZU_BASE_API DbgBuildInfoEx::ExVersionMismatch : public DbgBuildInfoEx,
                                                       public std::runtime_error
 {
 public:
-    /// The API with the version of its first library, and the other library with its own.
+    /// The API with the version of its first library, and the mismatching library with its own
+    /// version.
     ExVersionMismatch(const char* file, int line, const char* apiName, int apiMajor, int apiMinor,
                       const char* libraryName, int libraryMajor, int libraryMinor);
 
@@ -45,7 +46,8 @@ class ZU_BASE_API DbgBuildInfoEx::ExBuildStampMismatch : public DbgBuildInfoEx,
                                                          public std::runtime_error
 {
 public:
-    /// The API with the short stamp of its first library, and the other library with its own.
+    /// The API with the short stamp of its first library, and the mismatching library with its own
+    /// stamp.
     ExBuildStampMismatch(const char* file, int line, const char* apiName, const char* apiStamp,
                          const char* libraryName, const char* libraryStamp);
 

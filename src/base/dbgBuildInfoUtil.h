@@ -25,7 +25,7 @@ namespace Zu
 /// When the package "debugging" starts, ZU_BUILDINFO_NO_VALIDATE switches the check of versions off
 /// and ZU_BUILDINFO_CHECK_STAMPS switches that of stamps on, each if it is a number other than 0.
 ///
-/// Thread-safety: as DbgBuildInfoMgr.
+/// Thread-safety: the same as for DbgBuildInfoMgr.
 class ZU_BASE_API DbgBuildInfoUtil
 {
 public:

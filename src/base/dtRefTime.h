@@ -47,7 +47,7 @@ private:
     Rational _rate;
 };
 
-/// As DtRefTime::dump().
+/// The same as DtRefTime::dump().
 ZU_BASE_API std::ostream& operator<<(std::ostream& os, const DtRefTime& time);
 
 /// Makes reference times. The package "discreteTime" makes the one factory when it starts, and with

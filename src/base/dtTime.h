@@ -292,7 +292,7 @@ private:
         return scaled(Rational(numerator, denominator));
     }
 
-    // Times a ratio, truncated toward zero.
+    // The count times a ratio, truncated toward zero.
     constexpr DtTimeIndex scaled(const Rational& ratio) const noexcept
     {
         const std::int64_t product = DtArithmetic::multiply(ratio.getNumerator(), _count);
@@ -643,7 +643,7 @@ constexpr bool operator!=(const DtTime& a, const DtTime& b) noexcept
 /// Writes the count, as the stream formats integers.
 ZU_BASE_API std::ostream& operator<<(std::ostream& os, const DtTimeIndex& index);
 
-/// As DtTime::dump().
+/// The same as DtTime::dump().
 ZU_BASE_API std::ostream& operator<<(std::ostream& os, const DtTime& time);
 
 } // namespace Zu

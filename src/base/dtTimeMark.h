@@ -47,7 +47,7 @@ private:
     DtRefTime _refTime;
 };
 
-/// As DtTimeMark::dump().
+/// The same as DtTimeMark::dump().
 ZU_BASE_API std::ostream& operator<<(std::ostream& os, const DtTimeMark& mark);
 
 } // namespace Zu

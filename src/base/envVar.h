@@ -42,7 +42,7 @@ public:
     /// Reads the environment again.
     virtual void refresh();
 
-    /// Writes name, value and default, without a line end: `name <name, to 25 places> value
+    /// Writes name, value and default, without a line end: `name <name, padded to 25 places> value
     /// "<text of the environment>" default "<default>"`, with NIL for null.
     virtual void dump(std::ostream& os) const;
 
@@ -113,7 +113,7 @@ private:
     double _doubleDefault;
 };
 
-/// As EnvVar::dump().
+/// The same as EnvVar::dump().
 ZU_BASE_API std::ostream& operator<<(std::ostream& os, const EnvVar& variable);
 
 /// Writes a line end and then the dump of each object.

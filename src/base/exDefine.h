@@ -1,5 +1,5 @@
 /// @file
-/// What the sources of the exception families share. Internal to the library.
+/// Shared by the sources of the exception families. Internal to the library.
 
 #ifndef ZU_BASE_EXDEFINE_H
 #define ZU_BASE_EXDEFINE_H

@@ -7,7 +7,7 @@
 namespace Zu
 {
 
-// The exceptions take the code from where the system leaves it.
+// The exceptions read the code from where the system leaves it.
 
 void raiseSystemError(int code, const char* file, int line)
 {

@@ -1,5 +1,5 @@
 /// @file
-/// The one way to raise the error of a call of the system. Internal to the library.
+/// The one way to raise the error of a failed system call. Internal to the library.
 
 #ifndef ZU_BASE_EXRAISE_H
 #define ZU_BASE_EXRAISE_H
@@ -18,10 +18,10 @@
 namespace Zu
 {
 
-/// Raises ExSysErrorWindows with `code`, which becomes the thread's last error, too.
+/// Raises ExSysErrorWindows with `code`, which also becomes the thread's last error.
 [[noreturn]] void raiseSystemError(int code, const char* file, int line);
 
-/// Raises ExSysErrorANSI with `code`, which becomes `errno`, too.
+/// Raises ExSysErrorANSI with `code`, which also becomes `errno`.
 [[noreturn]] void raiseErrno(int code, const char* file, int line);
 
 } // namespace Zu

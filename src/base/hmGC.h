@@ -40,7 +40,7 @@ public:
     /// Whether a leak raises HmGCEx::ExGarbageDetected.
     void setThrowException(bool throwException);
 
-    /// Whether leaks are printed with their call stacks; true at first.
+    /// Whether leaks are printed with their call stacks; initially true.
     void setStackDump(bool stackDump);
 
     /// Whether there is a heap that reports leaks; false in this build.

@@ -1,5 +1,5 @@
 /// @file
-/// The step from a command line to the values of aliases. Internal to the library.
+/// Binds the options of a command line to the aliases. Internal to the library.
 
 #ifndef ZU_BASE_INARGBINDING_H
 #define ZU_BASE_INARGBINDING_H

@@ -41,7 +41,7 @@ struct ZU_BASE_VISIBLE InInitOvr
 /// | alias | priority | the key is | the value is |
 /// |---|---|---|---|
 /// | InOvrAlias | 4294967295 | the value | the key; made by InVariableBase::overrideViaHandle() |
-/// | InArgAlias | 15 | an option letter, with ":" behind it when the option takes a value | from the command line |
+/// | InArgAlias | 15 | an option letter, followed by ":" if the option takes a value | from the command line |
 /// | InEnvAlias | 10 | the name of a variable | from the environment at start-up |
 /// | InDefAlias | 0 | the value | the key |
 template <class Src, int Unique> class ZU_BASE_VISIBLE InContextAlias : public InContextAliasBase

@@ -40,7 +40,7 @@ public:
     /// Whether a package of this type is up.
     bool isTypeInitialized(const std::type_info& type) const;
 
-    /// Runs passes until no package waits.
+    /// Runs passes until no package is waiting.
     void runPendingPasses();
 
     /// Shuts down the packages that are up, in the exact reverse of the start-up order.

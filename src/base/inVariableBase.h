@@ -35,7 +35,7 @@ public:
     class ZU_BASE_API InContextAliasDummy : public InContextAliasBase
     {
     public:
-        /// As InContextAliasBase.
+        /// See InContextAliasBase.
         explicit InContextAliasDummy(const char* description);
 
         InContextAliasBase* clone() const override;

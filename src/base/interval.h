@@ -120,7 +120,7 @@ public:
     }
     /// @}
 
-    /// From the least to the greatest product of the bounds.
+    /// The interval from the least to the greatest product of the bounds.
     friend constexpr Interval operator*(const Interval& a, const Interval& b) noexcept
     {
         const T products[] = {a._min * b._min, a._min * b._max, a._max * b._min, a._max * b._max};

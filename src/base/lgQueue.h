@@ -129,7 +129,7 @@ public:
     /// Asserts "_beg == _end": a queue is drained before it ends.
     ~LgQueue();
 
-    // What the producer calls.
+    // For the producer.
 
     /// Starts an event. If it returns true, the text goes into getStream() and addEntry() publishes
     /// the event. If it returns false, the event is lost and counted as such, unless events are
@@ -180,7 +180,7 @@ public:
     /// reader.
     void creatorExit();
 
-    // What the reader calls.
+    // For the reader.
 
     /// The oldest entry. Asserts "_beg != _end".
     const Entry& readEntry() const;
@@ -195,7 +195,7 @@ public:
         return _creatorAlive.load(std::memory_order_acquire);
     }
 
-    // What both may call.
+    // For both.
 
     /// Whether no entry is waiting.
     bool isEmpty() const

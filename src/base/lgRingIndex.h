@@ -53,7 +53,7 @@ public:
         return _value.load(std::memory_order_relaxed);
     }
 
-    /// As get().
+    /// The same as get().
     operator std::uint32_t() const noexcept
     {
         return get();

@@ -43,7 +43,7 @@ struct LgLogFiles
 class LgSetup
 {
 public:
-    /// How a variable is read: its value, or null if it is not set.
+    /// Reads a variable: returns its value, or null if it is not set.
     using Environment = std::function<const char*(const char*)>;
 
     /// Reads the value of a level's variable:

@@ -47,7 +47,7 @@ public:
 
     ~LgStream();
 
-    // What the writer calls.
+    // For the writer.
 
     /// @{
     /// Inserts a value in the form documented at the class. A text is inserted up to its first NUL;
@@ -133,7 +133,7 @@ public:
     /// The length of the longest string that the ring can hold.
     static unsigned int getMaxSize();
 
-    // What the reader calls.
+    // For the reader.
 
     /// The length of the next string, without terminator; 0 if there is none.
     unsigned int getNextSize() const;

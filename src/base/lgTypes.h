@@ -24,9 +24,9 @@ enum Level : std::int32_t
     Error,
     /// The threshold of groups unless another one is set.
     Warning,
-    /// Milder than a warning.
+    /// Less severe than a warning.
     Informational,
-    /// The mildest level.
+    /// The least severe level.
     Tracing,
     /// Switched on or off independently of the threshold.
     Profiling,

@@ -35,7 +35,7 @@ struct LmBlock
     void* _address;
     /// The same address again.
     void* _mappedAddress;
-    /// In bytes.
+    /// The size in bytes.
     std::uint64_t _size;
 };
 

@@ -13,7 +13,7 @@
 #include <string_view>
 #include <vector>
 
-/// Addresses are numbers here, so that every walk can be tested on every platform.
+/// Addresses are plain numbers here, so that every walk can be tested on every platform.
 namespace Zu::LmRegion
 {
 
