@@ -18,7 +18,7 @@ namespace Zu
 /// Any thread may call it.
 class OsEndian
 {
-    // Numbers only: reversing the bytes of anything else does not reverse its byte order.
+    // Numbers only: in anything else, the order of the bytes is not that of a single value.
     template <class T>
     using IfNumber = std::enable_if_t<std::is_arithmetic_v<T> && !std::is_same_v<T, bool> &&
                                       !std::is_same_v<T, long double>>;

@@ -28,7 +28,7 @@ public:
     class ExNoRemoteUnbuffered;
 };
 
-/// One path element holds a separator: "Separator not allowed in path elements."
+/// A path element contains a separator: "Separator not allowed in path elements."
 class ZU_BASE_API OsFileEx::ExSeparatorNotAllowed : public std::invalid_argument, public ExBase
 {
 public:

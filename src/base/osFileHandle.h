@@ -32,7 +32,8 @@ std::int32_t seek32(std::int64_t handle, std::int32_t offset, OsFileTypes::SeekM
 /// read reports it.
 std::uint32_t read(std::int64_t handle, void* buffer, std::uint32_t size);
 
-/// Writes all bytes; a full disk raises, too. `written` receives their number, even when it raises.
+/// Writes all bytes; a full disk raises, too. `written` receives the number of bytes written, even
+/// when it raises.
 void writeAll(std::int64_t handle, std::string_view content, std::uint64_t& written);
 
 /// Copies the rest of one file to another.

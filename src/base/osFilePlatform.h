@@ -151,7 +151,7 @@ std::string resolved(const char* path);
 bool createDirectory(const char* path, const OsFileTypes::Permissions& permissions);
 bool removeDirectory(const char* path);
 
-/// What no call of the platform reports, and its code on the platform.
+/// The errors that no call of the platform reports; codeOf() returns their codes on the platform.
 enum class Error
 {
     DiskFull,

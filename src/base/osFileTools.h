@@ -40,7 +40,7 @@ public:
     /// As OsFileWriter::reserve().
     static void reserve64(OsFileWriter& writer, std::int64_t size);
 
-    /// As OsFileWriter::write(), but for any size, and a full disk raises ExSysErrorWindows, too.
+    /// As OsFileWriter::write(), but for any size, and a full disk raises ExSysErrorWindows.
     /// `written` receives the number of bytes written, even when it raises.
     static void writeAll(OsFileWriter& writer, std::string_view content, std::uint64_t& written);
 

@@ -9,7 +9,7 @@
 namespace Zu
 {
 
-/// The result of a platform call. Unless it is Done, the system's last error is set.
+/// The result of a platform call. Unless it is Done or NoError, the system's last error is set.
 enum class OsFsResult
 {
     Done,

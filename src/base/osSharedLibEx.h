@@ -40,7 +40,7 @@ class ZU_BASE_API OsSharedLibEx::ExFunctionNotFound : public OsSharedLibEx,
                                                       public std::runtime_error
 {
 public:
-    /// The library that was searched, and the name; null texts count as empty.
+    /// The library that was searched, and the name of the function; null texts count as empty.
     ExFunctionNotFound(const char* file, int line, const char* path, const char* name);
 
     const char* what() const noexcept override;

@@ -33,7 +33,7 @@ ZU_BASE_API std::ostream& writePlain(std::ostream& os, double value);
 template <class T> class PlainNumber
 {
 public:
-    /// Of this value.
+    /// For this value.
     explicit constexpr PlainNumber(T value) : _value(value) {}
 
     /// Writes it as writePlain() does.

@@ -50,7 +50,7 @@ template <class T> std::vector<T> edgesOf(unsigned int nBins, const T* edges)
 }
 
 /// Rounds down; a NaN, and what does not fit in an `int`, gives the smallest `int`. The standard
-/// library's own function is a call on first-generation processors.
+/// library's function is not inlined for first-generation processors.
 template <class T> int floorToInt(T value)
 {
     const int truncated = truncateTo<int>(value);

@@ -56,7 +56,7 @@ public:
     T getEfficientFraction() const override;
     T getPdf(T x) const override;
 
-    /// Restarts the source. A value that was kept deliberately stays, and comes first.
+    /// Restarts the source. Deliberately, a value that was kept stays and comes first.
     void restart() override;
 
     /// "Gaussian".

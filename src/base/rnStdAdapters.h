@@ -103,8 +103,8 @@ private:
     RnRng<T>* _rng;
 };
 
-/// The opposite: a generator of random bits of the standard library as a uniform source. A restart
-/// goes back to the state that the generator had when it was passed in.
+/// The reverse of RnBitGenerator: a generator of random bits of the standard library as a uniform
+/// source. A restart goes back to the state that the generator had when it was passed in.
 template <class T, class Engine = std::mt19937> class RnEngineRng : public RnUniformRng<T>
 {
 public:

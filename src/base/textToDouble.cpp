@@ -22,7 +22,7 @@ bool isHexadecimal(const char* text)
     return std::isxdigit(static_cast<unsigned char>(*digit)) != 0;
 }
 
-// The end of a number that begins here, at most: the standard library accepts "p+-1" as an
+// The latest possible end of a number that begins here: the standard library accepts "p+-1" as an
 // exponent.
 const char* boundOf(const char* begin, bool isHex)
 {

@@ -54,7 +54,7 @@ private:
 std::uint32_t timerMilliseconds(double seconds);
 
 /// Sleeps for a time by waits of so many milliseconds each, none longer than `longest`. Returns
-/// false without waiting if the time gives no milliseconds.
+/// false without waiting if timerMilliseconds() gives 0.
 bool timerSleep(double seconds, std::uint32_t longest,
                 const std::function<void(std::uint32_t)>& wait);
 

@@ -16,7 +16,7 @@
 namespace Zu
 {
 
-/// Forms trace lines, and keeps the depth of their indentation. An option text, in the variable
+/// Formats trace lines, and tracks the depth of their indentation. An option text, in the variable
 /// ZU_TRACE_OPTIONS or passed to setOptions(), controls what is shown;
 /// docs/profiling-and-tracing.md documents the options. Tracing works at any time, even before
 /// main().

@@ -29,7 +29,7 @@ public:
     /// in effect.
     void apply(const char* text);
 
-    /// The level of this name, made if there is none. A file is noted unless it is null.
+    /// The level of this name, made if there is none. A file is recorded unless it is null.
     TraceLevel& registerLevel(const char* name, const char* file);
 
     /// Writes the levels with their sources.

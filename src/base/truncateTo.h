@@ -16,7 +16,7 @@ template <class Integer, class Float> constexpr Integer truncateTo(Float value) 
     constexpr Integer LOWEST = std::numeric_limits<Integer>::min();
     // A power of two, and so exact in every floating-point type.
     constexpr Float BOUND = -static_cast<Float>(LOWEST);
-    // Between this and the bound there are fractions in a type with digits to spare.
+    // In a type with digits to spare, there are fractions between this and the bound.
     return value > -BOUND - 1 && value < BOUND ? static_cast<Integer>(value) : LOWEST;
 }
 

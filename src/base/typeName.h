@@ -11,8 +11,9 @@
 namespace Zu
 {
 
-/// The name of a type as a C++ programmer writes it, for example "Zu::InContextAlias<Zu::InInitEnv,
-/// 1>"; the runtime's own form if it can't be decoded or memory is exhausted.
+/// The name of a type as a C++ programmer writes it, for example
+/// "Zu::InContextAlias<Zu::InInitEnv, 1>"; the runtime's own form if it can't be decoded or memory
+/// is exhausted.
 ///
 /// The text lives to the end of the process, even beyond the module of the type, and every call
 /// with an equal type returns the same pointer. Any thread may call it; it takes a lock, so use it
