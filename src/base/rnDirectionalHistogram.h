@@ -57,9 +57,9 @@ public:
     /// fills with the same samples.
     void addSamples(RnSphericalRng<T>* rng, unsigned int n);
 
-    /// The value at index `i * nBinsTheta + j` of the storage, but filling uses index `i * nBinsPhi
-    /// + j`. This is deliberate: the value is the cell's weight only if both numbers of bins are
-    /// the same, or `i` is 0. Beyond the end of the storage it is 0.
+    /// The value at index `i * nBinsTheta + j` of the storage, but filling uses the index
+    /// `i * nBinsPhi + j`. This is deliberate: the value is the cell's weight only if both numbers
+    /// of bins are the same, or `i` is 0. Beyond the end of the storage it is 0.
     T getBin(unsigned int i, unsigned int j) const;
 
     /// The weight in all cells.
