@@ -16,7 +16,7 @@ namespace Zu
 namespace
 {
 
-// Hands a path to a buffer that every caller has made of the same size.
+// Copies a path to a buffer, which has the same size for every caller.
 char* copyToBuffer(const std::string& path, char* buffer, std::size_t size)
 {
     if (path.size() >= size) ZU_RAISE_SYSTEM_ERROR(ENAMETOOLONG);
