@@ -1,5 +1,5 @@
 /// @file
-/// Marks what libZUapp offers to its clients.
+/// Marks what libZUapp exports to its clients.
 
 #ifndef ZU_APP_APPAPI_H
 #define ZU_APP_APPAPI_H

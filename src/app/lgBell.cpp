@@ -8,8 +8,8 @@ namespace Zu
 
 LgBell::LgBell(Barrier barrier) : _barrier(barrier), _usesBarrier(barrier != nullptr) {}
 
-// A read-modify-write: it either sees who listens, or is seen, with all that was done before it, by
-// the one of announce().
+// A read-modify-write: either it sees the listener's mark, or the read-modify-write of announce()
+// sees it, with everything done before it.
 bool LgBell::isHeard()
 {
     return _listening.fetch_add(0, std::memory_order_acq_rel) != 0;
@@ -29,13 +29,13 @@ std::uint64_t LgBell::announce()
 {
     const std::lock_guard guard(_bed._mutex);
     _listening.exchange(1, std::memory_order_acq_rel);
-    // From here on whoever rings sees the mark, or what it did before is seen by us.
+    // From here on either a ringing thread sees the mark, or we see what it did before it rang.
     if (usesBarrier() && !_barrier()) giveBarrierUp();
     return _bed._round;
 }
 
-// Who rings at this moment may still trust in the barrier, and what it did before be on its way out
-// of its processor. Both are over long before this is; it happens once.
+// A thread that rings at this moment may still rely on the barrier, and its earlier stores may
+// still be on their way out of its processor. The sleep outlasts both by far; it happens once.
 void LgBell::giveBarrierUp()
 {
     _usesBarrier.store(false, std::memory_order_seq_cst);
@@ -48,8 +48,8 @@ bool LgBell::sleep(std::uint64_t round, std::chrono::milliseconds limit)
     return _bed._rung.wait_for(lock, limit, [this, round] { return _bed._round != round; });
 }
 
-// A destructor of the old ones would wait for threads that are not here. A mark of a listener may
-// stay: it costs one ring that wakes nobody.
+// The old objects are not destroyed: their destructors would wait for threads that do not exist
+// here. A listener's mark may remain: it costs one ring that wakes nobody.
 void LgBell::beginAnewInChild()
 {
     new (&_bed) Bed;

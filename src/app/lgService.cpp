@@ -15,7 +15,7 @@ namespace
 
 std::atomic<bool> there{false};
 
-// What a child can't end; named here so that nobody takes it for a leak.
+// What a child can't destroy; kept here so that it is not reported as a leak.
 [[maybe_unused]] LgServiceReader* leftToTheParent = nullptr;
 
 } // namespace

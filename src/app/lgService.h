@@ -22,36 +22,38 @@ class LgServiceReader;
 /// Threads may come and go at any time, before it and during it. Each gets a queue at its first
 /// event (48 KiB, on the heap); the queue is deleted when the thread has ended and its events are
 /// written. Blocking trace works. Where lines are written under a lock between processes and the
-/// lock fails, standard error is told once, and the line is tried again.
+/// lock fails, that is reported once on standard error, and the line is tried again.
 ///
-/// At its end the service writes everything that was published. A thread that is in the middle of a
-/// log statement at that moment may publish behind it; its event waits in the queue for the next
-/// LgService, or for any LgReader that the application runs then. So that nothing dangles, the
-/// kit's registry and queue function stay with the logger when the service has ended.
+/// When it ends, the service writes everything that was published. A thread that is in the middle
+/// of a log statement at that moment may publish too late; its event waits in the queue for the
+/// next LgService, or for any LgReader that the application runs then. So that nothing dangles, the
+/// kit's registry and queue function stay with the logger after the service has ended.
 ///
-/// A `std::exit()` does not end objects of functions. A service that stands in one does not write
-/// what waits then: those events are lost, and the log files have no last line. Who leaves the
-/// process that way ends the service first, for instance one that a `std::optional` holds.
+/// `std::exit()` does not destroy the local objects of functions. A service that is a local object
+/// then does not write what is waiting: those events are lost, and the log files have no last line.
+/// A caller of `std::exit()` has to end the service first; a `std::optional` can hold it for that
+/// purpose.
 ///
-/// After a fork() the child has no service: its log statements write to standard output, the end of
-/// the object does nothing there, and a new one can't be made; it can if none lived at the fork.
-/// Events that waited at the fork are written by the parent, and by nobody else.
+/// After a fork() the child has no service: its log statements write to standard output, destroying
+/// the object does nothing there, and a new one can't be made, unless none lived at the fork.
+/// Events that waited at the fork are written by the parent only.
 ///
-/// Thread-safety: made and ended by one thread, after the start of the package "logger" and before
-/// its end.
+/// Thread-safety: constructed and destroyed by one thread, after the start of the package "logger"
+/// and before its end.
 class ZU_APP_API LgService
 {
 public:
-    /// Raises LgServiceEx::ExAlreadyRunning if there is one, LgServiceEx::ExLoggerNotStarted before
-    /// the start of the logger, LgServiceEx::ExForked in the child of a process that had one at the
-    /// fork, and std::system_error if the platform refuses a thread.
+    /// Raises LgServiceEx::ExAlreadyRunning if there is a service already,
+    /// LgServiceEx::ExLoggerNotStarted before the start of the logger, LgServiceEx::ExForked in the
+    /// child of a process that had a service at the fork, and std::system_error if the platform
+    /// refuses a thread.
     LgService();
     LgService(const LgService&) = delete;
     LgService& operator=(const LgService&) = delete;
     ~LgService();
 
     /// How many events were lost since the service began, because they came faster than they could
-    /// be written. Any thread may ask.
+    /// be written. Any thread may call it.
     std::uint64_t getLostCount() const;
 
 private:

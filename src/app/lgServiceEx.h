@@ -25,7 +25,7 @@ protected:
     LgServiceEx(const char* file, int line, const char* reason);
 };
 
-/// There is a service: "A log service is running already."
+/// There is a service already: "A log service is running already."
 class ZU_APP_API LgServiceEx::ExAlreadyRunning : public std::logic_error, public LgServiceEx
 {
 public:

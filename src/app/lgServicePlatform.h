@@ -1,5 +1,5 @@
 /// @file
-/// What the log service asks of the platform. Internal to the application kit.
+/// What the log service needs from the platform. Internal to the application kit.
 
 #ifndef ZU_APP_LGSERVICEPLATFORM_H
 #define ZU_APP_LGSERVICEPLATFORM_H
@@ -9,21 +9,21 @@
 namespace Zu::LgServicePlatform
 {
 
-/// Whether barrier() works here. Asked once, before it is called.
+/// Whether barrier() works here. Called once, before barrier() is.
 bool prepareBarrier();
 
 /// Makes every other thread of the process pass a full memory barrier; false if the system refuses,
-/// as it may do for want of memory.
+/// for example for lack of memory.
 bool barrier();
 
-/// Sleeps for a tenth of a millisecond, or not at all and false where a sleep takes much longer.
+/// Sleeps for a tenth of a millisecond; where a sleep takes much longer, returns false at once.
 bool nap();
 
-/// Sees to it that a child of a fork finds what `prepare` has locked as `child` leaves it. Where
-/// there is no fork, nothing happens.
+/// Has `prepare` called before a fork, and `parent` and `child` after it in the two processes. Does
+/// nothing where there is no fork. Raises std::system_error if the system refuses.
 void onFork(void (*prepare)(), void (*parent)(), void (*child)());
 
-/// While one lives, threads that are started get no signals that the process might handle.
+/// While one lives, newly started threads receive no signals that the process might handle.
 class SignalBlock
 {
 public:

@@ -26,7 +26,7 @@ bool callBarrier(int command)
 bool prepareBarrier()
 {
 #if ZU_THREAD_SANITIZER
-    // The sanitizer knows orders between atomics alone.
+    // The sanitizer only models ordering between atomics.
     return false;
 #else
     return callBarrier(MEMBARRIER_CMD_REGISTER_PRIVATE_EXPEDITED);

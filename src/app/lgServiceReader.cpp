@@ -14,10 +14,11 @@ namespace Zu
 namespace
 {
 
-// After so many events a fork may have its turn.
+// After this many events a fork may have its turn.
 constexpr int EVENTS_IN_A_ROW = 256;
 
-// A queue does not fill in so many naps, unless events come faster than they can be written.
+// A queue does not fill up during this many naps, unless events come faster than they can be
+// written.
 constexpr int NAPS = 5;
 
 } // namespace
@@ -35,8 +36,8 @@ LgServiceReader::~LgServiceReader()
     _thread.join();
 }
 
-// Sleeps until there is news: first in naps, so that a steady stream of events need not wake it for
-// each, then until it is rung.
+// Sleeps until there is something to do: first in naps, so that a steady stream need not wake the
+// thread for each event, then until the bell is rung.
 void LgServiceReader::rest(int& naps)
 {
     if (naps < NAPS && LgServicePlatform::nap())
@@ -47,7 +48,8 @@ void LgServiceReader::rest(int& naps)
     _threads.news().listen([this] { return _stop || isWorkWaiting(); }, _threads.getPatience());
 }
 
-// What can't be asked is looked at: the failure that is met then is told, and tried again.
+// A query that fails counts as work: reading then meets the same failure, reports it and tries
+// again.
 bool LgServiceReader::isWorkWaiting()
 {
     try
@@ -66,7 +68,7 @@ void LgServiceReader::run()
     int lastFailures = 0;
     while (lastFailures < LgServiceThreads::LAST_TRIES)
     {
-        // Asked first: what was published before the stop is seen by the look that follows.
+        // Read first: what was published before the stop is seen by the writeSome() that follows.
         const bool stop = _stop.load(std::memory_order_acquire);
         const Outcome outcome = writeSome();
         if (outcome == Outcome::WROTE) naps = 0;

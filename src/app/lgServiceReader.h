@@ -12,17 +12,17 @@
 namespace Zu
 {
 
-/// A thread that writes events as they come and sleeps while there are none. A lock between
-/// processes that fails is told once, on standard error; the event is kept and tried again.
+/// A thread that writes events as they come and sleeps while there are none. A failing lock between
+/// processes is reported once, on standard error; the event is kept and tried again.
 class LgServiceReader
 {
 public:
-    /// Starts the thread. Raises std::system_error if the platform has none.
+    /// Starts the thread. Raises std::system_error if the platform refuses one.
     explicit LgServiceReader(LgServiceThreads& threads);
     LgServiceReader(const LgServiceReader&) = delete;
     LgServiceReader& operator=(const LgServiceReader&) = delete;
 
-    /// Writes what waits, and ends the thread.
+    /// Writes what is waiting, and ends the thread.
     ~LgServiceReader();
 
 private:

@@ -12,8 +12,8 @@
 namespace Zu
 {
 
-/// A registry whose operations any thread may call at any time. All objects have one list, which
-/// lives as long as the process: a logger that is started anew destroys the object, and no queue is
+/// A registry whose operations any thread may call at any time. All objects share one list, which
+/// lives as long as the process: a logger that is started anew destroys the object, but no queue is
 /// forgotten.
 class LgServiceRegistry : public LgRegistry
 {
@@ -22,11 +22,11 @@ public:
     void deregisterQueue(LgQueue* queue) override;
     List<LgQueue*> getQueueList() const override;
 
-    /// What guards all objects of this class, for a fork, which must find it free. It lives as long
-    /// as the process.
+    /// The mutex of all objects of this class; a fork locks it first, so that the child finds it
+    /// usable. It lives as long as the process.
     static std::mutex& mutex();
 
-    /// The one list, for who holds mutex().
+    /// The shared list; the caller must hold mutex().
     static List<LgQueue*>& queues();
 };
 

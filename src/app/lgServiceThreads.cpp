@@ -51,9 +51,9 @@ LgBell::Barrier barrier()
 // Takes all events out of a queue, unwritten.
 void dropEvents(LgQueue& queue)
 {
-    // As much as LgStream asks for.
+    // The size that LgStream requires.
     char text[32768];
-    // An entry for losses has no text; then it is the next one's, or none.
+    // An overflow entry has no text; this takes the next one's then, or nothing.
     for (; !queue.isEmpty(); queue.removeEntry()) queue.getStream().take(text);
 }
 
@@ -62,8 +62,8 @@ bool hasSpace(const LgQueue& queue, int size)
     return !queue.isFull() && queue.getStream().getNumCharacters() >= static_cast<unsigned>(size);
 }
 
-// The logger's registry if a service has put it there; the logger's own takes no queues beside a
-// reader.
+// The logger's registry if a service has installed it. The default one must not get queues while a
+// reader runs.
 LgServiceRegistry* serviceRegistry()
 {
     return dynamic_cast<LgServiceRegistry*>(LgLog::getRegistry());
@@ -132,7 +132,7 @@ void LgServiceThreads::start()
 {
     const std::lock_guard guard(_mutex);
     if (!serviceRegistry()) LgLog::setRegistry(ObjPtr<LgRegistry>(new LgServiceRegistry));
-    // An application's own registry may have taken them, and be gone.
+    // They may be in a registry of the application's own that is gone by now.
     const List<LgQueue*> entered = serviceRegistry()->getQueueList();
     for (LgQueue* const queue : _queues)
         if (std::find(entered.begin(), entered.end(), queue) == entered.end())
@@ -177,12 +177,12 @@ void LgServiceThreads::waitForSpace(const LgQueue& queue, int size)
             _room.listen([&] { return isWaitOver(queue, size); }, _patience);
             continue;
         }
-        // The service has ended between the caller's look and its event: nobody else will read.
+        // The service has ended between the caller's check and its event: nobody else will read.
         if (!writeOne()) return;
     }
 }
 
-// False if there is no event. A lock that fails is tried again, as the service does.
+// False if there is no event. A failing lock is tried again, as the service does.
 bool LgServiceThreads::writeOne()
 {
     for (int tries = 1;; ++tries)
@@ -214,10 +214,10 @@ void LgServiceThreads::unlockAfterFork()
     _reading.unlock();
 }
 
-// The child of a process with a service has no reader: what it logs goes to standard output.
+// The child of a process with a service has no reader: its events go to standard output.
 void LgServiceThreads::goOnInChild()
 {
-    // A child's child is one too.
+    // The child of such a child counts as well.
     _isForked = _isForked || isRunning();
     if (_isForked) LgLog::setLoggerActivation(false);
     _running.store(false, std::memory_order_release);
@@ -227,8 +227,8 @@ void LgServiceThreads::goOnInChild()
     unlockAfterFork();
 }
 
-// What waited at the fork is written there, and nowhere else. Of the threads the child has one; the
-// queues of the others are the next reader's.
+// What waited at the fork is written by the parent only. The child has a single thread; the queues
+// of the others belong to the next reader.
 void LgServiceThreads::leaveEventsToParent()
 {
     for (LgQueue* const queue : LgServiceRegistry::queues()) dropEvents(*queue);

@@ -16,9 +16,9 @@
 namespace Zu
 {
 
-/// Gives every thread a queue of its own, from its first event to its end; so it does not matter
-/// what comes first, a thread or a service. There is one object, which lives as long as the
-/// process: threads may log and end at any time, also when no service runs any more.
+/// Gives every thread a queue of its own, from its first event to its end, so it does not matter
+/// whether a thread or a service comes first. There is one object, which lives as long as the
+/// process: threads may log and end at any time, even when no service runs any more.
 class LgServiceThreads
 {
 public:
@@ -30,11 +30,11 @@ public:
     /// The calling thread's queue; the logger's queue function while a service runs and after it.
     static LgQueue* queueOfThread();
 
-    /// Begins a service: the logger gets a registry that is safe for it, with the queues of all
-    /// threads in it.
+    /// Begins a service: the logger gets a thread-safe registry that contains the queues of all
+    /// threads.
     void start();
 
-    /// Ends a service: from here on a producer that waits for room makes it itself.
+    /// Ends a service: from here on a producer that waits for room makes room itself.
     void stop();
 
     bool isRunning() const
@@ -63,40 +63,39 @@ public:
         return _room;
     }
 
-    /// Held by who reads events or looks at the queues of other threads, since it is a reader that
-    /// deletes them; a fork waits until it is free.
+    /// To be held while reading events or looking at the queues of other threads, since a reader
+    /// deletes queues; a fork waits until it is free.
     std::mutex& reading()
     {
         return _reading;
     }
 
-    /// Whether a reader has something to do: an event waits, or the queue of a thread that has
-    /// ended. Takes reading(). Raises what the registry does.
+    /// Whether a reader has something to do: an event is waiting, or there is the queue of a thread
+    /// that has ended. Locks reading(). Raises what the registry raises.
     bool isWorkWaiting();
 
-    /// Waits until the queue has room for `size` characters; the producer's.
+    /// Waits until the queue has room for `size` characters; called by the producer.
     void waitForSpace(const LgQueue& queue, int size);
 
-    /// Whether who waits for that may go on: the room is there, or no service runs any more that
-    /// makes it.
+    /// Whether that wait is over: there is room, or no service runs any more that would make room.
     bool isWaitOver(const LgQueue& queue, int size) const;
 
-    /// How long a thread sleeps at most, should a wake-up ever get lost.
+    /// The longest time that a thread sleeps, should a wake-up ever get lost.
     std::chrono::milliseconds getPatience() const
     {
         return _patience;
     }
 
-    /// Set while nobody sleeps, by tests: without end a lost wake-up shows.
+    /// For tests, while nobody sleeps: with an endless sleep a lost wake-up becomes visible.
     void setPatience(std::chrono::milliseconds patience)
     {
         _patience = patience;
     }
 
-    /// Nothing is known that would lose a wake-up; if something does, this is how long it lasts.
+    /// The default of getPatience(). No lost wake-up is known; this limits the delay if one occurs.
     static constexpr std::chrono::milliseconds PATIENCE{250};
 
-    /// How long a failing lock is left alone, and how often it is tried when no more is to come.
+    /// The pause after a failing lock, and the number of tries at the end of the service.
     static constexpr std::chrono::milliseconds PAUSE{20};
     static constexpr int LAST_TRIES = 50;
 

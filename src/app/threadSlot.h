@@ -1,5 +1,5 @@
 /// @file
-/// Values that each thread has of its own, with word of its end. Internal to the application kit.
+/// Thread-local values with a notification when the thread ends. Internal to the application kit.
 
 #ifndef ZU_APP_THREADSLOT_H
 #define ZU_APP_THREADSLOT_H
@@ -15,15 +15,15 @@ enum Slot
     COUNT
 };
 
-/// Is told of the end of a thread, with its value.
+/// Is notified of the end of a thread, with the thread's value.
 using ThreadEnded = void (*)(void* value);
 
-/// Says what is to be called, on the thread itself, when a thread ends whose value is not null; to
-/// be called once for a slot, before any value is set. It is not called for threads that the end of
-/// the process ends.
+/// Sets the function that a thread calls when it ends and its value is not null. To be called once
+/// for each slot, before any value is set. The function is not called for threads that are ended by
+/// the end of the process.
 void setThreadEnded(Slot slot, ThreadEnded ended);
 
-/// The calling thread's value; null at first, and again while its end is told.
+/// The calling thread's value; null at first, and again during the notification of its end.
 void* get(Slot slot);
 void set(Slot slot, void* value);
 

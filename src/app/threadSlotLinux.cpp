@@ -11,7 +11,7 @@ namespace Zu::ThreadSlot
 namespace
 {
 
-// Read for every event, so they stand beside the keys, whose one use is that the end is told.
+// Read for every event, so they are kept apart from the keys, which only serve to notify the end.
 constinit thread_local void* values[COUNT] = {};
 
 pthread_key_t keys[COUNT];

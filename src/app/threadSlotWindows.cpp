@@ -14,8 +14,8 @@ DWORD slots[COUNT] = {FLS_OUT_OF_INDEXES, FLS_OUT_OF_INDEXES};
 ThreadEnded threadEnded[COUNT] = {};
 BOOLEAN(WINAPI* shutdownInProgress)() = nullptr;
 
-// Also called for the thread that ends the process, when all others have been stopped wherever they
-// were, with whatever they had locked.
+// Also called for the thread that ends the process, after all others were stopped wherever they
+// were, possibly holding locks.
 template <Slot slot> void WINAPI slotEnded(void* value)
 {
     if (!value || (shutdownInProgress && shutdownInProgress())) return;
@@ -35,12 +35,12 @@ constexpr PFLS_CALLBACK_FUNCTION SLOT_ENDED[COUNT] = {&slotEnded<QUEUE>, &slotEn
 void setThreadEnded(Slot slot, ThreadEnded ended)
 {
     threadEnded[slot] = ended;
-    // Asked for now: at the end of the process nothing may be looked up.
+    // Looked up now: at the end of the process that is not allowed.
     const FARPROC function =
         GetProcAddress(GetModuleHandleA("ntdll.dll"), "RtlDllShutdownInProgress");
     shutdownInProgress =
         reinterpret_cast<decltype(shutdownInProgress)>(reinterpret_cast<void*>(function));
-    // Threads will call into this module at their end, so it stays loaded.
+    // Threads call into this module when they end, so it stays loaded.
     HMODULE self = nullptr;
     GetModuleHandleExA(GET_MODULE_HANDLE_EX_FLAG_PIN | GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS,
                        reinterpret_cast<const char*>(SLOT_ENDED[slot]), &self);
@@ -50,7 +50,7 @@ void setThreadEnded(Slot slot, ThreadEnded ended)
 
 void* get(Slot slot)
 {
-    // The call resets the last error, which a log statement must not do to its thread.
+    // The call resets the last error, which a log statement must leave alone.
     const DWORD error = GetLastError();
     void* const value = FlsGetValue(slots[slot]);
     SetLastError(error);

@@ -28,8 +28,8 @@ private:
     }
 };
 
-// What a thread has to trace with. It is the thread's and not a manager's, so that it may outlive
-// the manager that is current now.
+// A thread's Trace objects. They belong to the thread and not to a manager, so that they may
+// outlive the current manager.
 struct Traces
 {
     PrefixedTrace _prefixed;

@@ -11,11 +11,11 @@ namespace Zu
 {
 
 /// Gives each thread an indentation of its own, which lasts as long as the thread, and writes each
-/// line to standard output as a whole, until the process ends. The option "prefix", on at first,
+/// line to standard output as a whole, until the process ends. The option "prefix", initially on,
 /// puts the thread's id in front, as the log does: "(0x00004979) ".
 ///
-/// Thread-safety: any thread may trace. The object is made before other threads trace and ends
-/// when none does any more. What else writes to std::cout may come in between.
+/// Thread-safety: any thread may trace. Construct the object before other threads trace, and
+/// destroy it when none does any more. Other output to std::cout may come between lines.
 class ZU_APP_API ThreadTraceManager : public TraceManager
 {
 public:
@@ -33,9 +33,9 @@ public:
 /// lines go to standard output.
 ///
 /// With LgLog::setBlockingTrace() no line is lost, and one that is too long becomes several.
-/// Without it a line that finds no room is lost and counted, as any event is, and one that is
-/// longer than a queue's text becomes "#". A line that is traced while a log statement inserts an
-/// operand is lost.
+/// Otherwise a line that finds no room is lost and counted, like any event, and one that is longer
+/// than a queue's text becomes "#". A line that is traced while a log statement inserts an operand
+/// is lost.
 ///
 /// Thread-safety: as above, but the thread that reads the events must not trace. While the logger
 /// is active, each thread needs a queue of its own: LgService sees to that.
