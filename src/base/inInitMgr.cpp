@@ -5,7 +5,6 @@
 #include "base/inDebug.h"
 #include "base/inEnvironment.h"
 #include "base/inInitMgrImpl.h"
-#include "base/inPackageInit.h"
 #include "base/internalAssert.h"
 #include "base/inVariableBase.h"
 
@@ -16,10 +15,6 @@ namespace Zu
 
 namespace
 {
-
-// Null before the manager is made, and again after its static destruction, when package objects may
-// still be destroyed.
-InInitMgrImpl* theImpl = nullptr;
 
 // Never destroyed: the texts that getEnv() returns live until the end of the process.
 const InEnvironment& environmentSnapshot()
@@ -35,12 +30,12 @@ InInitMgr::InInitMgr()
 {
     environmentSnapshot();
     _impl = std::make_unique<InInitMgrImpl>();
-    theImpl = _impl.get();
+    InInitMgrImpl::_current = _impl.get();
 }
 
 InInitMgr::~InInitMgr()
 {
-    theImpl = nullptr;
+    InInitMgrImpl::_current = nullptr;
 }
 
 InInitMgr& InInitMgr::getInstance()
@@ -104,26 +99,6 @@ void InInitMgr::incReinitCount()
 void InInitMgr::decReinitCount()
 {
     _impl->decReinitCount();
-}
-
-// A package declares itself to the manager, and the manager runs packages. The operations that need
-// the manager are defined here, so that inPackageInit stays in a lower layer.
-
-InPackageInit::~InPackageInit()
-{
-    if (theImpl) theImpl->forgetPackage(*this);
-}
-
-void InPackageInit::registerPackage()
-{
-    if (inDebugInitialize())
-        inDebugStream() << "Registering Package: InInit<" << getName() << ">" << std::endl;
-    InInitMgr::getInstance()._impl->registerPackage(*this);
-}
-
-void InPackageInit::addDependency(const std::type_info* type)
-{
-    if (!InInitMgr::getInstance()._impl->isTypeInitialized(*type)) _dependencies.push_back(type);
 }
 
 } // namespace Zu

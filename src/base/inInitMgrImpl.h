@@ -57,6 +57,10 @@ public:
     std::ostream& dump(std::ostream& os) const;
     std::ostream& reportCycles(std::ostream& os) const;
 
+    /// The record of the process. Null before the manager is made, and again after static
+    /// destruction has taken it, when the objects of packages may still follow.
+    static inline InInitMgrImpl* _current = nullptr;
+
 private:
     void runPass();
     void collectPackages();

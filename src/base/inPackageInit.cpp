@@ -1,6 +1,8 @@
 #include "base/inPackageInit.h"
 
 #include "base/inDebug.h"
+#include "base/inInitMgr.h"
+#include "base/inInitMgrImpl.h"
 #include "base/internalAssert.h"
 #include "base/inVariableBase.h"
 
@@ -19,6 +21,23 @@ InPackageInit::InPackageInit() : InPackageInit("unnamed") {}
 InPackageInit::InPackageInit(const char* name)
 {
     std::snprintf(_name, sizeof _name, "%s", name ? name : "");
+}
+
+InPackageInit::~InPackageInit()
+{
+    if (InInitMgrImpl::_current) InInitMgrImpl::_current->forgetPackage(*this);
+}
+
+void InPackageInit::registerPackage()
+{
+    if (inDebugInitialize())
+        inDebugStream() << "Registering Package: InInit<" << getName() << ">" << std::endl;
+    InInitMgr::getInstance()._impl->registerPackage(*this);
+}
+
+void InPackageInit::addDependency(const std::type_info* type)
+{
+    if (!InInitMgr::getInstance()._impl->isTypeInitialized(*type)) _dependencies.push_back(type);
 }
 
 void InPackageInit::addDependency(InVariableBase* variable)

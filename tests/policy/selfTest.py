@@ -8,6 +8,7 @@ import checkHeaders
 import checkLayers
 import checkSnippets
 import checkSources
+import checkSymbols
 
 TABLE = """\
 0 low         internal  h Windows            - : only Windows has it
@@ -206,6 +207,46 @@ class Layers(PolicyTest):
     def testLibraryOnTheLevelOfTheKit(self):
         self.assertLayers(changedTable("5 base  ", "6 base  "), "src/base/base.h:1: [table]",
                           "src/components.txt:6: [table] there is no src/app/base.h")
+
+
+class Symbols(PolicyTest):
+    """Rows of symbols are object, symbol, kind; U is needed, T and D are defined."""
+
+    def assertSymbols(self, symbols, *starts, changes={}):
+        rows = [symbol.split() for symbol in symbols]
+        self.assertFindings(lambda root: checkSymbols.check(root, rows), changes, *starts)
+
+    def testDownwardNeedsPass(self):
+        self.assertSymbols(["high f U", "middle f T", "middle g U", "lowWindows g T"])
+
+    def testUpwardNeed(self):
+        self.assertSymbols(["middle f U", "high f T"],
+                           "src/components.txt:2: [upward symbol] middle needs f of high")
+
+    def testUpwardNeedOfAHalf(self):
+        self.assertSymbols(["middleWinNT f U", "high f D"],
+                           "src/components.txt:2: [upward symbol] middle needs f of high")
+
+    def testStatedUpwardNeedPasses(self):
+        self.assertSymbols(["middle f U", "high f T"],
+                           changes=withException("middle -> high : it has to"))
+
+    def testWhatSeveralObjectsDefineIsNobodys(self):
+        self.assertSymbols(["middle f U", "high f W", "lowWindows f W"])
+
+    def testNeedOfTheSystemPasses(self):
+        self.assertSymbols(["high memcpy U"])
+
+    def testCircleOnOneLevel(self):
+        table = TABLE.replace(" of middle : they are one thing", "").replace(
+            "middleParts internal  h    ", "middleParts internal  h cpp")
+        self.assertSymbols(["middle f U", "middleParts f T", "middleParts g U", "middle g T"],
+                           "src/components.txt:2: [circle of symbols] middle -> middleParts -> ",
+                           changes={"src/components.txt": table,
+                                    "src/base/middleParts.cpp": own("middleParts")})
+
+    def testPartsOfOneComponentMayNeedEachOther(self):
+        self.assertSymbols(["middle f U", "middleLinux f T", "middleLinux g U", "middle g T"])
 
 
 class Sources(PolicyTest):
