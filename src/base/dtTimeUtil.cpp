@@ -2,6 +2,7 @@
 
 #include "base/dtArithmetic.h"
 #include "base/duplicateString.h"
+#include "base/textTokens.h"
 #include "base/truncateTo.h"
 
 #include <cerrno>
@@ -10,6 +11,7 @@
 #include <cstdlib>
 #include <limits>
 #include <string>
+#include <string_view>
 
 namespace Zu
 {
@@ -18,6 +20,9 @@ namespace
 {
 
 using Error = DtEx::DtStringError;
+
+// Blanks alone separate the fields of a text.
+constexpr char BLANK = ' ';
 
 // Seconds per tick.
 template <class Float> Float period(const Rational& rate)
@@ -31,23 +36,14 @@ template <class Float> Float frequency(const Rational& rate)
     return static_cast<Float>(rate.getNumerator()) / static_cast<Float>(rate.getDenominator());
 }
 
-// Removes the next field from the rest and returns it; empty if there is none.
-std::string nextField(std::string& rest)
-{
-    rest.erase(0, rest.find_first_not_of(' '));
-    const std::size_t length = rest.find(' ');
-    std::string field = rest.substr(0, length);
-    rest.erase(0, length);
-    return field;
-}
-
 // Reads a number like a 32-bit strtol().
-std::int32_t readNumber(const std::string& field, Error::ErrorCode malformed,
+std::int32_t readNumber(std::string_view field, Error::ErrorCode malformed,
                         Error::ErrorCode overflow)
 {
     using Limits = std::numeric_limits<std::int32_t>;
+    const std::string text(field);
     char* end = nullptr;
-    long long number = std::strtoll(field.c_str(), &end, 10);
+    long long number = std::strtoll(text.c_str(), &end, 10);
     if (number > Limits::max() || number < Limits::min())
     {
         errno = ERANGE;
@@ -55,7 +51,7 @@ std::int32_t readNumber(const std::string& field, Error::ErrorCode malformed,
     }
     const bool isExtreme = number == Limits::max() || number == Limits::min();
     if (isExtreme && errno == ERANGE) throw Error(__FILE__, __LINE__, overflow);
-    if (number == 0 && end == field.c_str()) throw Error(__FILE__, __LINE__, malformed);
+    if (number == 0 && end == text.c_str()) throw Error(__FILE__, __LINE__, malformed);
     return static_cast<std::int32_t>(number);
 }
 
@@ -92,16 +88,17 @@ ArrayPtrRet<char> DtTimeUtil::getDtStringFromDtTime(const DtTime& time)
 
 DtTime DtTimeUtil::getDtTimeFromDtString(const char* text)
 {
-    std::string rest(text);
-    const std::string countField = nextField(rest);
+    std::string_view rest = text;
+    skip(rest, BLANK);
+    const std::string countField(takeField(rest, BLANK));
     const int error = errno;
     const long long count = std::strtoll(countField.c_str(), nullptr, 10);
     // A count that does not fit must not affect the fields after it.
     errno = error;
-    const std::int32_t numerator =
-        readNumber(nextField(rest), Error::RateNumeratorMalformed, Error::RateNumeratorOverflow);
-    const std::int32_t denominator = readNumber(nextField(rest), Error::RateDenominatorMalformed,
-                                                Error::RateDenominatorOverflow);
+    const std::int32_t numerator = readNumber(takeField(rest, BLANK), Error::RateNumeratorMalformed,
+                                              Error::RateNumeratorOverflow);
+    const std::int32_t denominator = readNumber(
+        takeField(rest, BLANK), Error::RateDenominatorMalformed, Error::RateDenominatorOverflow);
     return DtTime(count, numerator, denominator);
 }
 

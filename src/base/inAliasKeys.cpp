@@ -23,7 +23,8 @@ void InAliasKeys::release(Keys*& keys, const char* key)
 {
     ZU_INTERNAL_ASSERT_TEXT(keys, "_keys != 0");
     if (--(*keys)[key] > 0) return;
-    ZU_INTERNAL_ASSERT_TEXT(keys->erase(key) == 1, "_keys->erase( _key.get()) == 1");
+    const bool isErased = keys->erase(key) == 1;
+    ZU_INTERNAL_ASSERT_TEXT(isErased, "_keys->erase( _key.get()) == 1");
     if (!keys->empty()) return;
     delete keys;
     keys = nullptr;

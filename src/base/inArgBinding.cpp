@@ -28,15 +28,13 @@ struct FirstCharacterLess
 
 using OptionMap = std::map<std::string, std::optional<std::string>, FirstCharacterLess>;
 
-constexpr int END_OF_OPTIONS = -1;
-constexpr int UNKNOWN_OPTION = '?';
-
 void readOptions(InOptionParser& parser, OptionMap& options)
 {
     for (;;)
     {
         const int option = parser.getOption();
-        if (option == END_OF_OPTIONS || option == UNKNOWN_OPTION) return;
+        if (option == InOptionParser::END_OF_OPTIONS || option == InOptionParser::UNKNOWN_OPTION)
+            return;
         const char* const value = parser.getValue();
         options[std::string(1, static_cast<char>(option))] = value ? value : "";
     }

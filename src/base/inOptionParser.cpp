@@ -1,28 +1,12 @@
 #include "base/inOptionParser.h"
 
 #include "base/internalAssert.h"
+#include "base/textTokens.h"
 
 #include <cstring>
 
 namespace Zu
 {
-
-namespace
-{
-
-constexpr int END_OF_OPTIONS = -1;
-constexpr int UNKNOWN_OPTION = '?';
-
-// Cuts the text at the first of the separators and returns the character that was there.
-char cutAt(char*& position, const char* separators)
-{
-    position += std::strcspn(position, separators);
-    const char separator = *position;
-    if (separator != '\0') *position++ = '\0';
-    return separator;
-}
-
-} // namespace
 
 InOptionParser::InOptionParser(int argc, char* const* argv, const char* options)
     : _argc(argc), _argv(argv), _options(options), _value(nullptr), _argIndex(0), _cursor(nullptr)

@@ -20,9 +20,15 @@ public:
     /// `options` a letter followed by ":" takes a value.
     InOptionParser(int argc, char* const* argv, const char* options);
 
-    /// Returns the next option's letter, a number from 1 to 255; 63, the code of "?", for an
-    /// unknown one; -1 at the end of the options, after which it must not be called again. Several
-    /// letters may share one word.
+    /// What getOption() returns at the end of the options.
+    static constexpr int END_OF_OPTIONS = -1;
+
+    /// What getOption() returns for an unknown option: the code of "?", 63.
+    static constexpr int UNKNOWN_OPTION = '?';
+
+    /// Returns the next option's letter, a number from 1 to 255; `UNKNOWN_OPTION` for an unknown
+    /// one; `END_OF_OPTIONS` at the end of the options, after which it must not be called again.
+    /// Several letters may share one word.
     ///
     /// The value of an option is the rest of its word or, if that is empty, the whole next word,
     /// whatever it looks like. An option whose value is missing is returned with a null value.

@@ -87,7 +87,6 @@ public:
     ~SharedMemory()
     {
         if (_mutex) munmap(_mutex, sizeof(pthread_mutex_t));
-        closeFile();
     }
 
     pthread_mutex_t& mutex()
@@ -100,32 +99,32 @@ public:
     void leave() noexcept
     {
         if (_name.empty() || getpid() != _user) return;
-        setFileLock(_file, CHANGE, F_WRLCK, true);
-        if (setFileLock(_file, USE, F_WRLCK, false)) shm_unlink(_name.c_str());
-        setFileLock(_file, USE, F_UNLCK, true);
-        setFileLock(_file, CHANGE, F_UNLCK, true);
+        setFileLock(_file.get(), CHANGE, F_WRLCK, true);
+        if (setFileLock(_file.get(), USE, F_WRLCK, false)) shm_unlink(_name.c_str());
+        setFileLock(_file.get(), USE, F_UNLCK, true);
+        setFileLock(_file.get(), CHANGE, F_UNLCK, true);
         _name.clear();
     }
 
 private:
     void openNamed(const std::string& name)
     {
-        while (!openCurrent(name)) closeFile();
+        while (!openCurrent(name)) continue;
         // The only user: the content is new, or was left by a process that died.
-        if (setFileLock(_file, USE, F_WRLCK, false)) makeMutex(*_mutex);
-        if (!setFileLock(_file, USE, F_RDLCK, true)) ZU_RAISE_SYSTEM_ERROR(errno);
+        if (setFileLock(_file.get(), USE, F_WRLCK, false)) makeMutex(*_mutex);
+        if (!setFileLock(_file.get(), USE, F_RDLCK, true)) ZU_RAISE_SYSTEM_ERROR(errno);
         _name = name;
-        setFileLock(_file, CHANGE, F_UNLCK, true);
+        setFileLock(_file.get(), CHANGE, F_UNLCK, true);
     }
 
     // Opens the file and takes CHANGE; false if the last user has removed the file in between.
     bool openCurrent(const std::string& name)
     {
-        _file = osAboveStandard(shm_open(name.c_str(), O_RDWR | O_CREAT, 0600));
-        if (_file < 0) ZU_RAISE_SYSTEM_ERROR(errno);
-        if (!isOwn(statusOf(_file))) ZU_RAISE_SYSTEM_ERROR(EACCES);
-        if (!setFileLock(_file, CHANGE, F_WRLCK, true)) ZU_RAISE_SYSTEM_ERROR(errno);
-        if (statusOf(_file).st_nlink == 0) return false;
+        _file.reset(osAboveStandard(shm_open(name.c_str(), O_RDWR | O_CREAT, 0600)));
+        if (_file.get() < 0) ZU_RAISE_SYSTEM_ERROR(errno);
+        if (!isOwn(statusOf(_file.get()))) ZU_RAISE_SYSTEM_ERROR(EACCES);
+        if (!setFileLock(_file.get(), CHANGE, F_WRLCK, true)) ZU_RAISE_SYSTEM_ERROR(errno);
+        if (statusOf(_file.get()).st_nlink == 0) return false;
         reserve(name);
         map(MAP_SHARED);
         return true;
@@ -135,31 +134,25 @@ private:
     void reserve(const std::string& name)
     {
         int code = 0;
-        do code = posix_fallocate(_file, 0, sizeof(pthread_mutex_t));
+        do code = posix_fallocate(_file.get(), 0, sizeof(pthread_mutex_t));
         while (code == EINTR);
         if (code == 0) return;
-        if (setFileLock(_file, USE, F_WRLCK, false)) shm_unlink(name.c_str());
+        if (setFileLock(_file.get(), USE, F_WRLCK, false)) shm_unlink(name.c_str());
         ZU_RAISE_SYSTEM_ERROR(code);
     }
 
     void map(int flags)
     {
         void* const memory =
-            mmap(nullptr, sizeof(pthread_mutex_t), PROT_READ | PROT_WRITE, flags, _file, 0);
+            mmap(nullptr, sizeof(pthread_mutex_t), PROT_READ | PROT_WRITE, flags, _file.get(), 0);
         if (memory == MAP_FAILED) ZU_RAISE_SYSTEM_ERROR(errno);
         _mutex = static_cast<pthread_mutex_t*>(memory);
-        if (_file < 0) makeMutex(*_mutex);
-    }
-
-    void closeFile() noexcept
-    {
-        if (_file >= 0) ::close(_file);
-        _file = -1;
+        if (_file.get() < 0) makeMutex(*_mutex);
     }
 
     SharedMemory() = default;
 
-    int _file = -1;
+    OsDescriptor _file{-1};
     pthread_mutex_t* _mutex = nullptr;
     std::string _name;
     pid_t _user = getpid();

@@ -4,6 +4,7 @@
 #include "base/duplicateString.h"
 #include "base/lgEx.h"
 #include "base/streamFormat.h"
+#include "base/textTokens.h"
 
 #include <algorithm>
 #include <cstring>
@@ -19,18 +20,10 @@ namespace Zu
 namespace
 {
 
-struct ByBytes
-{
-    bool operator()(const char* a, const char* b) const
-    {
-        return std::strcmp(a, b) < 0;
-    }
-};
-
 // Copies of the groups' names, in order of first use, and the groups by those copies. Both exist
 // from initialize() to finalize().
 using Names = std::list<ArrayPtr<char>>;
-using MajorGroups = std::map<const char*, LgMajorGroup*, ByBytes>;
+using MajorGroups = std::map<const char*, LgMajorGroup*, LessByBytes>;
 
 // The groups themselves live until the end of the process, one for each name: a minor group may
 // outlive finalize(), and when the logger starts again it belongs to the group of that name.
@@ -57,18 +50,6 @@ const char* nameCopy(const char* name)
         if (std::strcmp(copy.get(), name) == 0) return copy.get();
     names->emplace_back(duplicateString(name));
     return names->back().get();
-}
-
-// Returns the next piece of the text up to the delimiter, which is overwritten. Leading delimiters
-// are skipped. Null if there is none.
-char* nextToken(char*& position, char delimiter)
-{
-    while (*position == delimiter) ++position;
-    if (*position == '\0') return nullptr;
-    char* const token = position;
-    while (*position != delimiter && *position != '\0') ++position;
-    if (*position == delimiter) *position++ = '\0';
-    return token;
 }
 
 LgTypes::Level atLeastFatal(LgTypes::Level level)

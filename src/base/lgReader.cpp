@@ -18,9 +18,6 @@ namespace Zu
 namespace
 {
 
-// The size of the ring of an LgStream.
-constexpr unsigned int BufSize = 32768;
-
 constexpr std::size_t PREFIX_SIZE = 80;
 
 inline char* append(char* place, const char* text)
@@ -58,8 +55,9 @@ char* appendText(char* place, LgQueue& q, const LgQueue::Entry& e)
         *std::to_chars(count, count + sizeof count - 1, e.getOverflowCount()).ptr = '\0';
         return append(append(append(place, "Event overflow ["), count), "]");
     }
-    const unsigned int length = q.getStream().take(place);
-    ZU_INTERNAL_ASSERT_TEXT(length < BufSize, "q->getStream().getNextSize() < BufSize");
+    unsigned int length = 0;
+    const bool fits = q.getStream().take(place, LgStream::BufSize, length);
+    ZU_INTERNAL_ASSERT_TEXT(fits, "q->getStream().getNextSize() < BufSize");
     return place + length;
 }
 
@@ -152,7 +150,7 @@ void LgReader::flushQueue(LgQueue* q)
     const LgQueue::Entry& e = q->readEntry();
     const LgTypes::Level level = e.isOverflowEntry() ? LgTypes::Informational : e.getLevel();
     const LgInterProcessLockGuard guard(LgLog::getInterProcessLock());
-    char line[PREFIX_SIZE + BufSize];
+    char line[PREFIX_SIZE + LgStream::BufSize];
     char* end = line;
     if (LgLog::isTimeStampsEnabled()) end = appendPrefix(end, *q, e, level);
     end = appendText(end, *q, e);

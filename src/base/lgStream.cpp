@@ -372,11 +372,21 @@ bool LgStream::findNext(Next& next) const
 
 unsigned int LgStream::take(char* destination)
 {
+    unsigned int length = 0;
+    take(destination, _readPos.size(), length);
+    return length;
+}
+
+bool LgStream::take(char* destination, std::size_t capacity, unsigned int& length)
+{
     Next next{};
-    if (!findNext(next))
+    const bool isThere = findNext(next);
+    length = next._length;
+    if (length >= capacity) return false;
+    if (!isThere)
     {
         *destination = '\0';
-        return 0;
+        return true;
     }
     const std::uint32_t tillWrap = std::min(next._length, _readPos.size() - next._begin);
     std::memcpy(destination, _buffer.get() + next._begin, tillWrap);
@@ -384,7 +394,7 @@ unsigned int LgStream::take(char* destination)
     destination[next._length] = '\0';
     _readPos = next._begin + next._length;
     _overflowed.store(false, std::memory_order_relaxed);
-    return next._length;
+    return true;
 }
 
 } // namespace Zu

@@ -36,6 +36,9 @@ class ZU_BASE_API LgStream
     friend class LgQueue;
 
 public:
+    /// How many characters the ring has.
+    static constexpr std::uint32_t BufSize = 32768;
+
     /// An empty stream with a ring of its own.
     LgStream();
 
@@ -149,13 +152,15 @@ public:
     /// The same; returns the length of the string.
     unsigned int take(char* destination);
 
+    /// The same for a `destination` with room for `capacity` characters, the terminator included:
+    /// returns whether the next string fits, and sets `length`. One that does not fit stays.
+    bool take(char* destination, std::size_t capacity, unsigned int& length);
+
 protected:
     /// Makes a ring of another size, a power of two from 4 on, for tests.
     explicit LgStream(std::uint32_t size);
 
 private:
-    static constexpr std::uint32_t BufSize = 32768;
-
     // The writer's data have a cache line of their own, which the reader's moves do not invalidate.
     static constexpr std::size_t CACHE_LINE = 64;
 

@@ -1,5 +1,7 @@
 #include "base/lmRegion.h"
 
+#include "base/textTokens.h"
+
 #include <algorithm>
 #include <charconv>
 #include <cstddef>
@@ -80,15 +82,6 @@ bool takeNumber(std::string_view& text, char end, Address& number)
     if (error != std::errc() || next == last || *next != end) return false;
     text.remove_prefix(static_cast<std::size_t>(next - text.data()) + 1);
     return true;
-}
-
-// Takes a word and the blanks after it off the front of the text.
-std::string_view takeWord(std::string_view& text)
-{
-    const std::string_view word = text.substr(0, text.find(' '));
-    text.remove_prefix(word.size());
-    text.remove_prefix(std::min(text.find_first_not_of(' '), text.size()));
-    return word;
 }
 
 // Parses permissions such as "r-xp".
@@ -196,11 +189,11 @@ bool parseMapLine(std::string_view text, MapLine& line)
     if (!takeNumber(text, '-', line._begin) || !takeNumber(text, ' ', line._end) ||
         line._end < line._begin)
         return false;
-    if (!parseFlags(takeWord(text), line._flags)) return false;
-    const std::string_view offset = takeWord(text);
+    if (!parseFlags(takeField(text, ' '), line._flags)) return false;
+    const std::string_view offset = takeField(text, ' ');
     const char* const file = text.data();
-    const std::string_view device = takeWord(text);
-    const std::string_view inode = takeWord(text);
+    const std::string_view device = takeField(text, ' ');
+    const std::string_view inode = takeField(text, ' ');
     if (offset.empty() || device.empty() || inode.empty()) return false;
     const char* const fileEnd = inode.data() + inode.size();
     line._file = std::string_view(file, static_cast<std::size_t>(fileEnd - file));

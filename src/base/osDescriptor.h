@@ -35,6 +35,9 @@ public:
         return number;
     }
 
+    /// Closes what it holds, and holds `number` from here on.
+    void reset(int number);
+
 private:
     int _number;
 };

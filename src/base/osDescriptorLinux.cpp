@@ -19,7 +19,13 @@ int osAboveStandard(int number)
 
 OsDescriptor::~OsDescriptor()
 {
+    reset(-1);
+}
+
+void OsDescriptor::reset(int number)
+{
     if (_number >= 0) close(_number);
+    _number = number;
 }
 
 } // namespace Zu

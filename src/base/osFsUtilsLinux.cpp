@@ -1,5 +1,7 @@
-#include "base/osFsPlatform.h"
 #include "base/osFsUtils.h"
+
+#include "base/osDescriptor.h"
+#include "base/osFsPlatform.h"
 
 #include <cerrno>
 #include <fcntl.h>
@@ -44,13 +46,13 @@ OsFsResult osFsCreateFile(const char* path, const OsFileTypes::Permissions& perm
                           bool exclusive)
 {
     const int flags = O_RDWR | O_CREAT | O_CLOEXEC | (exclusive ? O_EXCL : O_TRUNC);
-    int file = -1;
+    int number = -1;
     do
     {
-        file = open(path, flags, static_cast<mode_t>(osFsMode(permissions)));
-    } while (file < 0 && errno == EINTR);
-    if (file >= 0) close(file);
-    return resultOf(file);
+        number = open(path, flags, static_cast<mode_t>(osFsMode(permissions)));
+    } while (number < 0 && errno == EINTR);
+    const OsDescriptor file(number);
+    return resultOf(file.get());
 }
 
 OsFsResult osFsDeleteFile(const char* path)

@@ -23,15 +23,7 @@ public:
     Timer()
         : _descriptor(osAboveStandard(timerfd_create(CLOCK_MONOTONIC, TFD_NONBLOCK | TFD_CLOEXEC)))
     {
-        if (_descriptor < 0) ZU_RAISE_LAST_ERROR();
-    }
-
-    Timer(const Timer&) = delete;
-    Timer& operator=(const Timer&) = delete;
-
-    ~Timer()
-    {
-        close(_descriptor);
+        if (_descriptor.get() < 0) ZU_RAISE_LAST_ERROR();
     }
 
     // 0 ends the beat.
@@ -39,23 +31,23 @@ public:
     {
         const timespec time{milliseconds / 1000, milliseconds % 1000 * 1000000L};
         const itimerspec times{time, time};
-        timerfd_settime(_descriptor, 0, &times, nullptr);
+        timerfd_settime(_descriptor.get(), 0, &times, nullptr);
     }
 
     void reset()
     {
         std::uint64_t beats;
-        while (read(_descriptor, &beats, sizeof beats) < 0 && errno == EINTR) continue;
+        while (read(_descriptor.get(), &beats, sizeof beats) < 0 && errno == EINTR) continue;
     }
 
     void wait(int limit)
     {
-        pollfd entry{_descriptor, POLLIN, 0};
+        pollfd entry{_descriptor.get(), POLLIN, 0};
         while (poll(&entry, 1, limit) < 0 && errno == EINTR) continue;
     }
 
 private:
-    int _descriptor;
+    const OsDescriptor _descriptor;
 };
 
 } // namespace
@@ -65,8 +57,8 @@ class PeriodicTimerLinux final : public PeriodicTimerBeat
 public:
     explicit PeriodicTimerLinux(double interval) : PeriodicTimerBeat(interval)
     {
-        ZU_INTERNAL_ASSERT_TEXT(isBeating(getResolution(), [this] { return getCurrentTime(); }),
-                                "waitBeating( *this )");
+        const bool beats = isBeating(getResolution(), [this] { return getCurrentTime(); });
+        ZU_INTERNAL_ASSERT_TEXT(beats, "waitBeating( *this )");
     }
 
 private:

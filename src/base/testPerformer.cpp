@@ -6,6 +6,7 @@
 #include "base/testGroup.h"
 #include "base/testTrace.h"
 #include "base/textToInt.h"
+#include "base/textTokens.h"
 
 #include <charconv>
 #include <cstdio>
@@ -24,6 +25,9 @@ namespace
 
 // The maximum length of a line.
 constexpr std::streamsize MAX_LENGTH = 255;
+
+// Blanks alone separate the words of a line.
+constexpr char BLANK = ' ';
 
 // A token of this length or more is not shown.
 constexpr std::size_t TOKEN_LIMIT = 128;
@@ -53,17 +57,6 @@ std::string nextLine(std::istream& stream)
     if (length > MAX_LENGTH) stream.setstate(std::ios_base::failbit);
     line[MAX_LENGTH] = '\0';
     return line;
-}
-
-// Cuts the next word off a line; null at the end. Only blanks separate.
-char* nextToken(char*& line)
-{
-    line += std::strspn(line, " ");
-    if (*line == '\0') return nullptr;
-    char* const token = line;
-    line += std::strcspn(line, " ");
-    if (*line != '\0') *line++ = '\0';
-    return token;
 }
 
 template <class Args> std::string wordsOf(const Args& args, int argc)
@@ -111,12 +104,12 @@ void TestPerformer::loadLine(char* line)
     Record& record = _records[static_cast<std::size_t>(_count)];
     record._argc = 0;
     record._args[0] = nullptr;
-    const char* const name = nextToken(line);
+    const char* const name = nextToken(line, BLANK);
     if (!name) return;
     takeName(record, name);
-    const char* const cycles = nextToken(line);
+    const char* const cycles = nextToken(line, BLANK);
     takeCycles(record, cycles ? cycles : "");
-    while (const char* const argument = nextToken(line)) takeArgument(record, argument);
+    while (const char* const argument = nextToken(line, BLANK)) takeArgument(record, argument);
 }
 
 void TestPerformer::takeName(Record& record, const char* token)

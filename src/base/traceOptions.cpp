@@ -55,11 +55,6 @@ static_assert(sizeof TOKENS / sizeof TOKENS[0] == NUM_TOKENS + 1);
 
 } // namespace
 
-bool TraceOptions::ByBytes::operator()(const char* a, const char* b) const
-{
-    return std::strcmp(a, b) < 0;
-}
-
 TraceOptions& TraceOptions::getInstance()
 {
     static TraceOptions* const theOptions = new TraceOptions;

@@ -4,6 +4,7 @@
 #ifndef ZU_BASE_TRACEOPTIONS_H
 #define ZU_BASE_TRACEOPTIONS_H
 
+#include "textTokens.h"
 #include "traceLevel.h"
 
 #include <cstdint>
@@ -60,11 +61,6 @@ private:
         HIDE
     };
 
-    struct ByBytes
-    {
-        bool operator()(const char* a, const char* b) const;
-    };
-
     TraceOptions();
     ~TraceOptions();
 
@@ -79,7 +75,7 @@ private:
     bool _writeProtect = false;
     ShowAll _showAll = AS_NAMED;
     // Keyed by the levels' own copies of their names.
-    std::map<const char*, TraceLevel*, ByBytes> _levels;
+    std::map<const char*, TraceLevel*, LessByBytes> _levels;
 };
 
 } // namespace Zu

@@ -176,6 +176,25 @@ TEST(LgStream, StringsComeOutOneByOne)
     EXPECT_EQ(take(stream), "");
 }
 
+TEST(LgStream, AStringThatDoesNotFitStaysAndTouchesNothing)
+{
+    LgStream stream;
+    stream << "12345" << Zu::ends;
+    std::array<char, 8> text;
+    text.fill('x');
+    unsigned int length = 0;
+    EXPECT_FALSE(stream.take(text.data(), 5, length));
+    EXPECT_EQ(length, 5U);
+    EXPECT_EQ(std::string(text.data(), text.size()), "xxxxxxxx");
+    EXPECT_TRUE(stream.take(text.data(), 6, length));
+    EXPECT_EQ(length, 5U);
+    EXPECT_EQ(std::string(text.data(), text.size()), std::string("12345\0xx", 8));
+    EXPECT_TRUE(stream.take(text.data(), 1, length));
+    EXPECT_EQ(length, 0U);
+    EXPECT_STREQ(text.data(), "");
+    EXPECT_FALSE(stream.take(text.data(), 0, length));
+}
+
 TEST(LgStream, AnUnfinishedStringIsNotSeen)
 {
     LgStream stream;
