@@ -54,6 +54,7 @@ public:
     }
 
 private:
+    // For debuggers: no code reads it.
     static inline bool _initialized = false;
 };
 

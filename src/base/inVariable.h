@@ -43,6 +43,7 @@ public:
     T getValue() const;
 
 private:
+    // Unused: part of the layout, which is frozen, see docs/compatibility.md.
     T _value;
 };
 

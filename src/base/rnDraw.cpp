@@ -12,12 +12,21 @@ namespace Zu
 namespace
 {
 
-// A client's class derived from one of these may draw in another way.
+template <class... Sources> struct List
+{
+    static bool contains(const std::type_info& type)
+    {
+        return ((type == typeid(Sources)) || ...);
+    }
+};
+
+// The sources that draw alike. A client's class derived from one of them may draw in another way.
+template <class T>
+using Alike = List<RnLecuyerUniformRng<T>, RnNumRecUniformRng<T>, RnVanDerCorputRng<T>>;
+
 template <class T> bool drawsAlike(const RnRng<T>& source)
 {
-    const std::type_info& type = typeid(source);
-    return type == typeid(RnLecuyerUniformRng<T>) || type == typeid(RnNumRecUniformRng<T>) ||
-           type == typeid(RnVanDerCorputRng<T>);
+    return Alike<T>::contains(typeid(source));
 }
 
 template <class T> void draw(RnRng<T>& source, unsigned int n, T* values)

@@ -92,6 +92,16 @@ protected:
     }
 
 private:
+    // How the library's two classes find bins is known. A client's derived class may have its own
+    // bins, and may read the weights between values.
+    enum class Kind
+    {
+        Searched,
+        Uniform,
+        Derived
+    };
+
+    Kind kind() const;
     bool mayCount(unsigned int n) const;
     void count(unsigned int n, const T* values, RnBins::Counter& counter) const;
     void findBins(unsigned int n, const T* values, std::int32_t* bins) const;

@@ -13,6 +13,12 @@ namespace
 constexpr unsigned int LANES = 8;
 constexpr unsigned int REGISTERS = LANES / 4;
 
+// What a modulus is short of 2^31.
+constexpr std::int32_t restOf(std::int32_t modulus)
+{
+    return static_cast<std::int32_t>((std::int64_t{1} << 31) - modulus);
+}
+
 // A multiplier raised to the power of the number of lanes.
 constexpr std::int32_t leap(std::uint64_t multiplier, std::uint64_t modulus)
 {
@@ -131,8 +137,8 @@ template <class T> unsigned int RnLecuyerUniformRng<T>::getBlocks(unsigned int n
         lanes0[r] = loaded(start0 + 4 * r);
         lanes1[r] = loaded(start1 + 4 * r);
     }
-    const __m128i multiplier0 = _mm_set1_epi64x(leap(40014, MODULUS0));
-    const __m128i multiplier1 = _mm_set1_epi64x(leap(40692, MODULUS1));
+    const __m128i multiplier0 = _mm_set1_epi64x(leap(MULTIPLIER0, MODULUS0));
+    const __m128i multiplier1 = _mm_set1_epi64x(leap(MULTIPLIER1, MODULUS1));
     const __m128i modulus0 = _mm_set1_epi32(MODULUS0);
     const __m128i modulus1 = _mm_set1_epi32(MODULUS1);
     const __m128i one = _mm_set1_epi32(1);
@@ -140,8 +146,8 @@ template <class T> unsigned int RnLecuyerUniformRng<T>::getBlocks(unsigned int n
     for (; n - done >= LANES; done += LANES)
         for (unsigned int r = 0; r < REGISTERS; ++r)
         {
-            lanes0[r] = leapt<85>(lanes0[r], multiplier0, modulus0);
-            lanes1[r] = leapt<249>(lanes1[r], multiplier1, modulus1);
+            lanes0[r] = leapt<restOf(MODULUS0)>(lanes0[r], multiplier0, modulus0);
+            lanes1[r] = leapt<restOf(MODULUS1)>(lanes1[r], multiplier1, modulus1);
             // z - 1, so that the sign shows where z is below 1.
             const __m128i z =
                 _mm_sub_epi32(_mm_sub_epi32(_mm_add_epi32(lanes1[r], lanes0[r]), modulus0), one);

@@ -67,8 +67,8 @@ public:
     /// The next value, without a virtual call.
     ZU_ALWAYS_INLINE T eval()
     {
-        _state0 = stepped<40014, 53668, 12211, MODULUS0>(_state0);
-        _state1 = stepped<40692, 52774, 3791, MODULUS1>(_state1);
+        _state0 = stepped<MULTIPLIER0, MODULUS0>(_state0);
+        _state1 = stepped<MULTIPLIER1, MODULUS1>(_state1);
         return joined(_state0, _state1);
     }
 
@@ -87,14 +87,17 @@ public:
 private:
     static constexpr std::int32_t MODULUS0 = 2147483563;
     static constexpr std::int32_t MODULUS1 = 2147483399;
+    static constexpr std::int32_t MULTIPLIER0 = 40014;
+    static constexpr std::int32_t MULTIPLIER1 = 40692;
     static constexpr std::int32_t START1 = 55555;
 
     // One step by Schrage's factorisation, MODULUS = MULTIPLIER * QUOTIENT + REST. Masks replace
     // branches that are unpredictable.
-    template <std::int32_t MULTIPLIER, std::int32_t QUOTIENT, std::int32_t REST,
-              std::int32_t MODULUS>
+    template <std::int32_t MULTIPLIER, std::int32_t MODULUS>
     ZU_ALWAYS_INLINE static std::int32_t stepped(std::int32_t state)
     {
+        constexpr std::int32_t QUOTIENT = MODULUS / MULTIPLIER;
+        constexpr std::int32_t REST = MODULUS % MULTIPLIER;
         const std::int32_t k = state / QUOTIENT;
         const std::int32_t next = MULTIPLIER * (state - k * QUOTIENT) - k * REST;
         return next + (MODULUS & (next >> 31));

@@ -6,6 +6,7 @@
 #include "base/rnLecuyerUniformRng.h"
 #include "base/rnMexicanHatRng.h"
 #include "base/rnNumRecUniformRng.h"
+#include "base/rnStdAdapters.h"
 #include "base/rnStdRand.h"
 #include "base/rnStdUniformRng.h"
 #include "base/rnVanDerCorputRng.h"
@@ -121,6 +122,24 @@ TYPED_TEST(RnDrawTest, ShapedAndMeasuredSourcesGiveWhatTheirCallsGive)
     expectCalls<TypeParam>(measured, measuredTwin);
     // Nothing was taken from the uniform source in advance.
     expectCalls<TypeParam>(uniform, uniformTwin);
+}
+
+// A source that is missing in the list of those that draw alike is correct, but slow. A check sees
+// to it that every source of the library is named here.
+TYPED_TEST(RnDrawTest, EverySourceIsInTheListOrHasAReasonNotToBe)
+{
+    RnLecuyerUniformRng<TypeParam> uniform;
+    EXPECT_TRUE(Zu::rnDrawsAlike(uniform));
+    EXPECT_TRUE(Zu::rnDrawsAlike(RnNumRecUniformRng<TypeParam>(3)));
+    EXPECT_TRUE(Zu::rnDrawsAlike(RnVanDerCorputRng<TypeParam>(3)));
+    // Others may draw from the runtime's generator between the calls.
+    EXPECT_FALSE(Zu::rnDrawsAlike(RnStdUniformRng<TypeParam>()));
+    // They draw from a source, which may be a client's and sees the calls.
+    EXPECT_FALSE(Zu::rnDrawsAlike(RnGaussianRng<TypeParam>(&uniform)));
+    EXPECT_FALSE(Zu::rnDrawsAlike(RnMexicanHatRng<TypeParam>(&uniform)));
+    EXPECT_FALSE(Zu::rnDrawsAlike(RnHistogramRng<TypeParam>(this->_histogram, &uniform)));
+    // A template over engines that the library does not know.
+    EXPECT_FALSE(Zu::rnDrawsAlike(Zu::RnEngineRng<TypeParam>()));
 }
 
 TYPED_TEST(RnDrawTest, NoValueMeansNoDraw)

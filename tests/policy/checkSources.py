@@ -27,6 +27,8 @@ PLATFORM_MACRO = re.compile(
 HAS_HEADER = re.compile(r"__has_include\s*\(\s*[<\"]([^>\"]+)")
 ASKS_PLATFORM = "base/baseApi.h"
 SYSTEM_ERROR = re.compile(r"\bthrow\s+(Zu::)?ExSysError\w*")
+RANDOM_SOURCE = re.compile(r"\bclass (?:ZU_\w+ )?(\w+) : public Rn(?:Uniform)?Rng<T>")
+RANDOM_INTERFACES = {"RnUniformRng"}
 RAISES_SYSTEM_ERRORS = "base/exRaise.cpp"
 LINE_LENGTH = 100
 
@@ -79,6 +81,21 @@ def checkRaising(sources, errors):
         for line, text in enumerate(source.lines, 1):
             if SYSTEM_ERROR.search(text) and source.name != RAISES_SYSTEM_ERRORS:
                 errors.add(source.shown, line, "raising", "exRaise.h has the macro for this")
+
+
+def checkRandomSources(root, sources, errors):
+    """Each source of random numbers is known to the test of those that draw alike."""
+    test = root / "tests/base/rnDrawTest.cpp"
+    judged = test.read_text(encoding="utf-8") if test.exists() else ""
+    for source in sources.values():
+        for line, text in enumerate(source.lines, 1):
+            found = RANDOM_SOURCE.search(text)
+            if not found or found[1] in RANDOM_INTERFACES:
+                continue
+            name = found[1]
+            if not re.search(rf"\b{name}<\w+> uniform;|rnDrawsAlike\((Zu::)?{name}<", judged):
+                errors.add(source.shown, line, "random source",
+                           f"rnDrawTest.cpp does not say whether {name} draws alike")
 
 
 def checkHeaders(sources, errors):
@@ -165,6 +182,7 @@ def check(root, requireTests):
     checkOwnHeaderFirst(sources, table, errors)
     checkPlatforms(sources, errors)
     checkRaising(sources, errors)
+    checkRandomSources(root, sources, errors)
     checkHeaders(sources, errors)
     checkPublicHeaders(table, sources, errors)
     if requireTests:

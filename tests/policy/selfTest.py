@@ -311,6 +311,14 @@ class Sources(PolicyTest):
         self.assertSources({"src/base/high.cpp": own("high", statement)},
                            "src/base/high.cpp:2: [raising]")
 
+    def testSourceOfRandomNumbersThatIsNotJudged(self):
+        headers = {"src/base/high.h": header(
+            "high", "template <class T> class ZU_BASE_VISIBLE RnNewRng : public RnRng<T>")}
+        self.assertSources(headers, "src/base/high.h:7: [random source]")
+        known = {"tests/base/rnDrawTest.cpp": "EXPECT_TRUE(Zu::rnDrawsAlike(RnNewRng<T>(1)));\n",
+                 "tests/base/CMakeLists.txt": "zu_components(base)\nrnDrawTest.cpp\n"}
+        self.assertSources({**headers, **known})
+
     def testWrongGuard(self):
         self.assertSources({"src/base/low.h": header("lo")}, "src/base/low.h:1: [guard]")
         self.assertSources({"src/base/middle.imp": header("middle")},
