@@ -14,12 +14,12 @@
 namespace
 {
 
-using support::areSame;
 using support::before;
 using support::behind;
 using support::HistogramRandom;
 using support::INFINITE;
 using support::NO_NUMBER;
+using support::same;
 
 namespace RnBins = Zu::RnBins;
 
@@ -44,7 +44,7 @@ TYPED_TEST(RnBinsTest, EdgesDivideTheRangeAndEndWithItsEnd)
         const unsigned int nBins = 1 + random.below(200);
         const T min = random.within(T(-10), T(10));
         const T max = min + random.magnitude<T>(-6, 6);
-        ASSERT_TRUE(areSame(RnBins::edgesOf(nBins, min, max), support::toldEdges(nBins, min, max)))
+        ASSERT_TRUE(same(RnBins::edgesOf(nBins, min, max), support::toldEdges(nBins, min, max)))
             << nBins << " " << min << " " << max;
     }
 }
@@ -241,14 +241,14 @@ TYPED_TEST(RnBinsTest, OnesAreAddedAsOneByOne)
                          NO_NUMBER<T>};
     for (const T number : numbers)
         for (const std::uint32_t count : {0U, 1U, 2U, 3U, 4U, 5U, 999U, 1000U, 1001U, 5000U})
-            EXPECT_TRUE(areSame(RnBins::withOnes(number, count), oneByOne(number, count)))
+            EXPECT_TRUE(same(RnBins::withOnes(number, count), oneByOne(number, count)))
                 << number << " " << count;
     HistogramRandom random(764);
     for (int round = 0; round < 300; ++round)
     {
         const T number = random.within(T(-1), T(1)) * random.magnitude<T>(-4, 9);
         const std::uint32_t count = random.below(2000);
-        ASSERT_TRUE(areSame(RnBins::withOnes(number, count), oneByOne(number, count)))
+        ASSERT_TRUE(same(RnBins::withOnes(number, count), oneByOne(number, count)))
             << number << " " << count;
     }
 }
@@ -271,7 +271,7 @@ TYPED_TEST(RnBinsTest, ACumulativeTableIsSummedInOrder)
               (std::vector<T>{T(0), T(0.25), T(0.25), T(1)}));
     for (const std::size_t nBins : {1U, 2U, 7U, 64U, 4096U})
         for (const auto& [name, weights] : support::weightTables<T>(nBins))
-            EXPECT_TRUE(areSame(RnBins::cumulated(weights), support::toldCdf(weights)))
+            EXPECT_TRUE(same(RnBins::cumulated(weights), support::toldCdf(weights)))
                 << nBins << " " << name;
 }
 
@@ -284,8 +284,8 @@ TYPED_TEST(RnBinsTest, ACumulativeTableOfNothingIsAZero)
 TYPED_TEST(RnBinsTest, ACumulativeTableWithoutWeightHasNoNumberBehindItsFirst)
 {
     using T = TypeParam;
-    EXPECT_TRUE(areSame(RnBins::cumulated(std::vector<T>(2, T(0))),
-                        std::vector<T>{T(0), NO_NUMBER<T>, NO_NUMBER<T>}));
+    EXPECT_TRUE(same(RnBins::cumulated(std::vector<T>(2, T(0))),
+                     std::vector<T>{T(0), NO_NUMBER<T>, NO_NUMBER<T>}));
 }
 
 TYPED_TEST(RnBinsTest, ANaNIsShownWithoutItsSign)

@@ -22,12 +22,12 @@
 namespace
 {
 
-using support::areSame;
 using support::before;
 using support::behind;
 using support::HistogramRandom;
 using support::INFINITE;
 using support::NO_NUMBER;
+using support::same;
 using Zu::RnHistogramHemispherical;
 using Zu::RnHistogramSpherical;
 
@@ -102,9 +102,9 @@ template <class Histogram> auto storageOf(const Histogram& histogram)
 template <class Histogram, class Kind>
 testing::AssertionResult holds(const Histogram& histogram, const ToldHistogram<Kind>& told)
 {
-    const testing::AssertionResult bins = areSame(storageOf(histogram), told._bins);
+    const testing::AssertionResult bins = same(storageOf(histogram), told._bins);
     if (!bins) return bins;
-    return areSame(histogram.getTotal(), told._total);
+    return same(histogram.getTotal(), told._total);
 }
 
 template <class Kind> class RnDirectionalHistogramTest : public testing::Test
@@ -621,7 +621,7 @@ TYPED_TEST(RnDirectionalHistogramTest, ADerivedHistogramThatFindsCellsInItsOwnWa
                                   T(-5),
                                   std::cos(T(angles[2])),
                                   T(-5)};
-    EXPECT_TRUE(areSame(histogram._seen, expected));
+    EXPECT_TRUE(same(histogram._seen, expected));
     EXPECT_EQ(storageOf(histogram), (std::vector<T>{T(0), T(0), T(0), T(0), T(0), T(4.75)}));
     EXPECT_EQ(histogram.getTotal(), T(4.75));
 }

@@ -41,14 +41,14 @@ template struct MemberOrder<
 namespace
 {
 
-using support::areSame;
 using support::before;
 using support::behind;
 using support::HistogramRandom;
 using support::INFINITE;
 using support::NO_NUMBER;
 using support::Place;
-using support::ScriptedRng;
+using support::RepeatingRng;
+using support::same;
 using Zu::ExInternalError;
 using Zu::RnHistogramBi;
 using Zu::RnHistogramBiRng;
@@ -120,15 +120,15 @@ template <class T> struct ToldSampler
 
 template <class T> testing::AssertionResult isTold(T x, T y, const Pair<T>& told)
 {
-    if (std::isnan(told._x) && std::isnan(told._y)) return areSame(x, told._x);
-    const testing::AssertionResult first = areSame(x, told._x);
-    return first ? areSame(y, told._y) : first;
+    if (std::isnan(told._x) && std::isnan(told._y)) return same(x, told._x);
+    const testing::AssertionResult first = same(x, told._x);
+    return first ? same(y, told._y) : first;
 }
 
 TYPED_TEST(RnHistogramBiRngTest, OneCellIsLinearInBothDraws)
 {
     using T = TypeParam;
-    ScriptedRng<T> source({T(0.25), T(0.75), T(0), T(0), T(0.5), T(1)});
+    RepeatingRng<T> source({T(0.25), T(0.75), T(0), T(0), T(0.5), T(1)});
     RnHistogramBiRng<T> rng(histogramOf<T>({T(1), T(5)}, {T(-2), T(0)}, {T(3)}), &source);
     T x;
     T y;
@@ -147,7 +147,7 @@ TYPED_TEST(RnHistogramBiRngTest, OneCellIsLinearInBothDraws)
 TYPED_TEST(RnHistogramBiRngTest, TheFirstDrawChoosesTheCellInStorageOrder)
 {
     using T = TypeParam;
-    ScriptedRng<T> source({T(0.125), T(0.5), T(0.375), T(0.5), T(0.625), T(0.25), T(0.875), T(0)});
+    RepeatingRng<T> source({T(0.125), T(0.5), T(0.375), T(0.5), T(0.625), T(0.25), T(0.875), T(0)});
     RnHistogramBiRng<T> rng(
         histogramOf<T>({T(0), T(1), T(3)}, {T(0), T(10), T(30)}, {T(1), T(1), T(1), T(1)}),
         &source);
@@ -195,7 +195,7 @@ TYPED_TEST(RnHistogramBiRngTest, ADrawOutsideOfTheTableIsAtTheEndsOfTheCellsWith
     for (const T draw :
          {T(1), behind(T(1)), T(2), INFINITE<T>, before(T(0)), T(-0.5), T(-7), -INFINITE<T>})
     {
-        ScriptedRng<T> source({draw, T(0.5)});
+        RepeatingRng<T> source({draw, T(0.5)});
         RnHistogramBiRng<T> rng(histogramOf<T>({T(0), T(1), T(3)}, {T(0), T(10), T(30), T(60)},
                                                {T(0), T(1), T(1), T(1), T(0), T(0)}),
                                 &source);
@@ -210,7 +210,7 @@ TYPED_TEST(RnHistogramBiRngTest, ADrawOutsideOfTheTableIsAtTheEndsOfTheCellsWith
 TYPED_TEST(RnHistogramBiRngTest, ADrawThatIsNoNumberGivesNone)
 {
     using T = TypeParam;
-    ScriptedRng<T> source({NO_NUMBER<T>, T(0.5), T(0.5), NO_NUMBER<T>});
+    RepeatingRng<T> source({NO_NUMBER<T>, T(0.5), T(0.5), NO_NUMBER<T>});
     RnHistogramBiRng<T> rng(histogramOf<T>({T(0), T(1)}, {T(0), T(1)}, {T(1)}), &source);
     T x;
     T y;
@@ -224,7 +224,7 @@ TYPED_TEST(RnHistogramBiRngTest, ADrawThatIsNoNumberGivesNone)
 TYPED_TEST(RnHistogramBiRngTest, WithoutWeightAllXAndDensitiesAreNoNumbers)
 {
     using T = TypeParam;
-    ScriptedRng<T> source({T(0), T(0.3), T(1), T(-1), T(2), T(0.5), NO_NUMBER<T>});
+    RepeatingRng<T> source({T(0), T(0.3), T(1), T(-1), T(2), T(0.5), NO_NUMBER<T>});
     RnHistogramBiRng<T> rng(RnHistogramBi<T>(2, 3, T(0), T(1), T(0), T(1)), &source);
     for (int n = 0; n < 14; ++n)
     {
@@ -236,7 +236,7 @@ TYPED_TEST(RnHistogramBiRngTest, WithoutWeightAllXAndDensitiesAreNoNumbers)
     std::vector<T> x(300, T(0));
     std::vector<T> y(300, T(0));
     rng.getSequence(300, x.data(), y.data());
-    EXPECT_TRUE(areSame(x, std::vector<T>(300, NO_NUMBER<T>)));
+    EXPECT_TRUE(same(x, std::vector<T>(300, NO_NUMBER<T>)));
     EXPECT_TRUE(std::isnan(rng.getPdf(T(0.5), T(0.5))));
     EXPECT_TRUE(std::isnan(rng.getPdf(T(0), T(0))));
     EXPECT_EQ(rng.getPdf(T(1), T(0.5)), T(0));
@@ -249,7 +249,7 @@ TYPED_TEST(RnHistogramBiRngTest, WithoutBinsAllXAreNoNumbers)
     const std::pair<unsigned int, unsigned int> sizes[] = {{0, 0}, {0, 3}, {3, 0}};
     for (const auto& [nBinsX, nBinsY] : sizes)
     {
-        ScriptedRng<T> source({T(0), T(0.3), T(1), T(-1), T(2), T(0.5), NO_NUMBER<T>});
+        RepeatingRng<T> source({T(0), T(0.3), T(1), T(-1), T(2), T(0.5), NO_NUMBER<T>});
         RnHistogramBiRng<T> rng(RnHistogramBi<T>(nBinsX, nBinsY, T(0), T(1), T(0), T(1)), &source);
         for (int n = 0; n < 14; ++n)
         {
@@ -261,7 +261,7 @@ TYPED_TEST(RnHistogramBiRngTest, WithoutBinsAllXAreNoNumbers)
         std::vector<T> x(300, T(0));
         std::vector<T> y(300, T(0));
         rng.getSequence(300, x.data(), y.data());
-        EXPECT_TRUE(areSame(x, std::vector<T>(300, NO_NUMBER<T>)));
+        EXPECT_TRUE(same(x, std::vector<T>(300, NO_NUMBER<T>)));
         // Every place is outside of all cells.
         EXPECT_EQ(rng.getPdf(T(0.5), T(0.5)), T(0));
         EXPECT_EQ(rng.getPdf(T(1), T(1)), T(0));
@@ -271,7 +271,7 @@ TYPED_TEST(RnHistogramBiRngTest, WithoutBinsAllXAreNoNumbers)
 TYPED_TEST(RnHistogramBiRngTest, TheRangeIsThatOfTheEdgesWhateverTheCellsHold)
 {
     using T = TypeParam;
-    ScriptedRng<T> source({T(0)});
+    RepeatingRng<T> source({T(0)});
     const RnHistogramBiRng<T> rng(
         histogramOf<T>({T(-1), T(0), T(4)}, {T(2), T(5), T(9)}, {T(0), T(1), T(0), T(0)}), &source);
     T x;
@@ -293,7 +293,7 @@ TYPED_TEST(RnHistogramBiRngTest, TheRangeIsThatOfTheEdgesWhateverTheCellsHold)
 TYPED_TEST(RnHistogramBiRngTest, ADensityIsTheProbabilityOfTheCellNotDividedByItsArea)
 {
     using T = TypeParam;
-    ScriptedRng<T> source({T(0)});
+    RepeatingRng<T> source({T(0)});
     const RnHistogramBiRng<T> rng(
         histogramOf<T>({T(0), T(2), T(6)}, {T(0), T(4), T(12)}, {T(1), T(2), T(4), T(1)}), &source);
     EXPECT_EQ(rng.getPdf(T(1), T(1)), T(0.125));
@@ -315,7 +315,7 @@ TYPED_TEST(RnHistogramBiRngTest, ADensityIsTheProbabilityOfTheCellNotDividedByIt
 TYPED_TEST(RnHistogramBiRngTest, CellsOfUnitAreaHaveADensityThatIntegratesToOne)
 {
     using T = TypeParam;
-    ScriptedRng<T> source({T(0)});
+    RepeatingRng<T> source({T(0)});
     const RnHistogramBiRng<T> rng(histogramOf<T>({T(0), T(1), T(2)}, {T(5), T(6)}, {T(1), T(3)}),
                                   &source);
     EXPECT_EQ(rng.getPdf(T(0.5), T(5.5)) + rng.getPdf(T(1.5), T(5.5)), T(1));
@@ -324,7 +324,7 @@ TYPED_TEST(RnHistogramBiRngTest, CellsOfUnitAreaHaveADensityThatIntegratesToOne)
 TYPED_TEST(RnHistogramBiRngTest, ADensityIsZeroOutsideOnEitherAxis)
 {
     using T = TypeParam;
-    ScriptedRng<T> source({T(0)});
+    RepeatingRng<T> source({T(0)});
     const RnHistogramBiRng<T> rng(histogramOf<T>({T(0), T(2)}, {T(0), T(4)}, {T(1)}), &source);
     EXPECT_EQ(rng.getPdf(T(0), T(0)), T(1));
     for (const T value : {before(T(0)), T(4), T(9), INFINITE<T>, -INFINITE<T>, NO_NUMBER<T>})
@@ -338,7 +338,7 @@ TYPED_TEST(RnHistogramBiRngTest, ADensityIsZeroOutsideOnEitherAxis)
 TYPED_TEST(RnHistogramBiRngTest, RestartsItsSource)
 {
     using T = TypeParam;
-    ScriptedRng<T> source({T(0.25), T(0.5), T(0.75)});
+    RepeatingRng<T> source({T(0.25), T(0.5), T(0.75)});
     RnHistogramBiRng<T> rng(histogramOf<T>({T(0), T(1)}, {T(0), T(1)}, {T(1)}), &source);
     T x;
     T y;
@@ -428,7 +428,7 @@ TYPED_TEST(RnHistogramBiRngTest, EverySampleAndDensityIsTheToldOne)
         }
         for (int n = 0; n < 1000; ++n) draws.push_back(random.unit<T>());
         const auto n = static_cast<unsigned int>(draws.size() / 2);
-        ScriptedRng<T> source(draws);
+        RepeatingRng<T> source(draws);
         RnHistogramBiRng<T> rng(histogramOf(told._edgesX, told._edgesY, told._weights), &source);
         std::vector<T> x(n, T(0));
         std::vector<T> y(n, T(0));
@@ -441,7 +441,7 @@ TYPED_TEST(RnHistogramBiRngTest, EverySampleAndDensityIsTheToldOne)
             rng.getSample(singleX, singleY);
             ASSERT_TRUE(isTold(singleX, singleY, expected)) << draws[2 * k] << " " << name;
             ASSERT_TRUE(isTold(x[k], y[k], expected)) << draws[2 * k] << " " << name;
-            ASSERT_TRUE(areSame(y[k], singleY)) << draws[2 * k] << " " << name;
+            ASSERT_TRUE(same(y[k], singleY)) << draws[2 * k] << " " << name;
         }
         ASSERT_EQ(source._draws, 2 * draws.size()) << name;
 
@@ -449,7 +449,7 @@ TYPED_TEST(RnHistogramBiRngTest, EverySampleAndDensityIsTheToldOne)
             for (std::size_t j = 0; j < told._edgesY.size(); j += 1 + told._edgesY.size() / 10)
                 for (const T px : {before(told._edgesX[i]), told._edgesX[i]})
                     for (const T py : {before(told._edgesY[j]), told._edgesY[j]})
-                        ASSERT_TRUE(areSame(rng.getPdf(px, py), told.pdf(px, py)))
+                        ASSERT_TRUE(same(rng.getPdf(px, py), told.pdf(px, py)))
                             << px << " " << py << " " << name;
     }
 }
@@ -482,8 +482,8 @@ void expectSequences(const SamplerCase<T>& row, const Arguments&... arguments)
         }
         expectedX.push_back(UNTOUCHED);
         expectedY.push_back(UNTOUCHED);
-        ASSERT_TRUE(areSame(x, expectedX)) << n << ", " << row._name;
-        ASSERT_TRUE(areSame(y, expectedY)) << n << ", " << row._name;
+        ASSERT_TRUE(same(x, expectedX)) << n << ", " << row._name;
+        ASSERT_TRUE(same(y, expectedY)) << n << ", " << row._name;
         // Neither more nor fewer were drawn.
         ASSERT_EQ(source(), single()) << n << ", " << row._name;
     }
@@ -508,7 +508,7 @@ TYPED_TEST(RnHistogramBiRngTest, ASequenceOfOtherSourcesIsAsManySamples)
     HistogramRandom random(796);
     std::vector<T> script;
     for (int i = 0; i < 997; ++i) script.push_back(random.within(T(-0.1), T(1.1)));
-    expectSequences<T, ScriptedRng<T>>(row, script);
+    expectSequences<T, RepeatingRng<T>>(row, script);
 }
 
 TYPED_TEST(RnHistogramBiRngTest, ASequenceOfAShapedSourceIsAsManySamples)
@@ -554,7 +554,7 @@ TYPED_TEST(RnHistogramBiRngTest, ADerivedSamplerThatReplacesTheSampleGivesItInSe
     using T = TypeParam;
     for (const unsigned int n : {0U, 1U, 127U, 128U, 129U, 256U, 257U, 4097U})
     {
-        ScriptedRng<T> source({T(0.5)});
+        RepeatingRng<T> source({T(0.5)});
         NumberedRng<T> rng(histogramOf<T>({T(0), T(1)}, {T(0), T(1)}, {T(1)}), &source);
         std::vector<T> x(n);
         std::vector<T> y(n);

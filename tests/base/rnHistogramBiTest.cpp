@@ -19,12 +19,12 @@
 namespace
 {
 
-using support::areSame;
 using support::before;
 using support::behind;
 using support::HistogramRandom;
 using support::INFINITE;
 using support::NO_NUMBER;
+using support::same;
 using support::toldBin;
 using support::toldEdges;
 using support::toldUniformBin;
@@ -73,9 +73,9 @@ template <class T> struct ToldHistogram
 template <class T>
 testing::AssertionResult holds(const RnHistogramBi<T>& histogram, const ToldHistogram<T>& told)
 {
-    const testing::AssertionResult bins = areSame(binsOf(histogram), told._bins);
+    const testing::AssertionResult bins = same(binsOf(histogram), told._bins);
     if (!bins) return bins;
-    return areSame(histogram.getTotal(), told._total);
+    return same(histogram.getTotal(), told._total);
 }
 
 // At, beside, between and outside of edges.
@@ -369,7 +369,7 @@ template <class Base, class T> void expectToSeeAll()
     std::vector<T> expected{T(-7), T(8)};
     for (int n = 0; n < 150; ++n)
         expected.insert(expected.end(), {T(3), T(4), T(0.5), NO_NUMBER<T>});
-    EXPECT_TRUE(areSame(histogram._seen, expected));
+    EXPECT_TRUE(same(histogram._seen, expected));
     EXPECT_EQ(binsOf(histogram), (std::vector<T>{T(0), T(0), T(0), T(0), T(0), T(300.5)}));
     EXPECT_EQ(histogram.getTotal(), T(300.5));
 }

@@ -19,12 +19,12 @@
 namespace
 {
 
-using support::areSame;
 using support::before;
 using support::behind;
 using support::HistogramRandom;
 using support::INFINITE;
-using support::ScriptedRng;
+using support::RepeatingRng;
+using support::same;
 using Zu::RnHistogram;
 using Zu::RnHistogramBi;
 using Zu::RnHistogramRng;
@@ -179,12 +179,12 @@ TEST_F(RnHistogramPeers, ASampleIsThePeersWithTheSameTable)
                 if (const double draw = random.unit<double>(); draw < cdf.back())
                     draws.push_back(draw);
             ASSERT_GT(draws.size(), 1900U) << name;
-            ScriptedRng<double> source(draws);
+            RepeatingRng<double> source(draws);
             RnHistogramRng<double> rng(histogram, &source);
             for (const double draw : draws)
             {
                 const double expected = gsl_histogram_pdf_sample(peer.get(), draw);
-                ASSERT_TRUE(areSame(rng(), expected)) << draw << " " << name << ", " << nBins;
+                ASSERT_TRUE(same(rng(), expected)) << draw << " " << name << ", " << nBins;
             }
         }
 }

@@ -36,13 +36,13 @@ template struct MemberOrder<Zu::RnHistogramRng<double>, &Zu::RnHistogramRng<doub
 namespace
 {
 
-using support::areSame;
 using support::before;
 using support::behind;
 using support::HistogramRandom;
 using support::INFINITE;
 using support::NO_NUMBER;
-using support::ScriptedRng;
+using support::RepeatingRng;
+using support::same;
 using Zu::ExInternalError;
 using Zu::RnHistogram;
 using Zu::RnHistogramRng;
@@ -98,7 +98,7 @@ template <class T> struct ToldSampler
 TYPED_TEST(RnHistogramRngTest, ADrawOfAQuarterIsAQuarterOfTwoEvenBins)
 {
     using T = TypeParam;
-    ScriptedRng<T> source({T(0.25)});
+    RepeatingRng<T> source({T(0.25)});
     RnHistogramRng<T> rng(histogramOf<T>({T(0), T(1), T(2)}, {T(1), T(1)}), &source);
     EXPECT_EQ(rng(), T(0.5));
     for (const T x : {T(0), T(0.3), T(1), T(1.7), before(T(2))}) EXPECT_EQ(rng.getPdf(x), T(0.5));
@@ -107,7 +107,7 @@ TYPED_TEST(RnHistogramRngTest, ADrawOfAQuarterIsAQuarterOfTwoEvenBins)
 TYPED_TEST(RnHistogramRngTest, TheThreeWaysToDrawAreTheSame)
 {
     using T = TypeParam;
-    ScriptedRng<T> source({T(0.25), T(0.875), T(0.5)});
+    RepeatingRng<T> source({T(0.25), T(0.875), T(0.5)});
     RnHistogramRng<T> rng(histogramOf<T>({T(0), T(1), T(3)}, {T(1), T(1)}), &source);
     EXPECT_EQ(rng(), T(0.5));
     T value;
@@ -129,7 +129,7 @@ TYPED_TEST(RnHistogramRngTest, AnEmptyBinIsNeverChosen)
     std::vector<T> draws{T(0), T(0.5), before(T(0.5)), behind(T(0.5)), before(T(1))};
     for (int i = 0; i < 2000; ++i) draws.push_back(random.unit<T>());
     const std::size_t n = draws.size();
-    ScriptedRng<T> source(std::move(draws));
+    RepeatingRng<T> source(std::move(draws));
     RnHistogramRng<T> rng(histogramOf<T>({T(0), T(1), T(2), T(3)}, {T(1), T(0), T(1)}), &source);
     for (std::size_t i = 0; i < n; ++i)
     {
@@ -146,7 +146,7 @@ TYPED_TEST(RnHistogramRngTest, AnEmptyBinIsNeverChosen)
 TYPED_TEST(RnHistogramRngTest, ADrawOnAnEntryGoesToTheNextBinWithWeight)
 {
     using T = TypeParam;
-    ScriptedRng<T> source({T(0), T(0.25), T(0.5)});
+    RepeatingRng<T> source({T(0), T(0.25), T(0.5)});
     RnHistogramRng<T> rng(histogramOf<T>({T(0), T(1), T(2), T(3), T(4), T(5), T(6)},
                                          {T(0), T(1), T(0), T(1), T(0), T(2)}),
                           &source);
@@ -158,7 +158,7 @@ TYPED_TEST(RnHistogramRngTest, ADrawOnAnEntryGoesToTheNextBinWithWeight)
 TYPED_TEST(RnHistogramRngTest, ADrawAtOrBehindTheEndOfTheTableIsTheEndOfTheLastBinWithWeight)
 {
     using T = TypeParam;
-    ScriptedRng<T> source({T(1), behind(T(1)), T(2), INFINITE<T>});
+    RepeatingRng<T> source({T(1), behind(T(1)), T(2), INFINITE<T>});
     RnHistogramRng<T> rng(histogramOf<T>({T(0), T(1), T(3), T(4)}, {T(1), T(1), T(0)}), &source);
     for (int i = 0; i < 4; ++i) EXPECT_EQ(rng(), T(3)) << i;
 }
@@ -174,7 +174,7 @@ TYPED_TEST(RnHistogramRngTest, TheEndOfTheLastBinIsItsEdgeToTheBit)
         const T low = -random.magnitude<T>(-3, 1);
         const T high = random.magnitude<T>(-3, 1);
         if ((high - low) + low != high) ++inexact;
-        ScriptedRng<T> source({T(1), T(2)});
+        RepeatingRng<T> source({T(1), T(2)});
         RnHistogramRng<T> rng(histogramOf<T>({low, high}, {T(1)}), &source);
         ASSERT_EQ(rng(), high) << low;
         ASSERT_EQ(rng(), high) << low;
@@ -185,7 +185,7 @@ TYPED_TEST(RnHistogramRngTest, TheEndOfTheLastBinIsItsEdgeToTheBit)
 TYPED_TEST(RnHistogramRngTest, ABinWhoseShareRoundsAwayStillHasABeginningAndAnEnd)
 {
     using T = TypeParam;
-    ScriptedRng<T> source({T(1), T(2), T(-1)});
+    RepeatingRng<T> source({T(1), T(2), T(-1)});
     RnHistogramRng<T> last(histogramOf<T>({T(0), T(1), T(3), T(4)}, {T(1), T(1e-30), T(0)}),
                            &source);
     EXPECT_EQ(last(), T(3));
@@ -203,7 +203,7 @@ TYPED_TEST(RnHistogramRngTest, ABinWhoseShareRoundsAwayStillHasABeginningAndAnEn
 TYPED_TEST(RnHistogramRngTest, ADrawBeforeTheTableIsTheBeginningOfTheFirstBinWithWeight)
 {
     using T = TypeParam;
-    ScriptedRng<T> source({before(T(0)), T(-0.25), T(-7), -INFINITE<T>});
+    RepeatingRng<T> source({before(T(0)), T(-0.25), T(-7), -INFINITE<T>});
     RnHistogramRng<T> rng(histogramOf<T>({T(0), T(1), T(3), T(4)}, {T(0), T(1), T(1)}), &source);
     for (int i = 0; i < 4; ++i) EXPECT_EQ(rng(), T(1)) << i;
 }
@@ -211,7 +211,7 @@ TYPED_TEST(RnHistogramRngTest, ADrawBeforeTheTableIsTheBeginningOfTheFirstBinWit
 TYPED_TEST(RnHistogramRngTest, ADrawThatIsNoNumberGivesNone)
 {
     using T = TypeParam;
-    ScriptedRng<T> source({NO_NUMBER<T>});
+    RepeatingRng<T> source({NO_NUMBER<T>});
     RnHistogramRng<T> rng(histogramOf<T>({T(0), T(1), T(3)}, {T(1), T(1)}), &source);
     EXPECT_TRUE(std::isnan(rng()));
     T value = 0;
@@ -222,12 +222,12 @@ TYPED_TEST(RnHistogramRngTest, ADrawThatIsNoNumberGivesNone)
 TYPED_TEST(RnHistogramRngTest, WithoutWeightAllSamplesAndDensitiesAreNoNumbers)
 {
     using T = TypeParam;
-    ScriptedRng<T> source({T(0), T(0.3), T(1), T(-1), T(2), NO_NUMBER<T>});
+    RepeatingRng<T> source({T(0), T(0.3), T(1), T(-1), T(2), NO_NUMBER<T>});
     RnHistogramRng<T> rng(RnHistogram<T>(3, T(0), T(3)), &source);
     for (int i = 0; i < 6; ++i) EXPECT_TRUE(std::isnan(rng())) << i;
     std::vector<T> values(300, T(0));
     rng.getSequence(300, values.data());
-    EXPECT_TRUE(areSame(values, std::vector<T>(300, NO_NUMBER<T>)));
+    EXPECT_TRUE(same(values, std::vector<T>(300, NO_NUMBER<T>)));
     for (const T x : {T(0), T(1.5), before(T(3))}) EXPECT_TRUE(std::isnan(rng.getPdf(x))) << x;
     EXPECT_EQ(rng.getPdf(T(-1)), T(0));
     EXPECT_EQ(rng.getPdf(T(3)), T(0));
@@ -237,12 +237,12 @@ TYPED_TEST(RnHistogramRngTest, WithoutBinsAllSamplesAreNoNumbers)
 {
     using T = TypeParam;
     const T edge = T(0.5);
-    ScriptedRng<T> source({T(0), T(0.5), T(1), T(-1), NO_NUMBER<T>});
+    RepeatingRng<T> source({T(0), T(0.5), T(1), T(-1), NO_NUMBER<T>});
     RnHistogramRng<T> rng(RnHistogram<T>(0, &edge), &source);
     for (int i = 0; i < 5; ++i) EXPECT_TRUE(std::isnan(rng())) << i;
     std::vector<T> values(300, T(0));
     rng.getSequence(300, values.data());
-    EXPECT_TRUE(areSame(values, std::vector<T>(300, NO_NUMBER<T>)));
+    EXPECT_TRUE(same(values, std::vector<T>(300, NO_NUMBER<T>)));
     EXPECT_EQ(rng.getEfficientMin(), T(0.5));
     EXPECT_EQ(rng.getEfficientMax(), T(0.5));
     EXPECT_EQ(rng.getEfficientWidth(), T(0));
@@ -254,7 +254,7 @@ TYPED_TEST(RnHistogramRngTest, WithoutBinsAllSamplesAreNoNumbers)
 TYPED_TEST(RnHistogramRngTest, TheRangeIsThatOfTheEdgesWhateverTheBinsHold)
 {
     using T = TypeParam;
-    ScriptedRng<T> source({T(0)});
+    RepeatingRng<T> source({T(0)});
     const RnHistogramRng<T> rng(histogramOf<T>({T(-1), T(0), T(1.5), T(4)}, {T(0), T(1), T(0)}),
                                 &source);
     EXPECT_EQ(rng.getEfficientMin(), T(-1));
@@ -268,7 +268,7 @@ TYPED_TEST(RnHistogramRngTest, TheRangeIsThatOfTheEdgesWhateverTheBinsHold)
 TYPED_TEST(RnHistogramRngTest, ADensityIsZeroOutsideOfTheRange)
 {
     using T = TypeParam;
-    ScriptedRng<T> source({T(0)});
+    RepeatingRng<T> source({T(0)});
     const RnHistogramRng<T> rng(histogramOf<T>({T(-1), T(0), T(4)}, {T(1), T(1)}), &source);
     for (const T x : {before(T(-1)), T(-9), T(4), T(9), INFINITE<T>, -INFINITE<T>, NO_NUMBER<T>})
         EXPECT_EQ(rng.getPdf(x), T(0)) << x;
@@ -287,18 +287,18 @@ TYPED_TEST(RnHistogramRngTest, TheBinOfAUniformHistogramsDensityIsSearchedFor)
         weights.push_back(T(i + 1));
         histogram.addValue((edges[i] + edges[i + 1]) / T(2), weights.back());
     }
-    ScriptedRng<T> source({T(0)});
+    RepeatingRng<T> source({T(0)});
     const RnHistogramRng<T> rng(histogram, &source);
     const ToldSampler<T> told{edges, weights};
     for (const T edge : edges)
         for (const T x : {before(edge), edge, behind(edge)})
-            EXPECT_TRUE(areSame(rng.getPdf(x), told.pdf(x))) << x;
+            EXPECT_TRUE(same(rng.getPdf(x), told.pdf(x))) << x;
 }
 
 TYPED_TEST(RnHistogramRngTest, RestartsItsSource)
 {
     using T = TypeParam;
-    ScriptedRng<T> source({T(0.25), T(0.5), T(0.75)});
+    RepeatingRng<T> source({T(0.25), T(0.5), T(0.75)});
     RnHistogramRng<T> rng(histogramOf<T>({T(0), T(1)}, {T(1)}), &source);
     EXPECT_EQ(rng(), T(0.25));
     EXPECT_EQ(rng(), T(0.5));
@@ -344,7 +344,7 @@ TYPED_TEST(RnHistogramRngTest, LaterChangesOfTheHistogramDoNotReachIt)
 TYPED_TEST(RnHistogramRngTest, ACopySharesTheSource)
 {
     using T = TypeParam;
-    ScriptedRng<T> source({T(0.25), T(0.5), T(0.75)});
+    RepeatingRng<T> source({T(0.25), T(0.5), T(0.75)});
     RnHistogramRng<T> rng(histogramOf<T>({T(0), T(1)}, {T(1)}), &source);
     RnHistogramRng<T> copy(rng);
     EXPECT_EQ(rng(), T(0.25));
@@ -361,7 +361,7 @@ TYPED_TEST(RnHistogramRngTest, ASourceOfHighDrawsStaysInTheLastBinWithWeight)
         std::vector<T> weights(nBins, T(0.1));
         weights.push_back(T(0));
         const std::vector<T> edges = support::toldEdges(nBins + 1, T(0), T(nBins + 1));
-        ScriptedRng<T> source({before(T(1)), T(1), support::toldCdf(weights).back()});
+        RepeatingRng<T> source({before(T(1)), T(1), support::toldCdf(weights).back()});
         RnHistogramRng<T> rng(histogramOf<T>(edges, weights), &source);
         for (int i = 0; i < 3; ++i)
         {
@@ -396,26 +396,26 @@ TYPED_TEST(RnHistogramRngTest, EverySampleAndDensityIsTheToldOne)
         std::vector<T> draws = support::hardDraws(told._cdf);
         HistogramRandom random(783);
         for (int i = 0; i < 500; ++i) draws.push_back(random.unit<T>());
-        ScriptedRng<T> source(draws);
+        RepeatingRng<T> source(draws);
         RnHistogramRng<T> rng(histogramOf(told._edges, told._weights), &source);
         for (const T draw : draws)
         {
             const T expected = told.sample(draw);
-            ASSERT_TRUE(areSame(rng(), expected)) << draw << " " << name;
+            ASSERT_TRUE(same(rng(), expected)) << draw << " " << name;
         }
         std::vector<T> values(draws.size(), T(0));
         rng.getSequence(static_cast<unsigned int>(values.size()), values.data());
         for (std::size_t i = 0; i < draws.size(); ++i)
         {
             const T expected = told.sample(draws[i]);
-            ASSERT_TRUE(areSame(values[i], expected)) << draws[i] << " " << name;
+            ASSERT_TRUE(same(values[i], expected)) << draws[i] << " " << name;
         }
         ASSERT_EQ(source._draws, 2 * draws.size()) << name;
 
         const std::size_t step = 1 + told._edges.size() / 50;
         for (std::size_t i = 0; i < told._edges.size(); i += step)
             for (const T x : {before(told._edges[i]), told._edges[i], behind(told._edges[i])})
-                ASSERT_TRUE(areSame(rng.getPdf(x), told.pdf(x))) << x << " " << name;
+                ASSERT_TRUE(same(rng.getPdf(x), told.pdf(x))) << x << " " << name;
     }
 }
 
@@ -426,8 +426,7 @@ void expectSequences(const SamplerCase<T>& row, const Arguments&... arguments)
     Source single(arguments...);
     RnHistogramRng<T> rng(histogramOf(row._told._edges, row._told._weights), &source);
     // From a state that no block begins at.
-    for (int i = 0; i < 5; ++i)
-        ASSERT_TRUE(areSame(rng(), row._told.sample(single()))) << row._name;
+    for (int i = 0; i < 5; ++i) ASSERT_TRUE(same(rng(), row._told.sample(single()))) << row._name;
     for (const unsigned int n : support::SEQUENCE_LENGTHS)
     {
         constexpr T UNTOUCHED = T(-12345);
@@ -436,9 +435,9 @@ void expectSequences(const SamplerCase<T>& row, const Arguments&... arguments)
         std::vector<T> expected;
         for (unsigned int i = 0; i < n; ++i) expected.push_back(row._told.sample(single()));
         expected.push_back(UNTOUCHED);
-        ASSERT_TRUE(areSame(values, expected)) << n << ", " << row._name;
+        ASSERT_TRUE(same(values, expected)) << n << ", " << row._name;
         // Neither more nor fewer were drawn.
-        ASSERT_TRUE(areSame(rng(), row._told.sample(single()))) << n << ", " << row._name;
+        ASSERT_TRUE(same(rng(), row._told.sample(single()))) << n << ", " << row._name;
     }
     ASSERT_EQ(source(), single()) << row._name;
 }
@@ -475,7 +474,7 @@ TYPED_TEST(RnHistogramRngTest, ASequenceOfOtherSourcesIsAsManySingleDraws)
     HistogramRandom random(784);
     std::vector<T> script;
     for (int i = 0; i < 997; ++i) script.push_back(random.within(T(-0.1), T(1.1)));
-    expectSequences<T, ScriptedRng<T>>(row, script);
+    expectSequences<T, RepeatingRng<T>>(row, script);
 }
 
 TYPED_TEST(RnHistogramRngTest, ASequenceOfAShapedSourceIsAsManySingleDraws)
@@ -489,7 +488,7 @@ TYPED_TEST(RnHistogramRngTest, ASequenceOfAShapedSourceIsAsManySingleDraws)
     RnHistogramRng<T> rng(histogramOf(told._edges, told._weights), &source);
     std::vector<T> values(1001, T(0));
     rng.getSequence(1001, values.data());
-    for (const T value : values) ASSERT_TRUE(areSame(value, told.sample(single())));
+    for (const T value : values) ASSERT_TRUE(same(value, told.sample(single())));
     EXPECT_EQ(source(), single());
 }
 
@@ -509,7 +508,7 @@ TYPED_TEST(RnHistogramRngTest, TheWeightsAreSummedAnewInTheOrderOfTheBins)
     Zu::RnLecuyerUniformRng<T> source(1, 5);
     Zu::RnLecuyerUniformRng<T> single(1, 5);
     RnHistogramRng<T> rng(histogram, &source);
-    for (int i = 0; i < 1000; ++i) ASSERT_TRUE(areSame(rng(), told.sample(single())));
+    for (int i = 0; i < 1000; ++i) ASSERT_TRUE(same(rng(), told.sample(single())));
 }
 
 TYPED_TEST(RnHistogramRngTest, WhatIsSampledFillsAHistogramLikeTheFirst)

@@ -23,13 +23,13 @@
 namespace
 {
 
-using support::areSame;
 using support::before;
 using support::behind;
 using support::HistogramRandom;
 using support::INFINITE;
 using support::NO_NUMBER;
-using support::ScriptedRng;
+using support::RepeatingRng;
+using support::same;
 using support::toldBin;
 using support::toldEdges;
 using support::toldUniformBin;
@@ -51,7 +51,7 @@ template <class T> std::vector<T> edgesOf(const RnHistogram<T>& histogram)
         T high;
         histogram.getBinLimits(i, low, high);
         if (i == 0) edges.push_back(low);
-        EXPECT_TRUE(areSame(edges.back(), low)) << i;
+        EXPECT_TRUE(same(edges.back(), low)) << i;
         edges.push_back(high);
     }
     return edges;
@@ -84,9 +84,9 @@ template <class T> struct ToldHistogram
 template <class T>
 testing::AssertionResult holds(const RnHistogram<T>& histogram, const ToldHistogram<T>& told)
 {
-    const testing::AssertionResult bins = areSame(binsOf(histogram), told._bins);
+    const testing::AssertionResult bins = same(binsOf(histogram), told._bins);
     if (!bins) return bins;
-    return areSame(histogram.getTotal(), told._total);
+    return same(histogram.getTotal(), told._total);
 }
 
 // Values in the bins, at and beside all edges, outside, and what no bin is for.
@@ -139,9 +139,9 @@ TYPED_TEST(RnHistogramTest, EdgesOfARangeAreComputedFromItsBeginning)
     {
         const T min = random.within(T(-10), T(10));
         const T max = min + random.magnitude<T>(-2, 4);
-        EXPECT_TRUE(areSame(edgesOf(RnHistogram<T>(nBins, min, max)), toldEdges(nBins, min, max)));
+        EXPECT_TRUE(same(edgesOf(RnHistogram<T>(nBins, min, max)), toldEdges(nBins, min, max)));
         EXPECT_TRUE(
-            areSame(edgesOf(RnUniformHistogram<T>(nBins, min, max)), toldEdges(nBins, min, max)));
+            same(edgesOf(RnUniformHistogram<T>(nBins, min, max)), toldEdges(nBins, min, max)));
     }
 }
 
@@ -518,7 +518,7 @@ TYPED_TEST(RnHistogramTest, AClientsSourceSeesAsManySingleDraws)
     for (const unsigned int n : {0U, 1U, 256U, 3000U})
     {
         const std::vector<T> script{T(0.1), T(0.3), NO_NUMBER<T>, T(1), T(-0.1), T(0.3), T(0.999)};
-        ScriptedRng<T> source(script);
+        RepeatingRng<T> source(script);
         RnUniformHistogram<T> histogram(4, T(0), T(1));
         ToldHistogram<T> told(4);
         histogram.addSamples(&source, n);
@@ -575,13 +575,13 @@ template <class Base, class T> void expectToSeeAll()
         if (n > 0)
         {
             histogram.addValues(n, values.data());
-            ScriptedRng<T> source(values);
+            RepeatingRng<T> source(values);
             histogram.addSamples(&source, n);
         }
         std::vector<T> expected{T(-7)};
         expected.insert(expected.end(), values.begin(), values.end());
         expected.insert(expected.end(), values.begin(), values.end());
-        EXPECT_TRUE(areSame(histogram._seen, expected)) << n;
+        EXPECT_TRUE(same(histogram._seen, expected)) << n;
         EXPECT_EQ(binsOf(histogram), (std::vector<T>{T(0), T(2 * n) + T(0.5), T(0)})) << n;
         EXPECT_EQ(histogram.getTotal(), T(2 * n) + T(0.5)) << n;
     }

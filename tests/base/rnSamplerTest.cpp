@@ -11,12 +11,12 @@
 namespace
 {
 
-using support::areSame;
 using support::before;
 using support::behind;
 using support::INFINITE;
 using support::NO_NUMBER;
 using support::Place;
+using support::same;
 using support::ToldChoice;
 using Zu::RnSampler;
 
@@ -112,7 +112,7 @@ TYPED_TEST(RnSamplerTest, ChoosesAsABinarySearchInTheTable)
                     continue;
                 }
                 ASSERT_EQ(choice._cell, told._cell) << draw << " " << name << " " << nCells;
-                ASSERT_TRUE(areSame(choice._fraction, told._fraction))
+                ASSERT_TRUE(same(choice._fraction, told._fraction))
                     << draw << " " << name << " " << nCells;
                 ASSERT_GT(weights[choice._cell], T(0)) << draw << " " << name;
             }
@@ -144,7 +144,7 @@ TYPED_TEST(RnSamplerTest, ManyDrawsChooseAsEachDoesInTheirOrder)
                     ASSERT_EQ(i, done++);
                     const auto each = sampler.choose(draws[i]);
                     ASSERT_EQ(choice._cell, each._cell) << draws[i] << " " << nCells;
-                    ASSERT_TRUE(areSame(choice._fraction, each._fraction)) << draws[i];
+                    ASSERT_TRUE(same(choice._fraction, each._fraction)) << draws[i];
                     ASSERT_EQ(choice._isEnd, each._isEnd) << draws[i];
                 });
             EXPECT_EQ(done, n);
@@ -162,8 +162,8 @@ TYPED_TEST(RnSamplerTest, TheShareOfACellIsTheDifferenceInTheTable)
             const RnSampler<T> sampler(weights);
             const std::vector<T> cdf = support::toldCdf(weights);
             for (std::size_t cell = 0; cell < nCells; ++cell)
-                ASSERT_TRUE(areSame(sampler.shareOf(static_cast<std::uint32_t>(cell)),
-                                    cdf[cell + 1] - cdf[cell]))
+                ASSERT_TRUE(same(sampler.shareOf(static_cast<std::uint32_t>(cell)),
+                                 cdf[cell + 1] - cdf[cell]))
                     << cell << " " << name;
         }
 }

@@ -6,6 +6,8 @@
 #include "base/ieeeDivide.h"
 #include "base/rnRng.h"
 
+#include "support/sameNumbers.h"
+
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
@@ -29,30 +31,6 @@ using FloatAndDouble = testing::Types<float, double>;
 
 template <class T> inline constexpr T INFINITE = std::numeric_limits<T>::infinity();
 template <class T> inline constexpr T NO_NUMBER = std::numeric_limits<T>::quiet_NaN();
-
-// Equal to the bit; a NaN is as good as another.
-template <class T> bool isSame(T a, T b)
-{
-    if (std::isnan(a) || std::isnan(b)) return std::isnan(a) && std::isnan(b);
-    return a == b && std::signbit(a) == std::signbit(b);
-}
-
-template <class T> testing::AssertionResult areSame(T a, T b)
-{
-    if (isSame(a, b)) return testing::AssertionSuccess();
-    return testing::AssertionFailure()
-           << testing::PrintToString(a) << " and " << testing::PrintToString(b) << " differ";
-}
-
-template <class T>
-testing::AssertionResult areSame(const std::vector<T>& a, const std::vector<T>& b)
-{
-    if (a.size() != b.size())
-        return testing::AssertionFailure() << a.size() << " and " << b.size() << " values";
-    for (std::size_t i = 0; i < a.size(); ++i)
-        if (!isSame(a[i], b[i])) return areSame(a[i], b[i]) << " at " << i;
-    return testing::AssertionSuccess();
-}
 
 template <class T> T before(T value)
 {
@@ -168,11 +146,11 @@ template <class T> T toldPlace(const ToldChoice<T>& choice, T low, T high)
 }
 
 // Gives the values of a script, over and over, to single calls only, and counts them.
-template <class T> class ScriptedRng : public Zu::RnRng<T>
+template <class T> class RepeatingRng : public Zu::RnRng<T>
 {
 public:
-    explicit ScriptedRng(std::vector<T> values) : _values(std::move(values)) {}
-    virtual ~ScriptedRng() = default;
+    explicit RepeatingRng(std::vector<T> values) : _values(std::move(values)) {}
+    virtual ~RepeatingRng() = default;
 
     T operator()() override
     {
@@ -326,10 +304,6 @@ template <class T> std::vector<T> hardDraws(const std::vector<T>& cdf)
     for (const T draw : {before(cdf.back()), cdf.back(), behind(cdf.back())}) draws.push_back(draw);
     return draws;
 }
-
-// Lengths around those of blocks.
-inline constexpr unsigned int SEQUENCE_LENGTHS[] = {0,   1,   127, 128,  129,  255,
-                                                    256, 257, 258, 4095, 4096, 4097};
 
 // The text of the length error that an act ends in.
 template <class Act> std::string lengthErrorOf(const Act& act)

@@ -13,13 +13,12 @@
 #include "base/rnVanDerCorputRng.h"
 
 #include "support/exceptionChecks.h"
+#include "support/sameNumbers.h"
 
 #include <bit>
-#include <cmath>
 #include <cstddef>
 #include <cstdint>
 #include <gtest/gtest.h>
-#include <ios>
 #include <stdexcept>
 #include <string>
 #include <type_traits>
@@ -40,31 +39,6 @@ template <class T> FloatBits<T> floatBits(T x)
     return std::bit_cast<FloatBits<T>>(x);
 }
 
-// The same number to the sign of 0, or two NaNs, whose bits no platform promises.
-template <class T> bool areSame(T left, T right)
-{
-    return (std::isnan(left) && std::isnan(right)) || floatBits(left) == floatBits(right);
-}
-
-template <class T> testing::AssertionResult same(T actual, std::type_identity_t<T> expected)
-{
-    if (areSame(actual, expected)) return testing::AssertionSuccess();
-    return testing::AssertionFailure()
-           << std::hexfloat << actual << " and not " << expected << std::defaultfloat;
-}
-
-template <class T>
-testing::AssertionResult same(const std::vector<T>& actual, const std::vector<T>& expected)
-{
-    if (actual.size() != expected.size())
-        return testing::AssertionFailure()
-               << actual.size() << " values and not " << expected.size();
-    for (std::size_t i = 0; i < actual.size(); ++i)
-        if (!areSame(actual[i], expected[i]))
-            return same(actual[i], expected[i]) << " at " << i << " of " << actual.size();
-    return testing::AssertionSuccess();
-}
-
 // What no draw gives; it stands behind the end of what is to be written.
 template <class T> constexpr T UNTOUCHED = T(-12345678);
 
@@ -82,11 +56,6 @@ template <class T> std::vector<T> written(std::vector<T> room, unsigned int n)
     room.resize(n);
     return room;
 }
-
-// Around the ends of every likely size of a block, and far beyond.
-inline constexpr unsigned int SEQUENCE_LENGTHS[] = {
-    0,   1,   2,   3,   4,   5,   7,   63,  64,  65,  126,  127,  128,  129,  130, 254,
-    255, 256, 257, 258, 510, 511, 512, 513, 514, 769, 1023, 1025, 4095, 4096, 4097};
 
 // The reason of the assertion that `raise` fails.
 template <class Raise> std::string failureOf(Raise raise)
