@@ -71,13 +71,13 @@ void LgServiceReader::run()
         // Read first: what was published before the stop is seen by the writeSome() that follows.
         const bool stop = _stop.load(std::memory_order_acquire);
         const Outcome outcome = writeSome();
-        if (outcome == Outcome::WROTE) naps = 0;
-        if (outcome == Outcome::FAILED)
+        if (outcome == Outcome::Wrote) naps = 0;
+        if (outcome == Outcome::Failed)
         {
             lastFailures = stop ? lastFailures + 1 : 0;
             std::this_thread::sleep_for(LgServiceThreads::PAUSE);
         }
-        else if (outcome == Outcome::NOTHING)
+        else if (outcome == Outcome::Nothing)
         {
             if (stop) return;
             rest(naps);
@@ -93,13 +93,13 @@ LgServiceReader::Outcome LgServiceReader::writeSome()
     {
         LgReader reader;
         for (int i = 0; i < EVENTS_IN_A_ROW; ++i)
-            if (!reader.flushEarliest()) return i > 0 ? Outcome::WROTE : Outcome::NOTHING;
-        return Outcome::WROTE;
+            if (!reader.flushEarliest()) return i > 0 ? Outcome::Wrote : Outcome::Nothing;
+        return Outcome::Wrote;
     }
     catch (const std::exception& exception)
     {
         report(exception.what());
-        return Outcome::FAILED;
+        return Outcome::Failed;
     }
 }
 

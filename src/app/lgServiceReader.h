@@ -28,9 +28,9 @@ public:
 private:
     enum class Outcome
     {
-        WROTE,
-        NOTHING,
-        FAILED
+        Wrote,
+        Nothing,
+        Failed
     };
 
     void run();

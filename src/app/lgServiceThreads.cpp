@@ -79,7 +79,7 @@ LgServiceThreads& LgServiceThreads::instance()
 
 LgServiceThreads::LgServiceThreads() : _news(barrier()), _room(barrier())
 {
-    ThreadSlot::setThreadEnded(ThreadSlot::QUEUE, [](void* queue)
+    ThreadSlot::setThreadEnded(ThreadSlot::Queue, [](void* queue)
                                { instance().threadEnded(static_cast<LgQueue*>(queue)); });
     LgServicePlatform::onFork([] { instance().lockForFork(); },
                               [] { instance().unlockAfterFork(); },
@@ -90,7 +90,7 @@ LgServiceThreads::~LgServiceThreads() = default;
 
 LgQueue* LgServiceThreads::queueOfThread()
 {
-    if (void* const queue = ThreadSlot::get(ThreadSlot::QUEUE)) return static_cast<LgQueue*>(queue);
+    if (void* const queue = ThreadSlot::get(ThreadSlot::Queue)) return static_cast<LgQueue*>(queue);
     return instance().makeQueue();
 }
 
@@ -102,14 +102,14 @@ LgQueue* LgServiceThreads::makeQueue()
     _queues.push_back(queue.get());
     try
     {
-        ThreadSlot::set(ThreadSlot::QUEUE, queue.get());
+        ThreadSlot::set(ThreadSlot::Queue, queue.get());
         // Last: from here on a reader may look at it.
         LgServiceRegistry().registerQueue(queue.get());
     }
     catch (...)
     {
         _queues.remove(queue.get());
-        if (ThreadSlot::get(ThreadSlot::QUEUE)) ThreadSlot::set(ThreadSlot::QUEUE, nullptr);
+        if (ThreadSlot::get(ThreadSlot::Queue)) ThreadSlot::set(ThreadSlot::Queue, nullptr);
         throw;
     }
     return queue.release();
@@ -232,7 +232,7 @@ void LgServiceThreads::goOnInChild()
 void LgServiceThreads::leaveEventsToParent()
 {
     for (LgQueue* const queue : LgServiceRegistry::queues()) dropEvents(*queue);
-    const void* const own = ThreadSlot::get(ThreadSlot::QUEUE);
+    const void* const own = ThreadSlot::get(ThreadSlot::Queue);
     _queues.remove_if(
         [this, own](LgQueue* queue)
         {

@@ -10,9 +10,9 @@ namespace Zu::ThreadSlot
 /// What the values are for.
 enum Slot
 {
-    QUEUE,
-    TRACES,
-    COUNT
+    Queue,
+    Traces,
+    Count
 };
 
 /// Is notified of the end of a thread, with the thread's value.

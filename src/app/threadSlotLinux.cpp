@@ -12,10 +12,10 @@ namespace
 {
 
 // Read for every event, so they are kept apart from the keys, which only serve to notify the end.
-constinit thread_local void* values[COUNT] = {};
+constinit thread_local void* values[Count] = {};
 
-pthread_key_t keys[COUNT];
-ThreadEnded threadEnded[COUNT] = {};
+pthread_key_t keys[Count];
+ThreadEnded threadEnded[Count] = {};
 
 template <Slot slot> void keyEnded(void* value)
 {
@@ -23,7 +23,7 @@ template <Slot slot> void keyEnded(void* value)
     threadEnded[slot](value);
 }
 
-constexpr ThreadEnded KEY_ENDED[COUNT] = {&keyEnded<QUEUE>, &keyEnded<TRACES>};
+constexpr ThreadEnded KEY_ENDED[Count] = {&keyEnded<Queue>, &keyEnded<Traces>};
 
 } // namespace
 

@@ -10,8 +10,8 @@ namespace Zu::ThreadSlot
 namespace
 {
 
-DWORD slots[COUNT] = {FLS_OUT_OF_INDEXES, FLS_OUT_OF_INDEXES};
-ThreadEnded threadEnded[COUNT] = {};
+DWORD slots[Count] = {FLS_OUT_OF_INDEXES, FLS_OUT_OF_INDEXES};
+ThreadEnded threadEnded[Count] = {};
 BOOLEAN(WINAPI* shutdownInProgress)() = nullptr;
 
 // Also called for the thread that ends the process, after all others were stopped wherever they
@@ -23,7 +23,7 @@ template <Slot slot> void WINAPI slotEnded(void* value)
     threadEnded[slot](value);
 }
 
-constexpr PFLS_CALLBACK_FUNCTION SLOT_ENDED[COUNT] = {&slotEnded<QUEUE>, &slotEnded<TRACES>};
+constexpr PFLS_CALLBACK_FUNCTION SLOT_ENDED[Count] = {&slotEnded<Queue>, &slotEnded<Traces>};
 
 [[noreturn]] void raise(const char* call)
 {

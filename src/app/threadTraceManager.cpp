@@ -40,15 +40,15 @@ Traces& tracesOfThread()
 {
     static const bool isPrepared = []
     {
-        ThreadSlot::setThreadEnded(ThreadSlot::TRACES,
+        ThreadSlot::setThreadEnded(ThreadSlot::Traces,
                                    [](void* traces) { delete static_cast<Traces*>(traces); });
         return true;
     }();
     static_cast<void>(isPrepared);
-    if (void* const traces = ThreadSlot::get(ThreadSlot::TRACES))
+    if (void* const traces = ThreadSlot::get(ThreadSlot::Traces))
         return *static_cast<Traces*>(traces);
     auto traces = std::make_unique<Traces>();
-    ThreadSlot::set(ThreadSlot::TRACES, traces.get());
+    ThreadSlot::set(ThreadSlot::Traces, traces.get());
     return *traces.release();
 }
 

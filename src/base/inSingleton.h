@@ -44,9 +44,9 @@ public:
 private:
     enum State
     {
-        NOT_CREATED,
-        ALIVE,
-        DESTROYED
+        NotCreated,
+        Alive,
+        Destroyed
     };
 
     static State _state;

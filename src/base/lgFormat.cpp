@@ -57,13 +57,13 @@ LgStream& operator<<(LgStream& stream, const LgNumber& number)
     char* end = text;
     if (std::isnan(floating))
         end = writeNan(text);
-    else if (number._form == Form::HEXADECIMAL)
+    else if (number._form == Form::Hexadecimal)
         end = write(text, number._bits, HEXADECIMAL);
-    else if (number._form == Form::DECIMALS)
+    else if (number._form == Form::Decimals)
         end = write(text, floating, std::chars_format::fixed, decimals);
-    else if (number._form == Form::SHORTEST)
+    else if (number._form == Form::Shortest)
         end = write(text, floating);
-    else if (number._form == Form::SHORTEST_FLOAT)
+    else if (number._form == Form::ShortestFloat)
         end = write(text, static_cast<float>(floating));
     else if (number._isFloating)
         end = lgWriteDouble(text, floating);

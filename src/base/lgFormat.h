@@ -29,7 +29,7 @@ public:
     /// Takes any number, in the format that LgStream gives it; characters and `bool` are numbers
     /// too. A `long double` is rounded to `double`.
     template <class T, class = std::enable_if_t<std::is_arithmetic_v<T>>>
-    LgNumber(T value) : _form(Form::PLAIN)
+    LgNumber(T value) : _form(Form::Plain)
     {
         if constexpr (std::is_floating_point_v<T>)
         {
@@ -46,11 +46,11 @@ public:
 private:
     enum class Form : unsigned char
     {
-        PLAIN,
-        HEXADECIMAL,
-        DECIMALS,
-        SHORTEST,
-        SHORTEST_FLOAT
+        Plain,
+        Hexadecimal,
+        Decimals,
+        Shortest,
+        ShortestFloat
     };
 
     // An integer's two's complement in 64 bits, or a floating-point number.
@@ -73,7 +73,7 @@ template <class T> LgNumber lgHex(T value)
         number._bits = value ? 1 : 0;
     else if constexpr (std::is_integral_v<T>)
         number._bits = static_cast<std::make_unsigned_t<T>>(value);
-    number._form = LgNumber::Form::HEXADECIMAL;
+    number._form = LgNumber::Form::Hexadecimal;
     return number;
 }
 
@@ -81,7 +81,7 @@ template <class T> LgNumber lgHex(T value)
 inline LgNumber lgDecimals(double value, int decimals)
 {
     LgNumber number(value);
-    number._form = LgNumber::Form::DECIMALS;
+    number._form = LgNumber::Form::Decimals;
     number._decimals = decimals;
     return number;
 }
@@ -94,7 +94,7 @@ template <class T> LgNumber lgShortest(T value)
                   "only float and double have a shortest form");
     LgNumber number(value);
     number._form =
-        std::is_same_v<T, float> ? LgNumber::Form::SHORTEST_FLOAT : LgNumber::Form::SHORTEST;
+        std::is_same_v<T, float> ? LgNumber::Form::ShortestFloat : LgNumber::Form::Shortest;
     return number;
 }
 

@@ -256,21 +256,36 @@ private:
     bool refuse();
     bool countLoss();
 
+    // Of both. Each character and each entry belongs to the producer until it is published, then to
+    // the reader until it is removed.
     LgStream _stream;
     std::shared_ptr<Entry[]> _entries;
+
+    // Written by the reader, read by both: the oldest entry.
     alignas(CACHE_LINE) LgRingIndex _beg;
+
+    // Written by the producer, read by both: where the next entry goes, and whether its thread lives.
     alignas(CACHE_LINE) LgRingIndex _end;
     std::atomic<bool> _creatorAlive;
+
+    // The producer's: whether an event is reserved, and whether its text is being inserted.
     bool _reserved;
     bool _inserting;
+
+    // Set before two threads use the queue, then read by both.
     std::uint32_t _threadId;
     ObjPtr<Observer> _observer;
+
+    // The producer's: how many guards suppress events.
     std::int32_t _suppress;
-    // Written by the producer alone.
+
+    // Written by the producer, read by any thread.
     std::atomic<std::uint64_t> _lost;
-    // The reader's position when the producer last looked; it can only have advanced since.
+
+    // The producer's: the reader's position when it last looked, which can only have advanced since.
     std::uint32_t _begSeen;
-    // Where the reserved event's text begins.
+
+    // The producer's: where the reserved event's text begins.
     LgStream::Mark _mark;
 };
 

@@ -91,20 +91,20 @@ void readDeterministicCaches(const OsCpuid& cpuid, std::uint32_t leaf, OsCpuInfo
 {
     enum CacheType
     {
-        NO_MORE,
-        DATA,
-        INSTRUCTION,
-        UNIFIED
+        NoMore,
+        Data,
+        Instruction,
+        Unified
     };
     for (std::uint32_t i = 0; i < MAX_CACHES; ++i)
     {
         const OsCpuidRegisters registers = cpuid(leaf, i);
         const std::uint32_t type = registers._eax & 0x1F;
         const std::uint32_t level = registers._eax >> 5 & 0x7;
-        if (type == NO_MORE) return;
-        if (level == 1 && type == DATA) *l1Data = deterministicCache(registers);
-        if (level == 1 && type == INSTRUCTION) *l1Instruction = deterministicCache(registers);
-        if (level == 2 && type == UNIFIED) *l2Unified = deterministicCache(registers);
+        if (type == NoMore) return;
+        if (level == 1 && type == Data) *l1Data = deterministicCache(registers);
+        if (level == 1 && type == Instruction) *l1Instruction = deterministicCache(registers);
+        if (level == 2 && type == Unified) *l2Unified = deterministicCache(registers);
     }
 }
 

@@ -40,8 +40,8 @@ class PeriodicTimerWindows final : public PeriodicTimerBeat
 public:
     explicit PeriodicTimerWindows(double interval) : PeriodicTimerBeat(interval)
     {
-        ZU_INTERNAL_ASSERT_TEXT(isBeating(getResolution(), [this] { return getCurrentTime(); }),
-                                "waitBeating( *this )");
+        const bool beats = isBeating(getResolution(), [this] { return getCurrentTime(); });
+        ZU_INTERNAL_ASSERT_TEXT(beats, "waitBeating( *this )");
     }
 
     ~PeriodicTimerWindows() override

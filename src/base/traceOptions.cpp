@@ -26,23 +26,23 @@ constexpr const char* DEFAULT_OPTIONS = "show=Main,show=Exceptions";
 
 enum Token
 {
-    OFF,
-    NOLINE,
-    SHOW_LEVEL,
-    HIDE_LEVEL,
-    NOINDENT,
-    FNDIRS,
-    FNWIDTH,
-    PRINTLEVELS,
-    LINE,
-    INDENT,
-    ON,
-    WRITEPROTECT,
-    PREFIX,
-    NOPREFIX,
-    RESET,
-    PID,
-    NOPID,
+    Off,
+    NoLine,
+    ShowLevel,
+    HideLevel,
+    NoIndent,
+    FnDirs,
+    FnWidth,
+    PrintLevels,
+    Line,
+    Indent,
+    On,
+    WriteProtect,
+    Prefix,
+    NoPrefix,
+    Reset,
+    Pid,
+    NoPid,
     NUM_TOKENS
 };
 
@@ -93,50 +93,50 @@ void TraceOptions::apply(const char* text)
 
 void TraceOptions::apply(int token, const char* value)
 {
-    if (token == PRINTLEVELS) _printLevels = true;
-    if (token == WRITEPROTECT) _writeProtect = true;
+    if (token == PrintLevels) _printLevels = true;
+    if (token == WriteProtect) _writeProtect = true;
     if (_writeProtect) return;
     switch (token)
     {
-    case ON:
+    case On:
         Trace::switchAll(true);
         break;
-    case OFF:
+    case Off:
         Trace::switchAll(false);
         break;
-    case LINE:
+    case Line:
         _line = true;
         break;
-    case NOLINE:
+    case NoLine:
         _line = false;
         break;
-    case INDENT:
+    case Indent:
         _indent = true;
         break;
-    case NOINDENT:
+    case NoIndent:
         _indent = false;
         break;
-    case PREFIX:
+    case Prefix:
         _prefix = true;
         break;
-    case NOPREFIX:
+    case NoPrefix:
         _prefix = false;
         break;
-    case PID:
+    case Pid:
         _pid = true;
         break;
-    case NOPID:
+    case NoPid:
         _pid = false;
         break;
-    case SHOW_LEVEL:
-    case HIDE_LEVEL:
-        if (value) switchLevel(value, token == SHOW_LEVEL);
+    case ShowLevel:
+    case HideLevel:
+        if (value) switchLevel(value, token == ShowLevel);
         break;
-    case FNDIRS:
-    case FNWIDTH:
+    case FnDirs:
+    case FnWidth:
         if (value) applyNumber(token, value);
         break;
-    case RESET:
+    case Reset:
         reset();
         break;
     default:
@@ -147,7 +147,7 @@ void TraceOptions::apply(int token, const char* value)
 void TraceOptions::applyNumber(int token, const char* value)
 {
     const std::int32_t number = textToInt(value);
-    if (token == FNDIRS)
+    if (token == FnDirs)
         _fnDirs = number < 0 ? 0 : number;
     else
         _fnWidth = number < 0 ? DEFAULT_WIDTH : number;
@@ -160,7 +160,7 @@ void TraceOptions::switchLevel(const char* name, bool on)
         findLevel(name)._enabled.store(on, std::memory_order_relaxed);
         return;
     }
-    _showAll = on ? SHOW : HIDE;
+    _showAll = on ? Show : Hide;
     for (const auto& [known, level] : _levels) level->_enabled.store(on, std::memory_order_relaxed);
 }
 
@@ -174,7 +174,7 @@ void TraceOptions::reset()
     _fnDirs = 0;
     _fnWidth = DEFAULT_WIDTH;
     _printLevels = false;
-    _showAll = AS_NAMED;
+    _showAll = AsNamed;
     for (const auto& [name, level] : _levels)
         level->_enabled.store(false, std::memory_order_relaxed);
     apply(DEFAULT_OPTIONS);
@@ -185,7 +185,7 @@ TraceLevel& TraceOptions::findLevel(const char* name)
     const auto found = _levels.find(name);
     if (found != _levels.end()) return *found->second;
     auto* const level = new TraceLevel(name);
-    level->_enabled.store(_showAll == SHOW, std::memory_order_relaxed);
+    level->_enabled.store(_showAll == Show, std::memory_order_relaxed);
     _levels[level->getName()] = level;
     return *level;
 }

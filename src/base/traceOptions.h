@@ -56,9 +56,9 @@ private:
 
     enum ShowAll : std::int32_t
     {
-        AS_NAMED,
-        SHOW,
-        HIDE
+        AsNamed,
+        Show,
+        Hide
     };
 
     TraceOptions();
@@ -73,7 +73,7 @@ private:
     std::int32_t _fnDirs = 0;
     bool _printLevels = false;
     bool _writeProtect = false;
-    ShowAll _showAll = AS_NAMED;
+    ShowAll _showAll = AsNamed;
     // Keyed by the levels' own copies of their names.
     std::map<const char*, TraceLevel*, LessByBytes> _levels;
 };

@@ -14,7 +14,7 @@ namespace ThreadSlot = Zu::ThreadSlot;
 
 // Nothing else in this process traces by thread, so the slot is free for the test. The one who is
 // told of ends stays to the end of the process, as a slot has but one.
-constexpr ThreadSlot::Slot SLOT = ThreadSlot::TRACES;
+constexpr ThreadSlot::Slot SLOT = ThreadSlot::Traces;
 
 struct End
 {
@@ -186,7 +186,7 @@ TEST_F(ThreadSlotTest, TheSlotsHaveValuesOfTheirOwn)
         [this]
         {
             ThreadSlot::set(SLOT, &_first);
-            EXPECT_EQ(ThreadSlot::get(ThreadSlot::QUEUE), nullptr);
+            EXPECT_EQ(ThreadSlot::get(ThreadSlot::Queue), nullptr);
             EXPECT_EQ(ThreadSlot::get(SLOT), &_first);
         })
         .join();
