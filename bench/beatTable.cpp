@@ -1,5 +1,5 @@
-// How late sleeps and beats of a millisecond come, as tables, beside the platform's own means. What
-// is compared takes turns, so that the machine's noise is shared out.
+// Tables of how late sleeps and beats of a millisecond come, compared with the platform's own
+// means. The candidates take turns, so that the machine's noise affects all of them alike.
 
 #include "base/inInitGuard.h"
 #include "base/periodicTimer.h"
@@ -65,7 +65,7 @@ template <class Sleep> void measureSleeps(Sample& sample, const Sleep& sleep)
     }
 }
 
-// The distance of each beat from the one before, less the interval.
+// The time between two consecutive beats, minus the interval.
 template <class Wait> void measureBeats(Sample& sample, const Wait& wait)
 {
     wait();

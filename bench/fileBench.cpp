@@ -1,4 +1,4 @@
-// Files and directories beside the bare calls of the system.
+// Files and directories, compared with the bare system calls.
 
 #include "base/osDirectory.h"
 #include "base/osFileReader.h"
@@ -21,7 +21,7 @@ constexpr std::int64_t SIZE = 64 << 20;
 constexpr std::int64_t COPY_SIZE = 256 << 20;
 constexpr int ENTRIES = 10000;
 
-// A directory that ends with the program.
+// A directory that is removed at the end of the program.
 class Place
 {
 public:
@@ -171,7 +171,7 @@ void listDirectory(benchmark::State& state)
             directory.getChildrenPath(Zu::OsFileTypes::PathFull, Zu::OsPassThroughFilter()));
 }
 
-// The same paths are made: one for a filter to look at, one for the list.
+// Makes the same paths as the library: one for the filter, one for the list.
 void listBare(benchmark::State& state)
 {
     const Zu::OsFilePath path = fullDirectory();

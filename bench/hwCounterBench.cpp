@@ -1,4 +1,4 @@
-// A read of the counter beside the bare call of the platform and the standard library's clock.
+// A read of the counter, compared with the platform's bare call and the standard library's clock.
 
 #include "base/hwCounter.h"
 #include "base/osCpuInfo.h"

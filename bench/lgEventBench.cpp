@@ -1,6 +1,6 @@
-// One event from the level test to its publication: on a bare queue, through the log service, and
-// beside them a hand-written floor with the same counter read, and spdlog. Events come in batches
-// that no ring is too small for; between batches, off the clock, everything is written.
+// One event from the level test to its publication: on a bare queue and through the log service,
+// compared with a hand-written floor with the same counter read, and with spdlog. Events come in
+// batches that fit into every ring; between batches, off the clock, everything is written.
 
 #include "app/lgService.h"
 #include "base/lgEvent.h"
@@ -34,7 +34,7 @@ namespace LgTypes = Zu::LgTypes;
 
 constexpr int BATCH = 256;
 
-// Times batches of one piece of work, with another one after each that is not timed.
+// Times batches of `Event`; `Settle` runs after each batch and is not timed.
 template <class Event, class Settle>
 void runBatches(benchmark::State& state, Event event, Settle settle)
 {

@@ -1,4 +1,5 @@
-// Lines per second of the reader, which flushes each, beside a bare loop of one write per line.
+// Lines per second of the reader, which flushes each, compared with a bare loop of one write per
+// line.
 
 #include "base/lgQueue.h"
 #include "base/lgReader.h"

@@ -1,5 +1,5 @@
-// Random numbers beside those of the standard library, of Boost and of the GNU Scientific Library:
-// time per sample, in blocks of 4096.
+// Random numbers compared with those of the standard library, of Boost and of the GNU Scientific
+// Library: time per sample, in blocks of 4096.
 
 #include "base/rnDirectionalRng.h"
 #include "base/rnGaussianRng.h"
@@ -48,7 +48,7 @@ double** buffers()
     return pointers;
 }
 
-// Runs a piece of work that makes all samples, and shows the time for one.
+// Times work that makes all samples, and reports the time for one.
 template <class Work> void perSample(benchmark::State& state, const Work& work)
 {
     for (auto _ : state)

@@ -1,5 +1,5 @@
-// The log service under load, as tables: what is lost at a given pace, the first event of a thread,
-// and what an idle service costs.
+// Tables of the log service under load: losses at a given rate, the first event of a thread, and
+// the cost of an idle service.
 
 #include "app/lgService.h"
 #include "base/lgEvent.h"
@@ -40,7 +40,7 @@ struct Run
     }
 };
 
-// Logs at a steady pace, and catches up if it was held up.
+// Logs at a steady rate, and catches up after a delay.
 void produce(double perSecond, std::uint64_t count)
 {
     const auto start = Clock::now();

@@ -7,7 +7,7 @@
 namespace
 {
 
-// Runs a program once for each iteration; the time is what it prints of itself.
+// Runs a program once for each iteration; the time is the one that the program prints.
 void startAndStop(benchmark::State& state, const char* shape)
 {
     const std::string command = std::string(ZU_BENCH_BIN_DIR "/startupProbe ") + shape + " " +

@@ -31,7 +31,7 @@ protected:
     explicit Client(const std::string& name) : InPackageInit(name.c_str()) {}
 };
 
-// Packages are told apart by their types, so each number is one.
+// Packages are identified by their types, so each number makes one.
 template <int Number> class Numbered : public Client
 {
 public:
@@ -55,7 +55,7 @@ std::vector<ClientPtr> makeClients(int count, bool chain, std::integer_sequence<
     std::vector<ClientPtr> clients;
     for (int i = 0; i < count; ++i)
     {
-        // In a chain the names run against the dependencies.
+        // In a chain the order of names is the reverse of that of dependencies.
         clients.push_back(makers[i]("client" + std::to_string(MOST_PACKAGES * 2 - i)));
         const Client* const above =
             clients.size() > 1 && chain ? clients[clients.size() - 2].get() : nullptr;

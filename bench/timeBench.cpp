@@ -1,5 +1,5 @@
-// Rational numbers and times beside boost::rational and std::chrono. Operands are random and taken
-// in turn, so that nothing is computed ahead.
+// Rational numbers and times, compared with boost::rational and std::chrono. Operands are random
+// and used in turn, so that nothing is computed at compile time.
 
 #include "base/dtTime.h"
 
@@ -17,7 +17,7 @@ using Zu::DtTime;
 using Zu::Rational;
 using Peer = boost::rational<std::int64_t>;
 
-// So many that no processor learns by heart which way the branches go.
+// Enough values to keep the branch predictor from memorising the branches.
 constexpr std::size_t COUNT = 16384;
 
 struct Pair
@@ -69,7 +69,7 @@ template <class Made, class Make> std::array<Made, COUNT> makeMixed(Make make)
     return made;
 }
 
-// Applies a work of two neighbours to all in turn.
+// Applies an operation on two neighbours to all values in turn.
 template <class Value, class Work>
 void runOver(benchmark::State& state, const std::array<Value, COUNT>& values, Work work)
 {

@@ -1,4 +1,4 @@
-// Timers and profilers beside bare reads of the counter, and a statement of tracing that is off.
+// Timers and profilers compared with bare reads of the counter, and a trace statement that is off.
 
 #include "base/hwCounter.h"
 #include "base/osCpuInfo.h"

@@ -1,7 +1,7 @@
 # How everything in this project is compiled.
 
-# All programs and libraries of a build stand in one directory: a Windows program finds its
-# libraries only beside itself.
+# All programs and libraries of a build go into one directory: a Windows program finds its libraries
+# only beside itself.
 set(CMAKE_RUNTIME_OUTPUT_DIRECTORY "${PROJECT_BINARY_DIR}/bin")
 set(CMAKE_LIBRARY_OUTPUT_DIRECTORY "${PROJECT_BINARY_DIR}/bin")
 set(CMAKE_ARCHIVE_OUTPUT_DIRECTORY "${PROJECT_BINARY_DIR}/lib")
@@ -13,10 +13,10 @@ target_compile_features(zuOptions INTERFACE cxx_std_20)
 target_compile_options(
   zuOptions
   INTERFACE
-    # Results on time and random numbers are the same on every platform and at every level of
-    # optimisation: no contraction to fused operations.
+    # No contraction to fused operations: times and random numbers are the same on every platform
+    # and at every optimisation level.
     -ffp-contract=off
-    # No path of the building machine in the products.
+    # No path of the build machine in the products.
     "-ffile-prefix-map=${PROJECT_SOURCE_DIR}/="
     -Wall
     -Wextra
@@ -25,13 +25,14 @@ target_compile_options(
     -Wshadow
     -Wnon-virtual-dtor
     -Woverloaded-virtual
-    # What g++ does not warn of in tests: signs in indices, and what is assigned to itself on purpose.
+    # Warnings that g++ does not give in tests: signs in indices, and intended self-assignments.
     $<$<CXX_COMPILER_ID:Clang>:-Wno-sign-conversion>
     $<$<CXX_COMPILER_ID:Clang>:-Wno-self-assign-overloaded>
     $<$<CXX_COMPILER_ID:Clang>:-Wno-potentially-evaluated-expression>
     $<$<BOOL:${ZU_WARNINGS_AS_ERRORS}>:-Werror>)
 
-# What the libraries' own sources are told of beside that. Their headers are, too: some clients ask.
+# Additional warnings for the libraries' own sources. They apply to headers, too: some clients
+# enable them.
 add_library(zuSourceOptions INTERFACE)
 target_compile_options(zuSourceOptions INTERFACE -Wsign-conversion -Wold-style-cast)
 
@@ -42,8 +43,8 @@ if(ZU_SANITIZE)
   target_link_options(zuOptions INTERFACE "-fsanitize=${ZU_SANITIZE}")
 endif()
 
-# A shared library shows what its sources say, and nothing that the standard library's templates
-# happened to leave in it.
+# A shared library exports what its sources mark, and no instantiations of the standard library's
+# templates.
 function(zu_show_own_names target)
   if(NOT WIN32)
     set(map "${PROJECT_SOURCE_DIR}/src/base/exports.map")
@@ -52,8 +53,9 @@ function(zu_show_own_names target)
   endif()
 endfunction()
 
-# What the static form of a library is made of: the objects of its shared form, so that nothing is
-# compiled twice. On Windows objects say that they are exported, and are compiled once more.
+# The parts of the static form of a library: the objects of its shared form, so that nothing is
+# compiled twice. On Windows the objects of the shared form contain export marks, so they are
+# compiled once more.
 function(zu_parts_of_archive shared parts)
   if(NOT WIN32)
     set(${parts} $<TARGET_OBJECTS:${shared}> PARENT_SCOPE)
@@ -66,9 +68,9 @@ else()
   set(zuPlatform Linux)
 endif()
 
-# For this platform the compiler takes for granted which registers an inline function of the same
-# source leaves alone, even where the linker takes another source's copy, which was compiled in
-# another way.
+# For this platform the compiler assumes that an inline function of the same source preserves
+# certain registers, even where the linker chooses another source's copy, which was compiled
+# differently.
 if(MINGW)
   add_compile_options($<$<COMPILE_LANG_AND_ID:CXX,GNU>:-fno-ipa-ra>)
 endif()

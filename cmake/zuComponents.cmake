@@ -7,7 +7,7 @@
 function(zu_components folder)
   set(table "${PROJECT_SOURCE_DIR}/src/components.txt")
   set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS "${table}")
-  # The halves of this platform, and who is public on it.
+  # The halves of this platform, and the accesses that are public on it.
   if(WIN32)
     set(platform "Windows|WinNT")
     set(public "public|public-with-imp|public-apart|public-on-Windows")
@@ -51,7 +51,7 @@ function(zu_components folder)
         list(APPEND sources ${name}${kind}.cpp)
       endif()
     endforeach()
-    # What only Windows has is tested there alone.
+    # Components that exist only on Windows are tested only there.
     if(access STREQUAL public-on-Windows AND NOT WIN32)
       continue()
     endif()

@@ -1,10 +1,10 @@
-# What is installed, and the files by which others find it.
+# What is installed, and the files by which other projects find it.
 
 include(CMakePackageConfigHelpers)
 include(GNUInstallDirs)
 
-# A library and its headers, below a directory of the name that their includes have. What a program
-# needs when it runs is one component, what building takes besides it another one.
+# A library and its headers, below the directory that includes name. What a program needs at run
+# time is one component, what building it needs in addition is another.
 function(zu_install target directory)
   if(NOT ZU_INSTALL)
     return()
@@ -24,7 +24,7 @@ function(zu_install target directory)
     COMPONENT development)
 endfunction()
 
-# A project around this one installs what it will.
+# An enclosing project decides itself what to install.
 if(NOT ZU_INSTALL)
   return()
 endif()
@@ -45,7 +45,7 @@ install(FILES "${PROJECT_BINARY_DIR}/ZUbaseConfig.cmake"
         DESTINATION "${packageDirectory}"
         COMPONENT development)
 
-# The prefix is found from where the files stand, so that the tree may be moved.
+# The prefix is derived from the place of the files, so that the tree may be moved.
 file(RELATIVE_PATH fromPkgConfig "/${CMAKE_INSTALL_LIBDIR}/pkgconfig" "/")
 string(REGEX REPLACE "/$" "" fromPkgConfig "${fromPkgConfig}")
 if(MINGW)
@@ -60,7 +60,7 @@ foreach(package zubase zuapp)
           COMPONENT development)
 endforeach()
 
-# What there is to read, with the links between its pages.
+# The pages, with the links between them.
 set(readingDirectory "${CMAKE_INSTALL_DATAROOTDIR}/doc/zubase")
 install(
   FILES "${PROJECT_SOURCE_DIR}/README.md" "${PROJECT_SOURCE_DIR}/CHANGELOG.md"

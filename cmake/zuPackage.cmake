@@ -1,4 +1,4 @@
-# Packages: for Debian what programs need and what building takes besides, for Windows one archive
+# Packages: for Debian one for running programs and one for building them, for Windows one archive
 # with everything.
 if(NOT ZU_INSTALL)
   return()
@@ -24,7 +24,7 @@ else()
   set(CPACK_DEBIAN_PACKAGE_SECTION libs)
   set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS "${CMAKE_LIBRARY_OUTPUT_DIRECTORY}")
 
-  # Packages of interfaces that don't fit each other stand side by side.
+  # Packages with incompatible interfaces can be installed side by side.
   set(CPACK_DEBIAN_RUNTIME_PACKAGE_NAME "libzubase${ZU_INTERFACE_VERSION}")
   set(CPACK_DEBIAN_RUNTIME_PACKAGE_SHLIBDEPS ON)
   set(CPACK_DEBIAN_RUNTIME_PACKAGE_GENERATE_SHLIBS ON)

@@ -1,5 +1,5 @@
-// Draws from every source of random numbers, fills histograms, samples them back, and writes
-// pictures, texts and scenes of what comes out to a directory: distributions [directory].
+// Draws from every source of random numbers, fills histograms, draws from these in turn, and writes
+// pictures, texts and scenes of the results to a directory: distributions [directory].
 
 #include "base/base.h"
 #include "svgPicture.h"
@@ -37,7 +37,7 @@ public:
     // Two coordinates of a source of tuples.
     template <int N> void showTuples(const std::string& name, Zu::RnMultiRng<double, N>& rng);
 
-    // Directions seen from the side, the z axis upwards.
+    // Directions seen from the side, with the z axis upwards.
     void showDirections(const std::string& name, Zu::RnSphericalRng<double>& rng);
 
     // A histogram's text and scene.
@@ -214,7 +214,7 @@ void showDirections(Gallery& gallery)
     gallery.dump("hemisphereHistogram", onHemisphere);
 }
 
-// What was measured is a source again.
+// A measured histogram serves as a source.
 void showMeasured(Gallery& gallery)
 {
     Zu::RnLecuyerUniformRng<double> combined;

@@ -1,4 +1,4 @@
-// A sample application of the family: it starts, tells what the library found, logs, and stops.
+// A sample application of the family: it starts, prints what the library found, logs, and stops.
 
 #include "base/base.h"
 #include "sampleBuild.h"
@@ -36,7 +36,7 @@ public:
         return _items;
     }
 
-    // Whether the store says at its end what it holds.
+    // Whether the store prints its content when it ends.
     bool _isTalking = false;
 
 private:
@@ -170,7 +170,7 @@ void printCounter()
               << " s apart" << std::endl;
 }
 
-// In a container the user may have no name.
+// In a container the user may not have a name.
 std::string userName()
 {
     try
@@ -190,7 +190,7 @@ void printPlace()
     std::cout << "  temporary files go to " << Zu::OsFilePath::getTempDir().getChars() << std::endl;
 }
 
-// Says what is wrong with the use of the program; null if nothing is.
+// Returns what is wrong with the arguments of the program; null if nothing is.
 std::string wrongUse()
 {
     const Zu::Vector<char*>& words = Zu::InContextAliasMgrBase::getUnboundArgs();

@@ -1,4 +1,4 @@
-// What the sample application shows of its build.
+// The part of the sample application that shows its build.
 
 #ifndef ZU_EXAMPLES_SAMPLEBUILD_H
 #define ZU_EXAMPLES_SAMPLEBUILD_H
@@ -9,7 +9,7 @@ namespace sample
 // Registers the application's build record.
 void registerBuild();
 
-// Shows who runs here: the application, and the libraries that have registered.
+// Shows the records of the application and of the libraries that have registered.
 void showBuild();
 
 // Shows what is loaded into the process.

@@ -27,7 +27,7 @@ constexpr int BURST = 2000;
 constexpr int EVENTS_OF_SECOND_PROCESS = 50;
 constexpr std::size_t LINES_SHOWN = 4;
 
-// Statements that were let through in this process; the account at the end needs it.
+// Statements that were let through in this process, for the account at the end.
 std::atomic<std::uint64_t> attempted{0};
 
 std::string logFile(const char* name)
@@ -49,8 +49,8 @@ const char* counted(const char* text)
     return text;
 }
 
-// One statement of each level. Those that the group does not let through evaluate nothing, and so
-// are not counted either.
+// One statement of each level. Those that the group does not let through evaluate no operands, and
+// so are not counted.
 void logAllLevels(int producer, int round)
 {
     ZU_LOG_INTERNAL_ERROR(Query, counted("index broken, producer ") << producer);
@@ -75,7 +75,7 @@ void logFromThreads()
     for (std::thread& producer : producers) producer.join();
 }
 
-// While this thread holds the lock on the files nobody can write, and the queue runs over.
+// While this thread holds the lock on the files nobody can write, so the queue overflows.
 void provokeOverflow()
 {
     const Zu::LgInterProcessLockGuard guard(Zu::LgLog::getInterProcessLock());
@@ -90,7 +90,7 @@ std::vector<std::string> linesOf(const std::string& name)
     return lines;
 }
 
-// The lines that are events, without banners and those that count lost ones.
+// The number of event lines, without banners and lines that count lost events.
 std::uint64_t eventsIn(const std::string& name)
 {
     std::uint64_t count = 0;

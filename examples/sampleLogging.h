@@ -6,10 +6,10 @@
 namespace sample
 {
 
-// What the logger is to find in the environment; before the library is started.
+// Sets the environment variables of the logger; called before the library is started.
 void prepareLogging();
 
-// Starts and ends the groups that the application logs into; for its package.
+// Start and stop the groups that the application logs into; for its package.
 void startLogGroups();
 void stopLogGroups();
 

@@ -9,7 +9,7 @@ namespace sample
 
 void showTime()
 {
-    // The stream begins now; its frame 750 comes 30 seconds from now on the reference clock.
+    // The stream begins now; the reference clock reaches its frame 750 in 30 seconds.
     const Zu::DtRefTime now = Zu::DtRefTimeFactory::getInstance().create();
     const Zu::DtTimeMark beginning(Zu::DtTime(0, 25, 1), now);
     const Zu::DtTimeMark mark = beginning.evalTime(Zu::DtTime(750, 25, 1));

@@ -6,7 +6,8 @@
 namespace sample
 {
 
-// A position in a stream, when it is reached on the reference clock, and its text there and back.
+// Shows a position in a stream, when the reference clock reaches it, and its conversion to text and
+// back.
 void showTime();
 
 } // namespace sample

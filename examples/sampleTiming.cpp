@@ -27,7 +27,7 @@ constexpr double INTERVAL = 0.01;
 
 using Numbers = std::vector<int>;
 
-// Sorts by merging halves; small parts are not worth a line.
+// Sorts by merging halves; small parts are not traced.
 Numbers sorted(const Numbers& numbers)
 {
     if (numbers.size() < 2) return numbers;

@@ -6,13 +6,13 @@
 namespace sample
 {
 
-// An operation with its scopes, as a tree of lines.
+// Traces an operation with its scopes, as a tree of lines.
 void showTrace();
 
-// What a hundred cycles of the same operation took.
+// Profiles a hundred cycles of the same operation.
 void showProfile();
 
-// Ten beats, and by how much they missed their moments.
+// Shows ten beats, and how far each was off.
 void showBeat();
 
 } // namespace sample

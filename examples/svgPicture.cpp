@@ -22,7 +22,7 @@ double SvgPicture::toPictureX(double x) const
     return BORDER + (x - _x._min) / (_x._max - _x._min) * SIZE;
 }
 
-// Pictures count downwards.
+// The y axis of a picture points downwards.
 double SvgPicture::toPictureY(double y) const
 {
     return BORDER + (_y._max - y) / (_y._max - _y._min) * SIZE;

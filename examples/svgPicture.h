@@ -1,4 +1,4 @@
-// A picture of points, of which the sample program for random numbers makes several.
+// A picture of points, as the sample program for random numbers makes.
 
 #ifndef ZU_EXAMPLES_SVGPICTURE_H
 #define ZU_EXAMPLES_SVGPICTURE_H
@@ -22,7 +22,7 @@ class SvgPicture
 public:
     SvgPicture(Range x, Range y);
 
-    // A small dot, left out where it lies outside the ranges.
+    // A small dot, omitted if it is outside the ranges.
     void addPoint(double x, double y);
 
     // A bar from 0 up to a height.

@@ -1,4 +1,4 @@
-// Lines: the keys of the aliases with blanks between, and the words of the command line.
+// Lines: the keys of the aliases, separated by blanks, and the words of the command line.
 
 #include "base/inArgBinding.h"
 
@@ -23,15 +23,15 @@ using support::FakeAlias;
 using Texts = std::vector<std::string>;
 using Values = std::map<char, std::optional<std::string>>;
 
-// A key is a letter, perhaps with ":" behind it. The two characters that mean something to the
-// parser itself are none.
+// A key is a letter, optionally followed by ":". The two characters with a meaning for the parser
+// itself are not letters.
 bool isKey(const std::string& text)
 {
     if (text.empty() || text[0] == ':' || text[0] == '?') return false;
     return text.size() == 1 || (text.size() == 2 && text[1] == ':');
 }
 
-// The value of every letter that is an alias's, and how many words were consumed.
+// The values of all letters that belong to an alias, and the number of words consumed.
 std::pair<Values, std::size_t> bind(const Texts& keys, const Texts& words)
 {
     Values values;
@@ -58,7 +58,7 @@ void run(fuzz::Input input)
         owners.push_back(std::make_unique<FakeAlias>(key));
         aliases.insert(owners.back().get());
     }
-    // Which of two aliases of a letter comes first is said by the set.
+    // The set decides which of two aliases of a letter comes first.
     Texts keys;
     for (const Zu::InContextAliasBase* const alias : aliases) keys.emplace_back(alias->getKey());
     Texts words = input.takeLines();

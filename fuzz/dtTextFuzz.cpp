@@ -1,4 +1,4 @@
-// A byte that says whether `errno` holds ERANGE from before, and lines with a time each.
+// A byte that decides whether `errno` is ERANGE beforehand, and lines with one time each.
 
 #include "base/dtEx.h"
 #include "base/dtTime.h"
@@ -32,7 +32,7 @@ constexpr std::int64_t MAX_COUNT = std::numeric_limits<std::int64_t>::max();
 constexpr std::int64_t MIN_32 = std::numeric_limits<std::int32_t>::min();
 constexpr std::int64_t MAX_32 = std::numeric_limits<std::int32_t>::max();
 
-// What may be raised, and the fields of a text otherwise.
+// The possible exceptions, and the fields of a valid text.
 struct BadRate
 {
 };
@@ -47,7 +47,7 @@ struct Fields
 };
 using Result = std::variant<Fields, Error::ErrorCode, BadRate, ZeroDenominator>;
 
-// The number that a field begins with, as far as 80 bits go; nothing if it has no digits.
+// The number that a field begins with, within 80 bits; nothing if it has no digits.
 std::optional<Wide> numberOf(const std::string& field)
 {
     std::size_t place = std::min(field.find_first_not_of(" \t\n\v\f\r"), field.size());
@@ -71,8 +71,8 @@ std::vector<std::string> fieldsOf(const std::string& text)
     return fields;
 }
 
-// Whether the number counts as one that does not fit 32 bits. One at either end of the range does
-// if `errno` says so from before.
+// Whether the number counts as one that does not fit in 32 bits. A number at either end of the
+// range does so if `errno` was ERANGE beforehand.
 bool isOverflow(const std::optional<Wide>& number, bool isRangeError)
 {
     if (!number) return false;
@@ -112,7 +112,7 @@ std::optional<DtTime> parse(const std::string& text, bool isRangeError)
         FUZZ_REQUIRE(fields);
         FUZZ_REQUIRE(isIdentical(
             time, DtTime(fields->_count, Rational(fields->_numerator, fields->_denominator))));
-        // The ratio is the one of the text, but for the numbers whose negation does not fit.
+        // The ratio is that of the text, except for numbers whose negation does not fit.
         if (fields->_denominator != MIN_32 && fields->_numerator != MIN_32)
             FUZZ_REQUIRE(Wide{fields->_numerator} * time.getRate().getDenominator() ==
                          Wide{fields->_denominator} * time.getRate().getNumerator());
@@ -136,7 +136,7 @@ std::optional<DtTime> parse(const std::string& text, bool isRangeError)
 
 void checkRoundTrip(const DtTime& time)
 {
-    // A denominator that stayed negative turns the sign of the rate round when it is read again.
+    // A denominator that stayed negative inverts the sign of the rate when it is read again.
     if (time.getRate().getDenominator() < 0) return;
     errno = 0;
     const Zu::ArrayPtr<char> text(DtTimeUtil::getDtStringFromDtTime(time));
@@ -170,7 +170,7 @@ void checkOrder(const DtTime& a, const DtTime& b)
     if (a == b) FUZZ_REQUIRE(std::hash<DtTime>()(a) == std::hash<DtTime>()(b));
 }
 
-// The same instant at the other rate, truncated, where no product leaves its type.
+// The same instant at the other rate, truncated, provided that no product overflows.
 void checkConversion(const DtTime& time, const Rational& to)
 {
     try
@@ -179,7 +179,7 @@ void checkConversion(const DtTime& time, const Rational& to)
         const Rational from = time.getRate();
         Wide above = Wide{from.getDenominator()} * to.getNumerator();
         Wide below = Wide{to.getDenominator()} * from.getNumerator();
-        // Of a reduced ratio the numerator has the sign.
+        // The numerator of a reduced ratio carries the sign.
         if (below < 0)
         {
             above = -above;

@@ -1,4 +1,4 @@
-// Two lines, with a path each.
+// Two lines with one path each.
 
 #include "base/exSysError.h"
 #include "base/osFileEx.h"
@@ -101,7 +101,7 @@ std::optional<Parts> partsOf(const std::string& path)
     }
 }
 
-// What is known of them on every platform.
+// The properties of the parts that every platform guarantees.
 void checkParts(const std::string& path)
 {
     const std::optional<Parts> parts = partsOf(path);
@@ -126,7 +126,7 @@ std::string withoutSeparatorAtEnd(std::string path)
     return path;
 }
 
-// What two separators in front mean to the standard library is left to the platform.
+// The meaning of two leading separators in the standard library is platform-dependent.
 std::string inSingleRoot(const std::string& path)
 {
     const std::size_t begin = std::min(path.find_first_not_of('/'), path.size());
@@ -143,13 +143,13 @@ void checkResolution(const std::string& currentDir, const std::string& path)
     for (std::size_t i = 0; i < elements.size(); ++i)
     {
         FUZZ_REQUIRE(elements[i] != "." && elements[i] != "..");
-        // Only a separator at the end has nothing behind it.
+        // Only a trailing separator is followed by an empty element.
         FUZZ_REQUIRE(!elements[i].empty() || i + 1 == elements.size());
     }
     FUZZ_REQUIRE(Zu::osLexicalFullPath("/", full) == full);
     if (!path.empty() && path.back() == '/') FUZZ_REQUIRE(full.back() == '/');
     if (full.size() > 1 && full.back() == '/') FUZZ_REQUIRE(path.back() == '/');
-    // The standard library has another rule for separators at the end, and other paths on Windows.
+    // The standard library treats trailing separators differently, and has other paths on Windows.
     if (support::onWindows) return;
     namespace fs = std::filesystem;
     const fs::path joinedPath = fs::path(inSingleRoot(base)) / fs::path(inSingleRoot(path));

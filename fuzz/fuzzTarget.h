@@ -1,6 +1,6 @@
-// What a target is: a function that takes an input through a part of the library, and says what
-// must hold. The same source is a program of its own for the engine that looks for inputs, and a
-// row of the test that runs over the corpora.
+// A fuzz target is a function that runs a part of the library on an input and states the properties
+// that must be true. The same source is a separate program for the fuzzing engine, and a row of the
+// test that runs over the corpora.
 
 #ifndef ZU_FUZZ_FUZZTARGET_H
 #define ZU_FUZZ_FUZZTARGET_H
@@ -17,7 +17,7 @@ namespace fuzz
 
 using Run = void (*)(Input input);
 
-// The targets that are linked in, by their names.
+// The linked targets by name.
 std::map<std::string, Run>& targets();
 
 struct Registration
@@ -25,14 +25,14 @@ struct Registration
     Registration(const char* name, Run run);
 };
 
-// What the test gets to know of a property that does not hold. It is of no family that a target
-// may catch.
+// Reports a violated property to the test. It belongs to no exception family that a target may
+// catch.
 struct PropertyFailure
 {
     std::string _text;
 };
 
-// Ends the program for the engine, which keeps the input then; the test gets a PropertyFailure.
+// Ends the program of the engine, which then keeps the input; in the test raises PropertyFailure.
 [[noreturn]] void fail(const char* property, const char* file, int line);
 
 } // namespace fuzz

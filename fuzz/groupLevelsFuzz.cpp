@@ -1,4 +1,4 @@
-// Lines: the text of the level that groups begin with, and texts that set groups.
+// Lines: the text of the default level, and texts that set levels of groups.
 
 #include "base/exInternalError.h"
 #include "base/lgEx.h"
@@ -26,7 +26,7 @@ using Masks = std::map<std::string, std::uint32_t>;
 
 constexpr std::uint32_t PROFILING = 1U << 1;
 
-// The groups of the process live for one input.
+// Limits the groups of the process to one input.
 struct Groups
 {
     Groups()
@@ -51,7 +51,7 @@ std::optional<LgTypes::Level> levelOf(const std::string& text)
     return static_cast<LgTypes::Level>(found - std::begin(names));
 }
 
-// The bits from the highest one down to that of the level, at least two of them.
+// The bits from the highest one down to that of the level, at least two.
 std::uint32_t maskOf(LgTypes::Level level)
 {
     if (level == LgTypes::Profiling) return PROFILING;
@@ -59,7 +59,7 @@ std::uint32_t maskOf(LgTypes::Level level)
     return 0xFFU << (8 - bits) & 0xFFU;
 }
 
-// The next piece, with the separators in front of it passed over.
+// The next piece; leading separators are skipped.
 std::optional<std::string> takePiece(std::string& text, char separator)
 {
     const std::size_t begin = text.find_first_not_of(separator);
@@ -70,7 +70,7 @@ std::optional<std::string> takePiece(std::string& text, char separator)
     return piece;
 }
 
-// What a text does to the groups, and what is told of it; false if a pair has no level.
+// The effect of a text on the groups, and the messages about it; false if a pair has no level.
 bool parse(std::string text, std::uint32_t defaultMask, Masks& masks, std::string& told)
 {
     while (const std::optional<std::string> name = takePiece(text, '='))
@@ -124,7 +124,7 @@ std::string listOf(const Masks& masks)
     for (const auto& [name, mask] : masks)
     {
         list += std::string(24 - std::min<std::size_t>(name.size(), 24), ' ') + name + " ";
-        // A group with Profiling alone is the only one without a level that can't be switched off.
+        // Only a group with just Profiling lacks the levels that can't be switched off.
         if (mask != PROFILING) list += "Tracing";
         list += (mask & PROFILING) != 0 ? ", Profiling\n" : "\n";
     }

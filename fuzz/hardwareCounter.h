@@ -1,4 +1,4 @@
-// What the start of the packages does for everything that takes the time.
+// What the start of the packages does for everything that reads the time.
 
 #ifndef ZU_FUZZ_HARDWARECOUNTER_H
 #define ZU_FUZZ_HARDWARECOUNTER_H
@@ -9,7 +9,7 @@
 namespace fuzz
 {
 
-// Once in a process, however often it is called.
+// Acts once per process, however often it is called.
 inline void startHardwareCounter()
 {
     static const bool isStarted = []

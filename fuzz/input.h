@@ -28,10 +28,10 @@ public:
     // Eight bytes, the lowest first.
     std::uint64_t takeNumber();
 
-    // Up to the next line feed, which is dropped. It is a text of the language: a NUL ends it.
+    // Up to the next line feed, which is dropped. The result is a C string: a NUL ends it.
     std::string takeLine();
 
-    // All that is left, as a text.
+    // The rest of the input, as a text.
     std::string takeText();
 
     std::vector<std::string> takeLines();
@@ -43,10 +43,10 @@ private:
     const std::uint8_t* _end;
 };
 
-// The text in memory that ends with it, so that AddressSanitizer sees a step too far.
+// The text in memory of exactly its size, so that AddressSanitizer detects a read beyond it.
 std::unique_ptr<char[]> exactCopy(const std::string& text);
 
-// The pieces between the separators; of an empty text there is one.
+// The pieces between the separators; an empty text has one piece.
 std::vector<std::string> split(const std::string& text, char separator);
 
 } // namespace fuzz

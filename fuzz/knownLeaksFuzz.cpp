@@ -16,7 +16,7 @@ using Texts = std::vector<std::string>;
 
 struct Stack
 {
-    // A null name ends it, and nothing stands behind that.
+    // A null name ends it; there is nothing behind it.
     explicit Stack(const Texts& names) : _frames(new Zu::ArrayPtr<char>[names.size() + 1])
     {
         for (std::size_t i = 0; i < names.size(); ++i)
@@ -44,17 +44,17 @@ bool matches(const Texts& frames, const Texts& patterns)
     return true;
 }
 
-// A word that can stand as a pattern in an entry.
+// A word that can be a pattern in an entry.
 bool isPattern(const std::string& word)
 {
     return !word.empty() && !beginsWith(word, "ENDL") &&
            word.find("KNOWNLEAK") == std::string::npos;
 }
 
-// The same lines as a list in which every entry has its form, and what the list says then.
+// Makes a well-formed list of the same lines, and checks its result.
 void checkWellFormed(const Texts& frames, const Stack& stack, const std::string& lines)
 {
-    // A name with a blank in it goes beyond a pattern.
+    // A name with a blank can't be written as a single pattern.
     for (const std::string& frame : frames)
         if (frame.find(' ') != std::string::npos) return;
     std::string list;
@@ -84,9 +84,9 @@ void run(fuzz::Input input)
     const std::size_t entry = list.find("KNOWNLEAK");
     if (entry == std::string::npos || list.find(" ENDL", entry) == std::string::npos)
         FUZZ_REQUIRE(isUnknownLeak);
-    // An entry more knows no fewer leaks.
+    // With one more entry no fewer leaks are known.
     if (!isUnknownLeak) FUZZ_REQUIRE(!isUnknown(stack, list + " KNOWNLEAK other ENDL"));
-    // An entry without patterns matches every stack, wherever the list stopped before it.
+    // An entry without patterns matches every stack, whatever precedes it in the list.
     FUZZ_REQUIRE(!isUnknown(stack, list + " KNOWNLEAK ENDL"));
     checkWellFormed(frames, stack, list);
 }

@@ -1,6 +1,6 @@
 // Seven lines with the values of the levels' variables, in the order of the levels, and a line with
-// the level that groups begin with. A file's name is replaced by one of a scratch directory: only
-// the marks in front of it count.
+// the default level of groups. A file name is replaced by one in a scratch directory: only the
+// marks in front of it count.
 
 #include "base/lgLog.h"
 #include "base/lgMajorGroup.h"
@@ -81,7 +81,7 @@ Setting settingOf(const std::string& text, int level, const support::TempDir& di
     if (text.empty())
     {
         setting._file = dir.file("events.log");
-        // The others keep marks of an earlier set-up where their variable is not set.
+        // The other levels keep marks of an earlier set-up if their variable is not set.
         if (level > LgTypes::InternalError && level < LgTypes::Tracing) return setting;
         setting._value = "%";
         setting._echo = true;
@@ -158,7 +158,7 @@ void checkSetup(const Settings& settings)
 }
 
 // Every run of the logger has left its two banners, and nothing else. The first level that names
-// the file says whether it is begun anew.
+// the file decides whether it is truncated.
 void checkFiles(const Settings& settings)
 {
     const std::string run = "===== Message Logger Startup =====\n"
@@ -192,7 +192,7 @@ void run(fuzz::Input input)
     std::optional<Variable> variables[LgTypes::NUM_LEVELS];
     for (std::size_t i = 0; i < settings.size(); ++i)
         variables[i].emplace(VARIABLES[i], settings[i]._value);
-    // With time stamps the banners tell when they were written.
+    // With time stamps the banners would contain the time at which they were written.
     LgLog::disableTimeStamps();
     for (int round = 0; round < 2; ++round)
     {

@@ -1,4 +1,4 @@
-// A byte for the size of the ring, and a byte for each thing that is done, with what it takes.
+// A byte for the size of the ring, and a byte for each action, followed by its operands.
 
 #include "base/lgStream.h"
 
@@ -99,7 +99,7 @@ void checkState(const Stream& stream, const StreamModel& model)
 void take(Stream& stream, StreamModel& model)
 {
     const std::string expected = model.take();
-    // Exactly what the text needs: the stream must not write behind it.
+    // Exactly the size of the text: the stream must not write beyond it.
     const std::unique_ptr<char[]> text(new char[expected.size() + 1]);
     FUZZ_REQUIRE(stream.take(text.get()) == expected.size());
     FUZZ_REQUIRE(text.get() == expected);
@@ -131,7 +131,7 @@ void act(fuzz::Input& input, Stream& stream, StreamModel& model)
         return insert(stream, model, action >= 128, action >= 128 ? "true" : "false");
     case 6:
     {
-        // Of a length that small inputs can't write out.
+        // A length that small inputs can't spell out.
         const std::string text(std::size_t{input.takeByte()} * (action / 8), 'x');
         return insert(stream, model, std::string_view(text), text);
     }

@@ -28,7 +28,7 @@ struct Line
     std::string _path;
 };
 
-// A number in hexadecimal, and the character behind it, off the front of a text.
+// Takes a hexadecimal number and the character behind it from the front of a text.
 std::optional<std::uint64_t> takeNumber(std::string& text, char end)
 {
     const std::size_t length = text.find(end);
@@ -45,7 +45,7 @@ std::optional<std::uint64_t> takeNumber(std::string& text, char end)
     return number;
 }
 
-// Words are separated by blanks; the path is all that is left behind them.
+// Words are separated by blanks; the path is everything behind them.
 std::string takeWord(std::string& text)
 {
     const std::string word = text.substr(0, text.find(' '));
@@ -101,8 +101,7 @@ void checkLine(const std::string& text)
     FUZZ_REQUIRE(line._path == expected->_path && isWithin(line._path, view));
 }
 
-// The mappings of each file, as far as they follow each other, and only of those that have one that
-// can be executed.
+// Consecutive mappings of the same file, of files with at least one executable mapping.
 std::vector<std::vector<Line>> librariesOf(const std::vector<std::string>& texts)
 {
     std::vector<std::vector<Line>> files;

@@ -45,7 +45,7 @@ void checkDouble(const std::string& text)
     errno = 17;
     const double number = Zu::textToDouble(copy.get());
     FUZZ_REQUIRE(errno == 17);
-    // What Windows' own reads is not by the rules of C99.
+    // The function of Windows does not follow the rules of C99.
     if (!support::onWindows) FUZZ_REQUIRE(isSame(number, std::strtod(copy.get(), nullptr)));
 }
 
@@ -54,7 +54,7 @@ void checkRoundTrip(double value, std::chars_format format)
     char text[64];
     const char* const end = std::to_chars(text, text + sizeof text, value, format).ptr;
     std::string number(text, static_cast<std::size_t>(end - text));
-    // As `%a` has it.
+    // The form of `%a`.
     if (format == std::chars_format::hex && std::isfinite(value))
         number.insert(number[0] == '-' ? 1 : 0, "0x");
     FUZZ_REQUIRE(isSame(Zu::textToDouble(number.c_str()), value));
@@ -62,7 +62,7 @@ void checkRoundTrip(double value, std::chars_format format)
 
 void checkWriting(double value)
 {
-    // The end of the memory is that of the buffer.
+    // The memory ends where the buffer does.
     const std::unique_ptr<char[]> buffer(new char[Zu::LG_DOUBLE_TEXT_SIZE]);
     const char* const end = Zu::lgWriteDouble(buffer.get(), value);
     const std::string text(buffer.get(), static_cast<std::size_t>(end - buffer.get()));
@@ -85,7 +85,7 @@ void run(fuzz::Input input)
     checkRoundTrip(value, std::chars_format::scientific);
     checkRoundTrip(value, std::chars_format::hex);
     checkWriting(value);
-    // Numbers near 1 are what is written as a rule, and few bits make one.
+    // Numbers near 1 are typical, but rare among random bits.
     checkWriting(std::ldexp(value, -std::ilogb(value == 0 || !std::isfinite(value) ? 1 : value)));
 }
 

@@ -1,4 +1,4 @@
-// Lines: "options", the option string, what to do behind each option ("n" asks for one more value),
+// Lines: "options", the option string, what to do after each option ("n" requests one more value),
 // and the words; or "sub", the tokens, and the text of sub-options.
 
 #include "base/inOptionParser.h"
@@ -19,7 +19,7 @@ namespace
 using Texts = std::vector<std::string>;
 using Zu::InOptionParser;
 
-// The array ends with its last word: a parser that counts on a null behind it is found out.
+// The array ends with its last word, which detects a parser that relies on a null behind it.
 struct Words
 {
     explicit Words(const Texts& texts) : _pointers(new char*[texts.size()])
@@ -84,7 +84,7 @@ void runSubOptions(fuzz::Input input)
     const auto copy = fuzz::exactCopy(text);
     char* rest = copy.get();
     std::string left = text;
-    // At the end of the text the splitter gives an empty name, and stays there.
+    // At the end of the text the splitter returns an empty name, again and again.
     for (bool isAtEnd = false; !isAtEnd;)
     {
         isAtEnd = left.empty();

@@ -1,4 +1,4 @@
-// How options stand on a command line, written anew to hold the library's parser against.
+// An independent parser of command-line options, to compare the library's parser with.
 
 #ifndef ZU_FUZZ_OPTIONWALK_H
 #define ZU_FUZZ_OPTIONWALK_H
@@ -17,7 +17,7 @@ public:
     static constexpr int END = -1;
     static constexpr int UNKNOWN = '?';
 
-    // The first word, the program's name, counts as walked through.
+    // The first word, the program's name, counts as processed.
     OptionWalk(std::vector<std::string> words, std::string options);
 
     int next();
@@ -40,7 +40,7 @@ private:
     std::string _options;
     std::optional<std::string> _value;
     std::size_t _index = 0;
-    // What of the word is still to be read.
+    // The unread rest of the word.
     std::string _rest;
 };
 

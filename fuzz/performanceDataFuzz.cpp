@@ -1,5 +1,5 @@
-// A byte each for the index of the object and of the counter and for the instance's name, and a
-// block of performance data.
+// One byte each for the index of the object, the index of the counter and the instance's name, and
+// a block of performance data.
 
 #include "base/exInternalError.h"
 #include "base/prEx.h"
@@ -30,7 +30,7 @@ enum class Failure
 
 using Result = std::variant<std::uint64_t, Failure>;
 
-// A record by where it begins and ends in the block.
+// The beginning and the end of a record in the block.
 struct Record
 {
     std::size_t _begin;
@@ -45,7 +45,7 @@ std::uint64_t numberAt(const Bytes& data, std::size_t place, int size)
     return number;
 }
 
-// The record at a place, whose length is a field of it, if it lies within the end.
+// The record at a place, with its length in one of its fields, if it fits before the end.
 std::optional<Record> recordAt(const Bytes& data, std::size_t place, std::size_t end,
                                std::size_t lengthField, std::size_t leastLength)
 {
@@ -91,7 +91,7 @@ std::optional<Record> findCounter(const Bytes& data, const Record& object, std::
     return std::nullopt;
 }
 
-// The values of the object itself, or of its instance.
+// The values of the object itself or of its instance.
 std::optional<Record> findValues(const Bytes& data, const Record& object, const std::string& name)
 {
     std::size_t place = object._begin + numberAt(data, object._begin + 4, 4);
@@ -176,7 +176,7 @@ void run(fuzz::Input input)
                      Result(Failure::NO_OBJECT));
         return;
     }
-    // An instance is named exactly where the object has some; anything else is an assertion.
+    // An instance is named exactly if the object has instances; otherwise an assertion fails.
     const char* const instance = instancesOf(data, *object) < 1 ? nullptr : name.c_str();
     FUZZ_REQUIRE(resultOf(data, objectIndex, counterIndex, instance) ==
                  expectedOf(data, *object, counterIndex, name));

@@ -1,5 +1,5 @@
-// A byte each for the sizes of the rings and for whether there is an observer, and a byte for each
-// thing that is done, with what it takes.
+// One byte each for the sizes of the rings and for the presence of an observer, and a byte for each
+// action, followed by its operands.
 
 #include "base/lgQueue.h"
 #include "base/lgTypes.h"
@@ -58,7 +58,7 @@ private:
     Notices& _notices;
 };
 
-// A place for an entry; its mark outlives the entry.
+// A slot for an entry; its mark outlives the entry.
 struct Slot
 {
     bool _isOverflow = false;
@@ -124,7 +124,7 @@ public:
         return _begin == _end;
     }
 
-    // One place of the ring stays free, and one is kept for lost events.
+    // One slot of the ring stays free, and one is reserved for lost events.
     bool isFull() const
     {
         return _end - _begin >= _slots.size() - 2;
@@ -155,7 +155,7 @@ private:
             return;
         }
         Slot& slot = slotAt(_end);
-        // A mark that is there already keeps its count.
+        // An existing mark keeps its count.
         if (!slot._isOverflow) slot._count = 1;
         slot._isOverflow = true;
         ++_end;
@@ -180,7 +180,8 @@ public:
     Session(const Session&) = delete;
     Session& operator=(const Session&) = delete;
 
-    // Behind a property that failed there may be entries left, with which a queue must not end.
+    // After a violated property entries may be left, and a queue must be empty when it is
+    // destroyed.
     ~Session()
     {
         while (!_queue.isEmpty()) _queue.removeEntry();
@@ -202,7 +203,7 @@ public:
         case 4:
             return unsuppress();
         case 5:
-            // Between the two stands the insertion of one reserved event.
+            // The two enclose the insertion into one reserved event.
             if (!_model._isReserved || _model._isInserting) return;
             _queue.beginInsertion();
             _model._isInserting = true;
@@ -234,7 +235,7 @@ public:
     void check() const
     {
         FUZZ_REQUIRE(_queue.getLostCount() == _model._lost);
-        // Every event outside of the guards is accepted or counted.
+        // Every event outside the guards is accepted or counted.
         FUZZ_REQUIRE(_accepted + _queue.getLostCount() == _model._attempted);
         FUZZ_REQUIRE(_queue.isEmpty() == _model.isEmpty());
         FUZZ_REQUIRE(_queue.isFull() == _model.isFull());
@@ -246,7 +247,7 @@ public:
         FUZZ_REQUIRE(_notices._removed == (_isObserved ? _model._begin : 0));
     }
 
-    // A queue must be empty when it ends.
+    // A queue must be empty when it is destroyed.
     void drain()
     {
         if (_model._isReserved)
@@ -266,7 +267,7 @@ public:
 private:
     void reserve(int level)
     {
-        // An event is ended before the next one; only one from inside an insertion comes between.
+        // An event is completed before the next one begins, except one inside an insertion.
         if (_model._isReserved && !_model._isInserting && _model._suppressed == 0) return;
         const bool isReserved = _queue.reserveEntry(static_cast<Zu::LgTypes::Level>(level));
         FUZZ_REQUIRE(isReserved == _model.reserve(level));

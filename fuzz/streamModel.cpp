@@ -3,7 +3,7 @@
 namespace fuzz
 {
 
-// One place stays free, and a terminator that the writer stands on takes one.
+// One place stays free, and a terminator at the writer's position occupies one.
 std::size_t StreamModel::room() const
 {
     const std::size_t ahead = _size - 1 - (_written - _read);
@@ -38,8 +38,8 @@ void StreamModel::finish()
     _isClosed = true;
     if (_isOnTerminator)
     {
-        // The string that stands there is closed already: the writer steps past its terminator if
-        // there is room by now.
+        // The string there is already closed: the writer steps past its terminator if there is room
+        // by now.
         if (_written - _read == _size - 1) return;
         ++_written;
         _isOnTerminator = false;
@@ -69,7 +69,7 @@ std::string StreamModel::take()
     if (_strings.empty()) return "";
     const std::string text = _strings.front();
     _strings.pop_front();
-    // The reader goes over the terminator that it rests on, and stays on the string's own.
+    // The reader skips the terminator that it rests on, and stops at the string's own.
     const bool rests = !_readerIsFresh || _firstIsEmpty;
     _read += text.size() + (rests ? 1 : 0);
     _readerIsFresh = false;

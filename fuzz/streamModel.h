@@ -1,4 +1,4 @@
-// What a ring of text holds, told by counts that never wrap and by whole strings.
+// A model of a ring of text, with counts that never wrap and whole strings.
 
 #ifndef ZU_FUZZ_STREAMMODEL_H
 #define ZU_FUZZ_STREAMMODEL_H
@@ -13,7 +13,7 @@ namespace fuzz
 class StreamModel
 {
 public:
-    // What a writer goes back to.
+    // A state that the writer can return to.
     struct Mark
     {
         std::size_t _written;
@@ -27,7 +27,7 @@ public:
     void insert(const std::string& text);
     void finish();
 
-    // The next finished string, which is taken; the empty one if there is none.
+    // Takes the next finished string; returns the empty one if there is none.
     std::string take();
 
     std::size_t room() const;
@@ -60,7 +60,7 @@ public:
 
     Mark mark() const;
 
-    // Whether a string was finished since.
+    // Whether a string has been finished since.
     bool hasFinishedSince(const Mark& mark) const
     {
         return _finished > mark._finished;
@@ -68,22 +68,22 @@ public:
 
     void resetTo(const Mark& mark);
 
-    // Forgets what stands behind the first string since the mark, which must be finished.
+    // Forgets everything behind the first string since the mark, which must be finished.
     void keepFirst(const Mark& mark);
 
 private:
     void push();
 
     std::size_t _size;
-    // Places that the writer and the reader have gone, and strings that were ever finished.
+    // The places that the writer and the reader have passed, and the strings finished so far.
     std::size_t _written = 0;
     std::size_t _read = 0;
     std::size_t _finished = 0;
     std::string _current;
     std::deque<std::string> _strings;
-    // The writer stands on the terminator of the last string.
+    // The writer is at the terminator of the last string.
     bool _isOnTerminator = false;
-    // Nothing was ever finished: there is no terminator that the reader rests on.
+    // Nothing has been finished yet: there is no terminator for the reader to rest on.
     bool _isFresh = true;
     bool _readerIsFresh = true;
     bool _firstIsEmpty = false;

@@ -28,10 +28,10 @@ using Texts = std::vector<std::string>;
 
 const std::string LONG_NAME(47, 'L');
 
-// What the groups were asked to do, in its order.
+// The calls of the groups, in order.
 Texts journal;
 
-// A file may ask for more cycles than anybody waits for. What a group raises ends them.
+// A file may request a huge number of cycles. An exception of a group ends them.
 constexpr std::size_t MOST_RUNS = 40;
 std::size_t runs = 0;
 
@@ -93,7 +93,7 @@ std::string shown(const std::string& beginning, const std::string& token)
     return token.size() < 128 ? beginning + token + ">." : beginning;
 }
 
-// The error in a line, which is not empty.
+// The error in a line that is not empty.
 std::optional<std::string> readLine(const Texts& tokens, std::vector<Record>& records)
 {
     const std::string& name = tokens[0];
@@ -112,8 +112,8 @@ std::optional<std::string> readLine(const Texts& tokens, std::vector<Record>& re
     return std::nullopt;
 }
 
-// The lines as they count: without a carriage return in front of the line feed; of one that is too
-// long the beginning, and then no more.
+// The effective lines: without a carriage return before the line feed; of a line that is too long
+// the beginning, and nothing after it.
 Texts linesOf(const std::vector<std::uint8_t>& bytes)
 {
     Texts lines = fuzz::split(std::string(bytes.begin(), bytes.end()), '\n');
@@ -123,7 +123,7 @@ Texts linesOf(const std::vector<std::uint8_t>& bytes)
         if (lines[i].size() <= 255) continue;
         lines[i].resize(255);
         lines.resize(i + 1);
-        // Without a character in front of a NUL there is no line to count.
+        // A line that is empty up to its first NUL does not count.
         if (lines[i].c_str()[0] == '\0') lines.pop_back();
         return lines;
     }
@@ -169,7 +169,7 @@ Texts journalOf(const std::vector<Record>& records)
     return expected;
 }
 
-// The report has a row for each record, with a title of six lines above and one empty line below.
+// The report has a row for each record, below a title of six lines and above one empty line.
 void checkReport(const Zu::TestPerformer& performer, const std::vector<Record>& records)
 {
     std::ostringstream report;

@@ -1,4 +1,4 @@
-// Lines: a file's name, as a statement of tracing has it, and option texts.
+// Lines: a file name, as in a trace statement, and option texts.
 
 #include "base/exInternalError.h"
 #include "base/trace.h"
@@ -33,7 +33,7 @@ std::vector<SubOption> subOptionsOf(const std::string& text)
 {
     std::vector<SubOption> subOptions;
     std::vector<std::string> pieces = fuzz::split(text, ',');
-    // A comma at the end has nothing behind it.
+    // A trailing comma is not followed by a piece.
     if (pieces.back().empty()) pieces.pop_back();
     for (const std::string& piece : pieces)
     {
@@ -60,7 +60,7 @@ std::int32_t numberOf(const std::string& text)
         std::clamp<std::int64_t>(number, Limits::min(), Limits::max()));
 }
 
-// What the options are, and the levels that there are in the process.
+// The options, and the existing levels of the process.
 struct Model
 {
     bool _on = true;
@@ -159,8 +159,8 @@ std::map<std::string, bool>& levelsOfProcess()
     return theLevels;
 }
 
-// Levels are never deleted, so the names that a long run makes have to be few: one character over
-// and over. "writeprotect" would be the last option of the process.
+// Levels are never deleted, so a long run may only make few names: one character repeated.
+// "writeprotect" would be the last option of the process.
 bool isAllowed(const std::vector<SubOption>& options)
 {
     return std::all_of(options.begin(), options.end(),
@@ -181,7 +181,7 @@ std::string reasonFor(const std::string& token)
     return ("Unknown token \"" + token + "\" in trace options.").substr(0, 1023);
 }
 
-// The token that was refused.
+// The refused token.
 std::optional<std::string> applyToModel(const std::vector<SubOption>& options, Model& model)
 {
     for (const SubOption& option : options)
@@ -240,7 +240,7 @@ std::string listOf(const Model& model)
     return text.str();
 }
 
-// The list without the files behind the levels that the library itself registers.
+// The list without the file names of the library's own levels.
 std::string withoutFiles(const std::string& list)
 {
     const std::string margin(33, ' ');
@@ -278,7 +278,7 @@ void run(fuzz::Input input)
                  (model._on && model._levels.at("Main")));
     for (const auto& [name, isOn] : model._levels)
         FUZZ_REQUIRE(Trace::registerLevel(name.c_str(), nullptr)->isOn() == isOn);
-    // A level that nobody has named before takes what "all" said last.
+    // A new level gets the state that "all" set last.
     static int newLevels = 0;
     if (newLevels < 20 && model._newLevelsAreOn)
     {
@@ -290,7 +290,7 @@ void run(fuzz::Input input)
     std::ostringstream list;
     options.printLevels(list);
     FUZZ_REQUIRE(withoutFiles(list.str()) == listOf(model));
-    // The first line of the process may have the list in front of it.
+    // The first line of the process may be preceded by the list.
     static const bool isBegun = []
     {
         std::ostringstream firstLine;
