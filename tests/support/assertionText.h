@@ -1,4 +1,4 @@
-// Recognises the report of a failed internal assertion in what a dying process wrote.
+// Recognises the report of a failed internal assertion in the output of a dying process.
 
 #ifndef ZU_TESTS_ASSERTIONTEXT_H
 #define ZU_TESTS_ASSERTIONTEXT_H
@@ -12,8 +12,8 @@ namespace support
 {
 
 // A matcher for EXPECT_DEATH: the output has a line that begins with "Assertion failed: ", the
-// expression, ", file ", and, where they are given, goes on with the file, ", line " and the number
-// to its end.
+// expression and ", file ". If file and line are given, the line continues with the file, ", line "
+// and the number, and ends there.
 class AssertionText
 {
 public:
@@ -53,7 +53,7 @@ public:
     }
 
 private:
-    // Standard error is a text stream: some platforms end its lines with a carriage return too.
+    // Standard error is a text stream: on some platforms its lines end with a carriage return, too.
     bool endsWell(const std::string& rest) const
     {
         return !_wholeLine || rest.rfind("\n", 0) == 0 || rest.rfind("\r\n", 0) == 0;

@@ -1,4 +1,4 @@
-// Runs a test program to its end and tells what it did.
+// Runs a test program to its end and returns its results.
 
 #ifndef ZU_TESTS_CHILDPROCESS_H
 #define ZU_TESTS_CHILDPROCESS_H
@@ -15,29 +15,30 @@ struct ProgramResult
 {
     // The exit value; meaningless when the program was aborted.
     int exitCode = -1;
-    // Whether the program ended by abort() or a like fatal signal.
+    // Whether the program was ended by abort() or a similar fatal signal.
     bool aborted = false;
-    // What it wrote, with line feeds alone at the ends of lines.
+    // What it wrote, with line endings reduced to line feeds.
     std::string out;
     std::string err;
 };
 
-// Changes to the environment; nothing removes the variable.
+// Changes to the environment; std::nullopt removes the variable.
 using Environment = std::map<std::string, std::optional<std::string>>;
 
 // Runs the program of this name from the directory of test programs. Standard input is empty. Its
-// log files go to a directory of its own, unless the environment names one.
+// log files go to a private directory, unless the environment names one.
 ProgramResult runProgram(const std::string& name, const std::vector<std::string>& arguments = {},
                          const Environment& environment = {});
 
-// The path of a test program and of a module of this name.
+// The paths of the test program and of the module of this name.
 std::string programPath(const std::string& name);
 std::string modulePath(const std::string& name);
 
 // The lines of a text, without their ends.
 std::vector<std::string> linesOf(const std::string& text);
 
-// Runs a program by its path; the platform's part of runProgram(). The streams go to two files.
+// Runs a program by its path; the platform's part of runProgram(). The output streams go to two
+// files.
 void runToFiles(const std::string& path, const std::vector<std::string>& arguments,
                 const Environment& environment, const std::string& outFile,
                 const std::string& errFile, ProgramResult& result);

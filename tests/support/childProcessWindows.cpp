@@ -10,7 +10,7 @@ namespace support
 namespace
 {
 
-// As the C runtime of the child takes a command line apart.
+// Quotes a word for the C runtime of the child, which splits the command line.
 std::string quoted(const std::string& word)
 {
     std::string text = "\"";
@@ -78,7 +78,7 @@ void runToFiles(const std::string& path, const std::vector<std::string>& argumen
     startup.hStdOutput = openInheritable(outFile.c_str(), GENERIC_WRITE, CREATE_ALWAYS);
     startup.hStdError = openInheritable(errFile.c_str(), GENERIC_WRITE, CREATE_ALWAYS);
     PROCESS_INFORMATION process{};
-    // Wine now and then fails to start a program while many others start and end.
+    // Wine occasionally fails to start a program while many others start and end.
     constexpr int TRIALS = 5;
     BOOL started = FALSE;
     DWORD error = 0;

@@ -17,7 +17,7 @@
 namespace support
 {
 
-// For standard streams: their own point, groups and words.
+// For standard streams: their decimal point, grouping and words.
 class CommaFacet : public std::numpunct<char>
 {
 protected:
@@ -47,7 +47,7 @@ protected:
     }
 };
 
-// The global locale of the standard streams, and that of the streams that the process begins with.
+// The global locale of the standard streams, and that of the predefined streams.
 class CommaStreams
 {
 public:
@@ -74,8 +74,8 @@ private:
     std::locale _formerErr;
 };
 
-// What `setlocale()` sets, by a locale that the system has, or by one made for the purpose where
-// the system can make one.
+// The locale of `setlocale()`: one that the system has, or one made for the purpose where the
+// system can make one.
 class CommaNumerals
 {
 public:
@@ -110,7 +110,7 @@ private:
                                               "grouping 3;3\nEND LC_NUMERIC\n";
         const std::string command =
             "localedef -c -i " + _dir.file("source") + " " + _dir.file("comma");
-        // It says what else a locale might have: that is not looked at, nor its exit value.
+        // It prints what else a locale might have: that is ignored, as is its exit value.
         const std::string log = " >" + _dir.file("log") + " 2>&1";
         if (std::system((command + log).c_str()) == -1) return;
         _path.set(_dir.path());

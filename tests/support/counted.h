@@ -1,4 +1,4 @@
-// Objects that tell how many of them live.
+// Objects that count how many of them live.
 
 #ifndef ZU_TESTS_COUNTED_H
 #define ZU_TESTS_COUNTED_H
@@ -25,7 +25,7 @@ struct Counted
     int _value;
 
     static inline int _living = 0;
-    // How often one ended since the last clear().
+    // How many were destroyed since the last clear().
     static inline int _ended = 0;
 
     static void clear()

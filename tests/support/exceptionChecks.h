@@ -1,4 +1,4 @@
-// What every concrete exception has to do, checked in the same way for all families.
+// The requirements on every concrete exception, checked in the same way for all families.
 
 #ifndef ZU_TESTS_EXCEPTIONCHECKS_H
 #define ZU_TESTS_EXCEPTIONCHECKS_H
@@ -21,37 +21,37 @@
 namespace support
 {
 
-// Where all exceptions of the checks say that they were raised.
+// The place at which all exceptions of the checks claim to have been raised.
 inline constexpr const char* RAISE_FILE = "place/ofTheRaise.cpp";
 inline constexpr int RAISE_LINE = 4711;
 
-// Which of the two direct bases of a class stands first in its objects.
+// Which of the two direct bases of a class comes first in its objects.
 enum class FirstBase
 {
     STANDARD,
     ROOT
 };
 
-// One concrete exception, ready to be made and raised, and the text it has to give.
+// One concrete exception, how to make and raise it, and its expected text.
 struct ExceptionRow
 {
-    // The name of the class without its scopes, perhaps with a word on the arguments.
+    // The name of the class without its scopes, optionally with a word about the arguments.
     std::string _name;
     std::string _reason;
     FirstBase _firstBase = FirstBase::STANDARD;
 
     // Makes one with the same arguments each time.
     std::function<std::unique_ptr<Zu::ExBase>()> _make;
-    // What it says of itself as std::exception.
+    // Its text as a std::exception.
     std::function<std::string()> _what;
-    // The text of its standard part, behind the override.
+    // The text of its standard base, without the override.
     std::function<std::string()> _standardText;
-    // Raises it past handlers for other types; what the handler for the standard class, for the
-    // family and for the root of all read from it.
+    // Raise it past handlers for other types; return what the handlers for the standard class, for
+    // the family and for the common root read from it.
     std::function<std::string()> _readByStandardHandler;
     std::function<std::string()> _readByFamilyHandler;
     std::function<std::string()> _readByRootHandler;
-    // Which base stands first in an object.
+    // Which base comes first in an object.
     std::function<FirstBase()> _observedFirstBase;
 };
 
@@ -60,7 +60,7 @@ inline void PrintTo(const ExceptionRow& row, std::ostream* stream)
     *stream << row._name;
 }
 
-// The text that `read` gets from what `raise` throws, if a handler for Handler catches it.
+// The text that `read` returns for the exception of `raise`, if a handler for Handler catches it.
 template <class Handler, class Raise, class Read> std::string readBy(Raise raise, Read read)
 {
     try
@@ -79,7 +79,7 @@ template <class Handler, class Raise, class Read> std::string readBy(Raise raise
 }
 
 // A row of a table: the exception's class, its standard base and its family; then its name, its
-// reason and what its constructor takes behind file and line.
+// reason and the constructor arguments after file and line.
 template <class Exception, class Standard, class Family, class... Arguments>
 ExceptionRow exceptionRow(std::string name, std::string reason, Arguments... arguments)
 {
@@ -128,8 +128,8 @@ inline ExceptionRow rootFirst(ExceptionRow row)
     return row;
 }
 
-// A name that is longer than any precision, and its beginning as a precision of `length` leaves
-// it. The characters around the cut differ from their neighbours.
+// A name longer than any precision, and its beginning as truncated by a precision of `length`. The
+// characters around the cut differ from their neighbours.
 inline std::string longName(char letter)
 {
     std::string name(63, letter);
@@ -144,7 +144,7 @@ inline std::string cutName(char letter, std::size_t length)
     return longName(letter).substr(0, length);
 }
 
-// The object says where and why it was raised, and says the same as std::exception.
+// The object reports where and why it was raised, also as a std::exception.
 inline void expectTexts(const ExceptionRow& row)
 {
     const std::unique_ptr<Zu::ExBase> exception = row._make();
@@ -162,7 +162,7 @@ inline void expectHandlers(const ExceptionRow& row)
     EXPECT_EQ(row._readByRootHandler(), row._reason);
 }
 
-// `copy` is a clone of `exception`: another object of the same type that says the same.
+// `copy` is a clone of `exception`: a different object of the same type with the same texts.
 inline void expectCloneOf(const Zu::ExBase& exception, const Zu::ExBase& copy)
 {
     EXPECT_NE(&copy, &exception);
@@ -176,7 +176,7 @@ inline void expectCloneOf(const Zu::ExBase& exception, const Zu::ExBase& copy)
     EXPECT_STREQ(standard->what(), exception.getReason());
 }
 
-// A clone stands on its own when the original has ended.
+// A clone outlives the original.
 inline void expectClone(const ExceptionRow& row)
 {
     std::unique_ptr<Zu::ExBase> exception = row._make();

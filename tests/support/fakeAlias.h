@@ -1,4 +1,4 @@
-// An alias that belongs to no package, for what binds aliases by their keys alone.
+// An alias that belongs to no package, for code that binds aliases by their keys alone.
 
 #ifndef ZU_TESTS_FAKEALIAS_H
 #define ZU_TESTS_FAKEALIAS_H

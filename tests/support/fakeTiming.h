@@ -1,4 +1,4 @@
-// Clocks and figures that a test sets, for what measures and reports times.
+// Clocks and figures set by a test, for code that measures and reports times.
 
 #ifndef ZU_TESTS_FAKETIMING_H
 #define ZU_TESTS_FAKETIMING_H
@@ -16,8 +16,8 @@
 namespace support
 {
 
-// An interval timer whose clock stands still until it is set. It has no default name, so that a
-// name always comes from what holds it.
+// An interval timer whose clock only changes when it is set. It has no default name, so a name
+// always comes from the object that contains it.
 class FakeIntervalTimer : public Zu::IntervalTimer
 {
 public:
@@ -72,7 +72,7 @@ template <class Profiler> void addCycle(Profiler& profiler, double seconds)
     profiler.endCycle();
 }
 
-// Waits until the clock of this kind of interval timer has gone on.
+// Waits until the clock of this kind of interval timer has advanced.
 template <class IntervalTimer> void awaitTick()
 {
     IntervalTimer timer;
@@ -82,7 +82,7 @@ template <class IntervalTimer> void awaitTick()
     }
 }
 
-// A profiler that has any figures, be they ones that no cycles could give.
+// A profiler with arbitrary figures, even ones that no cycles could give.
 class FixedProfiler : public Zu::ProfilerBase
 {
 public:

@@ -1,4 +1,4 @@
-// What tests of failing calls of the system share.
+// What tests of failing system calls share.
 
 #ifndef ZU_TESTS_FAULTTEST_H
 #define ZU_TESTS_FAULTTEST_H
@@ -19,7 +19,7 @@
 namespace support
 {
 
-// Files in a directory of the test's own. It leaves as many handles as it found.
+// Files in a directory of the test's own. The number of open handles must not change.
 class FaultTest : public testing::Test
 {
 protected:

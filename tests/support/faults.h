@@ -1,5 +1,5 @@
-// Lets calls of the system fail on command. The program is linked with --wrap for each of the calls
-// of its platform.
+// Makes system calls fail on command. The program is linked with --wrap for each of the calls of
+// its platform.
 
 #ifndef ZU_TESTS_FAULTS_H
 #define ZU_TESTS_FAULTS_H
@@ -37,7 +37,7 @@ enum class Call
     SET_FILE_POINTER,
 #else
     OPEN,
-    // The descriptor is released all the same, unless the error is EBADF.
+    // The descriptor is released nevertheless, unless the error is EBADF.
     CLOSE,
     READ,
     // The error 0 gives a count of 0.
@@ -58,7 +58,7 @@ enum class Call
     FUTIMENS,
     READDIR,
     GETHOSTNAME,
-    // What is left is what was asked for but for a second. The error 0 lets it end at once.
+    // The remaining time is the requested time minus a second. The error 0 lets it end at once.
     NANOSLEEP,
     // The error 0 means that there is no such user.
     GETPWUID_R,
@@ -66,8 +66,8 @@ enum class Call
     COUNT
 };
 
-// While it lives, calls of this kind fail with this error, after some that go through. One at a
-// time for each kind.
+// While it lives, calls of this kind fail with this error, after the first few have passed. Only
+// one at a time for each kind.
 class Fault
 {
 public:
@@ -78,14 +78,14 @@ public:
     Fault& operator=(const Fault&) = delete;
     ~Fault();
 
-    // How many calls it let fail.
+    // How many calls it made fail.
     int failures() const;
 
 private:
     Call _call;
 };
 
-// While it lives, something is done before each call of this kind. One at a time for each kind.
+// While it lives, an action runs before each call of this kind. Only one at a time for each kind.
 class Before
 {
 public:
@@ -98,13 +98,13 @@ private:
     Call _call;
 };
 
-// For the halves of this component: whether a call is to fail, and with which error. What is to be
-// done before is done.
+// For the halves of this component: whether a call is to fail, and with which error. Runs the
+// action that precedes the call.
 bool isToFail(Call call, int& error);
 
 #if defined(_WIN32)
 
-// Closes the handle that last was not closed as its call was to fail.
+// Closes the last handle that was left open because its call was to fail.
 void closeUnclosed();
 
 // While it lives, every drive is of this type, and its sectors have this size.
@@ -117,7 +117,7 @@ public:
     ~FalseDrive();
 };
 
-// While it lives, the file system numbers no files.
+// While it lives, the file system has no file numbers.
 class NoFileNumbers
 {
 public:
@@ -129,7 +129,7 @@ public:
 
 #else
 
-// While it lives, no single call reads or writes more.
+// While it lives, no single call reads or writes more than the limit.
 class TransferLimit
 {
 public:
@@ -149,7 +149,7 @@ public:
     ~FalseStatus();
 };
 
-// While it lives, every file stands on a volume of this type with this block size.
+// While it lives, every file is on a volume of this type with this block size.
 class FalseVolume
 {
 public:
@@ -159,7 +159,7 @@ public:
     ~FalseVolume();
 };
 
-// While it lives, no file gets longer: a write beyond fails with EFBIG.
+// While it lives, no file grows beyond the limit: such a write fails with EFBIG.
 class SizeLimit
 {
 public:
@@ -172,7 +172,7 @@ private:
     std::uint64_t _old;
 };
 
-// While it lives, the process is a user whom modes stop.
+// While it lives, the process belongs to a user to whom file modes apply.
 class OrdinaryUser
 {
 public:
@@ -185,7 +185,7 @@ private:
     std::uint32_t _old;
 };
 
-// How many whole seconds the last call of NANOSLEEP that was to fail was asked for.
+// The whole seconds requested from the last call of NANOSLEEP that was to fail.
 std::int64_t secondsOfLastSleep();
 
 void makeFifo(const std::string& path);

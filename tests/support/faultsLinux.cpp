@@ -33,7 +33,7 @@ std::uint32_t falseType = 0;
 std::uint32_t falseBlockSize = 0;
 std::int64_t lastSleep = 0;
 
-// Whether this call is to fail; errno is then set.
+// Whether this call is to fail; sets errno if so.
 bool fails(Call call)
 {
     return support::isToFail(call, errno);
@@ -140,8 +140,8 @@ extern "C"
         return result;
     }
 
-    // Five arguments beside the number are in registers, so it does no harm to pass too many. No
-    // call of the library has more.
+    // The five arguments after the number are passed in registers, so passing too many does no
+    // harm. No call of the library has more.
     long __wrap_syscall(long number, ...)
     {
         if (number == SYS_renameat2 && fails(Call::RENAMEAT2)) return -1;
@@ -261,7 +261,7 @@ SizeLimit::SizeLimit(std::uint64_t bytes)
     _old = limit.rlim_cur;
     limit.rlim_cur = bytes;
     setrlimit(RLIMIT_FSIZE, &limit);
-    // Its default is the end of the process.
+    // By default it ends the process.
     std::signal(SIGXFSZ, SIG_IGN);
 }
 

@@ -13,7 +13,7 @@ DWORD falseSectorSize = 0;
 bool isWithoutNumbers = false;
 HANDLE unclosed = nullptr;
 
-// Whether this call is to fail; the last error is then set.
+// Whether this call is to fail; sets the last error if so.
 bool fails(Call call)
 {
     int error = 0;
@@ -24,7 +24,7 @@ bool fails(Call call)
 
 } // namespace
 
-// Calls of the system go through pointers of these names, which the linker exchanges.
+// System calls go through pointers of these names, which the linker replaces.
 #define ZU_TEST_WRAP(call, parameters, words, name, failure)                                       \
     extern decltype(&call) __real___imp_##call;                                                    \
     static auto WINAPI fail##call parameters->decltype(call words)                                 \

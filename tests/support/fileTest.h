@@ -1,4 +1,4 @@
-// What tests of files share: content, trees, and what holds for a scope.
+// What tests of files share: content, trees, and guards for a scope.
 
 #ifndef ZU_TESTS_FILETEST_H
 #define ZU_TESTS_FILETEST_H
@@ -30,7 +30,7 @@ inline std::string readFile(const std::string& file)
     return {std::istreambuf_iterator<char>(stream), std::istreambuf_iterator<char>()};
 }
 
-// So many bytes without a pattern, the same at all times.
+// This many bytes without a pattern, always the same.
 inline std::string noise(std::size_t size)
 {
     std::mt19937 engine(4711);
@@ -44,7 +44,8 @@ inline unsigned int modeOf(const std::string& path)
     return static_cast<unsigned int>(std::filesystem::status(path).permissions());
 }
 
-// Every path below a directory, with "/", and what is there: the content of a file, or a mark.
+// Every path below a directory, with "/" as separator, and what is there: the content of a file, or
+// a mark.
 using Tree = std::map<std::string, std::string>;
 
 inline const std::string DIRECTORY_MARK = "<directory>";

@@ -18,8 +18,8 @@
 namespace support
 {
 
-// A group that does nothing, with all that a derived class may do. One that is registered must
-// live to the end of the process.
+// A group that does nothing, with public access to everything that a derived class may do. A
+// registered group must live until the process ends.
 class PlainGroup : public Zu::TestGroup
 {
 public:
@@ -34,7 +34,7 @@ public:
     using TestGroup::setUsage;
 };
 
-// Takes what is printed, a text for each call, while it lives.
+// While it lives, collects what is printed, a text for each call.
 class CollectingManager : public Zu::TraceManager
 {
 public:
@@ -59,14 +59,14 @@ private:
     Zu::Trace _trace;
 };
 
-// The line by which tracing tells that an exception is raised, without its start.
+// The line by which tracing reports that an exception is raised, without its beginning.
 inline std::string reportOf(const Zu::ExBase& exception, const std::string& type)
 {
     return "Throwing exception [Exception Type = " + type + ", File = " + exception.getFileName() +
            ", Line=" + std::to_string(exception.getLineNo()) + "]\n" + exception.getReason();
 }
 
-// The environment of a run of test groups: nothing that is set outside counts.
+// The environment of a run of test groups, independent of variables that are set outside.
 inline Environment groupEnvironment(const Environment& changes)
 {
     Environment environment;
@@ -84,7 +84,7 @@ inline ProgramResult runGroups(const std::vector<std::string>& words,
     return runProgram("testProgram", words, groupEnvironment(changes));
 }
 
-// What a run prints that ends well and says nothing on standard error.
+// The output of a run that succeeds and writes nothing to standard error.
 inline std::string outputOfGroups(const std::vector<std::string>& words,
                                   const Environment& changes = {})
 {
@@ -94,7 +94,7 @@ inline std::string outputOfGroups(const std::vector<std::string>& words,
     return result.out;
 }
 
-// The text with "<place>" where it says that the library's source of this name raised something.
+// The text with "<place>" instead of each place in the library's source of this name.
 inline std::string withoutPlaces(const std::string& text, const std::string& source)
 {
     const std::regex place("File = [^,\n]*" + source + "\\.cpp, Line=[1-9][0-9]*\\]");

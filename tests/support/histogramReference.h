@@ -1,4 +1,4 @@
-// What histograms and their samplers do, told slowly and literally, and sources for them.
+// A slow and literal reference of histograms and their samplers, and sources for them.
 
 #ifndef ZU_TESTS_HISTOGRAMREFERENCE_H
 #define ZU_TESTS_HISTOGRAMREFERENCE_H
@@ -21,7 +21,7 @@
 #include <utility>
 #include <vector>
 
-// A namespace of its own, as headers of other tests have the same names in one program.
+// A separate namespace, as headers of other tests in the same program use the same names.
 namespace support
 {
 inline namespace histogramTests
@@ -52,8 +52,7 @@ template <class T> std::vector<T> toldEdges(unsigned int nBins, T min, T max)
     return edges;
 }
 
-// A binary search for the first entry that is greater: how many are before it. None are before a
-// NaN.
+// A binary search for the first greater entry: returns how many precede it, and 0 for a NaN.
 template <class T> unsigned int toldSearch(const std::vector<T>& entries, T value)
 {
     if (std::isnan(value)) return 0;
@@ -66,7 +65,7 @@ template <class T> int toldBin(const std::vector<T>& edges, T value)
     return static_cast<int>(toldSearch(edges, value)) - 1;
 }
 
-// Rounded down; what fits no int is the lowest one.
+// Rounded down; a value that does not fit in an int gives the lowest one.
 template <class T> int toldFloor(T value)
 {
     const double floored = std::floor(value);
@@ -94,8 +93,8 @@ template <class T> std::vector<T> toldCdf(const std::vector<T>& bins)
     return cdf;
 }
 
-// The cell that a draw chooses and the place in it: either how far the draw reaches, or one of the
-// ends, for draws outside of the table.
+// The cell that a draw chooses and the place in it: either the fraction that the draw reaches, or
+// one of the ends, for draws outside the table.
 enum class Place
 {
     NONE,
@@ -128,7 +127,7 @@ ToldChoice<T> toldChoice(const std::vector<T>& weights, const std::vector<T>& cd
     return {Place::WITHIN, k, (u - cdf[k]) / (cdf[k + 1] - cdf[k])};
 }
 
-// Where a choice lies between the edges of its bin.
+// The position of a choice between the edges of its bin.
 template <class T> T toldPlace(const ToldChoice<T>& choice, T low, T high)
 {
     switch (choice._place)
@@ -145,7 +144,7 @@ template <class T> T toldPlace(const ToldChoice<T>& choice, T low, T high)
     return NO_NUMBER<T>;
 }
 
-// Gives the values of a script, over and over, to single calls only, and counts them.
+// Gives the values of a script, repeatedly, to single calls only, and counts them.
 template <class T> class RepeatingRng : public Zu::RnRng<T>
 {
 public:
@@ -230,7 +229,7 @@ public:
         return static_cast<unsigned int>(bits() % bound);
     }
 
-    // From 0 up to, and without, 1.
+    // At least 0 and less than 1.
     template <class T> T unit()
     {
         constexpr int DIGITS = std::numeric_limits<T>::digits;
@@ -242,7 +241,7 @@ public:
         return unit<T>() * (high - low) + low;
     }
 
-    // Of all magnitudes between two powers of ten alike.
+    // Uniform over all magnitudes between two powers of ten.
     template <class T> T magnitude(int lowest, int highest)
     {
         const int power =
@@ -256,7 +255,7 @@ private:
     std::mt19937_64 _engine;
 };
 
-// Weights that are hard on a table, with a word on each.
+// Difficult weights for a table, with a word about each.
 template <class T>
 std::vector<std::pair<std::string, std::vector<T>>> weightTables(std::size_t nBins)
 {
@@ -291,8 +290,8 @@ std::vector<std::pair<std::string, std::vector<T>>> weightTables(std::size_t nBi
             {"all empty", std::vector<T>(nBins, T(0))}};
 }
 
-// Draws that are hard on a table: its entries and what is beside them, the ends of the unit, what
-// lies outside of it, and no number.
+// Difficult draws for a table: its entries and their neighbours, the ends of the unit interval,
+// values outside it, and NaN.
 template <class T> std::vector<T> hardDraws(const std::vector<T>& cdf)
 {
     std::vector<T> draws{T(0),    -T(0),        before(T(0)), behind(T(0)), T(0.25),
@@ -305,7 +304,7 @@ template <class T> std::vector<T> hardDraws(const std::vector<T>& cdf)
     return draws;
 }
 
-// The text of the length error that an act ends in.
+// The text of the length error that an act raises.
 template <class Act> std::string lengthErrorOf(const Act& act)
 {
     try

@@ -1,4 +1,4 @@
-// What tests of the logger share: a set-up that keeps to one test, and what stands in files.
+// What tests of the logger share: a set-up that is limited to one test, and the content of files.
 
 #ifndef ZU_TESTS_LOGTEST_H
 #define ZU_TESTS_LOGTEST_H
@@ -63,7 +63,7 @@ inline constexpr const char* LOG_SWITCHES[] = {
 inline constexpr const char* START_BANNER = "===== Message Logger Startup =====\n";
 inline constexpr const char* STOP_BANNER = "===== Message Logger Stopped =====\n";
 
-// The bytes of a file; none if it is not there.
+// The bytes of a file; none if it does not exist.
 inline std::string bytesOf(const std::string& file)
 {
     std::ifstream stream(file, std::ios::binary);
@@ -83,7 +83,7 @@ inline std::size_t countOf(const std::string& text, const std::string& part)
     return count;
 }
 
-// What an act writes to standard output, with line feeds alone at the ends of lines.
+// What an act writes to standard output, with line endings reduced to line feeds.
 template <class Act> std::string printedBy(Act act)
 {
     testing::internal::CaptureStdout();
@@ -111,7 +111,7 @@ inline Environment logEnvironment(const Environment& changes = {})
     return environment;
 }
 
-// What a run of logProgram prints, when it ends well and says nothing on standard error.
+// The output of a run of logProgram that succeeds and writes nothing to standard error.
 inline std::string logOutputOf(const std::vector<std::string>& words,
                                const Environment& changes = {})
 {
@@ -121,7 +121,7 @@ inline std::string logOutputOf(const std::vector<std::string>& words,
     return result.out;
 }
 
-// Puts the current directory back when the scope ends.
+// Restores the current directory at the end of the scope.
 class CurrentDirGuard
 {
 public:
@@ -138,7 +138,7 @@ private:
 };
 
 // The logger before and after the test is as in a process that has not started it: no variable is
-// set, no file open, no level echoed. The test calls init() when it has set what it needs.
+// set, no file open, no level echoed. The test calls init() after it has set what it needs.
 class LogTest : public testing::Test
 {
 protected:
@@ -164,7 +164,7 @@ protected:
         _guards.at(name)->set(value);
     }
 
-    // All levels without any output, for tests that give outputs to some.
+    // Sets all levels, for tests that give outputs to some of them only.
     void setAllLevels(const std::string& value)
     {
         for (const LogLevel& level : LOG_LEVELS) set(level._variable, value);
@@ -189,7 +189,7 @@ private:
         _guards[name]->set("");
     }
 
-    // A level keeps some flags from one init() to the next one, and an empty set-up clears them.
+    // A level keeps some flags from one init() to the next; an empty set-up clears them.
     void reset()
     {
         for (const char* const name : LOG_SWITCHES) set(name, "");
@@ -210,8 +210,7 @@ private:
     bool _initialized = false;
 };
 
-// The same with a directory of the test's own as the current one, in which "logs" is the log
-// directory.
+// The same with a private current directory, in which "logs" is the log directory.
 class LogFilesTest : public LogTest
 {
 protected:
@@ -246,7 +245,7 @@ inline void addEvent(Zu::LgQueue& queue, Zu::LgTypes::Level level, const std::st
     queue.addEntry();
 }
 
-// Drops all that waits in a queue.
+// Drops all waiting entries of a queue.
 inline void drain(Zu::LgQueue& queue)
 {
     std::vector<char> text(32768);
@@ -257,7 +256,7 @@ inline void drain(Zu::LgQueue& queue)
     }
 }
 
-// A queue that stands in the registry for the time of a scope, and is drained at its end.
+// A queue that is registered for the duration of a scope, and drained at its end.
 template <class Queue> class Entered : public Queue
 {
 public:
@@ -274,8 +273,8 @@ public:
     }
 };
 
-// Gives the oldest entry of a queue a time of so many ticks after the logger's start. Entries are
-// no constants; only the reader's view of them is.
+// Sets the time of the oldest entry of a queue to this many ticks after the logger's start. Entries
+// are not constants; only the reader's view of them is.
 inline void setTimeOfNext(Zu::LgQueue& queue, std::uint64_t ticks)
 {
     auto& entry = const_cast<Zu::LgQueue::Entry&>(queue.readEntry());

@@ -1,4 +1,4 @@
-// Files by which two processes tell each other how far they are.
+// Files by which two processes inform each other of their progress.
 
 #ifndef ZU_TESTS_MARKER_H
 #define ZU_TESTS_MARKER_H
@@ -11,7 +11,7 @@
 namespace support
 {
 
-// Bounds a hang; nothing that works comes near it.
+// The limit of a hang; a working test never comes near it.
 inline constexpr std::chrono::seconds PATIENCE(120);
 
 inline void setMarker(const std::string& file)
@@ -24,7 +24,7 @@ inline bool isMarked(const std::string& file)
     return std::ifstream(file).is_open();
 }
 
-// Waits until the marker is there; false if it does not come.
+// Waits until the marker exists; false if it does not appear.
 inline bool awaitMarker(const std::string& file)
 {
     const auto end = std::chrono::steady_clock::now() + PATIENCE;

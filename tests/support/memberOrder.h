@@ -1,4 +1,4 @@
-// Where the members of an object stand, private ones, too.
+// The places of an object's members, private ones included.
 
 #ifndef ZU_TESTS_MEMBERORDER_H
 #define ZU_TESTS_MEMBERORDER_H
@@ -6,8 +6,8 @@
 namespace support
 {
 
-// Instantiated explicitly, which no access is asked for, it defines the function that a test has
-// declared in this namespace.
+// Its explicit instantiation, which is exempt from access checks, defines the function that a test
+// has declared in this namespace.
 template <class Object, auto... Members> struct MemberOrder
 {
     friend bool standInOrder(const Object& object)

@@ -8,17 +8,17 @@
 namespace support
 {
 
-// A loaded module; it stays loaded to the end of the process, unless it is unloaded.
+// A loaded module; it stays loaded until the process ends, unless unload() is called.
 class Module
 {
 public:
-    // Loads the file; prints why and ends the process when that fails.
+    // Loads the file; if that fails, prints why and ends the process.
     static Module load(const std::string& path);
 
     // The address of an exported symbol; null when there is none.
     void* symbol(const char* name) const;
 
-    // Takes the module out of the process; returns whether it is gone, with it the symbol.
+    // Unloads the module; returns whether it is gone, together with the symbol.
     bool unload(const char* anySymbol);
 
 private:

@@ -1,4 +1,4 @@
-// Which platform the tests run on, and what only its own calls tell.
+// The platform on which the tests run, and what only its own calls can report.
 
 #ifndef ZU_TESTS_PLATFORM_H
 #define ZU_TESTS_PLATFORM_H
@@ -27,14 +27,14 @@ constexpr bool onWindows = false;
 #endif
 #endif
 
-// Whether AddressSanitizer is at work, with the checks of run-time types beside it.
+// Whether AddressSanitizer is active, together with the checks of run-time types.
 #if defined(__SANITIZE_ADDRESS__) || defined(ZU_TEST_ADDRESS_SANITIZER)
 constexpr bool underAddressSanitizer = true;
 #else
 constexpr bool underAddressSanitizer = false;
 #endif
 
-// Whether a sanitizer has taken the place of the runtime's own allocator and threads.
+// Whether a sanitizer replaces the runtime's own allocator and threads.
 #if defined(__SANITIZE_THREAD__) || defined(ZU_TEST_THREAD_SANITIZER)
 constexpr bool underSanitizer = true;
 #else
@@ -45,8 +45,7 @@ constexpr bool underSanitizer = underAddressSanitizer;
 std::uint32_t processId();
 std::uint32_t threadId();
 
-// How many handles or descriptors the process has open, the same at each call while none is opened
-// or closed.
+// The number of open handles or descriptors of the process, stable while none is opened or closed.
 std::size_t openHandles();
 
 // The numbers of the open descriptors of the runtime, in order; and whether children inherit one.
@@ -56,22 +55,22 @@ bool isInherited(int descriptor);
 // Closes the descriptors 0, 1 and 2.
 void closeStandardStreams();
 
-// What the platform calls this host, by another call than the library's.
+// The platform's name of this host, by a call that the library does not use.
 std::string hostName();
 
 // The size of a page of memory, in bytes.
 int pageSize();
 
-// Lets the runtime look below this directory for its own texts in other languages, and gives the
-// name of the language that it looks for; none on Windows, whose runtime knows no other language.
-// The empty text brings back the directory of the system.
+// Makes the runtime look below this directory for translations of its texts, and returns the name
+// of the language that it looks for; none on Windows, whose runtime has no other language. The
+// empty text restores the system's directory.
 std::string translateRuntime(const std::string& directory);
 
 // How many threads the process has, without those that belong to the system's own timer service.
 std::size_t threadCount();
 
-// Sets the mode bits that new files do not get, and gives the bits that were set before. Windows
-// has no such modes: nothing happens there.
+// Sets the mode bits that new files do not get, and returns the previous bits. Windows has no such
+// modes: nothing happens there.
 unsigned int setModeMask(unsigned int mask);
 
 // The number of the user; 0 on Windows, which has none.
@@ -81,33 +80,33 @@ std::uint32_t userId();
 // and on Windows.
 bool giveToAnotherUser(const std::string& path);
 
-// Whether the platform's own call resolves paths of up to 1,023 characters, as Windows does and
-// Wine does not.
+// Whether the platform's own call resolves paths of up to 1,023 characters: Windows does, Wine does
+// not.
 bool resolvesLongPaths();
 
 // Whether the system can make all threads of a process pass a memory barrier.
 bool hasProcessBarrier();
 
-// Waits until a child of this process has ended, and leaves it as it is; returns at once if there
-// is no child, and on Windows.
+// Waits until a child of this process has ended, without reaping it; returns at once if there is no
+// child, and on Windows.
 void awaitEndOfAnyChild();
 
-// A copy of this process that goes on from here beside it, with the calling thread alone; a child
-// that does not end within minutes is ended by a signal.
+// Forks a copy of this process that continues from here with the calling thread alone; a child that
+// does not end within minutes is ended by a signal.
 enum class Side
 {
     PARENT,
     CHILD,
-    // Windows has no such thing.
+    // On Windows, which can't fork.
     NEITHER
 };
 Side forkProcess();
 
-// Waits for the end of the one child that forkProcess() made; its exit value, or -1 if a signal
+// Waits for the end of the child that forkProcess() made; returns its exit value, or -1 if a signal
 // ended it.
 int awaitForkedChild();
 
-// Whether a child has ended that nobody has asked for its end; never so on Windows.
+// Whether an ended child has not been reaped yet; never true on Windows.
 bool hasUnreapedChild();
 
 } // namespace support

@@ -23,7 +23,7 @@ template <class Function> Function functionOf(const char* name)
         reinterpret_cast<void*>(GetProcAddress(GetModuleHandleA("ntdll.dll"), name)));
 }
 
-// Where a thread began; null if it has ended meanwhile.
+// The start address of a thread; null if it has ended meanwhile.
 const char* startOf(DWORD id)
 {
     using Query = LONG(WINAPI*)(HANDLE, int, void*, ULONG, ULONG*);
@@ -38,7 +38,7 @@ const char* startOf(DWORD id)
     return start;
 }
 
-// Whether the code at this place is that of the timers, or of the loader and its pool.
+// Whether the code at this address belongs to the timers, or to the loader and its pool.
 bool isOfTheSystem(const char* code)
 {
     HMODULE module = nullptr;
@@ -63,7 +63,7 @@ std::uint32_t threadId()
     return GetCurrentThreadId();
 }
 
-// The process's own count is always 0 under Wine, but the list of all handles is right.
+// The process's own count is always 0 under Wine, but the list of all handles is correct.
 std::size_t openHandles()
 {
     struct Entry
@@ -106,7 +106,7 @@ std::size_t openHandles()
 
 std::vector<int> openDescriptors()
 {
-    // The runtime answers a wrong number with EBADF once nobody handles it otherwise.
+    // The runtime reports a bad descriptor by EBADF once its handler does nothing.
     _set_invalid_parameter_handler(
         [](const wchar_t*, const wchar_t*, const wchar_t*, unsigned int, std::uintptr_t) {});
     constexpr int SOME = 64;

@@ -1,4 +1,4 @@
-// Reaches a private member of a class, where a rule has no other door.
+// Gives access to a private member of a class, where a rule can't be tested otherwise.
 
 #ifndef ZU_TESTS_PRIVATEMEMBER_H
 #define ZU_TESTS_PRIVATEMEMBER_H
@@ -6,8 +6,9 @@
 namespace support
 {
 
-// An explicit instantiation may name what is private. A tag in this namespace, of a name that no
-// other test has, says the type of a pointer to the member and declares the function that gives it:
+// An explicit instantiation may name private members. A tag in this namespace, with a name that no
+// other test uses, defines the type of a pointer to the member and declares the function that
+// returns it:
 //
 //   namespace support
 //   {

@@ -27,7 +27,7 @@ template <class T> T radicalInverse(std::uint32_t base, std::uint32_t number)
     return result;
 }
 
-// The points of a base one after the other; the number is that of the last one.
+// The consecutive points of a base; `_number` is that of the last one.
 template <class T> struct RadicalInverses
 {
     std::uint32_t _base;
@@ -41,7 +41,7 @@ template <class T> struct RadicalInverses
 };
 
 // The bases that the tests use: the primes of the defaults, bases at which an algorithm might
-// change its way, and those of which one digit holds all.
+// switch methods, and those for which one digit is enough.
 inline constexpr std::uint32_t BASES[] = {2,   3,   4,   5,    6,    7,     8,         10,
                                           11,  16,  97,  255,  256,  257,   509,       512,
                                           513, 521, 997, 1024, 4096, 65537, 4294967295};

@@ -17,7 +17,7 @@
 namespace support
 {
 
-// The logger runs from the beginning to the end of an object's life, and is then as it was.
+// The logger runs for the lifetime of an object, and is restored at its end.
 class RunningLogger
 {
 public:
@@ -38,14 +38,14 @@ public:
         Zu::LgLog::setQueueFunction(nullptr);
     }
 
-    // Closes the log files before the object ends.
+    // Closes the log files before the end of the object's life.
     void stop()
     {
         if (_running) Zu::LgLog::destroy();
         _running = false;
     }
 
-    // The lines of a log file as far as they are written, without its banners.
+    // The lines written to a log file so far, without its banners.
     std::vector<std::string> linesOf(const std::string& name) const
     {
         std::vector<std::string> lines;

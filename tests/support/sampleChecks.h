@@ -1,4 +1,4 @@
-// What the tests of sample sources share: values compared by their bits, and sequences of all the
+// What the tests of sample sources share: bitwise comparison of values, and sequences of all
 // lengths at which a block begins or ends.
 
 #ifndef ZU_TESTS_SAMPLECHECKS_H
@@ -20,7 +20,7 @@
 #include <type_traits>
 #include <vector>
 
-// A namespace of its own, as headers of other tests have the same names in one program.
+// A separate namespace, as headers of other tests in the same program use the same names.
 namespace support
 {
 inline namespace sampleTests
@@ -33,7 +33,7 @@ template <class T> auto bitsOf(T value)
     return std::bit_cast<Bits>(value);
 }
 
-// Equal bit for bit; else the first difference is told.
+// Equal bit for bit; otherwise the first difference is reported.
 template <class T>
 testing::AssertionResult sameBits(const std::vector<T>& values, const std::vector<T>& expected)
 {
@@ -57,8 +57,8 @@ template <class T> testing::AssertionResult sameBits(T value, T expected)
     return sameBits(std::vector<T>{value}, std::vector<T>{expected});
 }
 
-// None and one; all numbers to 130; the neighbourhood of 97 and of its double, and of every power
-// of two up to 4096.
+// All lengths from 0 to 130; the neighbourhoods of 97, of its double, and of every power of two up
+// to 4096.
 inline std::vector<unsigned int> sequenceLengths()
 {
     std::set<unsigned int> lengths = {193, 194, 195};
@@ -68,8 +68,8 @@ inline std::vector<unsigned int> sequenceLengths()
     return {lengths.begin(), lengths.end()};
 }
 
-// An array with values in front and behind that nothing may change. Its start takes turns between
-// the alignments.
+// An array with guard values in front and behind that must not change. Its start cycles through the
+// alignments.
 template <class T> class GuardedArray
 {
 public:
@@ -94,7 +94,7 @@ public:
                               _values.begin() + static_cast<std::ptrdiff_t>(_front + _size));
     }
 
-    // Whether the values in front and behind, or all, are as they were.
+    // Whether the guard values, or all values, are unchanged.
     bool guardsAreIntact() const
     {
         return std::all_of(_values.begin(), _values.begin() + static_cast<std::ptrdiff_t>(_front),
@@ -109,7 +109,7 @@ public:
     }
 
 private:
-    // No source gives it.
+    // A value that no source gives.
     static constexpr T GUARD = T(-12345.5);
 
     static bool isGuard(T value)
@@ -130,7 +130,7 @@ template <class T> std::vector<T> sequenceOf(Zu::RnRng<T>& rng, unsigned int n)
     return array.values();
 }
 
-// Single draws, by both operations in turn.
+// Single draws, alternately by both operations.
 template <class T> std::vector<T> drawsOf(Zu::RnRng<T>& rng, unsigned int n)
 {
     std::vector<T> values(n, T(-1));
@@ -142,7 +142,7 @@ template <class T> std::vector<T> drawsOf(Zu::RnRng<T>& rng, unsigned int n)
     return values;
 }
 
-// The next values of a reference, which is called for each.
+// The next values of a reference, which is called once for each.
 template <class T, class Reference> std::vector<T> valuesOf(Reference& reference, unsigned int n)
 {
     std::vector<T> values;
@@ -150,7 +150,7 @@ template <class T, class Reference> std::vector<T> valuesOf(Reference& reference
     return values;
 }
 
-// Points one after the other, coordinate by coordinate.
+// Consecutive points, coordinate by coordinate.
 template <class T, int N> std::vector<T> pointsOf(Zu::RnMultiRng<T, N>& rng, unsigned int n)
 {
     std::vector<T> values;
@@ -245,7 +245,7 @@ testing::AssertionResult pointsAre(Rng& rng, Reference& reference, unsigned int 
     return testing::AssertionSuccess();
 }
 
-// Everything about range and density that all uniform sources of single values have in common.
+// The properties of range and density that all uniform sources of single values share.
 template <class T> void expectUniformOnUnitInterval(const Zu::RnRng<T>& rng)
 {
     EXPECT_EQ(rng.getEfficientWidth(), T(1));
@@ -309,7 +309,8 @@ template <class T, int N> void expectUniformOnUnitBox(const Zu::RnMultiRng<T, N>
         }
 }
 
-// An object of a derived class, made from these arguments, ends as a whole through this type.
+// An object of a derived class, made from these arguments, is destroyed completely through this
+// type.
 template <class Rng, class... Arguments> void expectEndsThroughItsType(Arguments... arguments)
 {
     struct Derived : Rng
@@ -327,7 +328,7 @@ template <class Rng, class... Arguments> void expectEndsThroughItsType(Arguments
     EXPECT_TRUE(ended);
 }
 
-// Whichever way a sample is drawn, the source takes one step.
+// Every way of drawing a sample advances the source by one step.
 template <class T, class Rng, class Reference>
 void expectEveryWayToDrawIsOneStep(Rng rng, Reference reference, int rounds)
 {

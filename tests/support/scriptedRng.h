@@ -1,5 +1,5 @@
-// Sources whose draws a test tells, sources of the library to draw from, and comparisons of what
-// was drawn, bit for bit.
+// Sources whose draws a test sets, sources of the library to draw from, and bitwise comparisons of
+// the draws.
 
 #ifndef ZU_TESTS_SCRIPTEDRNG_H
 #define ZU_TESTS_SCRIPTEDRNG_H
@@ -25,7 +25,7 @@
 #include <utility>
 #include <vector>
 
-// A namespace of its own, as headers of other tests have the same names in one program.
+// A separate namespace, as headers of other tests in the same program use the same names.
 namespace support
 {
 inline namespace shapeTests
@@ -39,16 +39,16 @@ template <class T> FloatBits<T> floatBits(T x)
     return std::bit_cast<FloatBits<T>>(x);
 }
 
-// What no draw gives; it stands behind the end of what is to be written.
+// A value that no draw gives; it fills the room behind the values to be written.
 template <class T> constexpr T UNTOUCHED = T(-12345678);
 
-// Room for `n` values and some more that must stay as they are.
+// Room for `n` values and some more that must not change.
 template <class T> std::vector<T> roomFor(unsigned int n)
 {
     return std::vector<T>(n + 3U, UNTOUCHED<T>);
 }
 
-// The first `n` of them, if the others were left alone.
+// The first `n` of them, if the others are unchanged.
 template <class T> std::vector<T> written(std::vector<T> room, unsigned int n)
 {
     for (std::size_t i = n; i < room.size(); ++i)
@@ -57,15 +57,15 @@ template <class T> std::vector<T> written(std::vector<T> room, unsigned int n)
     return room;
 }
 
-// The reason of the assertion that `raise` fails.
+// The reason of the failed assertion in `raise`.
 template <class Raise> std::string failureOf(Raise raise)
 {
     return readBy<Zu::ExInternalError>(raise, [](const Zu::ExInternalError& error)
                                        { return std::string(error.getReason()); });
 }
 
-// Plays back a list of values, one for each operator(); a draw too many raises. Nothing else may
-// draw from it.
+// Plays back a list of values, one for each operator(); one draw too many raises. No other
+// operation may draw from it.
 template <class T> class ScriptedRng : public Zu::RnRng<T>
 {
 public:
@@ -156,7 +156,7 @@ private:
     unsigned int _nRestarts = 0;
 };
 
-// Overrides the draw of a source of the library, whose other operations don't follow.
+// Overrides the draw of a source of the library; its other operations ignore the override.
 template <class T> class MirroredRng : public Zu::RnLecuyerUniformRng<T>
 {
 public:
@@ -177,7 +177,7 @@ private:
     unsigned int _nDraws = 0;
 };
 
-// Sources of the library, each with a state that is the same for all that are made of a kind.
+// Sources of the library; all objects of a kind begin with the same state.
 template <class T> struct LecuyerSource
 {
     static constexpr const char* NAME = "combined";
@@ -216,7 +216,7 @@ template <class T> struct TernarySource
     Zu::RnVanDerCorputRng<T> _rng{3};
 };
 
-// The runtime library has but one state, which is reseeded for each object.
+// The runtime library has only one state, which is reseeded for each object.
 template <class T> struct StdSource
 {
     static constexpr const char* NAME = "runtime library";

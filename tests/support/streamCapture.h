@@ -1,4 +1,4 @@
-// What a program writes to one of its standard streams.
+// Captures what a program writes to one of its standard streams.
 
 #ifndef ZU_TESTS_STREAMCAPTURE_H
 #define ZU_TESTS_STREAMCAPTURE_H
@@ -14,7 +14,7 @@
 namespace support
 {
 
-// Keeps each piece that is written by itself, "|" behind each flush.
+// Keeps each written piece separately, with "|" after each flush.
 class PieceRecorder : public std::streambuf
 {
 public:
@@ -46,7 +46,7 @@ private:
     std::vector<std::string> _pieces;
 };
 
-// Sends what is written to a stream elsewhere until the scope ends.
+// Redirects a stream until the scope ends.
 class BufferGuard
 {
 public:

@@ -7,7 +7,7 @@ namespace support
 
 TempDir::TempDir()
 {
-    // Names must differ between the processes that run at the same time, so they are random.
+    // Names must differ between concurrent processes, so they are random.
     std::random_device random;
     do
     {

@@ -9,8 +9,8 @@
 namespace support
 {
 
-// Makes a new directory below the system's place for temporary files, and removes it with all that
-// is in it.
+// Makes a new directory below the system's directory for temporary files, and removes it with its
+// content.
 class TempDir
 {
 public:

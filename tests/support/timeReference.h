@@ -1,4 +1,5 @@
-// What counts at rates give, computed in 128 bits and only then cut to the widths of the library.
+// A reference for counts at rates, computed in 128 bits and only then truncated to the library's
+// widths.
 
 #ifndef ZU_TESTS_TIMEREFERENCE_H
 #define ZU_TESTS_TIMEREFERENCE_H
@@ -35,7 +36,7 @@ constexpr std::int32_t wrapped32(Int128 value)
     return static_cast<std::int32_t>(static_cast<std::uint32_t>(value));
 }
 
-// The reference has errors of its own, so that it needs nothing of what it is compared with.
+// The reference has its own errors, so that it is independent of the code under test.
 struct ZeroDenominator
 {
 };
@@ -56,7 +57,7 @@ inline RateValue valueOf(const Zu::Rational& rate)
     return {rate.getNumerator(), rate.getDenominator()};
 }
 
-// The products may be of any size; they are cut to 32 bits before they are reduced.
+// The products may have any size; they are truncated to 32 bits before they are reduced.
 inline RateValue normalForm(Int128 numerator, Int128 denominator)
 {
     std::int32_t n = wrapped32(numerator);
@@ -130,7 +131,7 @@ inline std::string textOf(const Zu::DtTime& time)
     return textOf(valueOf(time));
 }
 
-// The text that an act gives, or a word for the error that it ends in, be it the library's or the
+// The text that an act returns, or a word for the error that it raises, the library's or the
 // reference's.
 template <class Act> std::string outcomeOf(Act act)
 {
@@ -156,7 +157,7 @@ template <class Act> std::string outcomeOf(Act act)
     }
 }
 
-// Numbers of all magnitudes alike, the same sequence on every platform.
+// Numbers uniform over all magnitudes, the same sequence on every platform.
 class TimeRandom
 {
 public:
@@ -173,7 +174,7 @@ public:
         return number >> bits() % 64;
     }
 
-    // Powers of two come often: only their products wrap to 0.
+    // Powers of two are frequent: only their products wrap to 0.
     std::int32_t number32()
     {
         if (bits() % 4 == 0) return wrapped32(Int128{1} << bits() % 32);

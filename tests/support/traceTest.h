@@ -1,4 +1,4 @@
-// What tests of tracing share: options that keep to one test, and what is written meanwhile.
+// What tests of tracing share: options limited to one test, and the output meanwhile.
 
 #ifndef ZU_TESTS_TRACETEST_H
 #define ZU_TESTS_TRACETEST_H
@@ -18,7 +18,7 @@
 namespace support
 {
 
-// The options before and after the test are the defaults; levels stay known.
+// The options are the defaults before and after the test; levels persist.
 class TracingTest : public testing::Test
 {
 protected:
@@ -58,7 +58,7 @@ protected:
     }
 };
 
-// What a run of traceProgram with these options in the environment prints, when it ends well.
+// The output of a successful run of traceProgram with these options in the environment.
 inline std::string traceOutputOf(const std::vector<std::string>& words,
                                  const std::optional<std::string>& options = std::nullopt)
 {

@@ -1,4 +1,4 @@
-// Keeps a test's change of an environment variable to that test.
+// Limits a change of an environment variable to one test.
 
 #ifndef ZU_TESTS_VARIABLEGUARD_H
 #define ZU_TESTS_VARIABLEGUARD_H
@@ -10,7 +10,7 @@
 namespace support
 {
 
-// Puts the variable back as it was, set or not, when the scope ends.
+// Restores the variable, set or not, when the scope ends.
 class VariableGuard
 {
 public:

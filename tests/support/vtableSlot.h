@@ -1,4 +1,4 @@
-// Where a virtual operation stands in the tables of its class.
+// The position of a virtual function in the tables of its class.
 
 #ifndef ZU_TESTS_VTABLESLOT_H
 #define ZU_TESTS_VTABLESLOT_H
@@ -10,7 +10,7 @@
 namespace support
 {
 
-// From 0 on; a destructor takes two slots.
+// Slots count from 0; a destructor takes two.
 template <class Member> std::ptrdiff_t slotOf(Member member)
 {
     static_assert(sizeof member == 2 * sizeof(std::ptrdiff_t));
