@@ -1,5 +1,5 @@
-// What a process keeps open through the library takes no number of a standard stream, and its
-// children get none of it.
+// Descriptors that the library keeps open never have the number of a standard stream, and are not
+// inherited by children.
 
 #include "support/childProcess.h"
 #include "support/fileTest.h"
@@ -52,12 +52,12 @@ protected:
         return numbers;
     }
 
-    // What the program has reported, and that its loose text is not in the log.
+    // Checks the program's report, and that its stray text is not in the log.
     void expectAllAboveTheStandardOnes(const std::string& how) const
     {
         SCOPED_TRACE(how);
         const Numbers fresh = numbersOf("fresh");
-        // Both log files; but on Windows also two files, a directory, a timer, two locks.
+        // Both log files; except on Windows also two files, a directory, a timer, two locks.
         EXPECT_GE(fresh.size(), onWindows ? 2U : 8U) << readFile(report());
         for (const int number : fresh) EXPECT_GT(number, 2) << readFile(report());
         EXPECT_EQ(numbersOf("inherited"), Numbers()) << readFile(report());
@@ -82,7 +82,7 @@ TEST_F(DescriptorsTest, NoStandardNumberIsTakenByAProgramThatIsStartedWithoutThe
     const std::string program = "'" + support::programPath("descriptorProgram") + "' ";
     for (const char* const closed : {"<&-", ">&-", "2>&-", ">&- 2>&-", "<&- >&-", "<&- >&- 2>&-"})
     {
-        // What stays open of the streams is not to be seen.
+        // Hides the output of streams that stay open.
         const std::string command = program + "'" + report() + "' </dev/null >/dev/null 2>&1 ";
         EXPECT_EQ(std::system((command + closed).c_str()), 0);
         const Numbers before = numbersOf("before");

@@ -30,7 +30,7 @@ bool refuse()
 
 enum class Kind
 {
-    // The platform's, where there is one.
+    // The platform's barrier, where there is one.
     BARRIER,
     NO_BARRIER,
     REFUSED_BARRIER
@@ -119,8 +119,8 @@ TEST_P(LgBellTest, WakesAllWhoListen)
     EXPECT_EQ(woken, 2);
 }
 
-// Two threads in turn, each asleep nearly always when the other one rings. A wake-up that got lost
-// would sleep to the limit.
+// Two threads take turns; each is nearly always asleep when the other one rings. After a lost
+// wake-up a thread would sleep to the limit.
 TEST_P(LgBellTest, LosesNoWakeUp)
 {
     constexpr int TURNS = 20000;
@@ -152,7 +152,7 @@ TEST_P(LgBellTest, LosesNoWakeUp)
     EXPECT_EQ(turn, TURNS + 2);
 }
 
-// In the child of a fork: threads that wait and are woken, in turn with the one that rings.
+// In the child of a fork: threads wait and are woken, in turn with the ringing one.
 bool wakesThreads(LgBell& bell)
 {
     for (int i = 0; i < 3; ++i)
@@ -198,8 +198,7 @@ TEST_P(LgBellTest, BeginsAnewInAChildWhoeverListenedInTheParent)
                 };
                 while (!isOver) bell.listen(look, NEVER);
             });
-    // Now and then one of them is woken, so some are on their way to sleep and others on theirs
-    // back.
+    // Occasionally one of them is woken, so some are about to sleep and others about to wake up.
     for (int round = 1; round <= 20; ++round)
     {
         while (looks < 3 * round) std::this_thread::yield();
@@ -217,7 +216,7 @@ TEST_P(LgBellTest, BeginsAnewInAChildWhoeverListenedInTheParent)
     for (std::thread& listener : listeners) listener.join();
 }
 
-// Of a barrier that takes its time.
+// For a barrier that takes some time.
 std::promise<void> isInBarrier;
 std::promise<void> mayLeaveBarrier;
 

@@ -81,8 +81,8 @@ TEST_F(LgServiceReaderTest, EndsThoughNothingWasEverLogged)
     const LgServiceReader reader(_threads);
 }
 
-// What happens around the copies of the list that a reader thread takes, until there were enough.
-// At every second one alone: a walk that deletes a queue takes a further copy.
+// Calls functions around the copies of the list that a reader thread makes, until there were
+// enough. Only at every second copy: a walk that deletes a queue makes a further one.
 class HookedRegistry : public Zu::LgServiceRegistry
 {
 public:
@@ -99,7 +99,7 @@ public:
         return queues;
     }
 
-    // What it calls, and the thread to which it does nothing.
+    // Sets the functions to call, and the thread for which nothing is done.
     static void prepare(std::function<void()> before, std::function<void()> behind)
     {
         _thread = std::this_thread::get_id();
@@ -115,7 +115,7 @@ public:
     }
 
 private:
-    // More than a reader takes before it first looks whether it may sleep.
+    // More copies than a reader makes before it first checks whether it may sleep.
     static constexpr int ENOUGH = 40;
 
     static inline std::atomic<int> _copies{0};
@@ -125,7 +125,7 @@ private:
     static inline std::function<void()> _behind;
 };
 
-// A thread with a queue, until it is told to end.
+// A thread with a queue, until it is asked to end.
 class Guest
 {
 public:
@@ -153,8 +153,8 @@ private:
     std::thread _thread;
 };
 
-// A producer that waited for room when the last service ended reads itself, and deletes the queue
-// of a thread that has ended, at any moment: here whenever the reader has a copy of the list.
+// A producer that waited for room when the last service ended reads itself, and may delete the
+// queue of an ended thread at any moment: here whenever the reader has a copy of the list.
 TEST_F(LgServiceReaderTest, NobodyDeletesQueuesOfAListThatItGoesThrough)
 {
     std::optional<Guest> guest;
@@ -179,9 +179,8 @@ TEST_F(LgServiceReaderTest, NobodyDeletesQueuesOfAListThatItGoesThrough)
     EXPECT_EQ(reads, 0);
 }
 
-// The ring of a thread that ends may come between the reader's last walk and its sleep, when nobody
-// listens. Here, where no service runs, there is none at all. A reader that slept would never wake
-// up.
+// A thread that ends may ring between the reader's last walk and its sleep, when nobody listens.
+// Here no service runs, so it does not ring at all. A reader that slept would never wake up.
 TEST_F(LgServiceReaderTest, SleepsNotBesideTheQueueOfAThreadThatHasEnded)
 {
     _threads.setPatience(std::chrono::hours(24));
@@ -198,7 +197,7 @@ TEST_F(LgServiceReaderTest, EventsAndEndsOfThreadsWakeItUp)
 {
     constexpr int ROUNDS = 20;
     _threads.setPatience(std::chrono::hours(24));
-    // Queues of threads that have ended are gone then.
+    // This removes the queues of threads that have ended.
     Zu::LgReader().flushAll();
     LgQueue& own = *LgServiceThreads::queueOfThread();
     const std::size_t others = LgServiceRegistry().getQueueList().size();
@@ -234,7 +233,7 @@ TEST_F(LgServiceReaderTest, ItsOwnEndWakesItUp)
     _threads.setPatience(LgServiceThreads::PATIENCE);
 }
 
-// A registry that can't be asked, in place of a lock that can't be taken: the reader sees the same.
+// A registry that fails, in place of a lock that can't be taken: the reader sees the same.
 class FailingRegistry : public Zu::LgRegistry
 {
 public:
@@ -289,7 +288,7 @@ TEST_F(LgServiceReaderFailureTest, EndsThoughEveryTryFails)
 {
     {
         const LgServiceReader reader(_threads);
-        // More failures than are tried at the end.
+        // More failures than the tries at the end.
         waitForTries(LgServiceThreads::LAST_TRIES + 5);
     }
     EXPECT_EQ(_errors.text(), "The log service can't write an event and tries again: no list\n"

@@ -14,7 +14,8 @@ using Zu::LgQueue;
 using Zu::LgServiceRegistry;
 using Queues = Zu::List<LgQueue*>;
 
-// What of the registry's list is among these; threads of other tests have theirs in it.
+// The queues of the registry's list that are among these; it also contains those of other tests'
+// threads.
 Queues among(const LgServiceRegistry& registry, const std::vector<LgQueue*>& own)
 {
     Queues found = registry.getQueueList();

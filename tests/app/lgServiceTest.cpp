@@ -187,7 +187,7 @@ TEST_F(LgServiceTest, OverflowShowsInTheLogAndAsACount)
     {
         const LgService service;
         lock->lock();
-        // In a fresh queue: slots that bear marks of earlier losses would add their counts.
+        // In a fresh queue: slots with marks of earlier losses would add their counts.
         std::thread(
             []
             {
@@ -222,7 +222,7 @@ TEST_F(LgServiceTest, WhatWasAttemptedIsWrittenOrCounted)
         const LgService service;
         for (std::uint64_t i = 0; i < ATTEMPTED; ++i)
         {
-            // Now and then nobody reads.
+            // Occasionally nobody reads.
             if (i % 1500 == 0) lock->lock();
             ZU_LOG_WARNING(Kit, i);
             if (i % 1500 == 1300) lock->unlock();
@@ -296,7 +296,7 @@ TEST_F(LgServiceTest, BlockingTraceLosesNothing)
                 for (int i = 0; i < LINES; ++i, ++printed)
                     Zu::LgTrace::print(std::to_string(i).c_str());
             });
-        // As many as wait at most: the producer now has to wait for the reader.
+        // The most that can wait: from here on the producer has to wait for the reader.
         while (printed < 1022) std::this_thread::yield();
         lock->unlock();
         producer.join();
@@ -330,7 +330,7 @@ TEST_F(LgServiceTest, AnEventThatComesLateIsWrittenByTheNextService)
         const LgService service;
         ZU_LOG_WARNING(Kit, "in time");
     }
-    // As a thread does that looked at the activity just before the end.
+    // Like a thread that found the logger active just before the end.
     LgQueue& queue = Zu::LgLog::getQueue();
     ASSERT_TRUE(queue.reserveEntry(LgTypes::Warning));
     queue.getStream() << "late" << Zu::ends;
@@ -399,7 +399,7 @@ TEST_F(LgServiceTest, AStatementInsideTheEndOfAThreadIsWritten)
     EXPECT_EQ(texts(), (Texts{"Kit in the thread", "Kit at the end of the thread"}));
 }
 
-// The lines of a log file of a program, without banners and up to their level's text.
+// The lines of a program's log file, without banners, each from the text of its level on.
 Texts fileTexts(const std::string& path)
 {
     Texts result;

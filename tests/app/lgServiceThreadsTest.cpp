@@ -143,12 +143,12 @@ TEST_F(LgServiceThreadsTest, RoomThatJustDoesIsNotWaitedFor)
     const auto room = static_cast<int>(queue.getStream().getNumCharacters());
     queue.waitForSpace(room);
     EXPECT_FALSE(queue.isEmpty());
-    // Whoever lacks room while no service runs writes events.
+    // A producer that lacks room while no service runs writes events itself.
     queue.waitForSpace(room + 1);
     EXPECT_TRUE(queue.isEmpty());
 }
 
-// It can't be asked for a while, as a lock can't be taken whose holder is gone.
+// Fails for a while, like a lock whose holder is gone.
 class HesitantRegistry : public Zu::LgServiceRegistry
 {
 public:
@@ -206,7 +206,7 @@ TEST_F(LgServiceThreadsTest, AWaitIsOverWhenThereIsRoomOrNobodyMakesIt)
     EXPECT_TRUE(_threads.isWaitOver(queue, room));
 }
 
-// Asked for by many producers at a time, whose wake-ups nothing but the rings brings.
+// Many producers wait for room at the same time, and only the rings wake them.
 TEST_F(LgServiceThreadsTest, ProducersThatWaitForRoomAreWokenByItOrByTheEnd)
 {
     constexpr int PRODUCERS = 3;
@@ -226,7 +226,7 @@ TEST_F(LgServiceThreadsTest, ProducersThatWaitForRoomAreWokenByItOrByTheEnd)
                     EXPECT_TRUE(add(queue, "waited"));
                 }
             });
-    // What is left when nobody reads any more the producers write themselves.
+    // When nobody reads any more, the producers write the rest themselves.
     while (published < PRODUCERS * EVENTS / 2)
     {
         const std::lock_guard guard(_threads.reading());
@@ -270,7 +270,7 @@ TEST_F(LgServiceThreadsTest, NoServiceRunsInAChild)
     EXPECT_FALSE(_threads.isForked());
 }
 
-// Without it everything works, too, but more slowly.
+// Without the barrier everything works as well, but more slowly.
 TEST_F(LgServiceThreadsTest, RingingCostsNoMoreThanTheSystemAsksFor)
 {
     const bool isUsed = support::hasProcessBarrier() && ZU_THREAD_SANITIZER == 0;

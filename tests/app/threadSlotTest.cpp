@@ -12,8 +12,8 @@ namespace
 
 namespace ThreadSlot = Zu::ThreadSlot;
 
-// Nothing else in this process traces by thread, so the slot is free for the test. The one who is
-// told of ends stays to the end of the process, as a slot has but one.
+// Nothing else in this process traces by thread, so the slot is free for the test. The function
+// that is notified stays set until the process ends, as a slot has only one.
 constexpr ThreadSlot::Slot SLOT = ThreadSlot::Traces;
 
 struct End
@@ -86,7 +86,7 @@ TEST_F(ThreadSlotTest, EachThreadBeginsWithNull)
 {
     EXPECT_EQ(ThreadSlot::get(SLOT), nullptr);
     ThreadSlot::set(SLOT, &_first);
-    // Threads that come one after the other may be given the same memory.
+    // Consecutive threads may get the same memory.
     for (int i = 0; i < 20; ++i)
         std::thread(
             [this]
@@ -180,7 +180,7 @@ TEST_F(ThreadSlotTest, TheEndsOfManyThreadsAreToldOnceEach)
 
 TEST_F(ThreadSlotTest, TheSlotsHaveValuesOfTheirOwn)
 {
-    // Sees to it that the other slot is set up, too.
+    // Ensures that the other slot is set up, too.
     Zu::LgServiceThreads::instance();
     std::thread(
         [this]

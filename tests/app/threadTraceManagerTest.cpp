@@ -68,7 +68,7 @@ public:
     {
         std::unique_lock lock(_mutex);
         _changed.wait(lock, [&] { return _turn == turn; });
-        // What acts has locks of its own.
+        // The action takes locks of its own.
         lock.unlock();
         act();
         lock.lock();
@@ -318,7 +318,7 @@ TEST_F(ThreadTraceManagerTest, AManagerMayEndWithinAScope)
             auto manager = std::make_unique<ThreadTraceManager>();
             ZU_TRACE_SCOPE(Main, "scope");
             manager.reset();
-            // From here on it is the default manager who forms and prints lines.
+            // From here on the default manager formats and prints lines.
             ZU_TRACE(Main, "text");
         });
     EXPECT_EQ(out, ownPrefix() + "+ scope\n| text\n" + ownPrefix() + "  /\n");
@@ -376,7 +376,7 @@ TEST_F(ThreadTraceManagerTest, NullAndEmptyTextsPrintNothing)
     EXPECT_EQ(coutOf([&] { manager.print(""); }), "");
 }
 
-// Gives way after each character, so that lines mix that are not written as a whole.
+// Yields after each character, so that lines that are not written as a whole get mixed.
 class YieldingBuffer : public std::streambuf
 {
 public:
@@ -411,7 +411,7 @@ TEST_F(ThreadTraceManagerTest, LinesOfManyThreadsAreWhole)
     YieldingBuffer buffer;
     {
         const support::BufferGuard guard(std::cout, buffer);
-        // All of them live until all are done, so that no id comes twice.
+        // All of them live until all are done, so that no id is reused.
         std::vector<std::thread> threads;
         Turns turns;
         for (int thread = 0; thread < THREADS; ++thread)
@@ -490,7 +490,7 @@ protected:
         Trace::setOptions("reset");
     }
 
-    // The lines of the file but its banners and what is empty beside them.
+    // The lines of the file without banners and the empty lines beside them.
     Texts lines() const
     {
         Texts found;
@@ -499,7 +499,7 @@ protected:
         return found;
     }
 
-    // What stands behind the level in the lines that tell of this thread.
+    // The text behind the level in the lines of this thread.
     Texts textsOf(std::uint32_t thread) const
     {
         const std::string mark = prefixOf(thread) + "Tracing: ";
@@ -656,7 +656,7 @@ TEST_F(LogTraceManagerTest, AManagerMayEndWithinAScope)
             ZU_TRACE_SCOPE(Main, "scope");
             manager.reset();
         });
-    // The default manager prints the exit, as the thread's own Trace forms it.
+    // The default manager prints the exit, as formatted by the thread's own Trace.
     EXPECT_EQ(out, "  /\n");
     EXPECT_EQ(textsOf(support::threadId()), Texts{"+ scope"});
 }
@@ -672,7 +672,7 @@ TEST_F(LogTraceManagerTest, AThreadBeginsAtTheMarginAfterOneThatEndedInsideAScop
     EXPECT_EQ(out, "+ never left\n+ never left\n");
 }
 
-// What a run of the program writes, when it ends with this value.
+// The output of a run of the program that ends with this value.
 std::string outputOf(const std::string& what, int exitCode = 0)
 {
     const support::ProgramResult result =
@@ -683,7 +683,7 @@ std::string outputOf(const std::string& what, int exitCode = 0)
     return result.out;
 }
 
-// The lines by what the threads put in front of them.
+// The lines, grouped by the prefix of their thread.
 std::map<std::string, Texts> linesByPrefix(const std::string& text)
 {
     const std::size_t size = prefixOf(0).size();

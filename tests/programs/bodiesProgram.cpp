@@ -1,4 +1,4 @@
-// What the bodies of the library's packages have made ready: nothing here makes it on demand.
+// What the bodies of the library's packages have prepared: nothing here makes it on demand.
 
 #include "base/hwCounter.h"
 #include "base/inInitGuard.h"

@@ -1,5 +1,5 @@
-// A module of the family that brings a build record. Macros make its variants: of another version
-// of the API, of another build, and else one that fits the library.
+// A module of the family with a build record. Macros select its variants: another version of the
+// API, another build, or otherwise one that matches the library.
 
 #include "base/dbgBuildText.h"
 

@@ -1,7 +1,6 @@
-// Build records seen from a whole process. The words of the command line are commands, which are
-// carried out in their order; what they print is what a test compares. With BUILD_INFO_CLIENT set,
-// the program's own package registers a record of the library's API, and with "mismatch" in it one
-// of another version.
+// Build records in a whole process. The words of the command line are commands that are carried out
+// in order; a test compares what they print. With BUILD_INFO_CLIENT set, the program's own package
+// registers a record of the library's API, or, if its value is "mismatch", one of another version.
 
 #include "base/dbgBuildInfoEx.h"
 #include "base/dbgBuildInfoMgr.h"
@@ -59,7 +58,7 @@ void say(const std::string& text)
     std::cout << text << std::endl;
 }
 
-// A record with texts of its own, which shows whether it is asked for the verbose form.
+// A record with its own texts, which shows whether the verbose form was requested.
 class Record : public DbgBuildInfo
 {
 public:
@@ -180,7 +179,7 @@ namespace
 
 Zu::InInit<clientTag> thePackage;
 
-// Runs work and says which exception came of it, if one did.
+// Runs work and prints the exception that it raises, if any.
 void saying(const std::function<void()>& work)
 {
     try
@@ -276,7 +275,7 @@ void makeQueue()
     LgLog::setLoggerActivation(true);
 }
 
-// All that waits in the queue, with its levels.
+// All waiting events of the queue, with their levels.
 void showEntries()
 {
     std::vector<char> text(32768);

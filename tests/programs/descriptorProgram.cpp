@@ -1,6 +1,6 @@
-// Opens what the library keeps open, in a process that may have been started without standard
-// streams, and writes to the file of the first word which numbers were taken. The second word
-// "close" has it close the standard streams itself.
+// Opens everything that the library keeps open, in a process that may have been started without
+// standard streams, and writes the numbers of the descriptors to the file named by the first word.
+// With the second word "close" it closes the standard streams itself.
 
 #include "app/lgService.h"
 #include "base/base.h"

@@ -1,4 +1,4 @@
-// Two test groups of one name: the program does not come to its main function.
+// Two test groups with the same name: the program does not reach its main function.
 
 #include "base/testGroup.h"
 #include "base/testMgr.h"

@@ -1,4 +1,4 @@
-// Static objects measure time before anything is initialised, through the start of the packages and
+// Static objects measure time before anything is initialised, during the start of the packages, and
 // after their end.
 
 #include "base/base.h"
@@ -19,7 +19,7 @@ public:
         _total.start();
     }
 
-    // Whether all that has begun before main goes on.
+    // Whether everything that began before main continues.
     bool goesOn()
     {
         const double passed = _span.sinceStart();
@@ -31,7 +31,7 @@ public:
         return isLater && passed > _passed && _total.totalTime() >= passed - _span.sinceStart();
     }
 
-    // Waits until time has passed since a moment.
+    // Waits until the clock has advanced.
     void pass()
     {
         _passed = _span.sinceStart();

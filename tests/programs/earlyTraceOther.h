@@ -1,4 +1,4 @@
-// A source that traces on a level of its own, when another one calls it.
+// A source that traces on its own level when another one calls it.
 
 #ifndef ZU_TESTS_EARLYTRACEOTHER_H
 #define ZU_TESTS_EARLYTRACEOTHER_H

@@ -1,5 +1,5 @@
-// Traces in constructors of static objects, before the levels that they trace on were reached: one
-// of this source, and one of another. The object is built before all that has no priority.
+// Traces in constructors of static objects before the levels used there are constructed: one of
+// this source, and one of another. The object is constructed before all objects without a priority.
 
 #include "base/traceStatement.h"
 

@@ -1,5 +1,5 @@
-// Writes what a child process sees into the file named by its first word, one line for each
-// further word: the word itself, or what it asks for. The file appears when it is complete.
+// Writes what a child process sees into the file named by its first word, one line for each further
+// word: the word itself, or what it requests. The file appears when it is complete.
 //
 //   --await=FILE      waits until the file is there, and writes nothing
 //   --variable=NAME   the value of the environment variable
@@ -16,7 +16,7 @@
 namespace
 {
 
-// Whether the word is the option; its value is what follows.
+// Whether the word is the option; `value` gets the rest of the word.
 bool isOption(const std::string& word, const std::string& option, std::string& value)
 {
     if (word.compare(0, option.size(), option) != 0) return false;

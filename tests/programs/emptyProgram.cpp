@@ -1,4 +1,4 @@
-// A program without packages, aliases and variables of its own: the library alone, started and
+// A program without its own packages, aliases and variables: the library alone, started and
 // stopped.
 
 #include "base/inContextAliasMgrBase.h"
@@ -10,7 +10,7 @@
 
 int main(int argc, char** argv)
 {
-    // As a program has them that makes its words itself.
+    // Like a program that makes its words itself.
     std::vector<const char*> words(argv, argv + argc + 1);
     const char** theWords = words.data();
     const Zu::InInitGuard guard(argc, theWords);

@@ -1,5 +1,5 @@
-// The settings of the heap and the loaded libraries, seen from a whole process. The first word says
-// what to show.
+// The settings of the heap and the loaded libraries in a whole process. The first word selects what
+// to show.
 
 #include "base/hmHeapMgr.h"
 #include "base/inInitGuard.h"
@@ -60,7 +60,7 @@ void showInstance(const char* when)
     }
 }
 
-// The report, and then the list in a form that a test builds the report from.
+// The report, and then the list in a form from which a test builds the report.
 void showLibraries()
 {
     std::fflush(stdout);
@@ -76,7 +76,7 @@ void showLibraries()
     }
 }
 
-// The path of each library that has this text in it.
+// The path of each library that contains this text.
 void showPathsWith(const char* part)
 {
     for (const Zu::LmLibrary& library : Zu::LmLibraries::getList())
@@ -84,7 +84,7 @@ void showPathsWith(const char* part)
             say(library._path.get());
 }
 
-// Twice, so that a list that is not emptied shows.
+// Twice, to detect a list that is not emptied.
 void showPathsOfModule(const char* module, const char* part)
 {
     const Zu::ObjPtr<Zu::OsSharedLib> library(Zu::OsSharedLib::open(Zu::OsFilePath(module)));

@@ -1,4 +1,4 @@
-// A shared library with a function whose place is chosen when it is loaded, and lies in another
+// A shared library with a function whose address is chosen when it is loaded, and is in another
 // library; Linux only.
 
 #include <cstddef>
@@ -14,7 +14,7 @@ extern "C"
         return 2 * value;
     }
 
-    // Named by a text alone; clang finds it only if it is shown.
+    // Referred to only by a string; clang finds it only if it is exported.
     Length chooseLength()
     {
         return std::strlen;

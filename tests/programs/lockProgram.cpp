@@ -1,6 +1,6 @@
-// A process beside others that use a lock. The variable LOCK_NAME has the lock's name, so that it
-// arrives unchanged whatever it consists of, and LOCK_DIR the directory of the files by which the
-// processes talk; the argument says what to do.
+// One of several processes that use a lock. The variable LOCK_NAME contains the lock's name, so
+// that any name arrives unchanged, and LOCK_DIR the directory of the files by which the processes
+// communicate; the argument selects the action.
 
 #include "base/exSysError.h"
 #include "base/lgInterProcessLock.h"
@@ -50,7 +50,7 @@ int hold()
     return SUCCESS;
 }
 
-// Ends without a chance to release what it took twice.
+// Ends without a chance to release the lock, which it holds twice.
 int die()
 {
     LgInterProcessLock* const lock = createLock();
@@ -60,7 +60,7 @@ int die()
     std::_Exit(support::awaitMarker(file("go")) ? SUCCESS : NO_ANSWER);
 }
 
-// Raises the number in a file step by step, with a new object for the lock in each.
+// Increments the number in a file, with a new lock object for each step.
 int count()
 {
     support::setMarker(file("held"));

@@ -1,5 +1,5 @@
-// The logger seen from a whole process. The words of the command line are commands, which are
-// carried out in their order; what they print is what a test compares.
+// The logger in a whole process. The words of the command line are commands that are carried out in
+// order; a test compares what they print.
 
 #include "base/exBase.h"
 #include "base/exSysError.h"
@@ -76,7 +76,7 @@ void say(const std::string& text)
     std::cout << text << std::endl;
 }
 
-// Runs work and says which exception came of it, if one did.
+// Runs work and prints the exception that it raises, if any.
 void saying(const std::string& what, const std::function<void()>& work)
 {
     try
@@ -137,7 +137,7 @@ void showState()
     say("echoed " + echoed + ", outputs " + outputs);
 }
 
-// Throws from the reader's removal of an entry, or asks there for the state of the lock.
+// Throws when the reader removes an entry, or queries the state of the lock there.
 class Troubled : public LgQueue::Observer
 {
 public:
@@ -202,7 +202,7 @@ void flushAll()
     saying("flush all", [] { Zu::LgReader().flushAll(); });
 }
 
-// Lines of one letter each, which are easily told apart when they are torn.
+// Lines of one repeated letter each, so that fragments of torn lines are easy to recognise.
 void logMany()
 {
     const std::string letter = nextWord();
@@ -219,7 +219,7 @@ void showPending()
     say(Zu::LgReader().eventsPending() ? "pending" : "not pending");
 }
 
-// The lock's holder ends without having released it. The object stays, and the lock with it.
+// The lock's holder ends without releasing it. The object remains, and so does the lock.
 void abandonLock()
 {
     const std::string name = nextWord();
@@ -240,7 +240,7 @@ void showHolding()
     }
 }
 
-// Ends only when another thread can have the lock.
+// Returns only when another thread can get the lock.
 void lockInAnotherThread()
 {
     std::thread(
@@ -253,7 +253,7 @@ void lockInAnotherThread()
     say("free for others");
 }
 
-// Files are the signs that processes give each other.
+// Processes signal each other by files.
 void makeSign()
 {
     std::ofstream{nextWord()};

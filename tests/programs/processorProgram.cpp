@@ -1,4 +1,4 @@
-// Asks for the processor and the hardware counter in the order of its words, in a process in which
+// Queries the processor and the hardware counter in the order of its words, in a process in which
 // nothing has done so before.
 
 #include "base/hwCounter.h"
@@ -32,13 +32,13 @@ void showType()
     std::cout << "type " << type << std::endl;
 }
 
-// The value is known before anything is written: what has no value leaves no trace.
+// The value is computed before anything is written: a query that fails writes nothing.
 void show(const char* what, bool value)
 {
     std::cout << what << ' ' << value << std::endl;
 }
 
-// Whether the counter's time lies where its ticks do.
+// Whether the counter's seconds agree with its ticks.
 bool secondsFollowTicks()
 {
     const double before = HwCounter::seconds();
@@ -55,7 +55,8 @@ bool hasTheStatedRate()
            HwCounter::resolution() == stated->resolution();
 }
 
-// How many threads, of eight that read first and at once, go on in the ticks of one engine.
+// How many of eight threads, which make the first read at the same time, get ticks of the same
+// engine.
 void readTogether()
 {
     constexpr int THREADS = 8;

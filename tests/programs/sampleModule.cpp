@@ -1,4 +1,4 @@
-// A shared library without ties to any other, for tests of loading one.
+// A shared library that needs no other one, for tests of loading.
 
 #include <typeinfo>
 
@@ -31,7 +31,7 @@ int sampleCount()
     return ++count;
 }
 
-// A type that goes with the library.
+// A type that is unloaded with the library.
 const std::type_info* sampleType()
 {
     return &typeid(sample::Type);

@@ -1,4 +1,5 @@
-// A client of the log service, for what only a whole process shows. The first word says what to do.
+// A client of the log service, for tests that need a whole process. The first word selects the
+// action.
 
 #include "app/lgService.h"
 #include "app/lgServiceEx.h"
@@ -40,7 +41,7 @@ void makeService()
     }
 }
 
-// Threads that log while the process ends orderly around them.
+// Threads log while the process shuts down in an orderly way.
 void logFromThreads()
 {
     const Zu::LgService service;
@@ -79,7 +80,8 @@ void tellLock()
     std::cout << (Zu::LgLog::getInterProcessLock() ? "a lock" : "no lock") << std::endl;
 }
 
-// A child of a fork goes on beside threads that it does not have. Its exit value says where it is.
+// A child of a fork continues without the threads of its parent. Its exit value shows how far it
+// got.
 int forkInTheMiddle()
 {
     const Zu::LgService service;
@@ -87,7 +89,7 @@ int forkInTheMiddle()
     auto producer = std::make_unique<std::thread>(
         [&stop]
         {
-            // Not without end: how long the child takes is not known.
+            // Limited, as the child may take any time.
             for (int i = 0; i < 20000 && !stop; ++i) ZU_LOG_INFORMATIONAL(Service, "busy");
         });
     ZU_LOG_WARNING(Service, "before the fork");
@@ -99,7 +101,7 @@ int forkInTheMiddle()
         ZU_LOG_WARNING(Service, "in the child");
         // A thread of the child logs and ends, too.
         std::thread([] { ZU_LOG_WARNING(Service, "in a thread of the child"); }).join();
-        // So does a child of the child, which is no nearer to a service.
+        // So does a child of the child, which can't make a service either.
         const bool isGrandchild = support::forkProcess() == support::Side::CHILD;
         if (!isGrandchild) support::awaitForkedChild();
         makeService();
@@ -112,7 +114,7 @@ int forkInTheMiddle()
     return 0;
 }
 
-// As a thread does that looked at the activity just before the end of the service.
+// Like a thread that found the logger active just before the end of the service.
 void addLate(const char* text)
 {
     Zu::LgQueue& queue = Zu::LgLog::getQueue();
@@ -122,7 +124,7 @@ void addLate(const char* text)
 }
 
 // A child of a fork between two services, with events that came too late for the first one: of the
-// thread that forks, of one that lives, and of one that has ended.
+// forking thread, of a living thread, and of an ended one.
 int forkBetweenServices()
 {
     {
@@ -130,7 +132,7 @@ int forkBetweenServices()
         ZU_LOG_WARNING(Service, "in time");
     }
     addLate("late");
-    // As many as leave the mark of a loss, too.
+    // Enough events to leave the mark of a loss, too.
     while (Zu::LgLog::getQueue().getLostCount() < 2) addLate("late");
     std::thread([] { addLate("late of an ended thread"); }).join();
     std::promise<void> isThere;
@@ -147,7 +149,7 @@ int forkBetweenServices()
     {
         static const std::thread* const ofTheParent = living.release();
         if (!ofTheParent) return 4;
-        // Whoever reads in the child, nothing of the parent's is there.
+        // A reader in the child finds nothing of the parent's.
         Zu::LgReader reader;
         if (reader.eventsPending()) return 5;
         reader.flushAll();

@@ -1,5 +1,5 @@
-// Start-up and shut-down seen from a whole process. The variable STARTUP_MODE says which of its
-// stories the program plays; it prints what happens.
+// Start-up and shut-down in a whole process. The variable STARTUP_MODE selects the scenario; the
+// program prints what happens.
 
 #include "base/inContextAlias.h"
 #include "base/inContextAliasMgrBase.h"
@@ -30,7 +30,7 @@ void say(const std::string& text)
 using Types = std::vector<const std::type_info*>;
 using Work = std::function<void()>;
 
-// A package that says when it goes up and down and does what it is told beside that.
+// A package that prints when it starts and stops, and carries out further commands.
 class Scripted : public Zu::InPackageInit
 {
 public:
@@ -53,7 +53,7 @@ protected:
     explicit Scripted(const char* name) : InPackageInit(name) {}
 };
 
-// Packages are told apart by their types, so each number is one.
+// Packages are identified by their types, so each number makes one.
 template <int Number> class Package : public Scripted
 {
 public:
@@ -128,7 +128,7 @@ void showState()
     showVariable(orphan);
 }
 
-// Runs work and says which exception came of it.
+// Runs work and prints the exception that it raises.
 void saying(const char* what, const Work& work)
 {
     try
@@ -264,7 +264,7 @@ void packagesAfterStart()
 {
     const Zu::InInitGuard guard(theArgc, theArgv);
     saying("without guard", [] { Package<1> package("Late"); });
-    // Packages live to the end of the process.
+    // Packages live until the process ends.
     static std::vector<std::unique_ptr<Scripted>> late;
     {
         const Zu::InReinitGuard outer;
@@ -296,8 +296,8 @@ void packagesAfterStart()
            });
 }
 
-// A guard that ends while an exception unwinds the stack runs a pass, in which a body loads more:
-// what that raises is none of the older exception's concern.
+// A guard that ends while an exception unwinds the stack runs a pass in which a body loads more
+// packages. An exception raised there is independent of the older one.
 void nestedPassWhileUnwinding()
 {
     const Zu::InInitGuard guard(theArgc, theArgv);

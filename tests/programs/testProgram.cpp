@@ -1,5 +1,5 @@
-// A program of test groups, for the tests of the framework that runs them. Its groups print what is
-// done with them; the words behind a group's name say what it does.
+// A program of test groups, for the tests of the test framework. Its groups print how they are
+// called; the words behind a group's name select what it does.
 
 #include "base/dbgBuildInfoMgr.h"
 #include "base/exInternalError.h"
@@ -75,7 +75,7 @@ void deactivateLogger()
 
 } // namespace
 
-// A package above all of the library's; it tells of its life on demand.
+// A package above all of the library's; it reports its start and stop on demand.
 template <> Zu::InInit<clientTag>::InInit() : InPackageInit("client")
 {
     registerPackage();
@@ -103,7 +103,7 @@ Zu::InArgAlias sizeOption("z:", "size, from an option");
 Zu::InDefAlias sizeDefault("10", "usual size");
 Zu::InVariable<int> size("test::size", thePackage, sizeOption, sizeDefault);
 
-// Says with which words an operation was called.
+// Prints the words with which an operation was called.
 void tellCall(const std::string& operation, int argc, char** const argv)
 {
     std::string text = operation + " " + std::to_string(argc);
@@ -111,7 +111,7 @@ void tellCall(const std::string& operation, int argc, char** const argv)
     say(text + (argv[argc] ? " no null" : " null"));
 }
 
-// Prints what is called, and with which words.
+// Prints each call with its words.
 class Arguments : public TestGroup
 {
 public:
@@ -153,7 +153,7 @@ public:
     }
 } theQuiet;
 
-// Has nothing but what must be there.
+// Has only the required operation.
 class Bare : public TestGroup
 {
 public:
@@ -164,7 +164,7 @@ public:
 
 Bare theBare("bare");
 
-// The longest name that a performance file can hold, and one that is a character longer.
+// The longest name that a performance file may contain, and one that is a character longer.
 const std::string NAME_OF_47(47, 'n');
 const std::string NAME_OF_48(48, 'n');
 Bare theBareOf47(NAME_OF_47.c_str());
@@ -231,7 +231,7 @@ private:
     std::string _what;
 } theFailing;
 
-// Ends the process by the way that its word says.
+// Ends the process in the way that its word selects.
 class Abnormal : public TestGroup
 {
 public:
@@ -295,7 +295,7 @@ private:
     int _terminated = 0;
 } theCounting;
 
-// Takes twenty milliseconds or more, and nothing beside.
+// Takes at least twenty milliseconds, and does nothing else.
 class Spinning : public TestGroup
 {
 public:

@@ -1,4 +1,5 @@
-// Tracing by several threads, for what only a whole process shows. The first word says what to do.
+// Tracing by several threads, for tests that need a whole process. The first word selects the
+// action.
 
 #include "app/threadTraceManager.h"
 #include "base/traceStatement.h"
@@ -50,7 +51,7 @@ void traceFromThreads()
     std::exit(7);
 }
 
-// The manager lives to the end of static objects.
+// The manager lives until static objects are destroyed.
 void traceLate()
 {
     struct Late

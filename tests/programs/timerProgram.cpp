@@ -38,7 +38,7 @@ template <class Value> void say(const char* what, const Value& value)
     std::cout << what << ' ' << value << std::endl;
 }
 
-// Calls what needs the packages, and says how that ends.
+// Calls a function that needs the packages, and prints the outcome.
 void attempt(const char* what, const std::function<void()>& call)
 {
     try
@@ -62,8 +62,8 @@ double now()
     return sleeper().getTime();
 }
 
-// How much too early a timer may end: that of Windows counts in ticks of its resolution, and may be
-// set at the end of one.
+// How early a timer may end: that of Windows counts in ticks of its resolution, and may be set at
+// the end of a tick.
 double earliness()
 {
     return support::onWindows ? sleeper().getResolution() : 0;
@@ -81,7 +81,7 @@ void runThreads(int number, const std::function<void(int)>& work)
     for (std::thread& thread : threads) thread.join();
 }
 
-// Whether a sleep says that it slept, and lasted at least as long as this.
+// Whether a sleep returns true and lasts at least this long.
 bool sleepsFor(Sleeper& sleeper, double seconds, double least)
 {
     const double start = sleeper.getTime();
@@ -119,15 +119,15 @@ void sleepLonger()
     bool all = true;
     for (int i = 0; i < 10; ++i) all = sleepsFor(0.002) && all;
     say("one after another", all);
-    // Each begins where one before has ended, at a tick, so that only the first one is early; and
-    // what counts the ticks need not run quite like the clock.
+    // Each begins where the one before ended, at a tick, so only the first one is early. The ticks
+    // need not agree exactly with the clock.
     const double start = now();
     bool slept = true;
     for (int i = 0; i < 20; ++i) slept = sleeper().sleep(0.001) && slept;
     say("twenty of 0.001 s", slept && now() - start >= 0.020 - 2 * earliness());
 }
 
-// Each sleeps for a time of its own, so one that is woken with another ends too early.
+// Each sleeps for a different time, so one that is woken together with another ends too early.
 void sleepTogether()
 {
     std::atomic<int> good{0};
@@ -242,7 +242,7 @@ double beats(double seconds, double interval)
     return std::floor(seconds / interval + 0.5);
 }
 
-// Whether `count` gives a count that fits the time since the start, not more and not less.
+// Whether `count` returns exactly the count that corresponds to the time since the start.
 template <class Count> bool fits(const Start& start, double interval, Count count)
 {
     const double asked = now();
@@ -252,7 +252,7 @@ template <class Count> bool fits(const Start& start, double interval, Count coun
            counted <= beats(answered - start._earliest, interval);
 }
 
-// Whether so many waits take at least as many intervals, the first one being whole.
+// Whether this many waits take at least as many intervals, a full first one included.
 bool waitsFor(PeriodicTimer& timer, int waits, const Start& start)
 {
     for (int i = 0; i < waits; ++i) timer.wait();
@@ -308,7 +308,7 @@ void waitForBeats()
     say("count goes on", timer->getCurrentCount() >= last);
 }
 
-// Asks after beats that nobody has waited for.
+// Queries beats that nobody has waited for.
 void missBeats()
 {
     const Timer timer = makeTimer(INTERVAL);
@@ -316,7 +316,7 @@ void missBeats()
     while (now() - start._latest < 8 * INTERVAL) sleeper().sleep(INTERVAL);
     say("counts without a wait", timer->getCurrentCount() >= 8);
     say("counts what it missed", timer->wait() >= 8);
-    // A wait that ended with a beat of before would take no time, now and each time.
+    // A wait that ended with an earlier beat would take no time, now and each time.
     bool waited = false;
     timer->setInterval(4 * INTERVAL);
     for (int i = 0; i < 50 && !waited; ++i)
@@ -412,7 +412,7 @@ void assignTimers()
     say("interval", timer->getInterval());
     say("still running", !timer->start());
     say("the other stopped", !other->stop());
-    // Each has a beat of its own.
+    // Each has its own beat.
     other->start();
     other.reset();
     say("beats", waitsFor(*timer, 3, start));
@@ -440,7 +440,7 @@ void beatInAnotherThread()
 
 void beatTogether()
 {
-    // Made one by one: each is tried out, and ten at a time may have no good beat in time.
+    // Made one by one: each is tried out, and ten at the same time may not get a good beat in time.
     std::vector<Timer> timers;
     for (int i = 0; i < 10; ++i) timers.push_back(makeTimer(INTERVAL + 0.001 * i));
     std::atomic<int> good{0};
@@ -484,7 +484,7 @@ void tryAroundPackages(int count, char** words)
     attempt("running count", [&] { running->getCurrentCount(); });
 }
 
-// Makes a timer that can't be.
+// Makes a timer with an impossible interval.
 void makeBadTimer(const std::string& interval)
 {
     makeTimer(std::strtod(interval.c_str(), nullptr));

@@ -1,5 +1,5 @@
-// Tracing seen from a whole process. The words of the command line are commands, which are carried
-// out in their order; what they print is what a test compares.
+// Tracing in a whole process. The words of the command line are commands that are carried out in
+// order; a test compares what they print.
 
 #include "base/exInternalError.h"
 #include "base/trace.h"
@@ -35,7 +35,7 @@ void say(const std::string& text)
     std::cout << text << std::endl;
 }
 
-// Traces outside of main().
+// Traces outside main().
 class EarlyAndLate
 {
 public:
@@ -54,7 +54,7 @@ public:
 
 const EarlyAndLate theEarlyAndLate;
 
-// Says which manager a line came to.
+// Prints which manager a line reached.
 class Telling : public Zu::TraceManager
 {
 public:
@@ -75,7 +75,7 @@ private:
     int _priority;
 };
 
-// They live to the end of the process.
+// They live until the process ends.
 std::vector<Telling*>& managers = *new std::vector<Telling*>;
 
 void setOptions()
@@ -90,7 +90,7 @@ void setOptions()
     }
 }
 
-// Registers the level, as a source does that comes to it late.
+// Registers the level, like a source that is initialised late.
 void showState()
 {
     const std::string name = nextWord();
@@ -98,7 +98,8 @@ void showState()
     say(name + (Zu::Trace::isEnabled(*level) ? " on" : " off"));
 }
 
-// A statement that is off doesn't evaluate its operands, and the word is to be taken all the same.
+// A statement that is off does not evaluate its operands, but the word must be consumed in any
+// case.
 void traceText()
 {
     const std::string text = nextWord();
@@ -128,7 +129,7 @@ const std::map<std::string, void (*)()> commands = {
     {"early", traceEarlyText},
     {"exception", reportException},
     {"levels", [] { Zu::Trace::printLevels(std::cout); }},
-    // Stays to the end of the process.
+    // Stays until the process ends.
     {"manager", [] { managers.push_back(new Telling(std::stoi(nextWord()))); }},
     {"options", setOptions},
     {"pid", [] { say(std::to_string(support::processId())); }},

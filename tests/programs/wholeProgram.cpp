@@ -1,7 +1,6 @@
-// A process as an application of the library would be one: packages of its own between and behind
-// those of the library, an event on its way through the logger, and singletons at the end of it
-// all. The variable WHOLE_STORY says which of its stories the program plays; it prints what
-// happens.
+// A process like an application of the library: its own packages between and after those of the
+// library, an event on its way through the logger, and singletons at the end of the process. The
+// variable WHOLE_STORY selects the scenario; the program prints what happens.
 
 #include "base/dbgBuildInfoMgr.h"
 #include "base/dtRefTime.h"
@@ -68,7 +67,7 @@ void say(const std::string& text)
     std::cout << text << std::endl;
 }
 
-// Uses what lives to the end of the process, at the very end of it.
+// At the very end of the process, uses everything that lives until then.
 class LastWord
 {
 public:
@@ -83,7 +82,7 @@ public:
     void (*_act)(const char* when) = nullptr;
 };
 
-// The first static object of the program, and so the last one to end.
+// The first static object of the program, and so the last one to be destroyed.
 LastWord theLastWord;
 
 // What a package of the program owns while it is up.
@@ -110,7 +109,7 @@ struct wholeTag
 
 class Probe;
 
-// Is told when a package of the program goes up or down.
+// Is notified when a package of the program starts or stops.
 std::function<void(Probe& probe, const char* what)> theWatcher;
 
 Zu::InDefAlias wordDefault("compiled", "word that is compiled in");
@@ -119,7 +118,7 @@ Zu::InArgAlias wordOption("w:", "word from an option");
 
 using Types = std::vector<const std::type_info*>;
 
-// A package that has a variable for each way in which a value comes.
+// A package with a variable for each source of values.
 class Probe : public Zu::InPackageInit
 {
 public:
@@ -155,7 +154,7 @@ public:
         return _forced.getHandle();
     }
 
-    // All of them; they live to the end of the process.
+    // All of them; they live until the process ends.
     static std::vector<Probe*>& all()
     {
         static auto* const probes = new std::vector<Probe*>;
@@ -204,7 +203,7 @@ private:
     Types _types;
 };
 
-// Packages are told apart by their types, so each number is one.
+// Packages are identified by their types, so each number makes one.
 template <int Number> class NumberedProbe : public Probe
 {
 public:
@@ -220,8 +219,8 @@ template <class Tag> const std::type_info* typeOf()
     return Zu::InInit<Tag>::getType();
 }
 
-// Each of these stands right behind the package of the library that it is called after: it depends
-// on as many packages, and its name is the next one.
+// Each of these starts right after the library's package that it is named after: it depends on as
+// many packages, and its name is the next one.
 NumberedProbe<0> theEarliest("Earliest");
 NumberedProbe<1> afterInitialize("initialize~");
 NumberedProbe<2> afterHeapMgr("heapMgr~", {typeOf<ZuInit::initialize>()});
@@ -248,7 +247,7 @@ NumberedProbe<13> afterBase("base~", {typeOf<ZuInit::initialize>(), typeOf<ZuIni
                                       typeOf<ZuInit::baseMath>(), typeOf<ZuInit::random>(),
                                       typeOf<ZuInit::discreteTime>(), typeOf<ZuInit::testing>()});
 
-// A client as it should be. Its name is the first of all, and yet it starts behind the library.
+// A regular client. Its name is the first of all, and yet it starts after the library.
 class Client : public Probe
 {
 public:
@@ -313,7 +312,7 @@ bool isProcessorKnown()
 {
     Zu::OsCpuInfo::Type type = Zu::OsCpuInfo::UNKNOWN;
     Zu::OsCpuInfo::getDetailedType(&type, nullptr, nullptr, nullptr);
-    // Where the type is not known, nobody may ask for the frequency.
+    // Where the type is unknown, the frequency must not be queried.
     return type != Zu::OsCpuInfo::UNKNOWN && Zu::OsCpuInfo::hasSSE() &&
            Zu::OsCpuInfo::getHwCounterFrequency() > 0;
 }
@@ -331,7 +330,7 @@ bool isRecordThere()
     return report.str().find("libZUbase") != std::string::npos;
 }
 
-// What the packages have made ready, as far as anyone can see it.
+// What the packages have prepared, as far as it can be observed.
 std::string readiness()
 {
     const std::pair<const char*, bool> facts[] = {
@@ -375,7 +374,7 @@ void showStage(Probe& probe, const char* what)
                                      [](const Probe* any) { return any->hasValue(); });
     say(std::string(probe.getName()) + " " + what + ": values " + probe.values() + " (" +
         std::to_string(count) + "), ready:" + readiness());
-    // Whoever asks for the resolution must know that the engine was made.
+    // The resolution may only be queried after the engine was made.
     if (&probe == &afterProfiling) say(HwCounter::resolution() > 0 ? "engine" : "no engine");
     if (&probe == &theEarliest || &probe == &afterHeapMgr || &probe == &afterInitArg ||
         &probe == &theClient)
@@ -426,7 +425,7 @@ void loadModule()
 
 thread_local LgQueue* theQueue = nullptr;
 
-// The queues of the program end with it.
+// The queues live until the program ends.
 LgQueue& makeQueue(std::uint32_t threadId)
 {
     theQueue = new LgQueue(threadId);
@@ -443,7 +442,7 @@ std::string fileOf(const char* name)
     return {std::istreambuf_iterator<char>(stream), std::istreambuf_iterator<char>()};
 }
 
-// How many events stand in the file of a level, given by its variable.
+// How many events are in the file of a level, given by its variable.
 std::string eventsIn(const char* name)
 {
     const std::string text = fileOf(name);
@@ -468,7 +467,7 @@ void showRoad(const LgQueue& queue, const std::string& where)
         (queue.isEmpty() ? "no" : "yes") + ", in the file " + eventsIn("WHOLE_FILE"));
 }
 
-// Says whether lines are written under the lock: nobody but its holder can release it.
+// Prints whether lines are written under the lock: only its holder can release it.
 class LockWatch : public LgQueue::Observer
 {
 public:
@@ -494,7 +493,7 @@ void showEntry(const LgQueue& queue, std::uint64_t from, std::uint64_t to)
         " time, with " + std::to_string(queue.getStream().getNextSize()) + " characters");
 }
 
-// One event's road, step by step.
+// The path of one event, step by step.
 void takeTheRoad()
 {
     const Zu::InInitGuard guard(theArgc, theArgv);
@@ -554,7 +553,7 @@ void walkByHand()
     queue.getStream() << Zu::ends;
     showWaiting("ended");
     say(reader.flushEarliest() ? "flushed" : "nothing to flush");
-    // Whatever time goes by until it is published is none of the event's.
+    // The time until the publication must not count for the event.
     while (HwCounter::timeStamp() <= to) continue;
     queue.addEntry();
     showWaiting("published");
@@ -581,7 +580,7 @@ void produceInTwoThreads()
     const std::string turns = "abbabaab";
     std::vector<std::string> spans(turns.size());
     std::atomic<std::size_t> turn = 0;
-    // The queue that is entered first has the later event at its head.
+    // The queue that is registered first has the later event at its head.
     std::atomic<int> entered = 0;
     const auto produce = [&](char letter)
     {
@@ -622,7 +621,7 @@ void produceInTwoThreads()
         .join();
 }
 
-// While somebody else holds the lock the reader stands still, and the producers do not.
+// While another process holds the lock the reader waits, but the producers do not.
 void produceUnderAForeignLock()
 {
     const Zu::InInitGuard guard(theArgc, theArgv);
@@ -688,11 +687,11 @@ void countThreads()
         timer->stop();
     }
     compare("stopped the beat");
-    // So that the count is known to notice one.
+    // Shows that the count notices a thread.
     std::thread([&] { compare("with a thread of the program"); }).join();
 }
 
-// What lives to the end of the process, where it was found at first.
+// Objects that live until the process ends, with their first addresses.
 struct Lasting
 {
     const Zu::TraceLevel* _level;

@@ -43,7 +43,7 @@ bool beginsLikePrefix(std::string_view line)
                       PREFIX.begin(), fits);
 }
 
-// A number at the beginning, which is taken off.
+// Takes a number from the beginning.
 template <class Number> std::optional<Number> takeNumber(std::string_view& text)
 {
     Number number = 0;
@@ -72,7 +72,7 @@ struct Origin
     unsigned _number;
 };
 
-// Whose event it is, from a text that has both numbers in full.
+// The origin of an event, from a text that contains both numbers in full.
 std::optional<Origin> originOf(std::string_view text)
 {
     const auto producer = takeNumber<unsigned>(text);
@@ -103,8 +103,8 @@ bool isOverflow(std::string_view line)
     return takeNumber<std::uint32_t>(text).value_or(0) > 0 && text == "]";
 }
 
-// Whether the line of an event looks like this from which parts are missing, "#" in their places or
-// not. What is left must stand in the order of a whole one.
+// Whether this can be the line of an event with parts missing, replaced by "#" or not. The
+// remaining parts must be in the order of a whole line.
 bool isShortened(std::string_view line)
 {
     constexpr std::string_view LEVEL = "Warning: ";
@@ -134,7 +134,7 @@ bool isBeginningOf(std::string_view text, std::string_view whole)
     return text.size() <= whole.size() && whole.rfind(text, 0) == 0;
 }
 
-// Whether a line may have begun like this, as far as this can be told.
+// Whether a line may have begun like this, as far as that can be determined.
 bool isFragment(std::string_view text)
 {
     if (text.empty() || !beginsLikePrefix(text)) return false;
@@ -156,7 +156,7 @@ public:
     {
         for (std::string line; std::getline(file, line);)
         {
-            // The last line has no end: it's torn at best.
+            // The last line has no end: at best it is torn.
             if (file.eof())
                 takeFragment(line);
             else
@@ -182,7 +182,7 @@ private:
             ++_account._shortened;
             return;
         }
-        // The beginning of one line, and behind it a whole one of somebody else.
+        // The beginning of one line, followed by a whole line of another process.
         for (std::size_t at = 1; at < line.size(); ++at)
         {
             if (!isFragment(line.substr(0, at)) || !takeWhole(line.substr(at))) continue;
@@ -200,7 +200,7 @@ private:
             fail("at the end: " + std::string(line));
     }
 
-    // Of a start's banner all lines have to come, with none of anybody else between them.
+    // A start banner has to be complete, without foreign lines in between.
     bool takeBanner(std::string_view line)
     {
         if (line == STOP_BANNER && _bannerLine == 0)

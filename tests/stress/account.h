@@ -1,4 +1,4 @@
-// What became of events: the numbers of the producers, and what stands in the file.
+// The fate of events: the numbers of the producers, and the content of the file.
 
 #ifndef ZU_TESTS_STRESS_ACCOUNT_H
 #define ZU_TESTS_STRESS_ACCOUNT_H
@@ -17,11 +17,11 @@ struct Account
 {
     // Statements that were carried out.
     std::uint64_t _attempted = 0;
-    // Those after which the queue had not counted a loss, as each producer sees it for itself.
+    // Statements after which the queue had not counted a loss, as seen by each producer.
     std::uint64_t _accepted = 0;
     // The library's own total.
     std::uint64_t _lost = 0;
-    // Accepted, and not taken by the file; once the service has ended.
+    // Accepted, but not taken by the file; known after the service has ended.
     std::uint64_t _unwritten = 0;
 
     Account& operator+=(const Account& other)
@@ -34,21 +34,21 @@ struct Account
     }
 };
 
-// Producers from this one on write long texts. A queue has 32 characters for each of its places: of
-// long texts its room for text runs out first, of short ones the places do.
+// Producers from this id on write long texts. A queue has 32 characters for each of its slots: long
+// texts exhaust its room for text first, short ones its slots.
 constexpr unsigned WORDY = 10000;
 
-// A part of the event with this number: of a different length from one to the next, and to be told
-// to the byte by whoever reads it.
+// A part of the event with this number: its length varies from event to event, and a reader can
+// predict it to the byte.
 const char* fillerOf(unsigned producer, unsigned number);
 
 // A log file, read back. Each line has to be whole, and each producer's numbers and times have to
-// ascend, which also shows what is written twice.
+// ascend, which also detects lines that are written twice.
 struct FileAccount
 {
-    // Lines of events, the shortened ones among them.
+    // Lines of events, shortened ones included.
     std::uint64_t _written = 0;
-    // Lines in which "#" or nothing stands for parts that found no room in the queue.
+    // Lines in which "#" or nothing replaces parts that found no room in the queue.
     std::uint64_t _shortened = 0;
     std::uint64_t _overflowLines = 0;
     // Beginnings of lines without their ends.
@@ -56,7 +56,7 @@ struct FileAccount
     std::uint64_t _startBanners = 0;
     std::uint64_t _stopBanners = 0;
     std::map<unsigned, std::uint64_t> _writtenOf;
-    // What does not belong there; the first few.
+    // Unexpected content; the first few cases.
     std::vector<std::string> _errors;
 
     std::uint64_t writtenFrom(unsigned firstProducer, unsigned producers) const;

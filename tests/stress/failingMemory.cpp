@@ -46,7 +46,7 @@ void* orRaise(void* memory)
 } // namespace
 } // namespace stress
 
-// All of them: a sanitizer has its own of those that are left out, and they don't fit together.
+// All forms are replaced: a sanitizer supplies any that are left out, and those do not match ours.
 
 void* operator new(std::size_t size)
 {

@@ -1,4 +1,4 @@
-// Lets allocations fail on command, in all of a program whose libraries are linked statically.
+// Makes allocations fail on command, throughout a program whose libraries are linked statically.
 
 #ifndef ZU_TESTS_STRESS_FAILINGMEMORY_H
 #define ZU_TESTS_STRESS_FAILINGMEMORY_H
@@ -8,17 +8,17 @@
 namespace stress
 {
 
-// The allocation of the calling thread that fails, counted from 1; 0 for none.
+// Which allocation of the calling thread fails, counted from 1; 0 for none.
 extern constinit thread_local int countdown;
 
-// While it is set, all allocations of all threads fail, but for those that are spared.
+// While it is set, all allocations of all threads fail, except those of spared threads.
 extern std::atomic<bool> isMemoryGone;
 extern constinit thread_local bool isSpared;
 
-// The allocation of all threads that are not spared that fails, counted from 1; 0 for none.
+// Which allocation of all threads that are not spared fails, counted from 1; 0 for none.
 extern std::atomic<int> unsparedCountdown;
 
-// How many allocations threads have asked for that are not spared.
+// How many allocations the threads that are not spared have requested.
 extern std::atomic<unsigned> unsparedAllocations;
 
 } // namespace stress

@@ -1,4 +1,4 @@
-// Files that go, disks that fill, and descriptors that run out.
+// Files that disappear, disks that fill up, and descriptors that run out.
 
 #include "app/lgService.h"
 #include "base/lgReader.h"
@@ -34,8 +34,8 @@ constexpr unsigned THREADS = 3;
 constexpr unsigned BURST = 100;
 constexpr unsigned EVENTS = 20 * BURST;
 
-// Linux lets the file go on without a name, Windows keeps the directory as long as it is open.
-// Either way no line is missing in it, and the next logger has a directory again.
+// On Linux the file remains without a name, on Windows the directory remains as long as the file is
+// open. Either way no line of it is missing, and the next logger has a directory again.
 TEST(StressFiles, TheDirectoryIsRemoved)
 {
     Scenario scenario("the log directory removed");
@@ -85,7 +85,7 @@ TEST(StressFiles, TheDirectoryIsRemoved)
 }
 
 // The file ends with the line that found no room. Nobody waits for it, and the next logger starts
-// as if nothing had been.
+// normally.
 TEST(StressFiles, TheDiskIsFullForATime)
 {
     constexpr std::streamsize ROOM = 100000;
@@ -126,7 +126,7 @@ TEST(StressFiles, TheDiskIsFullForATime)
 
 constexpr bool checksTypes = support::underAddressSanitizer;
 
-// What stressProgram does with files of its own, which it must survive.
+// Runs stressProgram on files of its own; it must succeed.
 ProgramResult runAlone(const std::string& mode, const support::TempDir& dir, const std::string& log,
                        const support::Environment& more = {})
 {
@@ -184,7 +184,7 @@ TEST(StressFiles, ADiskThatIsFullFromTheStart)
     }
 }
 
-// What follows a word, in each line that begins with it.
+// The rest of each line that begins with a word.
 std::vector<std::string> textsBehind(const std::string& word, const ProgramResult& result)
 {
     std::vector<std::string> numbers;
@@ -239,7 +239,7 @@ TEST(StressFiles, AProcessStartsWithoutDescriptors)
         EXPECT_EQ(account._lost, 0U);
         EXPECT_EQ(account._unwritten, account._accepted);
         EXPECT_FALSE(std::filesystem::exists(log));
-        // The lock is no luxury: without it the process does not start.
+        // The lock is not optional: without it the process does not start.
         const ProgramResult refused =
             runAlone("logWithoutDescriptors", dir, log,
                      {{"ZU_INTERNAL_INTERPROCESS_LOG_LOCK", stress::nameOfLock(dir)}});

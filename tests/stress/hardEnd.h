@@ -1,4 +1,4 @@
-// What the system does to a process: ends it, and refuses it what it asks for.
+// Hard limits of a process: how the system ends it, and refuses its requests.
 
 #ifndef ZU_TESTS_STRESS_HARDEND_H
 #define ZU_TESTS_STRESS_HARDEND_H
@@ -9,14 +9,14 @@
 namespace stress
 {
 
-// Ends the process as another one would that kills it: nothing of it is carried out any more.
+// Ends the process as if another one killed it: none of its code runs any more.
 [[noreturn]] void killSelf();
 
-// The platforms' own memory, aligned to more than usual.
+// Over-aligned memory from the platform.
 void* allocateAligned(std::size_t size, std::size_t alignment);
 void freeAligned(void* memory);
 
-// What the system may be asked to limit; Windows has none of these limits.
+// What the system can limit; Windows has none of these limits.
 enum class Resource
 {
     ADDRESS_SPACE,
@@ -24,7 +24,7 @@ enum class Resource
     FILE_SIZE
 };
 
-// Lowers a limit for its life.
+// Lowers a limit while it lives.
 class ResourceLimit
 {
 public:
@@ -38,7 +38,8 @@ private:
     std::uint64_t _former;
 };
 
-// A file that would get too long ends the process in the calling thread, whatever that blocks.
+// Makes a file that would get too long end the process in the calling thread, whatever signals that
+// blocks.
 void letLongFilesKill();
 
 // How much address space the process has.

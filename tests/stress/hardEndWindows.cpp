@@ -9,7 +9,8 @@ namespace stress
 
 void killSelf()
 {
-    // What the runtime has for an abort, so that a killed process looks the same on both platforms.
+    // The runtime's exit value of an abort, so that a killed process looks the same on both
+    // platforms.
     constexpr UINT KILLED = 3;
     TerminateProcess(GetCurrentProcess(), KILLED);
     while (true) Sleep(INFINITE);
@@ -25,7 +26,7 @@ void freeAligned(void* memory)
     _aligned_free(memory);
 }
 
-// Nobody comes here: what needs limits is left out on Windows.
+// Never called: scenarios that need limits are skipped on Windows.
 ResourceLimit::ResourceLimit(Resource resource, std::uint64_t limit)
     : _resource(resource), _former(limit)
 {

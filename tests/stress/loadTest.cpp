@@ -1,4 +1,4 @@
-// Many threads, short-lived threads, and a reader that does not come along.
+// Many threads, short-lived threads, and a reader that can't keep up.
 
 #include "app/lgService.h"
 #include "base/lgTrace.h"
@@ -32,8 +32,8 @@ using Zu::LgService;
 // Sanitizers and Wine are slow; a round should not be all of a scenario's time there.
 constexpr unsigned SLOWNESS = support::underSanitizer || support::onWindows ? 5 : 1;
 
-// Lets so many producers, with ids from this one on, each do its work in a thread of its own; all
-// begin at once.
+// Runs this many producers, with ids from this one on, each in a thread of its own; all begin at
+// once.
 Account runProducers(unsigned count, unsigned firstId, const std::function<void(Producer&)>& work)
 {
     std::promise<void> start;
@@ -73,12 +73,12 @@ TEST(StressLoad, ManyProducersAtFullSpeed)
         EXPECT_EQ(account._attempted, PRODUCERS * EVENTS);
         EXPECT_EQ(file._written, account._accepted);
         EXPECT_EQ(file._torn, 0U);
-        // Each gets through what a queue holds, whatever the others do.
+        // Each gets a queue's content through, whatever the others do.
         for (unsigned id = 0; id < PRODUCERS; ++id) EXPECT_GE(file.writtenFrom(id, 1), 100U);
     }
 }
 
-// Long texts find places in the queue, but not always room for all their parts.
+// Long texts find slots in the queue, but not always room for all their parts.
 TEST(StressLoad, ManyProducersOfLongTexts)
 {
     constexpr unsigned PRODUCERS = 16;
@@ -170,8 +170,8 @@ TEST(StressLoad, AReaderThatIsSlow)
     }
 }
 
-// While the reader stands, threads log, begin and end, and none of them waits: if one did, nothing
-// would open the gate.
+// While the reader is blocked, threads log, begin and end, and none of them waits: if one did,
+// nothing would open the gate.
 TEST(StressLoad, AReaderThatStandsStillAndGoesOn)
 {
     constexpr unsigned PRODUCERS = 4;

@@ -28,8 +28,8 @@ protected:
 #endif
     }
 
-    // Carries out stressMemoryProgram until the time is over: what is not refused by an exception
-    // is in the file.
+    // Runs stressMemoryProgram until the time is over: every event that is not refused by an
+    // exception is in the file.
     static void run(const std::string& mode, const std::string& name, std::size_t reports)
     {
         Scenario scenario(name);

@@ -55,7 +55,7 @@ public:
         _ready.push_back(_dir.file("ready" + id));
     }
 
-    // Lets them go when all are ready; one that ends before says why.
+    // Starts them all when all are ready; one that ends earlier reports why.
     testing::AssertionResult meet()
     {
         auto ready = _ready.begin();
@@ -71,7 +71,7 @@ public:
         return testing::AssertionSuccess();
     }
 
-    // The end of the one that was started first of those that are left.
+    // The result of the process that was started first among the remaining ones.
     ProgramResult next()
     {
         ProgramResult result = _results.front().get();
@@ -134,8 +134,8 @@ TEST(StressProcesses, SeveralOnOneFile)
     }
 }
 
-// One ends with the lock, while others go on: what it told the reader of is written, and of the
-// others exactly one learns of its end.
+// One ends while holding the lock, and others go on: what it passed to the reader is written, and
+// exactly one of the others is notified of its end.
 void expectSurvivors(const std::string& mode, const std::string& name, std::uint64_t attempted,
                      std::uint64_t written, std::uint64_t torn)
 {
@@ -198,7 +198,8 @@ TEST(StressProcesses, OneIsKilledByTheSystemInALine)
                     1000, 1);
 }
 
-// Ended at any moment while queues are full: what is in the file is whole, but for one line.
+// Ended at an arbitrary moment while queues are full: all lines in the file are whole, except for
+// one.
 void expectWholeLines(const std::string& mode, const std::string& name)
 {
     Scenario scenario(name);
@@ -215,7 +216,7 @@ void expectWholeLines(const std::string& mode, const std::string& name)
         EXPECT_LE(file._written, account._accepted);
         EXPECT_LE(file._torn, 1U);
         EXPECT_EQ(file._stopBanners, 0U);
-        // No more than the queues held can be missing.
+        // At most the content of the queues can be missing.
         EXPECT_LE(account._accepted - file._written, THREADS * 1022);
     }
 }
@@ -271,7 +272,7 @@ TEST(StressProcesses, AForkBesideThreadsThatLog)
         EXPECT_EQ(file._torn, 0U);
         EXPECT_EQ(file._startBanners, 1U);
         EXPECT_EQ(file._stopBanners, 1U);
-        // The children's statements are on their standard output, and can't be made up for.
+        // The children's statements are on their standard output, and nowhere else.
         EXPECT_EQ(support::countOf(result.out, "Stress 100 0 "), FORKS);
         EXPECT_EQ(support::countOf(result.out, "refused\n"), FORKS);
         EXPECT_EQ(support::countOf(result.out, "failed"), 0U);

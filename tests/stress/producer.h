@@ -1,4 +1,4 @@
-// One that logs, and keeps account of it.
+// A producer of events that keeps count of them.
 
 #ifndef ZU_TESTS_STRESS_PRODUCER_H
 #define ZU_TESTS_STRESS_PRODUCER_H
@@ -8,7 +8,7 @@
 namespace stress
 {
 
-// The group that all events of this suite belong to stands for the life of an object.
+// Starts the group of all events of this suite, and stops it when destroyed.
 class Group
 {
 public:
@@ -30,16 +30,16 @@ public:
     // One event.
     void log();
 
-    // So many, as fast as they come.
+    // This many, as fast as possible.
     void log(unsigned count);
 
-    // So many, of which the reader has all whenever a burst is over.
+    // This many; after each burst the reader has them all.
     void logInBursts(unsigned count, unsigned burst);
 
     // Waits until the reader has all events of this thread.
     static void awaitReader();
 
-    // Without what the library counts.
+    // Without the library's own counts.
     const Account& account() const
     {
         return _account;

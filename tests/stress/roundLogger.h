@@ -14,7 +14,7 @@
 namespace stress
 {
 
-// A logger within this process, with the group of this suite, and with a directory of its own.
+// A logger within this process, with the group of this suite and a private directory.
 class RoundLogger
 {
 public:
@@ -31,7 +31,7 @@ public:
         return dir() + "/events.log";
     }
 
-    // Ends it, and tells what it has left.
+    // Ends it, and returns the account of its file.
     FileAccount read()
     {
         stop();

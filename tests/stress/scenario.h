@@ -1,4 +1,4 @@
-// What the scenarios share: their time, and their line in the table.
+// What the scenarios share: their duration, and their line in the table.
 
 #ifndef ZU_TESTS_STRESS_SCENARIO_H
 #define ZU_TESTS_STRESS_SCENARIO_H
@@ -19,7 +19,7 @@
 namespace stress
 {
 
-// What a program says that it has counted; nothing if it says nothing.
+// The counts that a program has printed; zeros if it printed nothing.
 inline Account accountOf(const support::ProgramResult& result)
 {
     const std::string& out = result.out;
@@ -30,7 +30,7 @@ inline Account accountOf(const support::ProgramResult& result)
     return account;
 }
 
-// A lock's name, as different as that of a directory.
+// A lock's name, as unique as that of a directory.
 inline std::string nameOfLock(const support::TempDir& dir)
 {
     return "zuStress " + std::filesystem::path(dir.path()).filename().string();
@@ -55,7 +55,8 @@ public:
                   << " |" << std::endl;
     }
 
-    // Whether there is a round to be made: one, and more until the time is over or one has failed.
+    // Whether there is another round: at least one, and more until the time is over or one has
+    // failed.
     bool goesOn()
     {
         const bool isFirst = _rounds == 0;

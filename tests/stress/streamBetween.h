@@ -1,4 +1,4 @@
-// What can stand between a log stream and its file: a disk that is slow, stands still or is full.
+// What can be between a log stream and its file: a disk that is slow, stalls or is full.
 
 #ifndef ZU_TESTS_STRESS_STREAMBETWEEN_H
 #define ZU_TESTS_STRESS_STREAMBETWEEN_H
@@ -16,7 +16,7 @@
 namespace stress
 {
 
-// Put in place and taken away while no reader runs.
+// Inserted and removed while no reader runs.
 class StreamBetween : public std::streambuf
 {
 public:
@@ -29,7 +29,7 @@ public:
 
     ~StreamBetween() override
     {
-        // Which makes the stream good again.
+        // Restored below, as exchanging the buffer makes the stream good again.
         const std::ios::iostate state = _stream.rdstate();
         _stream.rdbuf(_file);
         _stream.setstate(state);
@@ -65,7 +65,7 @@ class Gate : public StreamBetween
 public:
     using StreamBetween::StreamBetween;
 
-    // From here on each line takes at least so many turns of other threads.
+    // From here on each line takes at least this many turns of other threads.
     void slowDown(int turns)
     {
         _turns = turns;
@@ -77,7 +77,7 @@ public:
         _isClosed = true;
     }
 
-    // Whether the reader stands before the closed gate.
+    // Whether the reader waits at the closed gate.
     bool isReaderThere() const
     {
         return _isReaderThere;
@@ -111,7 +111,7 @@ private:
     std::atomic<bool> _isReaderThere{false};
 };
 
-// Has room for so many bytes; of the line that finds too little, it takes what fits.
+// Has room for this many bytes; of a line that finds too little room, it takes what fits.
 class SmallDisk : public StreamBetween
 {
 public:

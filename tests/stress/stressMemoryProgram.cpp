@@ -1,5 +1,6 @@
-// A client of the log service that gets no memory. The first word says when. What it counted it
-// prints: attempted, accepted and lost, and how often an exception said that there is no memory.
+// A client of the log service that gets no memory. The first word selects when. It prints its
+// counts: attempted, accepted and lost, and how often an exception reported that there is no
+// memory.
 
 #include "app/lgService.h"
 #include "base/base.h"
@@ -57,9 +58,8 @@ bool isStatementRefused(unsigned id)
     return isOutOfMemory([id] { Producer::state(id, 0); });
 }
 
-// In one thread after the other the first event meets the failure of one more of the allocations
-// on its way, until there is none left. The next event of the same thread finds everything in
-// order.
+// In consecutive threads, each time the next of the allocations of a first event fails, until there
+// is none left. The next event of the same thread succeeds.
 void failInStatements()
 {
     const LgService service;
@@ -86,7 +86,7 @@ void failInStatements()
     print(account, refused);
 }
 
-// The same on the way to a service, which is then made at a further try. There are queues already,
+// The same while a service is made, which then succeeds at a further try. There are queues already,
 // from the service before.
 void failInServices()
 {
@@ -116,7 +116,7 @@ void failInServices()
     print(account, refused);
 }
 
-// Waits until the reader has allocated so often; in the course of that it falls asleep.
+// Waits until the reader has allocated this often; meanwhile it falls asleep.
 void awaitIdleReader()
 {
     constexpr unsigned LOOKS = 9;
@@ -124,8 +124,8 @@ void awaitIdleReader()
     while (stress::unsparedAllocations - before < LOOKS) std::this_thread::yield();
 }
 
-// Threads that have their queues log on without memory, others can't; with memory again everything
-// is written. The reader is at work when the memory goes, or asleep.
+// Threads that have their queues go on logging without memory, others can't; when memory is
+// available again, everything is written. The reader is busy when the memory runs out, or asleep.
 void loseAllMemory(bool isAsleep)
 {
     constexpr unsigned THREADS = 8;
@@ -162,11 +162,11 @@ void loseAllMemory(bool isAsleep)
     print(account, refused);
 }
 
-// One allocation of the reader fails after the other: while it writes, when it has nothing to do,
-// and on its way to sleep.
+// The reader's allocations fail one by one: while it writes, when it has nothing to do, and before
+// it sleeps.
 void failInTheReader()
 {
-    // More than the reader makes from an event to its sleep.
+    // More than the reader makes between an event and its sleep.
     constexpr int ALLOCATIONS = 12;
     const LgService service;
     Producer own(0);

@@ -1,6 +1,7 @@
-// A client of the log service that is killed, forked, or runs into limits. The first word says what
-// to do, the second is the id of its first producer. The variable STRESS_DIR has the directory of
-// the files by which processes talk. What it counted it prints: attempted, accepted and lost.
+// A client of the log service that is killed, forked, or runs into limits. The first word selects
+// the action, the second is the id of its first producer. The variable STRESS_DIR names the
+// directory of the files by which processes communicate. It prints its counts: attempted, accepted
+// and lost.
 
 #include "app/lgService.h"
 #include "app/lgServiceEx.h"
@@ -58,14 +59,14 @@ void print(const Account& account)
               << account._lost << ' ' << account._unwritten << std::endl;
 }
 
-// Says that this process is ready, and waits for the others.
+// Signals that this process is ready, and waits for the others.
 void meet()
 {
     support::setMarker(file("ready" + std::to_string(firstId)));
     if (!support::awaitMarker(file("go"))) std::abort();
 }
 
-// Lets producers work in threads of their own, until all are done.
+// Runs producers in threads of their own, until all are done.
 Account runProducers(const LgService& service, const std::function<void(Producer&)>& work)
 {
     std::vector<std::future<Account>> producers;
@@ -88,7 +89,7 @@ void logInBursts(Producer& producer)
     producer.logInBursts(20 * BURST, BURST);
 }
 
-// One of several processes, each with threads that come as fast as they can, or nearly so.
+// One of several processes, each with threads that log at full speed, or nearly so.
 void share()
 {
     const LgService service;
@@ -115,7 +116,7 @@ void survive()
                        }));
 }
 
-// Is killed with the lock. What was logged before is written, what comes after has no chance.
+// Is killed while it holds the lock. What was logged before is written, what comes after is not.
 void dieWithLock()
 {
     const LgService service;
@@ -145,14 +146,15 @@ protected:
         constexpr std::streamsize PART = 41;
         if (_byLimit)
         {
-            // The system writes what is allowed, and kills at the attempt to write the rest.
+            // The system writes what is allowed, and kills the process when it tries to write the
+            // rest.
             const std::string log = ::file("shared.log");
             stress::letLongFilesKill();
             static const ResourceLimit limit(Resource::FILE_SIZE,
                                              std::filesystem::file_size(log) + PART);
             file().sputn(text, size);
             file().pubsync();
-            // Not reached, and no death that anybody takes for the one by the limit.
+            // Not reached, and can't be mistaken for the end by the limit.
             std::_Exit(0);
         }
         file().sputn(text, PART);
@@ -190,7 +192,7 @@ void endInTheMiddle(const std::function<void()>& end)
     end();
 }
 
-// What the reader has is written, what it can't write is not.
+// What the reader has taken is written, the rest is not.
 void abortAtAKnownMoment()
 {
     const LgService service;
@@ -244,7 +246,7 @@ void forkInTheMiddle()
     print(account.get());
 }
 
-// A file that may not get longer for a time.
+// A file that can't grow for a time.
 void fillDisk()
 {
     Account account;
@@ -274,13 +276,13 @@ void logToTheEnd()
     print(account);
 }
 
-// A logger of its own, which is as it may be; prints how much of what it logged is in its file.
+// A separate logger, which may be limited; prints how much of what it logged is in its file.
 void runLogger(std::optional<ResourceLimit>& limit)
 {
     stress::RoundLogger logger;
     logToTheEnd();
     logger.stop();
-    // To remove the directory takes a descriptor.
+    // Removing the directory needs a descriptor.
     limit.reset();
     std::cout << "written " << stress::read(logger.file())._written << std::endl;
 }

@@ -11,7 +11,7 @@ namespace stress
 namespace
 {
 
-// Nothing that works comes near it, be the machine as busy as it may.
+// A working test never comes near it, however busy the machine is.
 constexpr std::chrono::seconds PATIENCE{300};
 
 } // namespace

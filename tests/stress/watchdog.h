@@ -12,8 +12,8 @@
 namespace stress
 {
 
-// For how long a scenario is repeated; each is carried out once at least. The variable
-// ZU_STRESS_SECONDS says another number.
+// How long a scenario is repeated; each is carried out at least once. The variable
+// ZU_STRESS_SECONDS overrides the number of seconds.
 std::chrono::seconds timeOfScenario();
 
 // Aborts the process with a message if it lives for minutes longer than a scenario should.
