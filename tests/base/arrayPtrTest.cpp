@@ -13,7 +13,7 @@ namespace
 
 using support::Counted;
 
-// The first that ends of an array of them may fail.
+// The first one of an array to be destroyed may fail.
 struct Failing
 {
     ~Failing() noexcept(false)

@@ -93,7 +93,7 @@ std::vector<support::ExceptionRow> rows()
 INSTANTIATE_TEST_SUITE_P(DbgBuildInfoEx, ExceptionFamilies, testing::ValuesIn(rows()),
                          support::RowName());
 
-// Up to 64 characters a name stands whole, and from 65 on it is cut.
+// A name of up to 64 characters is complete, one of 65 or more is truncated.
 TEST(DbgBuildInfoEx, NamesAndStampsKeepTheirFirst64Characters)
 {
     for (const std::size_t length : {std::size_t{63}, std::size_t{64}, std::size_t{65}})

@@ -66,7 +66,7 @@ ProgramResult play(const std::vector<Words>& parts, const support::Environment& 
     return support::runProgram("buildInfoProgram", joined(parts), environment);
 }
 
-// What the commands print, when the program ends well; without the last line.
+// The output of the commands in a successful run, without the last line.
 std::string outputOf(const std::vector<Words>& parts, const support::Environment& changes = {})
 {
     const ProgramResult result = play(parts, changes);
@@ -329,7 +329,7 @@ TEST(DbgBuildInfoMgr, AMismatchIsFatalWhereItCantBeLogged)
         EXPECT_NE(result.err.find("Assertion failed: minor, file "), std::string::npos)
             << result.err;
     }
-    // Nothing is looked at where it is not asked for.
+    // Nothing is checked unless it is requested.
     EXPECT_EQ(outputOf({FIRST, addWith(true, false, stamped), LIVING}), "living 2\n");
 }
 

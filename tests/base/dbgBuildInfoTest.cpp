@@ -31,7 +31,7 @@ TEST(DbgBuildInfo, TheOrderOfTheOperationsIsFixed)
     EXPECT_EQ(slotOf(&DbgBuildInfo::getBuildNotes), 9);
 }
 
-// The destructor stands behind them.
+// The destructor comes after them.
 TEST(DbgBuildInfo, TheDestructorIsTheLastOperation)
 {
     static bool isEnded;

@@ -42,7 +42,7 @@ ProgramResult play(const Words& words, const Environment& changes)
     return support::runProgram("buildInfoProgram", words, environment);
 }
 
-// What the commands print, when the program ends well; without the last line.
+// The output of the commands in a successful run, without the last line.
 std::string outputOf(const Words& words, const Environment& changes = {})
 {
     const ProgramResult result = play(words, changes);
@@ -52,7 +52,7 @@ std::string outputOf(const Words& words, const Environment& changes = {})
     return result.out.substr(0, result.out.size() - std::min(result.out.size(), END.size()));
 }
 
-// Without the library's date, which only the build knows.
+// Without the library's date, which depends on the build.
 std::string withoutDate(const std::string& text)
 {
     const std::regex line("(\tlibZUbase \\([^,]*), [A-Z][a-z]{2} [ 0-9]{2} [0-9]{4}\\)");
@@ -111,7 +111,7 @@ TEST(DbgBuildInfoUtil, TheSwitchesHoldForTheNextRegistration)
               VERSION_REFUSED);
 }
 
-// A call with checks of its own does not go by the switches.
+// A call with its own checks ignores the switches.
 TEST(DbgBuildInfoUtil, TheSwitchesAreThoseOfThisFrontAlone)
 {
     const Words checkedVersion = {"addWith", "1", "0", "Sample", "1", "5", "libB", "S. 1"};
@@ -184,7 +184,7 @@ TEST(DbgBuildInfoUtil, TheEnvironmentCountsFromTheStartOn)
 {
     const Environment environment{{NO_VALIDATE, "1"}, {CHECK_STAMPS, "1"}};
     EXPECT_EQ(outputOf(joined({FIRST, STAMP, {"living"}}), environment), STAMP_KEPT);
-    // It beats what the program has set before, and what the program sets later beats it.
+    // It overrides what the program has set before, and is overridden by what the program sets later.
     EXPECT_EQ(outputOf(joined({{"validate", "1", "start"}, FIRST, VERSION, {"living"}}),
                        {{NO_VALIDATE, "1"}}),
               VERSION_KEPT);
@@ -207,7 +207,7 @@ TEST(DbgBuildInfoUtil, AClientThatFitsStartsAfterTheLibrary)
 const std::string CLIENT_LINE = "BuildInfo Version mismatch, registering with API Corvane v0.2: "
                                 "library libZUclient using v0.3\n";
 
-// Nothing reports it on the way, and nothing is stopped.
+// Nothing reports it before, and nothing is stopped.
 TEST(DbgBuildInfoUtil, AMismatchDuringTheStartIsSeenByTheProgram)
 {
     EXPECT_EQ(
@@ -263,7 +263,7 @@ TEST(DbgBuildInfoUtil, AModuleIsRegisteredAsOftenAsItIsAskedFor)
                       "\tlibZUbuildInfoSame (P. 187, Jun 15 2012)\n");
 }
 
-// Its record is good to the end, and ends with the packages.
+// Its record is valid to the end, and is released with the packages.
 TEST(DbgBuildInfoUtil, AModuleStaysLoaded)
 {
     EXPECT_EQ(outputOf({"start", "module", "buildInfoSame", "stop", "print", "plain"}), UNKNOWN);

@@ -27,7 +27,7 @@ TEST(LibraryBuildInfo, HasALongAndAShortStamp)
     EXPECT_STREQ(info.getBuildStamp(false), "P. 187");
 }
 
-// The build supplies what is in them, so their forms are what can be held against.
+// Their content depends on the build, so only their form can be checked.
 TEST(LibraryBuildInfo, TellsDateConfigurationAndBuilder)
 {
     const std::regex date("(Jan|Feb|Mar|Apr|May|Jun|Jul|Aug|Sep|Oct|Nov|Dec) [ 123][0-9] "

@@ -146,7 +146,7 @@ TEST(DtChrono, RoundsUpAndDownAsTheStandardLibraryDoes)
                   std::chrono::floor<seconds>(duration));
         ASSERT_EQ(dtDurationFrom<seconds>(time, std::round_toward_infinity),
                   std::chrono::ceil<seconds>(duration));
-        // The standard's own nearest takes halves to even.
+        // The standard's rounding to nearest takes halves to even.
         if (duration.count() % 500 != 0)
         {
             ASSERT_EQ(dtDurationFrom<seconds>(time, std::round_to_nearest),

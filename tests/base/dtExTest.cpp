@@ -38,7 +38,7 @@ static_assert(!std::is_constructible_v<DtEx, const char*, int>);
 
 TEST(DtEx, RaisesFromWhereItIsTold)
 {
-    // By a pointer: the compiler would take it for granted that nothing goes on behind a call.
+    // Called by a pointer: otherwise the compiler would assume that a call never returns.
     void (*volatile const raise)(const char*, int) = &DtEx::throwBadRate;
     bool isRaised = false;
     try
@@ -67,7 +67,7 @@ const struct
     {3, Error::RateDenominatorOverflow, "Rate denominator overflow."},
 };
 
-// Out of the compiler's sight: it warns of a value that is none of the enumerators.
+// Hidden from the compiler, which warns about a value that is not an enumerator.
 Error::ErrorCode codeOf(int value)
 {
     return static_cast<Error::ErrorCode>(value);

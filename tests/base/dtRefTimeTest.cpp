@@ -162,7 +162,7 @@ TEST_F(DtRefTimeTest, AStoredCountIsRebuiltByTheNameOfTheClock)
 {
     for (const std::int64_t count : {std::int64_t{5}, std::int64_t{0}, LOWEST, HIGHEST})
     {
-        // The name is compared, not where it stands.
+        // The name is compared, not its address.
         const std::string name = "HwCounter";
         EXPECT_EQ(textOf(factory().create(count, name.c_str())), atClockRate(count));
     }
@@ -196,7 +196,7 @@ TEST_F(DtRefTimeTest, ADeltaIsAddedAtTheRateOfTheClock)
     EXPECT_EQ(textOf(factory().create(base, -60, Rational(1, 1))), atClockRate(1000 - 60 * second));
     EXPECT_EQ(textOf(factory().create(base, 3, Rational(2, 1))),
               atClockRate(1000 + 3 * second / 2));
-    // A tick of less than one of the clock is none, on either side of 0.
+    // Less than a tick of the clock counts as none, on either side of 0.
     const Rational finer(support::HIGHEST32, 1);
     EXPECT_EQ(textOf(factory().create(base, 1, finer)), atClockRate(1000));
     EXPECT_EQ(textOf(factory().create(base, -1, finer)), atClockRate(1000));

@@ -149,7 +149,7 @@ TEST_F(DtTimeMarkTest, APlaceInTheStreamGivesTheMomentOfTheClock)
         {{125, {25, 1}}, 1000 + second()},
         {{75, {25, 1}}, 1000 - second()},
         {{0, {25, 1}}, 1000 - 4 * second()},
-        // The place of the mark is counted at the rate of what is asked for, toward zero.
+        // The position of the mark is counted at the requested rate, toward zero.
         {{4, {1, 1}}, 1000},
         {{5, {1, 1}}, 1000 + second()},
         {{8, {2, 1}}, 1000},

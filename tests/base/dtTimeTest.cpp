@@ -48,7 +48,7 @@ constexpr std::float_round_style STYLES[] = {
     std::round_toward_zero, std::round_to_nearest, std::round_toward_infinity,
     std::round_toward_neg_infinity, std::round_indeterminate};
 
-// Out of the compiler's sight: it warns of a value that is none of the enumerators.
+// Hidden from the compiler, which warns about a value that is not an enumerator.
 std::float_round_style styleOf(int value)
 {
     return static_cast<std::float_round_style>(value);
@@ -862,7 +862,7 @@ DtTime combined(Operator op, const DtTime& a, const DtTime& b)
     return a % b;
 }
 
-// Whether the left side is what comes back is for the tests to see.
+// The tests check whether the left side is returned.
 const DtTime& assign(Operator op, DtTime& a, const DtTime& b)
 {
     switch (op)
@@ -998,7 +998,7 @@ TEST(DtTime, ProductsOfRatesThatWrapToZeroAreRefused)
         {{1, 65536}, {3, 65536}, "zero denominator"},
         {{131072, 65535}, {32768, 1}, "null rate"},
         {{3, 262144}, {1, 16384}, "zero denominator"},
-        // The common rate is 2/-2147483648, and twice its denominator is what wraps.
+        // The common rate is 2/-2147483648, and twice its denominator wraps.
         {{2, 1}, {1, LOWEST32}, "zero denominator"},
     };
     for (const auto& row : cases)

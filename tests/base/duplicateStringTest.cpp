@@ -62,7 +62,7 @@ TEST(DuplicateString, HasRoomForTheLimitAndTheTerminatorAlsoBehindAShortText)
 
 TEST(DuplicateString, ReadsNothingBehindTheTerminatorOrTheLimit)
 {
-    // Arrays of just this size: a look behind their ends is seen.
+    // Arrays of exactly this size, so that a read beyond their ends is detected.
     const std::unique_ptr<char[]> terminated(new char[3]{'a', 'b', 0});
     const ArrayPtr<char> first(duplicateString(terminated.get(), 100));
     EXPECT_STREQ(first.get(), "ab");

@@ -53,7 +53,7 @@ std::string textOf(std::size_t length)
     return text;
 }
 
-// What stands before the reason in the detailed reason of plain("file.cpp", 12).
+// What precedes the reason in the detailed reason of plain("file.cpp", 12).
 const std::string BRACKET = "[Exception Type = exBaseTest::Plain, File = file.cpp, Line=12]\n";
 
 TEST(ExBase, SaysWhereItWasRaised)

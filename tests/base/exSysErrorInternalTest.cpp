@@ -60,7 +60,7 @@ INSTANTIATE_TEST_SUITE_P(
 
 TEST(ExSysErrorWindows, CarriesTheLastSystemErrorAndItsTextWithoutTheLineEnd)
 {
-    // The code 2 is a missing file on every platform, each of which has words of its own for it.
+    // The code 2 is a missing file on every platform; the text differs.
     const std::set<std::string> texts{"No such file or directory",
                                       "The system cannot find the file specified.",
                                       "File not found."};

@@ -1,4 +1,4 @@
-// The example programs do what their readers are told.
+// The example programs do what their pages promise.
 
 #include "support/childProcess.h"
 #include "support/tempDir.h"

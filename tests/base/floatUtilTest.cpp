@@ -529,7 +529,7 @@ template <class T> void expectComparisons()
         {1, 2, q, false, false, false, true, true},
         {-2, -1, q, false, false, false, true, true},
         {-1, -2, q, false, true, true, false, false},
-        // Without any tolerance nothing is equal.
+        // With no tolerance nothing is equal.
         {1, 1, 0, false, false, false, false, false},
         {1 + ulp, 1, 0, false, true, true, false, false},
         {1, 1 + ulp, 0, false, false, false, true, true},

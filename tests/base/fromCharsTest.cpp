@@ -39,7 +39,7 @@ std::string withZeros(const char* head, int count, const char* tail)
     return text.append(tail);
 }
 
-// The standard library's own, for what it reads as everybody does.
+// The standard library's function, for texts that all of them read alike.
 void expectAsStandard(const std::string& text, std::chars_format format)
 {
     double value = UNTOUCHED;
@@ -104,7 +104,7 @@ TEST(FromChars, ReadsHexadecimalNumbers)
         {"1px", 1, 1},
         {"1e1", 481, 3},
         {"-a", -10, 2},
-        // A tie goes to the even one, and whatever is behind it decides.
+        // A tie goes to the even number, unless further digits decide.
         {"20000000000001", 0x20000000000000, 14},
         {"20000000000003", 0x20000000000004, 14},
         {"20000000000001.0", 0x20000000000000, 16},

@@ -15,7 +15,7 @@ namespace
 using Zu::HmGCEx;
 using Garbage = Zu::HmGCEx::ExGarbageDetected;
 
-// The scope is a scope alone, and the exception stands below the root of all and nothing else.
+// The scope is not a base class, and the exception derives from the common root only.
 static_assert(!std::is_default_constructible_v<HmGCEx>);
 static_assert(!std::is_base_of_v<HmGCEx, Garbage>);
 static_assert(std::is_base_of_v<Zu::ExBase, Garbage>);

@@ -208,7 +208,7 @@ TEST_F(HmHeapMgrTest, TheEnvironmentIsReadByTheConstructorAlone)
               (std::vector<std::uint32_t>{0, 1, 1, 1, 1, 1, 1, 1, 1000, 4096, 5}));
 }
 
-// Calls a setter with two values in turn; what it returns, and what the settings are then.
+// Calls a setter with two values in turn; gives its results and the settings afterwards.
 template <class Value, class Set>
 void expectSetter(const char* what, std::size_t place, Value first, Value second, Set set)
 {
@@ -482,7 +482,7 @@ TEST(HmHeapMgr, TheInstanceHasTheSettingsOfTheEnvironment)
          {{LEVEL, "Debug"}, {"ZU_HEAP_DO_DEFER_FREEING", "yes"}, {LENGTH, "many"}},
          {1, 0, 0, 0, 0, 0, 0, 0, 0, 4096, 1000}},
     };
-    // On Windows a variable without text is none.
+    // On Windows an empty variable counts as unset.
     if (!support::onWindows)
         rows.push_back({"empty texts",
                         {{LEVEL, ""},
@@ -510,7 +510,7 @@ TEST(HmHeapMgr, TheHeapIsDumpedAtStartUpWhenTheEnvironmentAsksForIt)
             << row._text;
 }
 
-// Among them stand six operations that do nothing.
+// Six operations that do nothing are among them.
 TEST(HmHeapMgr, VirtualOperationsKeepTheirSlots)
 {
     EXPECT_EQ(support::slotOf(&Zu::HmHeapMgr::isValid), 4);

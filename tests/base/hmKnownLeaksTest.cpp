@@ -108,7 +108,7 @@ TEST(HmKnownLeaks, AnEntryWithoutItsEndDoesNotMatch)
         {"the word alone", {"foo"}, "KNOWNLEAK", true},
         {"the word and a blank", {"foo"}, "KNOWNLEAK ", true},
         {"a part of the end", {"foo"}, "KNOWNLEAK foo END", true},
-        // A frame without a name is the beginning of nothing, too.
+        // A frame without a name does not begin a match either.
         {"the word, a blank and no name", {""}, "KNOWNLEAK ", true},
         {"a pattern, a blank and no name", {"foo", ""}, "KNOWNLEAK foo ", true},
         {"the next entry matches", {"bar"}, "KNOWNLEAK foo KNOWNLEAK bar ENDL", false},

@@ -102,7 +102,7 @@ TYPED_TEST(IeeeDivide, UndoesAProductOfWholeNumbers)
 }
 
 static_assert(ieeeDivide(1.0, 4.0) == 0.25);
-// Not every compiler takes a division by zero for a constant.
+// Not every compiler accepts a division by zero as a constant.
 TEST(ieeeDivide, DividesByZero)
 {
     EXPECT_EQ(ieeeDivide(1.0, 0.0), std::numeric_limits<double>::infinity());

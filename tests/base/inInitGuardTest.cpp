@@ -19,7 +19,7 @@ ProgramResult play(const std::string& mode, const std::vector<std::string>& argu
     return support::runProgram("startupProgram", arguments, environment);
 }
 
-// What a mode prints, when the program ends well and says nothing on standard error.
+// The output of a mode in a successful run that writes nothing to standard error.
 std::string outputOf(const std::string& mode, const std::vector<std::string>& arguments = {},
                      const Environment& environment = {})
 {

@@ -58,7 +58,7 @@ private:
     Log& _log;
 };
 
-// Packages are told apart by their types, so each index is one.
+// Packages are identified by their types, so each index makes one.
 template <int Index> class Numbered : public Package
 {
 public:
@@ -88,7 +88,7 @@ PackagePtr makePackage(int index, const std::string& name, Log& log)
     return makePackage(index, name, log, std::make_integer_sequence<int, NUMBER_OF_TYPES>());
 }
 
-// Packages 0 to n - 1 and who names whom, any number of times.
+// Packages 0 to n - 1 and their dependencies, each any number of times.
 struct Graph
 {
     explicit Graph(int size) : _size(size) {}
@@ -404,7 +404,7 @@ TEST_F(InInitMgrImplTest, AFinaliserThatThrowsEndsTheWalkAndLeavesEverythingAsIt
     EXPECT_TRUE(_impl.isFinalizing());
     EXPECT_EQ(_log, (Log{"+A", "+B", "+C", "-C"}));
     EXPECT_NE(dumpOf(_impl).find("3 packages currently saved:"), std::string::npos);
-    // It is not finalised, so it can be asked again.
+    // It is not finalised, so it can be queried again.
     _b->_onFinalize = nullptr;
     EXPECT_NO_THROW(_impl.finalize());
     EXPECT_FALSE(_impl.isFinalizing());
@@ -587,7 +587,7 @@ TEST_F(InInitMgrImplTest, ACycleThatABodySurvivesIsNotReportedAfterwards)
 
 TEST_F(InInitMgrImplTest, AFinaliserMayEndOtherPackages)
 {
-    // B ends A, which stands before it in the walk, and D, which stands behind it.
+    // B destroys A, which precedes it in the walk, and D, which follows it.
     PackagePtr d = makePackage(3, "D", _log);
     registerAll();
     _impl.registerPackage(*d);

@@ -9,7 +9,7 @@
 #include <stdexcept>
 #include <string>
 
-// A singleton lives once in a process, so every test has a type of its own.
+// A singleton can be made once in a process, so every test has its own type.
 namespace inSingletonTest
 {
 

@@ -20,7 +20,7 @@ using Zu::InEx;
 using Zu::InVariable;
 using Zu::InVariableBase;
 
-// Notes who joined.
+// Records the variables that joined.
 class ListingPackage : public Zu::InPackageInitBase
 {
 public:
@@ -111,7 +111,7 @@ TEST(InVariableBase, AnAliasThatCantBeClonedLeavesNothingBehind)
 
 TEST(InVariableBase, TheAliasOfTheHighestPriorityThatHasAValueWins)
 {
-    // Whether argument, environment and default have a value, and who wins.
+    // Whether argument, environment and default have a value, and which one wins.
     for (unsigned int has = 0; has < 8; ++has)
     {
         ListingPackage package;

@@ -20,7 +20,7 @@ struct Early
     const bool _isHere = true;
 };
 
-// Before all that has no priority, and what the library has with one.
+// Before everything without a priority, and the library's objects with one.
 const Early theEarly __attribute__((init_priority(200)));
 
 TEST(InVariableBase, BeforeAnyVariableExistsEveryHandleIsUnknown)

@@ -306,7 +306,7 @@ TEST(Interval, DividingByAnIntervalThatHoldsZeroGivesInfinitiesOrNaNs)
             expectSame(I(1, 2) / I(-1, T(-0.0)), I(-infinite, -1));
             expectSame(I(1, 2) / I(-1, 0), I(-2, infinite));
             expectSame(I(-1, 2) / I(0, 1), I(-infinite, infinite));
-            // Of what only holds 0 inside, both bounds have reciprocals.
+            // Where 0 is only inside the interval, both bounds have reciprocals.
             expectSame(I(1, 2) / I(-1, 1), I(-2, 2));
             const I undefined = I(0, 0) / I(0, 0);
             EXPECT_TRUE(std::isnan(undefined._min) && std::isnan(undefined._max)) << undefined;
@@ -508,7 +508,7 @@ TEST(Interval, InclusiveContainmentCountsACommonEndPoint)
                 {{0, 2}, {1, 2}, I::CONTAINING},
                 {{1, 1}, {0, 1}, I::CONTAINED},
                 {{0, 1}, {1, 1}, I::CONTAINING},
-                // Only inverted intervals lie inside another, or hold one, without meeting it.
+                // Only inverted intervals are inside another, or contain one, without meeting it.
                 {{5, 1}, {0, 3}, I::DISJOINT},
                 {{2, 1}, {2, 1}, I::DISJOINT},
                 {{0, 3}, {5, 1}, I::DISJOINT},

@@ -274,7 +274,7 @@ TEST_F(HwIntervalTimerTest, WithoutAStartTimesCountFromTheCountersOrigin)
     EXPECT_LE(timer.timeInterval(), HwCounter::seconds(0, after));
 }
 
-// Each looks at a process in which nothing has used the counter before.
+// Each runs a process in which nothing has used the counter before.
 class HwIntervalTimerDeathTest : public testing::Test
 {
 protected:
@@ -377,7 +377,7 @@ TEST(TodIntervalTimer, TheIntervalIsThatOfTheReadings)
     for (const auto& row : rows)
     {
         const SetTodTimer timer(row._start, row._stop);
-        // Milliseconds are no binary fractions: what is lost is far below one.
+        // Milliseconds are not binary fractions: the error is far below one.
         EXPECT_NEAR(timer.timeInterval(), row._seconds, 1e-12) << row._seconds;
     }
     EXPECT_DOUBLE_EQ(SetTodTimer({10, 900}, {11, 100}).timeInterval(), 0.2);

@@ -27,7 +27,7 @@
 #include <thread>
 #include <vector>
 
-// A subsystem with groups of its own, of which one has the name of a group elsewhere.
+// A subsystem with its own groups, one of which has the name of a group elsewhere.
 namespace lgEventTestShapes
 {
 
@@ -474,7 +474,7 @@ TEST_F(LgEventTest, OperandsMayHaveCommas)
 
 TEST_F(LgEventTest, OperandsAreInsertedAsTheyAreAtTheEnd)
 {
-    // A text is inserted after all operands were evaluated; a number is what it was.
+    // A text is inserted after all operands were evaluated; a number keeps its earlier value.
     std::string text = "old";
     int number = 1;
     const auto change = [&]
@@ -749,7 +749,7 @@ TEST_F(LgEventTest, AWidthThatIsSetOnStandardOutputDoesNotPadALine)
     EXPECT_EQ(written([] { ZU_LOG_WARNING(Query, "text"); }), "Query text\n");
 }
 
-// Fails when it is told of an event.
+// Fails when it is notified of an event.
 class FailingObserver : public LgQueue::Observer
 {
 public:
@@ -781,7 +781,7 @@ Zu::LgStream& operator<<(Zu::LgStream& stream, const Tracing&)
     return stream;
 }
 
-// Tells that it was asked to wait, which would be without an end.
+// Reports that it was asked to wait, which would never end.
 class CountingObserver : public LgQueue::Observer
 {
 public:

@@ -65,8 +65,8 @@ public:
         letGo();
     }
 
-    // Waits until it stands before the point where it needs to be let go.
-    // If it ends before, it says why.
+    // Waits until it has reached the point where it needs permission to continue. If it ends
+    // before, reports why.
     testing::AssertionResult isReady()
     {
         while (_result.wait_for(std::chrono::milliseconds(1)) != std::future_status::ready)
@@ -182,7 +182,7 @@ TEST(LgInterProcessLock, AnotherNameIsAnotherLockForAnotherProcess)
     child.join();
 }
 
-// Every step has a lock object of its own, so the lock also begins and ends over and over.
+// Every step has its own lock object, so the lock is also made and destroyed again and again.
 TEST(LgInterProcessLock, ProcessesAndThreadsExcludeEachOtherWhileLocksComeAndGo)
 {
     constexpr int rounds = 150;
@@ -269,7 +269,7 @@ TEST(LgInterProcessLock, NamesOfDifferentTextAreDifferentLocks)
         nameOf("a%2Fb"), nameOf("a%2fb"), nameOf("a%252Fb"), nameOf("a_b"),  nameOf("a-b"),
         nameOf("a.b"),   nameOf("a/"),    nameOf("b"),       nameOf(""),     " " + name};
     for (const std::string& other : others) EXPECT_TRUE(isFree(*create(other))) << other;
-    // Long names count to their ends.
+    // Long names are significant to their ends.
     const std::string longName = nameOf(std::string(150, 'x'));
     const Lock longHeld = create(longName + "1");
     longHeld->lock();
@@ -279,7 +279,7 @@ TEST(LgInterProcessLock, NamesOfDifferentTextAreDifferentLocks)
     EXPECT_TRUE(isFree(*create(name)));
 }
 
-// Windows has its locks in directories of its own, which a backslash separates.
+// Windows keeps its locks in object directories, which a backslash separates.
 TEST(LgInterProcessLock, ABackslashIsACharacterLikeOthersExceptOnWindows)
 {
     const std::string name = nameOf("no such directory") + "\\lock";
@@ -336,7 +336,7 @@ TEST(LgInterProcessLock, OnlyTheHolderMayRelease)
     EXPECT_TRUE(isFree(*lock));
 }
 
-// Whoever comes first after the holder's death is told, and has not got the lock.
+// The first one after the holder's death gets an exception, and not the lock.
 void expectToldOnce(LgInterProcessLock& lock)
 {
     EXPECT_NE(codeOf([&] { lock.lock(); }), 0);
@@ -412,7 +412,7 @@ TEST(LgInterProcessLock, ADeadUserWhoWasAloneKeepsNobodyOut)
     EXPECT_TRUE(isFree(*lock));
 }
 
-// Counts its calls; the two operations raise when told so.
+// Counts its calls; the two operations raise on demand.
 class FakeLock : public LgInterProcessLock
 {
 public:

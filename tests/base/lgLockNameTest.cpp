@@ -12,7 +12,7 @@ namespace
 constexpr std::uint32_t USER = 1000;
 const std::string PREFIX = "/ZU-lock-1000-";
 
-// The name that a text of this form stands for.
+// The name that a text of this form represents.
 std::string decoded(const std::string& text)
 {
     std::string name;

@@ -854,7 +854,7 @@ TEST_F(LgLogTest, ASecondInitOpensTheFileThatTracingKept)
     EXPECT_TRUE(LgLog::getLevelOutput(LgTypes::Tracing));
     destroy();
     EXPECT_EQ(support::bytesOf("t.log"), run + run);
-    // A stream that belonged to an earlier level takes the name with it.
+    // A stream that belonged to an earlier level is gone, and its name with it.
     set("ZU_LOG_WARNING", "t.log");
     set("ZU_LOG_TRACING", "t.log");
     init();
@@ -1146,7 +1146,7 @@ TEST(LgLog, BannersAreWrittenUnderTheLock)
     const Environment environment = {{"ZU_INTERNAL_INTERPROCESS_LOG_LOCK", name},
                                      {"ZU_LOG_DISABLE_TIMESTAMPS", "1"},
                                      {"B7Q_TEST_DIR", files.path()}};
-    // Whoever takes a lock whose holder has died is told of that.
+    // Taking a lock whose holder has died raises.
     EXPECT_EQ(logOutputOf({"abandon", name, "init"}, environment),
               "init: system error\nend of main\n");
     EXPECT_EQ(logOutputOf({"init", "abandon", name, "destroy", "lockElsewhere"}, environment),

@@ -201,7 +201,7 @@ TEST_F(LgMajorGroupTest, PrintsGroupsInByteOrder)
     LgMajorGroup::setDefaultThreshold(LgTypes::Profiling);
     LgMajorGroup::getInstanceForName("c");
     LgMajorGroup::getInstanceForName("a name of more than twenty-four characters");
-    // The word for the threshold is always the same, but for a group without any.
+    // The word for the threshold is always the same, except for a group without one.
     EXPECT_EQ(printed(), "Major Groups:\n"
                          "                       B Tracing, Profiling\n"
                          "                       a Tracing\n"
@@ -224,7 +224,7 @@ TEST_F(LgMajorGroupTest, PrintsTheSameOnAnyStreamAndPutsItsFormatBack)
     EXPECT_EQ(os.fill(), '*');
 }
 
-// Nothing reads them: they are for who looks into the library.
+// Nothing reads them: they only serve to inspect the library.
 TEST_F(LgMajorGroupTest, TheUsageOfBothVariablesStandsInTheLibrary)
 {
     std::string bytes;
@@ -251,7 +251,7 @@ TEST_F(LgMajorGroupTest, AMinorGroupMayOutliveItsMajorGroup)
     LgMajorGroup::finalize();
     // It keeps its levels.
     EXPECT_TRUE(minor.isLevelEnabled(LgTypes::Tracing));
-    // With the next start it has those of a new group, or what the start says.
+    // After the next start it has those of a new group, or those that the start sets.
     LgMajorGroup::setDefaultThreshold(LgTypes::Error);
     initialize("UI=Informational");
     EXPECT_EQ(printed(), "Major Groups:\n                      UI Tracing\n");
@@ -260,7 +260,7 @@ TEST_F(LgMajorGroupTest, AMinorGroupMayOutliveItsMajorGroup)
     EXPECT_TRUE(other.isLevelEnabled(LgTypes::Error));
     EXPECT_FALSE(other.isLevelEnabled(LgTypes::Warning));
     EXPECT_FALSE(other.isLevelEnabled(LgTypes::Profiling));
-    // It is the group that its name stands for.
+    // It is the group of its name.
     LgMajorGroup::getInstanceForName("Database").setLogThreshold(LgTypes::Tracing, true);
     EXPECT_TRUE(other.isLevelEnabled(LgTypes::Tracing));
     EXPECT_EQ(levelsOf("Database"), 0xFCU);

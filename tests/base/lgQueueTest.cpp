@@ -200,7 +200,7 @@ TEST_F(LgQueueTest, AnEventWithoutTextIsDropped)
     queue.changeObserver(Zu::ObjPtr<LgQueue::Observer>(new Counting(calls)));
     ASSERT_TRUE(queue.reserveEntry(LgTypes::Warning));
     queue.addEntry();
-    // A bare end is no text either, and leaves nothing in the stream.
+    // A bare end is not a text either, and leaves nothing in the stream.
     ASSERT_TRUE(queue.reserveEntry(LgTypes::Warning));
     queue.getStream() << Zu::ends;
     queue.addEntry();
@@ -388,7 +388,7 @@ TEST(LgQueueEntry, BecomesAnOverflowEntryAndBack)
     EXPECT_EQ(entry.getLevel(), LgTypes::Error);
 }
 
-// A loop that logs while a disk stands still gets there in minutes.
+// A loop that logs while a disk stalls gets there in minutes.
 TEST(LgQueueEntry, ItsCountStaysAtTheLargest)
 {
     constexpr std::int32_t LARGEST = std::numeric_limits<std::int32_t>::max();
@@ -396,7 +396,7 @@ TEST(LgQueueEntry, ItsCountStaysAtTheLargest)
     entry.setOverflowEntry(true);
     constexpr std::int32_t MARK = 0x5A;
     while (entry.getOverflowCount() < MARK) entry.incOverflowCount();
-    // Counting that far takes too long: the count is found in the entry, and set.
+    // Counting that far takes too long, so the count is set in the entry.
     auto* const bytes = reinterpret_cast<unsigned char*>(&entry);
     std::size_t place = 0;
     while (std::memcmp(bytes + place, &MARK, sizeof MARK) != 0) place += sizeof MARK;

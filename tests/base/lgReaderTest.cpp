@@ -610,7 +610,7 @@ TEST_F(LgReaderTest, FlushingAllTakesInQueuesThatComeMeanwhile)
     _reader.flushAll();
 }
 
-// Guards its operations and counts how often the list was asked for.
+// Guards its operations and counts how often the list was requested.
 class GuardedRegistry : public Zu::LgRegistry
 {
 public:
@@ -984,7 +984,7 @@ TEST_F(LgReaderTest, TakesWhatThreadsProduceMeanwhile)
     LgLog::setRegistry(Zu::ObjPtr<Zu::LgRegistry>(new Zu::LgSimpleRegistry));
 }
 
-// With a lock that no other test has; each level's text is printed and stands in no file.
+// With a lock that no other test uses; each level's text is printed and is in no file.
 class LgReaderLock : public testing::Test
 {
 protected:

@@ -34,7 +34,7 @@ enum class Byte : unsigned char
     LAST = 255
 };
 
-// One with an operator of its own.
+// A type with its own operator.
 enum class Named
 {
     FIRST

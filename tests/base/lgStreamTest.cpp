@@ -35,7 +35,7 @@ std::string take(LgStream& stream)
     return text.data();
 }
 
-// What comes out when the value goes in.
+// The text of an inserted value.
 template <class T> std::string textOf(const T& value)
 {
     LgStream stream;
@@ -324,7 +324,7 @@ TEST(LgStream, ACopyGoesOnWhereTheOtherOneStands)
     EXPECT_EQ(take(assigned), "two");
 }
 
-// The stream as a queue of texts that knows how many characters it has left.
+// The stream as a queue of texts that reports how many characters it has left.
 class Model
 {
 public:

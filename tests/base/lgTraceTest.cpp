@@ -383,7 +383,7 @@ TEST_F(LgTraceDeathTest, BlockingWithoutAnObserverOnAQueueWithoutFreeCharactersI
     LgLog::setBlockingTrace(true);
     LgTrace::print(longText(20000).c_str());
     const unsigned int room = _queue.getStream().getNumCharacters();
-    // Room for the text, and none for its end.
+    // Room for the text, but none for its terminator.
     EXPECT_DEATH(LgTrace::print(longText(room).c_str()), support::AssertionText(NO_SPACE));
     const std::string fits = longText(room - 1);
     LgTrace::print(fits.c_str());

@@ -142,7 +142,7 @@ TEST(LmLibraries, ASecondCallFillsTheSameListAfresh)
     for (const auto& [base, path] : before) EXPECT_TRUE(bases.insert(base).second) << path;
 }
 
-// What the program prints, when it ends well.
+// The output of a successful run of the program.
 std::string outputOf(const std::vector<std::string>& words)
 {
     const support::ProgramResult result = support::runProgram("heapProgram", words);

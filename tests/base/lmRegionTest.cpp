@@ -72,7 +72,7 @@ TEST(LmRegion, AReservedRegionIsProtectedAsItsAllocation)
     EXPECT_EQ(Zu::LmRegion::protectionOf({0x1000, 0x1000, 4, 0x1000, RESERVED, 0}), 4U);
 }
 
-// A process's memory as tables. An address between the regions has none.
+// A process's memory as tables. An address between the regions belongs to none.
 struct Memory
 {
     Questions questions()
@@ -213,7 +213,7 @@ TEST(LmRegion, ANullAllocationBaseIsNotAskedForItsName)
     EXPECT_EQ(std::count(memory._named.begin(), memory._named.end(), 0), 0);
 }
 
-// The names of modules are asked for by their allocations and not by their blocks.
+// The names of modules are queried by allocation and not by block.
 TEST(LmRegion, ANameIsAskedForAtTheBaseOfAnAllocation)
 {
     Memory memory = usualMemory();
@@ -236,7 +236,7 @@ TEST(LmRegion, BlocksOfOneProtectionBesideEachOtherStayApart)
 TEST(LmRegion, TheWalkEndsWhereAQueryFails)
 {
     Memory memory = usualMemory();
-    // Nobody knows what is between 2500 and 3000.
+    // What is between 2500 and 3000 is unknown.
     memory._regions.erase(memory._regions.begin() + 7);
     EXPECT_EQ(textsOf(memory.libraries()), Texts{USUAL[0]});
     EXPECT_EQ(memory._faults, 0);
@@ -272,7 +272,7 @@ TEST(LmRegion, AStateThatThereShouldNotBeIsAFault)
     memory._regions[7]._state = 0x4000;
     const std::vector<LmLibrary> libraries = memory.libraries();
     EXPECT_EQ(memory._faults, 1);
-    // What was found before stays, and the walk comes to its end.
+    // What was found before is kept, and the walk ends.
     ASSERT_FALSE(libraries.empty());
     EXPECT_EQ(textOf(libraries[0]), USUAL[0]);
     EXPECT_LT(memory._queries, memory._mostQueries);
@@ -408,7 +408,7 @@ const LineRow LINES[] = {
      "fd:00 12", "/lib/libSample.so"},
     {"1000-2000 --xp 00000000 fd:00 12 /a", 0x1000, 0x2000, EXECUTE, "fd:00 12", "/a"},
     {"1000-2000 ---p 00000000 fd:00 12 /a", 0x1000, 0x2000, 0, "fd:00 12", "/a"},
-    // Blanks in a name, of which some stand beside each other.
+    // Blanks in a name, some of them consecutive.
     {"1000-2000 r-xp 00000000 fd:00 12                 /two words/and  three.so", 0x1000, 0x2000,
      READ | EXECUTE, "fd:00 12", "/two words/and  three.so"},
     {"1000-2000 r-xp 00000000 fd:00 12    /lib/libSample.so (deleted)", 0x1000, 0x2000,
@@ -490,7 +490,7 @@ TEST(LmRegion, AMappingMayBeEmptyButDoesNotEndBeforeItBegins)
     EXPECT_FALSE(Zu::LmRegion::parseMapLine("1000-fff r-xp 00000000 fd:00 12 /a", line));
 }
 
-// Every beginning of a line is one or none, and nothing behind it is read.
+// Every prefix of a line is a line or not, and nothing behind it is read.
 TEST(LmRegion, ALineMayEndAnywhere)
 {
     const std::string whole = "1000-2000 r-xp 00000000 fd:00 12      /lib/libSample.so";
@@ -614,7 +614,7 @@ TEST(LmRegion, AFileWithoutCodeIsNoLibrary)
               Texts{"/lib/a.so at 4096; 4096 4096 4; 8192 4096 44; 12288 4096 16"});
 }
 
-// The map may change while it is read, and then tells of places that it has told of before.
+// The map may change while it is read, and then repeats places.
 TEST(LmRegion, WhatLiesBeforeALineAboveItIsLeftOut)
 {
     const Texts expected = {"/lib/a.so at 4096; 4096 4096 20; 8192 4096 4",

@@ -440,7 +440,7 @@ TEST_F(Locale, NoTextDependsOnBothTogether)
     EXPECT_EQ(logFiles(), files);
 }
 
-// That the operations write what the test is about.
+// The operations write what the test is about.
 TEST_F(Locale, TheTextsHaveNumbersThatALocaleWouldChange)
 {
     int count = 0;

@@ -43,7 +43,7 @@ template <class T> void expectKind(T x, Kind kind, std::uint64_t bits)
     EXPECT_EQ(LtFPClass::isFinite(x), kind == Kind::NUMBER) << std::hex << bits;
 }
 
-// The kind that the bit pattern of a number says.
+// The kind according to the bit pattern of a number.
 template <class Bits> Kind kindOf(Bits bits, Bits exponentMask)
 {
     const Bits fractionMask = (exponentMask & (~exponentMask + 1)) - 1;

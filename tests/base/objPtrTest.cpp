@@ -24,7 +24,7 @@ struct Derived : Counted
     bool& _endedHere;
 };
 
-// Its end may be told to fail.
+// Its destructor can be made to fail.
 struct Failing
 {
     explicit Failing(int& ends, bool fails = true) : _ends(ends), _fails(fails) {}

@@ -11,7 +11,7 @@ namespace
 
 using namespace Zu;
 
-// What a cache has that was never decoded; the line size tells whether it was touched.
+// The figures of a cache that was never decoded; the line size shows whether it was touched.
 constexpr OsCpuInfo::CacheInfo untouched{-1, -2, -3};
 constexpr int systemPage = 16384;
 
@@ -146,7 +146,7 @@ TEST(OsCpuid, ADescriptorIsFoundInEveryByteOfTheFirstRound)
         {
             std::uint32_t registers[4] = {1, 0, 0, 0};
             registers[position / 4] |= descriptor._byte << (8 * (position % 4));
-            // The highest bit of eax says that there are no descriptors.
+            // The highest bit of eax means that there are no descriptors.
             if (registers[0] & 0x80000000U) continue;
             expectOnly(decodeRounds({{registers[0], registers[1], registers[2], registers[3]}}),
                        descriptor);
@@ -265,7 +265,7 @@ TEST(OsCpuid, NoSecondLevelCacheMayBeToldTwice)
 
 TEST(OsCpuid, TheRegistersAreReadInTheirOrder)
 {
-    // That there is no cache may stand before a cache, but not behind it.
+    // The descriptor for no cache may precede a cache, but not follow it.
     expectCache(decodeRounds({{0x4001, 0x44, 0, 0}})._l2Unified, 1048576, 4, 32);
     expectCache(decodeRounds({{1, 0x4440, 0, 0}})._l2Unified, 1048576, 4, 32);
     expectCache(decodeRounds({{1, 0x40, 0x44, 0}})._l2Unified, 1048576, 4, 32);
@@ -328,7 +328,7 @@ TEST(OsCpuid, ADescriptorTouchesNothingButItsTarget)
     EXPECT_EQ(caches._pageSize, -4);
 }
 
-// An answer of the deterministic-cache leaf: each count is told less one.
+// A result of the deterministic-cache leaf: each count is reported minus one.
 OsCpuidRegisters deterministicCache(std::uint32_t type, std::uint32_t level, std::uint32_t ways,
                                     std::uint32_t partitions, std::uint32_t line,
                                     std::uint32_t sets)
@@ -365,7 +365,7 @@ TEST(OsCpuid, TheByte255IsFoundInEveryByteOfTheFirstRound)
 {
     for (unsigned int position = 1; position < 16; ++position)
     {
-        // The highest bit of eax says that there are no descriptors.
+        // The highest bit of eax means that there are no descriptors.
         if (position == 3) continue;
         std::uint32_t registers[4] = {1, 0, 0, 0};
         registers[position / 4] |= 255U << (8 * (position % 4));
@@ -550,7 +550,7 @@ TEST(OsCpuid, WithoutTheExtendedLeafNothingIsKnown)
     // It is there, and empty.
     processor._extended.clear();
     expectNothing(processor.decode());
-    // A processor without descriptors is not asked for more.
+    // A processor without descriptors is not queried further.
     processor = processorWithTheExtendedLeaf();
     processor._highestLeaf = 1;
     expectNothing(processor.decode());
@@ -564,7 +564,7 @@ TEST(OsCpuid, TypeGoesByTheArchitectureNumber)
         EXPECT_EQ(osCpuTypeOf(other), OsCpuInfo::UNKNOWN) << other;
 }
 
-// A processor whose leaf 1 tells this.
+// A processor with this leaf 1.
 OsCpuid processorWithSignature(std::uint32_t highestLeaf, std::uint32_t signature)
 {
     return [highestLeaf, signature](std::uint32_t leaf, std::uint32_t) -> OsCpuidRegisters {

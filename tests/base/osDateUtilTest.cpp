@@ -69,7 +69,7 @@ std::ostream& operator<<(std::ostream& os, const Fields& fields)
               << ":" << fields._minute << ":" << fields._second;
 }
 
-// The count of the fields; none if they are refused, and then the output is untouched too.
+// The count of the fields; none if they are refused, and then the output must be untouched.
 std::optional<std::uint64_t> made(const Fields& fields,
                                   OsDateTypes::TimeMode mode = OsDateTypes::TimeUniversal)
 {
@@ -486,7 +486,7 @@ TEST(OsDateUtil, TheCurrentTimeIsTheSystemClocksToTheMillisecond)
 class OsDateUtilLocalTest : public testing::Test
 {
 protected:
-    // False where the environment has no say in local time; then the test has to end.
+    // False where the environment does not affect local time; then the test has to end.
     bool moveTo(const char* rules)
     {
         _guard.set(rules);

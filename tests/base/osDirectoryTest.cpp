@@ -55,7 +55,7 @@ using Names = std::vector<std::string>;
 const OsPassThroughFilter everything;
 const OsFileTypes::Permissions allModes(7, 7, 7);
 
-// Windows takes a whole path of 259 characters, so a name there has to be shorter.
+// Windows accepts full paths of up to 259 characters, so a name there has to be shorter.
 const std::size_t longestName = onWindows ? 150 : 255;
 
 struct RefusedByFilter
@@ -141,7 +141,7 @@ Names sorted(Names names)
     return names;
 }
 
-// What an exception says; empty if none of this type is raised.
+// The text of an exception; empty if none of this type is raised.
 template <class Exception, class Act> std::string reasonOf(Act act)
 {
     try
@@ -210,7 +210,7 @@ protected:
         makeFile(name + "/sub/with blanks/deep/f", std::string("\0\0x", 3));
     }
 
-    // Copying is refused as a path that can't be used, and nothing at all has changed.
+    // Copying is refused as an invalid path, and nothing has changed.
     template <class Copy> void expectRefused(const std::string& what, Copy copy) const
     {
         const Tree before = treeAt(path());
@@ -763,7 +763,7 @@ TEST_F(OsDirectoryTest, AFullDirectoryAmongTheChildrenEndsTheirRemoval)
     makeFiles("d", 20);
     makeDirectory("d/full");
     makeFile("d/full/in");
-    // An untouched directory is told in one order each time.
+    // An unchanged directory is listed in the same order each time.
     const Names order = namesIn(file("d"));
     const auto full = std::find(order.begin(), order.end(), "full");
     ASSERT_TRUE(full != order.end());
@@ -835,7 +835,7 @@ TEST_F(OsDirectoryTest, CopyToNeverTakesThePlaceOfAFile)
     EXPECT_EQ(
         reasonOf<OsFileEx::ExFileExists>([&] { directory(file("d")).copyTo(pathOf(file("f"))); }),
         "File already exists.");
-    // The source is not asked before the target.
+    // The source is not checked before the target.
     EXPECT_THROW(directory(file("missing")).copyTo(pathOf(file("f"))), OsFileEx::ExFileExists);
     makeDirectory("target");
     makeFile("target/d", "in the way");
@@ -977,7 +977,7 @@ TEST_F(OsDirectoryTest, RelativePathsLeadToTheSameRefusals)
     EXPECT_TRUE(treeAt(file("copy")) == treeAt(file("d/sub")));
 }
 
-// Without its separator the root would stand for the current directory there.
+// Without its separator the root would mean the current directory there.
 TEST_F(OsDirectoryTest, AMissingPathBelowTheRootIsNotTakenForTheCurrentDirectory)
 {
     makeTree("d");
@@ -1230,7 +1230,7 @@ TEST_F(OsDirectoryLinkTest, ParentsOfLinksAreThoseOfWhatTheyLeadTo)
     makeDirectory("other/below");
     makeLink("toSub", "d/sub");
     makeLink("d/toBelow", "../other/below");
-    // The system goes up from where the link leads.
+    // The system goes up from the link's target.
     expectHierarchyRefused("d", "toSub/../new");
     EXPECT_NO_THROW(
         OsDirectory::copyHierarchy(pathOf(file("d/sub")), pathOf(file("d/sub/../beside"))));

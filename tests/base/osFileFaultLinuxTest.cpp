@@ -1,4 +1,4 @@
-// What the file classes do when calls of the system fail; Linux only, in a program of its own.
+// What the file classes do when system calls fail; Linux only, in a separate program.
 
 #include "base/osFilePlatform.h"
 
@@ -127,7 +127,7 @@ TEST_F(OsFileFaultTest, AFailedReadRaisesAndTheReaderGoesOn)
     EXPECT_EQ(reader.read(buffer, 8), 7U);
 }
 
-// No single call of the system gives more than 2 GiB; here it is less still.
+// No single system call returns more than 2 GiB; here the limit is even lower.
 TEST_F(OsFileFaultTest, ReadingGoesOnBehindAPart)
 {
     const std::string content = noise(1000);
@@ -163,7 +163,7 @@ TEST_F(OsFileFaultTest, AReadThatFailsBehindAPartGivesThatAndTheNextOneRaises)
 TEST_F(OsFileFaultTest, OfAPipeAReadGivesWhatHasComeAndDoesNotWaitForMore)
 {
     support::makeFifo(file("fifo"));
-    // With both ends here, neither is waited for.
+    // With both ends open here, neither waits.
     const Platform::Handle pipe = Platform::openExisting(file("fifo").c_str(), 3);
     std::uint32_t count = 0;
     ASSERT_TRUE(Platform::write(pipe, "abc", 3, count));
@@ -803,7 +803,7 @@ TEST_F(OsFileFaultTest, AYearBeyond16BitsIsAllOnes)
 {
     const OsFile plain(made("f", "content"));
     const std::int64_t secondsPer400Years = 146097LL * 86400;
-    // 67560 and 133080 stand for 2024 and 2008 in 16 bits, -63536 for 2000.
+    // In 16 bits 67560 and 133080 are 2024 and 2008, -63536 is 2000.
     for (const std::int64_t cycles : {164LL, 328LL, -164LL})
     {
         const FalseStatus status(0, 1700000000 + cycles * secondsPer400Years);
@@ -813,7 +813,7 @@ TEST_F(OsFileFaultTest, AYearBeyond16BitsIsAllOnes)
     }
 }
 
-// The hour that local time has twice at the end of daylight saving is told apart.
+// The two occurrences of an hour at the end of daylight saving are distinguished.
 TEST_F(OsFileFaultTest, EveryTenMinutesOfAYearAreToldWhereverTheProcessIs)
 {
     const OsFile plain(made("f", "content"));

@@ -1,4 +1,4 @@
-// What the file classes do when calls of the system fail; Windows only, in a program of its own.
+// What the file classes do when system calls fail; Windows only, in a separate program.
 
 #include "base/osFilePlatform.h"
 
@@ -55,7 +55,7 @@ const OsPassThroughFilter everything;
 class OsFileFaultTest : public support::FaultTest
 {
 protected:
-    // The system keeps what the first look at local time opens, and the first text of an error.
+    // The system keeps open what the first use of local time and the first error text open.
     static void SetUpTestSuite()
     {
         OsFile(".").getLastAccessTime();
@@ -77,7 +77,7 @@ TEST_F(OsFileFaultTest, EveryQuestionPassesOnWhyItFailed)
             const Fault fault(call, ERROR_IO_DEVICE);
             EXPECT_EQ(codeOf(ask), ERROR_IO_DEVICE);
             EXPECT_EQ(fault.failures(), 1);
-            // Closing what was opened for the question does not hide it.
+            // Closing the handle that was opened for the query does not hide the error.
             const Fault closing(Call::CLOSE_HANDLE, ERROR_INVALID_HANDLE, 1);
             EXPECT_EQ(codeOf(ask), ERROR_IO_DEVICE);
             EXPECT_EQ(closing.failures(), 1);
@@ -262,7 +262,7 @@ TEST_F(OsFileFaultTest, WhatCanNotBeAskedIsNotTheSameFile)
     EXPECT_TRUE(Platform::isSame(name, name));
 }
 
-// Where a file system gives its files no numbers, names tell which is which.
+// Where a file system has no file numbers, names distinguish the files.
 TEST_F(OsFileFaultTest, WithoutNumbersFilesAreKnownByTheirNames)
 {
     const std::string one = made("f", "content").getChars();

@@ -109,7 +109,7 @@ TEST_F(OsFileFilterTest, TheLeafFilterWithoutSuffixRefusesDirectoriesAlone)
 {
     const OsLeafFileFilter filter;
     EXPECT_TRUE(accepts(filter, file("f.txt")));
-    // This only excludes directories, and what is missing is none.
+    // This only excludes directories, and a missing file is not a directory.
     EXPECT_TRUE(accepts(filter, file("no")));
     EXPECT_TRUE(accepts(filter, ""));
     EXPECT_FALSE(accepts(filter, file("d.txt")));

@@ -98,7 +98,7 @@ TEST_F(OsFileHandleTest, APositionOf32BitsStaysWhereTheNewOneDoesNotFit)
     EXPECT_EQ(codeOf([&] { OsFileHandle::seek32(_handle, LARGEST - 6, OsFileTypes::SeekCurrent); }),
               onWindows ? 223 : 27);
     EXPECT_EQ(OsFileHandle::seek(_handle, 0, OsFileTypes::SeekCurrent), 7);
-    // A position that is not told is kept, too.
+    // A position that is not reported is kept, too.
     const std::int64_t far = std::int64_t{1} << 40;
     OsFileHandle::seek(_handle, far, OsFileTypes::SeekBegin);
     EXPECT_THROW(OsFileHandle::seek32(_handle, 0, OsFileTypes::SeekCurrent), ExSysErrorWindows);

@@ -286,7 +286,7 @@ TEST_F(OsFilePlatformLinuxTest, ModesAreCopiedWithoutTheMask)
     const Platform::Handle handle = Platform::openExisting(to.c_str(), OsFileTypes::AccessWrite);
     Platform::keepOwnerAndModes(from.c_str(), handle);
     EXPECT_EQ(support::modeOf(to), 0754U);
-    // Without a model nothing happens, nor does it for a directory or a link.
+    // Without a model nothing happens, nor for a directory or a link.
     std::filesystem::create_symlink(made("h", ""), file("link"));
     for (const std::string& other : {file("missing"), directory(), file("link")})
     {

@@ -50,7 +50,7 @@ OsFilePath pathOf(const std::string& text)
     return OsFilePath(text.c_str());
 }
 
-// What comes until the end, asked for in pieces of this size.
+// The content up to the end, read in pieces of this size.
 std::string readOn(OsFileReader& reader, std::uint32_t size)
 {
     std::string content;
@@ -121,7 +121,7 @@ TEST_F(OsFileReaderTest, AMissingFileRaisesTheCodeOfTheSystemAndIsNotMade)
 {
     EXPECT_EQ(codeOf([&] { const OsFileReader reader(pathOf(file("missing"))); }), 2);
     EXPECT_EQ(codeOf([&] { const OsFileReader reader{OsFile(pathOf(file("missing")))}; }), 2);
-    // Windows tells a missing directory on the way from a missing file.
+    // Windows distinguishes a missing directory on the way from a missing file.
     EXPECT_EQ(codeOf([&] { const OsFileReader reader(pathOf(file("no/f"))); }), onWindows ? 3 : 2);
     EXPECT_FALSE(std::filesystem::exists(file("missing")));
 }

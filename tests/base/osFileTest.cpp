@@ -76,7 +76,7 @@ std::uint64_t countOf(const OsDateTypes::DateRep& date)
     return std::uint64_t{date._high} << 32 | date._low;
 }
 
-// The count of a date of the system's clock, less what is smaller than a second.
+// The count of a date of the system's clock, without fractions of a second.
 template <class Time> std::uint64_t countOf(Time time)
 {
     using namespace std::chrono;
@@ -121,7 +121,7 @@ public:
     using OsFile::setPath;
 };
 
-// Says of itself what it is told to.
+// Claims to exist or not, as a test sets.
 class ToldFile : public OsFile
 {
 public:
@@ -475,7 +475,7 @@ TEST_F(OsFileTest, TheLargestSizeThatIsToldIsTwoLessThan4GiB)
     {
         OsFileTools::reserve64(writer, size);
         EXPECT_THROW(large.getSize(), ExSysErrorWindows) << size;
-        // What does not depend on it is told all the same.
+        // What does not depend on it is reported nevertheless.
         EXPECT_TRUE(large.isFile());
     }
 }
@@ -486,7 +486,7 @@ TEST_F(OsFileTest, AccessIsReadingAndWriting)
     EXPECT_EQ(plain.getAccess(), 3);
     EXPECT_TRUE(plain.isReadable());
     EXPECT_TRUE(plain.isWritable());
-    // The trial changes nothing.
+    // The attempt changes nothing.
     EXPECT_EQ(readFile(file("f")), "content");
 }
 
@@ -1148,7 +1148,7 @@ TEST_F(OsFileLinuxTest, PathsGoBeyondAThousandCharacters)
     EXPECT_EQ(readFile(deep + "/g"), "content");
     made("short", "short").copyTo(pathOf(deep));
     EXPECT_EQ(readFile(deep + "/short"), "short");
-    // The base name is asked of the resolved path, which has a limit.
+    // The base name is that of the resolved path, which has a limit.
     EXPECT_THROW(plain.copyTo(pathOf(directory())), ExSysErrorWindows);
     plain.renameTo(pathOf(deep + "/h"));
     EXPECT_EQ(plain.getPath().getChars(), deep + "/h");

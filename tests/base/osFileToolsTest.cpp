@@ -57,7 +57,7 @@ const OsPassThroughFilter everything;
 const std::int64_t gibi = std::int64_t(1) << 30;
 const std::size_t mebi = std::size_t(1) << 20;
 
-// Windows takes a whole path of 259 characters, so a name there has to be shorter.
+// Windows accepts full paths of up to 259 characters, so a name there has to be shorter.
 const std::size_t longestName = onWindows ? 150 : 255;
 
 OsFilePath pathOf(const std::string& text)
@@ -78,7 +78,7 @@ std::string bytes(std::size_t length)
     return text;
 }
 
-// What an exception says; empty if none of this type is raised.
+// The text of an exception; empty if none of this type is raised.
 template <class Exception, class Act> std::string reasonOf(Act act)
 {
     try
@@ -248,7 +248,7 @@ TEST_F(OsFileToolsTest, AFileOfMoreThanFourGibibytesIsWrittenAndRead)
     writer.close();
     EXPECT_EQ(OsFileTools::getSize64(at("f")), std::uint64_t(place) + 1);
     EXPECT_EQ(std::filesystem::file_size(file("f")), std::uintmax_t(place) + 1);
-    // What 32 bits can't tell is never cut.
+    // A size that does not fit in 32 bits is never truncated.
     EXPECT_THROW((void)OsFile(at("f")).getSize(), ExSysErrorWindows);
 
     OsFileReader reader(at("f"));
@@ -561,7 +561,7 @@ TEST_F(OsFileToolsTest, ThreadsSeeWholeContentsOnly)
             });
     for (std::thread& thread : threads) thread.join();
     EXPECT_EQ(torn, 0);
-    // Windows refuses what others have open at that moment.
+    // Windows refuses a file that others have open at that moment.
     if (!onWindows)
     {
         EXPECT_EQ(failed, 0);
@@ -653,7 +653,7 @@ TEST_F(OsFileToolsTest, RemovalOfWhatIsNotThereRaises)
                   missingReason(name));
 }
 
-// The system refuses to remove what such a path leads to, when all that was in it is gone.
+// The system refuses to remove the target of such a path, but only after its content is gone.
 TEST_F(OsFileToolsTest, RemovalOfWhatEndsInAStepIsRefusedBeforeAnythingIsGone)
 {
     makeTree("q");
@@ -805,7 +805,7 @@ TEST_F(OsFileToolsTest, ACopyOfATreeKeepsTheTimesOfAllThatIsInIt)
     int year = 1981;
     Names names = {"d"};
     for (const auto& [name, content] : treeAt(file("d"))) names.push_back("d/" + name);
-    // From within, as what is made in a directory changes its time.
+    // From within, as making something in a directory changes its time.
     std::sort(names.rbegin(), names.rend());
     for (const std::string& name : names) setTimes(file(name), 1981 + year++ % 40);
     makeDirectory("there");
@@ -885,7 +885,7 @@ TEST_F(OsFileToolsLinkTest, ASeparatorBehindALinkDoesNotExposeItsTree)
     makeTree("kept");
     const Tree expected = treeAt(file("kept"));
     makeLink("toTree", "kept");
-    // Whether the link is removed or the removal fails: what it leads to is not its contents.
+    // Whether the link is removed or the removal fails: its target is not its content.
     reasonOf<Zu::ExBase>([&] { OsFileTools::removeWithAllContents(at("toTree/")); });
     EXPECT_TRUE(treeAt(file("kept")) == expected);
 }

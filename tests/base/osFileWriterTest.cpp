@@ -394,7 +394,7 @@ TEST_F(OsFileWriterTest, TheDestructorClosesTheFile)
 TEST_F(OsFileWriterTest, TheDestructorClosesTheFileWhileAnExceptionPasses)
 {
     std::size_t before = 0;
-    // The system keeps what the first exception opens.
+    // The system keeps open what the first exception opens.
     for (int round = 0; round < 2; ++round)
     {
         before = support::openHandles();

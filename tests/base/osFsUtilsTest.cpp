@@ -233,7 +233,7 @@ TEST_F(OsFsUtilsTest, DeletingAMissingFileIsNoFailure)
 
 TEST_F(OsFsUtilsTest, AMissingDirectoryOnTheWayToAFileIsAFailureOnWindowsOnly)
 {
-    // Linux has one code for both, and it stands for a missing file.
+    // Linux has one code for both, and it means a missing file.
     if (onWindows)
     {
         EXPECT_THROW(OsFsUtils::deleteFile(file("no/f").c_str()), ExSysErrorWindows);
@@ -371,7 +371,7 @@ TEST_F(OsFsUtilsTest, FailuresCarryTheCodeOfTheSystem)
     const std::string full = file("full");
     OsFsUtils::createDir(full.c_str(), false);
     std::ofstream(file("full/inside")) << "x";
-    // No such file or directory; Windows tells a missing directory on the way from that.
+    // No such file or directory; Windows distinguishes a missing directory on the way from that.
     const int missing = 2;
     const int missingOnTheWay = onWindows ? 3 : 2;
     const int notEmpty = onWindows ? 145 : 39;

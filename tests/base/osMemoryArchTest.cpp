@@ -44,7 +44,7 @@ TEST(OsMemoryArch, ThereIsOneInstance)
     EXPECT_NE(dynamic_cast<const OsMemoryArchImp*>(&instance), nullptr);
 }
 
-// What this processor says of one cache in a leaf of the form of leaf 4.
+// What this processor reports about one cache in a leaf with the form of leaf 4.
 struct Cache
 {
     int _size = 0;

@@ -22,7 +22,7 @@ using support::onWindows;
 using Zu::ExSysErrorWindows;
 using Zu::OsProcess;
 
-// Starts the program that tells what it sees.
+// Starts the program that reports what it sees.
 void startEcho(OsProcess& process, const std::string& file, const std::vector<std::string>& words)
 {
     const std::string program =
@@ -105,7 +105,7 @@ TEST(OsProcess, TheChildDoesNotInheritTheFilesOfItsParent)
     const std::ofstream open(file);
     ASSERT_TRUE(open.is_open());
     EXPECT_EQ(echoOf({"--open=" + file}), "closed\n");
-    // The child does see what it has open itself: its answers.
+    // The child does see the file that it has open itself: its report.
     const std::string answers = std::filesystem::canonical(dir.path()).string() + "/answers";
     OsProcess process;
     startEcho(process, answers, {"--open=" + answers + ".part"});

@@ -39,7 +39,7 @@ public:
     }
 
 private:
-    // The empty name and the symbol that is none come first.
+    // The empty name and the null symbol come first.
     std::string _names = std::string(1, '\0');
     std::vector<OsElfSymbol> _symbols = std::vector<OsElfSymbol>(1);
 };

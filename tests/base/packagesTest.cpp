@@ -1,4 +1,4 @@
-// What the library's packages say that they need, each by an object beside the library's own.
+// The declared dependencies of the library's packages, each from an object beside the library's own.
 
 #include "base/inInit.h"
 #include "base/zuInit.h"
@@ -65,7 +65,7 @@ std::string nameOf(const std::type_info& type)
     return "another";
 }
 
-// The name of a package, and those of what it needs, in the order in which it says so.
+// The name of a package, and those of its dependencies in the order of their declaration.
 template <class Tag> Names namesOf()
 {
     InInit<Tag> package;

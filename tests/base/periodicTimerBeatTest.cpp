@@ -150,7 +150,7 @@ TEST(periodicTimerCount, IsZeroForAnIntervalOfZeroOrWithoutEnd)
     });
 }
 
-// A timer whose beats are what a test says, with a record of what is asked of the platform.
+// A timer with beats set by a test, which records the requests to the platform.
 class FakeBeat : public PeriodicTimerBeat
 {
 public:
@@ -347,7 +347,7 @@ TEST_F(PeriodicTimerBeatTest, TheCountOfAStoppedTimerIsZero)
     EXPECT_EQ(timer.getCurrentCount(), 0U);
 }
 
-// Days lie between what is set and where the counts would change.
+// Days are between the time that is set and the next change of the counts.
 TEST_F(PeriodicTimerBeatTest, TheCountIsThatOfTheIntervalsSinceTheStart)
 {
     constexpr double INTERVAL = 1e6;

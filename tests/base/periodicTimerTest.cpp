@@ -97,7 +97,7 @@ TEST(PeriodicTimer, AssignmentSetsTheInterval)
     EXPECT_EQ(other._settings, 0);
 }
 
-// What an action prints, when the program ends well and says nothing on standard error.
+// The output of an action in a successful run that writes nothing to standard error.
 std::string outputOf(const std::string& action)
 {
     const ProgramResult result = support::runProgram("timerProgram", {action});

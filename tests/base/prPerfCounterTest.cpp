@@ -179,7 +179,7 @@ Bytes blockOf(const std::vector<Object>& objects, std::size_t excess = 0)
     return bytes;
 }
 
-// How a request ends, in words: the value, or the exception's class and reason.
+// The outcome of a request, in words: the value, or the exception's class and reason.
 std::string value(std::uint64_t number)
 {
     return "value " + std::to_string(number);
@@ -558,7 +558,7 @@ TEST_F(PrCounterValueIn, TheObjectIsLookedForBeforeTheInstanceIsJudged)
     EXPECT_EQ(outcomeOf(data, {3, 10, nullptr}), badObject(3));
 }
 
-// Where the records of the sample block stand.
+// The places of the records in the sample block.
 struct Places
 {
     Places()
@@ -594,7 +594,7 @@ const Places& places()
     return thePlaces;
 }
 
-// What is asked for in the middle of the block, and what lies before and behind it.
+// The requested record in the middle of the block, and those before and after it.
 const Request MIDDLE{PROCESSOR, 8, "B"};
 const std::string MIDDLE_VALUE = value(302);
 const std::set<std::string> MIDDLE_MISSING = {badObject(PROCESSOR), badInstance("B"),
@@ -668,7 +668,7 @@ TEST_F(PrCounterValueIn, ALengthOfZeroOrBeyondItsWholeEndsTheWalk)
         }
 }
 
-// What lies in the middle of a structure may look like a record.
+// The middle of a structure may look like a record.
 TEST_F(PrCounterValueIn, ALengthThatIsTooSmallFindsTheValueOrMissesSomething)
 {
     for (const auto& [name, place, room, outcomes] : lengthFields())
@@ -747,7 +747,7 @@ TEST_F(PrCounterValueIn, TheLengthOfOwnValuesBoundsThem)
 
 TEST_F(PrCounterValueIn, AValueLiesInItsBlockAsAWhole)
 {
-    // The block has 24 bytes, and more bytes stand behind it.
+    // The block has 24 bytes, and more bytes follow it.
     const std::size_t counters = places()._objects[1] + OBJECT;
     const auto at = [&](std::uint32_t offset, const Request& request)
     {
@@ -802,7 +802,7 @@ TEST_F(PrCounterValueIn, TheNumberOfObjectsIsNotAsked)
         EXPECT_EQ(outcomeWith(BLOCK_OBJECTS, number), MIDDLE_VALUE) << number;
 }
 
-// The sample objects' own cases, with where the object that each needs ends.
+// The sample objects' own cases, each with the end of the object that it needs.
 std::size_t endOf(const Request& request)
 {
     const std::vector<Object> objects = theObjects();
@@ -819,7 +819,7 @@ TEST_F(PrCounterValueIn, ABlockThatEndsTooEarlyHasOnlyItsWholeObjects)
         {
             const bool isThere = size >= endOf(request);
             const std::string expected = isThere ? outcome : badObject(request._object);
-            // The block says that it ends here; then the data end here, too.
+            // The block's length ends here; then the data end here, too.
             Bytes data = whole;
             put(data, BLOCK_TOTAL, size);
             ASSERT_EQ(outcomeOf(data, request), expected) << size;
@@ -987,7 +987,7 @@ constexpr std::int32_t SUCCESS = 0;
 constexpr std::int32_t NO_ACCESS = 5;
 constexpr std::int32_t MORE_DATA = 234;
 
-// A source of data that asks for a buffer of so many bytes.
+// A source of data that requires a buffer of this many bytes.
 struct Source
 {
     std::int32_t operator()(const char* valueName, unsigned char* buffer, std::uint32_t size)

@@ -541,7 +541,7 @@ TEST(Profiler, TheReportHasThePrecisionOfTheStream)
                                       "\n");
 }
 
-// A figure for each row, so that none can stand for another.
+// A different figure for each row, so that none can be mistaken for another.
 FixedProfiler profilerOfSixFigures()
 {
     FixedProfiler profiler;

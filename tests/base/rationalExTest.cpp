@@ -28,7 +28,7 @@ static_assert(!std::is_constructible_v<RationalEx, const char*, int>);
 
 TEST(RationalEx, RaisesFromWhereItIsTold)
 {
-    // By a pointer: the compiler would take it for granted that nothing goes on behind a call.
+    // Called by a pointer: otherwise the compiler would assume that a call never returns.
     void (*volatile const raise)(const char*, int) = &RationalEx::throwDenominatorZero;
     bool isRaised = false;
     try

@@ -272,7 +272,7 @@ const Order ORDERS[] = {
     // The tolerance itself: all four comparisons are strict.
     {Rational(0, 1), Rational(1, 10000000), false, true, false, false},
     {Rational(1, 10000000), Rational(0, 1), false, false, false, true},
-    // From 2^30 on the tolerance is less than half of what tells two numbers apart, and is lost.
+    // From 2^30 on the tolerance is less than half the distance of two numbers, and has no effect.
     {Rational(1 << 29, 1), Rational(1 << 29, 1), false, true, false, true},
     {Rational((1 << 30) + 1, 1), Rational((1 << 30) + 1, 1), false, false, false, false},
     {Rational(HIGHEST32, 1), Rational(HIGHEST32, 1), false, false, false, false},
@@ -403,7 +403,7 @@ static_assert(noexcept(std::hash<Rational>()(Rational())));
 
 static_assert(Rational(1, 2).getReciprocalFloat() == 2.0F);
 
-// Not every compiler takes a division by zero for a constant.
+// Not every compiler accepts a division by zero as a constant.
 TEST(Rational, TheReciprocalOfZeroIsInfinite)
 {
     EXPECT_EQ(Rational(0, 1).getReciprocalDouble(), std::numeric_limits<double>::infinity());

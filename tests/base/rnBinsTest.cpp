@@ -152,7 +152,7 @@ TYPED_TEST(RnBinsTest, AUniformBinIsTheClosedForm)
                 << value;
         }
     }
-    // No width: infinities and NaNs, none of which is a bin.
+    // No width: infinities and NaNs, which are not bins.
     for (const T value : {T(0), T(1), T(2), NO_NUMBER<T>})
         EXPECT_EQ(RnBins::uniformBin(value, T(1), T(0), 5), LOWEST_INT) << value;
 }
@@ -177,7 +177,7 @@ TEST(RnBins, ACounterCountsEachBin)
         {
             RnBins::Counter counter(nBins);
             std::vector<std::uint32_t> expected(nBins + 1, 0);
-            // Counts of several calls add up, and what is in no bin is counted for none.
+            // Counts of several calls add up, and a value in no bin is counted for none.
             for (int call = 0; call < 3; ++call)
             {
                 std::vector<std::int32_t> bins;

@@ -33,7 +33,7 @@ using Zu::RnHistogramSpherical;
 
 constexpr int LOWEST_INT = std::numeric_limits<int>::min();
 
-// What both kinds on both types of numbers are told to do.
+// What both kinds have to do for both number types.
 template <class T>
 constexpr T PER_TURN = std::is_same_v<T, float> ? T(0.15915494F) : T(0.15915494309189535);
 
@@ -345,7 +345,7 @@ TYPED_TEST(RnDirectionalHistogramTest, ReadsAtAnotherPlaceThanItWrites)
     {
         typename TypeParam::Histogram histogram(nBinsTheta, nBinsPhi);
         ToldHistogram<TypeParam> told(nBinsTheta, nBinsPhi);
-        // Each cell has a weight of its own.
+        // Each cell has a different weight.
         for (unsigned int i = 0; i < nBinsTheta; ++i)
             for (unsigned int j = 0; j < nBinsPhi; ++j)
             {
@@ -437,14 +437,14 @@ TYPED_TEST(RnDirectionalHistogramTest, ASizeThatNoVectorHasIsRefusedByTheTextOfT
               "vector<T> too long");
 }
 
-// Gives pairs of a script as cosine and angle; nothing else is to be asked.
+// Gives pairs of a script as cosine and angle; no other operation may be called.
 template <class T> class ScriptedSphericalRng : public Zu::RnSphericalRng<T>
 {
 public:
     explicit ScriptedSphericalRng(std::vector<std::pair<T, T>> pairs) : _pairs(std::move(pairs)) {}
     virtual ~ScriptedSphericalRng() = default;
 
-    // Not inlined on a guess: the compiler would warn of what only its guess does.
+    // Not inlined: the compiler would warn about a case that only its inlining makes.
     [[gnu::noinline]] void getSampleCosine(T& cosTheta, T& phi) override
     {
         cosTheta = _pairs[_draws % _pairs.size()].first;

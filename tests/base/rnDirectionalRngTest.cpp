@@ -60,7 +60,7 @@ static_assert(Constants<double>::INVERSE_PI / 2 == 0.15915494309189535);
 static_assert(Constants<float>::INVERSE_PI / 4 == 0.07957747F);
 static_assert(Constants<double>::INVERSE_PI / 4 == 0.07957747154594767);
 
-// The classes, each with what it is to do.
+// The classes, each with its expected results.
 template <class T> struct Sphere
 {
     using Value = T;
@@ -333,7 +333,7 @@ TYPED_TEST(RnDirectionalRngTyped, ASampleIsMappedFromOnePairInEachForm)
     EXPECT_EQ(source.nSequences(), 0U);
 }
 
-// The whole block is asked for at once, and into the caller's own arrays.
+// The whole block is requested at once, directly into the caller's arrays.
 template <class T>
 void expectOneBlock(const ScriptedBiRng<T>& source, unsigned int n, const T* first, const T* second)
 {
@@ -639,7 +639,7 @@ TYPED_TEST(RnDirectionalRngTyped, ItsEndLeavesTheSourceAlone)
     EXPECT_EQ(source.nSamples(), 0U);
 }
 
-// A source may come to 1 in both values.
+// A source may reach 1 in both values.
 TYPED_TEST(RnDirectionalRngTyped, ValuesOfOneGiveTheNorthPole)
 {
     using T = typename TypeParam::Value;

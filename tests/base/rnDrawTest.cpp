@@ -52,7 +52,7 @@ template <class T> std::vector<T> called(RnRng<T>& source, unsigned int n)
 constexpr unsigned int NUMBERS[] = {0,   1,   3,   2, 8,  97,   255,  256,  0,    257, 5,
                                     511, 512, 513, 1, 64, 1023, 1024, 1025, 2000, 1};
 
-// Drawn values are those of a twin that is called, and both stand at the same place afterwards.
+// Drawn values equal those of a twin that is called, and both have the same state afterwards.
 template <class T> void expectCalls(RnRng<T>& source, RnRng<T>& twin)
 {
     for (const unsigned int n : NUMBERS)
@@ -210,7 +210,7 @@ TYPED_TEST(RnDrawTest, AClientsSourceSeesTheCallsAlone)
     }
 }
 
-// Gives 1, 2, 3 and so on in place of what its base draws.
+// Gives 1, 2, 3 and so on instead of its base's draws.
 template <class Base, class T> class Overriding : public Base
 {
 public:

@@ -262,7 +262,7 @@ TYPED_TEST(RnHammersleyMultiRngTest, AWholeSetIsAcceptedAndOneMoreIsNot)
         for (const GuardedArray<T>& coordinate : coordinates)
             EXPECT_TRUE(coordinate.isUntouched()) << length;
 
-        // What was refused has advanced nothing.
+        // A refused call has advanced nothing.
         EXPECT_TRUE(sameBits(sequenceOf(rng, length), reference.sequence(length))) << length;
         if (length == 0) continue;
         EXPECT_TRUE(sameBits(pointsOf(rng, 2), referencePoints<T>(reference, 2))) << length;

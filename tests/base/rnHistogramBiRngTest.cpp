@@ -87,7 +87,7 @@ template <class T> std::vector<T> unevenEdges(std::size_t nBins, unsigned int se
     return edges;
 }
 
-// The sampler as it is told. Without a choice, nothing is told of y.
+// The sampler's reference. Without a choice, y is unspecified.
 template <class T> struct ToldSampler
 {
     Pair<T> sample(T u, T v) const
@@ -477,7 +477,7 @@ void expectSequences(const SamplerCase<T>& row, const Arguments&... arguments)
             const T v = single();
             const Pair<T> pair = told.sample(u, v);
             expectedX.push_back(pair._x);
-            // Without weight, nothing is told of y.
+            // Without weight, y is unspecified.
             expectedY.push_back(std::isnan(pair._x) ? y[k] : pair._y);
         }
         expectedX.push_back(UNTOUCHED);
@@ -533,7 +533,7 @@ TYPED_TEST(RnHistogramBiRngTest, ASequenceOfAShapedSourceIsAsManySamples)
     EXPECT_EQ(source(), single());
 }
 
-// Gives something else than its base, and counts.
+// Gives values different from its base's, and counts.
 template <class T> class NumberedRng : public RnHistogramBiRng<T>
 {
 public:

@@ -95,7 +95,7 @@ public:
     explicit ScriptedBiRng(Pairs<T> pairs) : _pairs(std::move(pairs)) {}
     virtual ~ScriptedBiRng() = default;
 
-    // Not inlined on a guess: the compiler would warn of what only its guess does.
+    // Not inlined: the compiler would warn about a case that only its inlining makes.
     [[gnu::noinline]] void getSample(T& x, T& y) override
     {
         x = _pairs[_draws % _pairs.size()].first;
@@ -492,7 +492,7 @@ TYPED_TEST(RnHistogramBiTest, TheTextHasALineForEachCellWithXFastest)
                          "2 4 1 5 3.5\n");
 }
 
-// The unit stands at the middle of x on both axes.
+// The unit is at the middle of x on both axes.
 const std::string FRAME = "1 -1 0, \n"
                           "4 -1 0, \n"
                           "1 -1 0, \n"

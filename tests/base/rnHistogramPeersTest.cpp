@@ -29,7 +29,7 @@ using Zu::RnHistogram;
 using Zu::RnHistogramBi;
 using Zu::RnHistogramRng;
 
-// The peer calls a handler for each value outside; without one, it only tells by its result.
+// The peer calls a handler for each value outside; without one, it only reports by its result.
 class RnHistogramPeers : public testing::Test
 {
 protected:

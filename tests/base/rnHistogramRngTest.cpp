@@ -72,7 +72,7 @@ template <class T> std::vector<T> unevenEdges(std::size_t nBins)
     return edges;
 }
 
-// The sampler as it is told.
+// The sampler's reference.
 template <class T> struct ToldSampler
 {
     T sample(T u) const
@@ -355,7 +355,7 @@ TYPED_TEST(RnHistogramRngTest, ACopySharesTheSource)
 TYPED_TEST(RnHistogramRngTest, ASourceOfHighDrawsStaysInTheLastBinWithWeight)
 {
     using T = TypeParam;
-    // With so many bins, rounding leaves the end of the table on either side of 1.
+    // With this many bins, rounding leaves the end of the table on either side of 1.
     for (unsigned int nBins = 1; nBins < 200; ++nBins)
     {
         std::vector<T> weights(nBins, T(0.1));
@@ -514,7 +514,7 @@ TYPED_TEST(RnHistogramRngTest, TheWeightsAreSummedAnewInTheOrderOfTheBins)
 TYPED_TEST(RnHistogramRngTest, WhatIsSampledFillsAHistogramLikeTheFirst)
 {
     using T = TypeParam;
-    // Points of a sequence without gaps: each bin gets its share but for a few.
+    // Points of a sequence without gaps: each bin gets its share, give or take a few.
     const std::vector<T> weights{T(1), T(0), T(5), T(2)};
     Zu::RnVanDerCorputRng<T> source(2);
     RnHistogramRng<T> rng(histogramOf<T>({T(0), T(1), T(2), T(4), T(5)}, weights), &source);

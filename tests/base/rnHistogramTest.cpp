@@ -89,7 +89,7 @@ testing::AssertionResult holds(const RnHistogram<T>& histogram, const ToldHistog
     return same(histogram.getTotal(), told._total);
 }
 
-// Values in the bins, at and beside all edges, outside, and what no bin is for.
+// Values in the bins, at and beside all edges, outside, and values that belong to no bin.
 template <class T> std::vector<T> valuesFor(const std::vector<T>& edges, HistogramRandom& random)
 {
     std::vector<T> values{T(0),

@@ -193,7 +193,7 @@ TYPED_TEST(RnLecuyerUniformRngTest, TheScaleHasItsBits)
 
 TYPED_TEST(RnLecuyerUniformRngTest, EverySumIsConvertedToTheNearestNumberAndScaled)
 {
-    // Sums that an object can be led to: the ends, where the sum wraps, and ties of the conversion.
+    // Sums that an object can reach: the ends, where the sum wraps, and ties of the conversion.
     std::vector<std::int32_t> sums = {1, 2, 3, 2147483560, 2147483561, 2147483562};
     for (std::int32_t base = 1 << 24; base > 0 && base < 1 << 30; base *= 2)
         for (std::int32_t offset = -70; offset <= 70; ++offset) sums.push_back(base + offset);
@@ -255,7 +255,7 @@ TYPED_TEST(RnLecuyerUniformRngTest, TheDefaultSeedsAre55555And99999)
     EXPECT_TRUE(sameBits(drawsOf<TypeParam>(oneSeed, 100), expected));
     EXPECT_TRUE(sameBits(drawsOf<TypeParam>(twoSeeds, 100), expected));
 
-    // A restart goes to the second seed of each.
+    // A restart returns to the second seed of each.
     for (RnLecuyerUniformRng<TypeParam>* rng : {&byDefault, &oneSeed, &twoSeeds}) rng->restart();
     reference._state0 = 99999;
     const std::vector<TypeParam> next = valuesOf<TypeParam>(reference, 100);

@@ -60,7 +60,7 @@ template <class T> std::vector<T> hats(const std::vector<T>& uniforms, T center,
     return values;
 }
 
-// Uniform values of all kinds: the ends, what lies around the peak, and what no good source gives.
+// Uniform values of all kinds: the ends, values around the peak, and values that no good source gives.
 template <class T> std::vector<T> specialUniforms()
 {
     const T below = std::nextafter(T(1), T(0));
@@ -187,7 +187,7 @@ TYPED_TEST(RnMexicanHatRngTyped, TheEndsAndTheQuartersAreMappedExactly)
     EXPECT_TRUE(same(drawsOf<T>(shaped, 5), {T(6), T(8), T(10), T(12), T(14)}));
 }
 
-// Both branches would give it; below, they are told apart by their neighbours of a half.
+// Both branches would give it; below, the neighbours of a half distinguish them.
 TYPED_TEST(RnMexicanHatRngTyped, AHalfGivesExactlyTheCenter)
 {
     using T = TypeParam;

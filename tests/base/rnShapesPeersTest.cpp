@@ -242,7 +242,7 @@ template <class T> Directions directionsOf(RnSphericalRng<T>& source)
     return directions;
 }
 
-// The angle around the axis is even whatever the shape; the rest is told.
+// The angle around the axis is uniform for every shape; the rest is specified.
 void expectAround(const Directions& directions)
 {
     std::vector<double> turns;

@@ -407,7 +407,7 @@ TYPED_TEST(RnStdAdaptersTyped, ThereAndBackGivesTheBitsOfTheEngine)
     std::mt19937 engine(6174);
     RnEngineRng<T> source(engine);
     RnBitGenerator<T> generator(source);
-    // A float takes one word of the engine, a double two of which the second one leads.
+    // A float uses one word of the engine, a double two, the second being the more significant.
     for (int i = 0; i < 200; ++i)
     {
         std::uint32_t word = static_cast<std::uint32_t>(engine());

@@ -69,7 +69,7 @@ TYPED_TEST(RnUniformRngTest, TheJointDensityOfNoCoordinateIsOne)
     EXPECT_EQ(rnUniformPdf(static_cast<const TypeParam*>(nullptr), 0), TypeParam(1));
 }
 
-// Answers nothing itself.
+// Implements nothing itself.
 template <class T> class Source final : public RnUniformRng<T>
 {
 public:

@@ -68,7 +68,7 @@ TYPED_TEST(RnVanDerCorputRngTest, SequencesOfAllLengthsAreRepeatedDraws)
         for (const unsigned int length : support::sequenceLengths())
         {
             if (!usual && length > 520) continue;
-            // Small numbers too, where a carry goes far more often.
+            // Small numbers too, where long carries are more frequent.
             const auto number = static_cast<std::uint32_t>(random() >> random() % 32);
             RnVanDerCorputRng<TypeParam> rng(base);
             rng.restart(number);

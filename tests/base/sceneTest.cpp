@@ -71,7 +71,7 @@ void collect(const SoError* error, void* texts)
     *static_cast<std::string*>(texts) += std::string(error->getDebugString().getString()) + "\n";
 }
 
-// A scene that is read, and what the reader complained of.
+// A parsed scene, and the reader's complaints.
 class Scene
 {
 public:

@@ -39,13 +39,13 @@ protected:
     support::TempDir _directory;
 };
 
-// Where an object of this name stands in the memory that all processes share.
+// The place of an object of this name in the memory that all processes share.
 std::string objectOf(const std::string& name)
 {
     return "/dev/shm/ZU-lock-" + std::to_string(support::userId()) + "-" + name;
 }
 
-// Removes what a test has put in the place of a lock.
+// Removes what a test has put in a lock's place.
 struct Placed
 {
     explicit Placed(const std::string& name) : _path(objectOf(name)) {}

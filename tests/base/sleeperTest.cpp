@@ -20,7 +20,7 @@ static_assert(!std::is_destructible_v<Sleeper>);
 static_assert(!std::is_copy_constructible_v<Sleeper>);
 static_assert(!std::is_copy_assignable_v<Sleeper>);
 
-// What an action prints, when the program ends well and says nothing on standard error.
+// The output of an action in a successful run that writes nothing to standard error.
 std::string outputOf(const std::string& action)
 {
     const ProgramResult result = support::runProgram("timerProgram", {action});

@@ -313,7 +313,7 @@ TEST_F(TestGroupTest, HeadersAndRemarksAreThreeLines)
         const char* _remark;
     } cases[] = {
         {"", "| \n| ***** a%s *****\n| \n", "| \n| [ a%s ] \n| \n"},
-        // A line without any text is none.
+        // A line without text does not count.
         {"noindent", "***** a%s *****\n", "[ a%s ] \n"},
         {"hide=Main", "", ""},
         {"hide=all", "", ""},

@@ -19,7 +19,7 @@ namespace TestHandlers = Zu::TestHandlers;
 class TestHandlersTest : public support::TracingTest
 {
 protected:
-    // What the handler for what is unexpected prints; it raises each time.
+    // What the handler for unexpected exceptions prints; it raises each time.
     static std::string outputOfUnexpected()
     {
         return support::withoutPlaces(

@@ -35,7 +35,7 @@ const Kind KINDS[] = {
     {TestInform::abnormalTermination, "Abnormal termination: "},
 };
 
-// The lines of a file of messages, whose ends are those of the platform.
+// The lines of a file of messages, which has the platform's line endings.
 std::string messagesIn(const std::string& file)
 {
     std::string text = support::readFile(file);

@@ -42,7 +42,7 @@ const std::string UNKNOWN_GROUP = "Abnormal termination: Unknown test group name
 
 const std::string LIBRARIES = "| Loaded Libraries:\n";
 
-// What stands before what a group prints, and behind it.
+// What precedes and follows a group's output.
 std::string before(const std::string& name)
 {
     return "| \n| Executing " + name + "\n| \n";
@@ -68,7 +68,7 @@ std::string textOf(const Words& words)
     return text;
 }
 
-// The messages in a file, with line feeds alone at the ends of lines.
+// The messages in a file, with line endings reduced to line feeds.
 std::string messagesIn(const std::string& file)
 {
     std::string text = support::readFile(file);
@@ -76,7 +76,7 @@ std::string messagesIn(const std::string& file)
     return text;
 }
 
-// Whether the text is a list of libraries in which the program and the library stand.
+// Whether the text is a list of libraries that contains the program and the library.
 testing::AssertionResult isLibraryList(const std::string& text)
 {
     const std::regex path("\n\tLibrary path: [^\n]*testProgram[^\n]* \n");
@@ -152,7 +152,7 @@ TEST(TestMgr, TracingSaysWhetherAndHowHeadersAreShown)
         {"hide=Main", "", ""},
         {"off", "", ""},
         {"hide=Main,show=Main", before("arguments"), AFTER},
-        // A line without any text is none.
+        // A line without text does not count.
         {"noindent", "Executing arguments\n",
          "***** End *****\nTest group executed successfully.\n"},
         {"line", place + "| \n" + place + "| Executing arguments\n" + place + "| \n",
@@ -493,7 +493,7 @@ TEST(TestMgr, TheProgramIsRegisteredAsAnApplication)
     }
 }
 
-// What the program says of its libraries.
+// What the program prints about its libraries.
 std::string banner()
 {
     const std::string text = outputOfGroups({"commands", "banner"});
@@ -576,7 +576,7 @@ protected:
         return _made.back();
     }
 
-    // Whether a program says that it was instrumented.
+    // Whether a program reports that it was instrumented.
     std::string saidBy(const std::string& path) const
     {
         Environment environment = support::groupEnvironment({});

@@ -44,7 +44,7 @@ std::string repeated(const std::string& text, std::size_t times)
     return whole;
 }
 
-// Notes down what is done with it.
+// Records how it is called.
 class Journal : public Zu::TestGroup
 {
 public:
@@ -269,7 +269,7 @@ TEST_F(TestPerformerTest, ALineIsAGroupItsCyclesAndItsWords)
         {"  perf 2 a", 2, " <a>", "a "},
         {"perf 2 a  \n", 2, " <a>", "a "},
         {"\n\nperf 2 a\n\n   \n", 2, " <a>", "a "},
-        // The number ends where its digits do.
+        // The number ends with its digits.
         {"perf 3x4 a", 3, " <a>", "a "},
         {"perf 1.9", 1, "", ""},
         {"perf +2", 2, "", ""},
@@ -524,7 +524,7 @@ TEST_F(TestPerformerTest, ALongerLineIsCutAndTheLastOne)
     journal()._notes.clear();
     outputOf("perf 1 a" + std::string(247, ' ') + repeated(" b", 20) + "\nnobody 1\n");
     EXPECT_EQ(journal()._notes, cycleNotes(" <a>"));
-    // A line of blanks makes no record, and ends the reading too.
+    // A line of blanks makes no record, and also ends the reading.
     outputOf(std::string(256, ' ') + "\nperf.other 1\n");
     EXPECT_EQ(other()._notes, Texts());
     EXPECT_EQ(report(), TITLE + "\n");
@@ -539,7 +539,7 @@ TEST_F(TestPerformerTest, ARowOfManyWordsIsWrittenAsItStands)
 
 TEST_F(TestPerformerTest, ARowOfAnyLengthIsWrittenInItsPlace)
 {
-    // 301 characters as it stands.
+    // 301 characters altogether.
     const std::string word(247, 'w');
     EXPECT_EQ(errorOf("perf -1 " + word + "\nperf.other -1 b\n"), "nothing raised");
     const std::string text = report();
@@ -562,7 +562,7 @@ TEST_F(TestPerformerTest, WhatAGroupRaisesEndsTheRun)
     EXPECT_EQ(other()._notes, cycleNotes(""));
     EXPECT_EQ(rows().size(), 4U);
 
-    // The next run knows nothing of it.
+    // The next run is not affected by it.
     journal()._fails = false;
     EXPECT_NE(outputOf("perf 1\n")
                   .find("_todProfiler\nProfiler anonymous:\n"
@@ -608,7 +608,7 @@ TEST_F(TestPerformerTest, ACopyHasTheRecords)
     EXPECT_EQ(rowsWithoutFigures(), Texts{row("perf", -3, "d ")});
 }
 
-// What a run of a file prints that ends well, with this environment.
+// The output of a successful run of a file, with this environment.
 std::string outputOfFile(const std::string& content, const support::Environment& environment = {})
 {
     const TempDir dir;

@@ -39,7 +39,7 @@ TEST(TextToDouble, ReadsTheNumberAtTheBeginning)
         {"0x10", 16},
         {"-0X1p4", -16},
         {"0x1.8", 1.5},
-        // Behind "0x" stands a digit, or the number is the "0".
+        // A digit follows "0x", or the number is the "0".
         {"0x", 0},
         {"0x.", 0},
         {"0x.8", 0.5},

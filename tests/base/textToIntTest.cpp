@@ -42,7 +42,7 @@ const TextRow ROWS[] = {
     {"- 5", 0},
     {"x5", 0},
     {".5", 0},
-    // The ends of the range, and what lies beyond.
+    // The ends of the range, and values beyond.
     {"2147483646", 2147483646},
     {"2147483647", HIGHEST},
     {"2147483648", HIGHEST},

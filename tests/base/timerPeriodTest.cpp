@@ -172,7 +172,7 @@ TEST(TimerPeriod, BothPlatformsStateAMillisecond)
     EXPECT_EQ(TimerPeriod::milliseconds(), 1U);
 }
 
-// A timer service that notes what it is asked for.
+// A timer service that records the requests.
 namespace fake
 {
 
@@ -223,7 +223,7 @@ TEST_F(TimerPeriodTest, ThePrecisionIsAskedForAndReleasedOnceEachInAnyOrder)
     auto second = std::make_unique<TimerPeriod>(fake::service);
     EXPECT_EQ(fake::begun, (Milliseconds{5, 3}));
     EXPECT_EQ(fake::ended, Milliseconds{});
-    // What is released is what was asked for, whatever is stated by then.
+    // The requested precision is released, whatever is stated by then.
     first.reset();
     EXPECT_EQ(fake::ended, Milliseconds{5});
     first = std::make_unique<TimerPeriod>(fake::service);

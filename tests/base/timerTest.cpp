@@ -93,7 +93,7 @@ TEST(Timer, TheTotalOfARunningTimerHasTheRunningSpan)
         setNow(now);
         EXPECT_EQ(timer.totalTime(), 2 + now - 10);
     }
-    // To ask is not to add.
+    // Reading adds nothing.
     timer.stop();
     EXPECT_EQ(timer.totalTime(), 12);
 }

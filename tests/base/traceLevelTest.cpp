@@ -15,7 +15,7 @@ namespace
 using Zu::Trace;
 using Zu::TraceLevel;
 
-// Nobody but tracing makes or ends a level.
+// Only tracing makes or destroys a level.
 static_assert(!std::is_default_constructible_v<TraceLevel>);
 static_assert(!std::is_constructible_v<TraceLevel, const char*>);
 static_assert(!std::is_copy_constructible_v<TraceLevel>);

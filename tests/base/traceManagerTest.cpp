@@ -66,7 +66,7 @@ public:
     }
 };
 
-// Counts how often what is written is to be seen at once.
+// Counts how often the output is flushed.
 class CountingBuffer : public std::stringbuf
 {
 public:

@@ -63,7 +63,7 @@ TEST_F(TraceOptionsTest, AFileIsCutToItsLastComponents)
     const struct
     {
         const char* _file;
-        // By the number of directories that are asked for, from 0.
+        // Indexed by the number of requested directories, from 0.
         const char* _tails[4];
     } cases[] = {
         {"a/b/c.cpp", {"c.cpp", "b/c.cpp", "a/b/c.cpp", "a/b/c.cpp"}},

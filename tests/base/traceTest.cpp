@@ -27,7 +27,7 @@ namespace
 {
 
 ZU_TRACE_LEVEL(Main);
-// Is on in no test but those that say so.
+// Is on only in tests that switch it on.
 ZU_TRACE_LEVEL(TraceTestQuiet);
 
 using support::coutOf;
@@ -245,7 +245,7 @@ TEST_F(TraceTest, OptionsSayWhatOpensALine)
     }
 }
 
-// What an operation writes to a stream that has a format of its own, which it puts back.
+// What an operation writes to a stream with its own format, which it must restore.
 template <class Write> std::string formattedTextOf(Write write)
 {
     std::ostringstream stream;

@@ -9,13 +9,13 @@
 namespace
 {
 
-// The operations stand one behind the other, the first one in this slot.
+// The operations have consecutive slots, beginning with this one.
 template <class... Members> void expectSlotsFrom(std::ptrdiff_t first, Members... members)
 {
     for (const auto slot : {support::slotOf(members)...}) EXPECT_EQ(slot, first++);
 }
 
-// What stands behind the two slots of a destructor.
+// What follows the two slots of a destructor.
 constexpr std::ptrdiff_t behindDestructor = 2;
 
 template <class T> class VirtualTablesTyped : public testing::Test

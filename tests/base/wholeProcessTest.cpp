@@ -30,7 +30,7 @@ namespace LgTypes = Zu::LgTypes;
 
 using Lines = std::vector<std::string>;
 
-// What a story prints, when the program ends well and says nothing on standard error.
+// The output of a scenario in a successful run that writes nothing to standard error.
 std::string told(const std::string& story, const Environment& changes = {},
                  const std::vector<std::string>& arguments = {})
 {
@@ -239,7 +239,7 @@ TEST_F(WholeProcessRoad, IsSeenStepByStepFromOutside)
               // Nothing is formatted for a level that is off, whether the logger is active or not.
               "level off: formatted 0, waiting no, in the file 0\n"
               "level off: formatted 0, waiting no, in the file 0\n"
-              // Inactive: straight to standard output, without what is of level Profiling.
+              // Inactive: straight to standard output, without events of level Profiling.
               "Road straight 1\n"
               "inactive: formatted 1, waiting no, in the file 0\n"
               // Active: an entry with its time and its text, and no line yet.
@@ -264,7 +264,7 @@ TEST_F(WholeProcessRoad, IsSeenStepByStepFromOutside)
 
 TEST_F(WholeProcessRoad, AnEventIsSeenWhenItIsPublishedAndHasTheTimeOfItsReservation)
 {
-    // Two slots of 1,024 are never used for events: what finds no room is counted.
+    // Two slots of 1,024 are never used for events: an event that finds no room is counted.
     EXPECT_EQ(outputOf("walkByHand"), "enabled no yes\n"
                                       "reserved\n"
                                       "reserved: no event\n"
