@@ -122,7 +122,7 @@ TEST(DbgBuildInfoUtil, TheSwitchesAreThoseOfThisFrontAlone)
               STAMP_KEPT);
 }
 
-// What print shows when no more than the library is registered.
+// The output of print when only the library is registered.
 const std::string GROUP = UNKNOWN + "API Corvane 0.2 pre-alpha: \n"
                                     "\tlibZUbase (P. 187)\n";
 
@@ -184,7 +184,7 @@ TEST(DbgBuildInfoUtil, TheEnvironmentCountsFromTheStartOn)
 {
     const Environment environment{{NO_VALIDATE, "1"}, {CHECK_STAMPS, "1"}};
     EXPECT_EQ(outputOf(joined({FIRST, STAMP, {"living"}}), environment), STAMP_KEPT);
-    // It overrides what the program has set before, and is overridden by what the program sets later.
+    // It overrides what the program has set before, and what the program sets later overrides it.
     EXPECT_EQ(outputOf(joined({{"validate", "1", "start"}, FIRST, VERSION, {"living"}}),
                        {{NO_VALIDATE, "1"}}),
               VERSION_KEPT);

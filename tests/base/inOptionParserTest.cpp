@@ -21,8 +21,8 @@ using Zu::InOptionParser;
 constexpr int UNKNOWN = 63;
 constexpr int END = -1;
 
-// An argument vector whose words stand in arrays of just their size, so that a look outside of
-// one is seen.
+// An argument vector whose words are in arrays of exactly their size, so that an access outside one
+// is detected.
 class Arguments
 {
 public:
@@ -74,7 +74,7 @@ struct Step
     }
 };
 
-// All steps up to the end of the options; `index` becomes the index that stands then.
+// All steps up to the end of the options; `index` becomes the index at that point.
 std::vector<Step> parse(const std::vector<std::string>& words, const char* options, int& index)
 {
     Arguments arguments(words);

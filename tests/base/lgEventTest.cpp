@@ -197,8 +197,8 @@ template <class... Arguments> std::string printed(const char* format, Arguments.
     return text;
 }
 
-// Groups stand and the process logs into a queue of the test, until the test ends. Of the groups
-// Query has all levels, Quiet those of a group that nobody configured.
+// Groups are started and the process logs into a queue of the test, until the test ends. The group
+// Query has all levels, Quiet those of a group that was not configured.
 class LgEventTest : public testing::Test
 {
 protected:
@@ -642,7 +642,7 @@ TEST_F(LgEventTest, WhateverWasInsertedBeforeAnExceptionIsTakenBack)
         {
             EXPECT_THROW(log(), std::domain_error);
             EXPECT_TRUE(_queue.isEmpty()) << length;
-            // Moves through the ring, and leaves no more room than is there.
+            // Moves through the ring, and leaves no more room than there is.
             const std::string kept(i % 2 ? 7001U : 32500U, 'y');
             ZU_LOG_WARNING(Query, kept);
             EXPECT_THROW(log(), std::domain_error);
@@ -769,7 +769,7 @@ TEST_F(LgEventTest, AnObserverThatFailsLeavesTheEventPublished)
     EXPECT_EQ(takeAll(_queue), (Texts{"Query one", "Query two"}));
 }
 
-// Traces a line of its own while it is inserted.
+// Traces a line while it is inserted.
 struct Tracing
 {
 };

@@ -400,8 +400,8 @@ TEST(LgInterProcessLock, OfThoseWhoWaitWhenTheHolderDiesOneIsTold)
     EXPECT_TRUE(isFree(*lock));
 }
 
-// Nobody else had the lock when its holder died: whether the next one is told is left open, but it
-// is not kept out.
+// Nobody else had the lock when its holder died: the next one may get an exception, but is not
+// locked out.
 TEST(LgInterProcessLock, ADeadUserWhoWasAloneKeepsNobodyOut)
 {
     const std::string name = nameOf("alone");

@@ -52,8 +52,8 @@ const std::string DISABLED = "Disabled";
 
 constexpr int NUM_LEVELS = static_cast<int>(std::size(support::LOG_LEVELS));
 
-// The banner of a file that was opened in some second of this span, as far as the bytes have it;
-// else that of its first second.
+// The banner of a file that was opened in some second of this span, if the bytes contain it;
+// otherwise that of its first second.
 std::string bannerIn(const std::string& bytes, std::time_t from, std::time_t to)
 {
     std::array<char, 40> period{};
@@ -785,8 +785,7 @@ TEST_F(LgLogTest, DestroyLeavesWhatWaitsInQueues)
     EXPECT_EQ(support::bytesOf("mine.log").find("too late"), std::string::npos);
 }
 
-// A variable that is unset at a second init() gives its level everything anew, but for what three
-// levels keep.
+// A variable that is unset at a second init() resets its level, except for what three levels keep.
 TEST_F(LgLogTest, ASecondInitKeepsSomeFlagsOfThreeLevels)
 {
     const std::string events = logFile("events.log") + " ";

@@ -47,8 +47,7 @@ bool hasSpace(const LgQueue& queue, int size)
            queue.getStream().getNumCharacters() >= static_cast<unsigned int>(size);
 }
 
-// Stands for a reader: makes room by taking what is there, when it is told to wait and there is
-// none.
+// Acts as a reader: when it is asked to wait for room, makes room by taking what is there.
 class DrainingObserver : public LgQueue::Observer
 {
 public:

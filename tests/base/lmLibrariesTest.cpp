@@ -29,7 +29,7 @@ using Zu::LmBlock;
 using Zu::LmLibraries;
 using Zu::LmLibrary;
 
-// Something of this program's own that nobody writes to.
+// An object of this program that is never written to.
 const char ownText[] = "a constant of the test program";
 
 std::uintptr_t numberOf(const volatile void* pointer)

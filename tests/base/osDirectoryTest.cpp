@@ -934,8 +934,8 @@ TEST_F(OsDirectoryTest, ADirectoryIsNeverCopiedOntoOrIntoItself)
     makeTree("d");
     makeDirectory("other");
     makeDirectory("d/sub/here");
-    // An existing directory takes the copy under the base name, so the parent stands for the
-    // directory itself.
+    // An existing directory gets the copy under the base name, so the parent means the directory
+    // itself.
     for (const char* const target : {"d", "d/", ".", "./", "other/..", "d/..", "d/sub", "d/sub/",
                                      "d/sub/..", "d/new", "d/new/", "d/./new", "d/sub/new",
                                      "d/sub/../new", "d/sub/here/new", "other/../d/new", "./d/new"})

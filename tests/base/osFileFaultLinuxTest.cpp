@@ -924,7 +924,7 @@ TEST_F(OsFileFaultTest, AFailedFlushIsTold)
         const Fault fault(Call::FSYNC, EIO);
         EXPECT_FALSE(Platform::flush(handle));
         EXPECT_EQ(errno, EIO);
-        // Of a directory it is no more than an attempt.
+        // For a directory it is only attempted.
         Platform::flushDirectoryOf(file("f").c_str());
         EXPECT_EQ(fault.failures(), 2);
     }

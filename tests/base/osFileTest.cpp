@@ -518,7 +518,7 @@ TEST_F(OsFileTest, AFileThatIsOpenElsewhereHasNoAccessOnWindowsOnly)
         EXPECT_EQ(plain.getAccess(), expected);
         EXPECT_EQ(plain.isReadable(), !onWindows);
         EXPECT_EQ(plain.isWritable(), !onWindows);
-        // What shares the file is told.
+        // The size is available nevertheless.
         EXPECT_EQ(plain.getSize(), 7U);
     }
     {

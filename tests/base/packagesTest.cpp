@@ -1,4 +1,4 @@
-// The declared dependencies of the library's packages, each from an object beside the library's own.
+// The declared dependencies of the library's packages, from objects beside the library's own.
 
 #include "base/inInit.h"
 #include "base/zuInit.h"

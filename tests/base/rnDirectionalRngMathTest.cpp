@@ -126,8 +126,8 @@ TYPED_TEST(RnDirectionalRngMath, TheRootIsRoundedCorrectly)
               ROOT_UNITS + 0.001L);
 }
 
-// Near its zeros a function may be far off in units of its own last place, as the platform's
-// number of bits of pi ends somewhere; what stays small is the error itself.
+// Near its zeros a function may be far off in units of its own last place, as the platform has a
+// limited number of bits of pi; the absolute error stays small.
 struct GoldenZero
 {
     bool _isCosine;

@@ -124,8 +124,8 @@ TYPED_TEST(RnDrawTest, ShapedAndMeasuredSourcesGiveWhatTheirCallsGive)
     expectCalls<TypeParam>(uniform, uniformTwin);
 }
 
-// A source that is missing in the list of those that draw alike is correct, but slow. A check sees
-// to it that every source of the library is named here.
+// A source that is missing in the list of those that draw alike is correct, but slow. A check
+// ensures that every source of the library is named here.
 TYPED_TEST(RnDrawTest, EverySourceIsInTheListOrHasAReasonNotToBe)
 {
     RnLecuyerUniformRng<TypeParam> uniform;

@@ -60,7 +60,8 @@ template <class T> std::vector<T> hats(const std::vector<T>& uniforms, T center,
     return values;
 }
 
-// Uniform values of all kinds: the ends, values around the peak, and values that no good source gives.
+// All kinds of uniform values: the ends, those around the peak, and those that no good source
+// gives.
 template <class T> std::vector<T> specialUniforms()
 {
     const T below = std::nextafter(T(1), T(0));

@@ -57,7 +57,7 @@ static_assert(areSources<float>() && areSources<double>());
 // draw, "s" and the length for a sequence, "r" for a restart.
 using Calls = std::vector<std::string>;
 
-// Counts up from a start, in steps of 1, and writes down how it is asked. Its answers tell it from
+// Counts up from a start, in steps of 1, and records its calls. Its values distinguish it from
 // others.
 template <class T> class CountingRng : public RnRng<T>
 {

@@ -105,9 +105,9 @@ Moments momentsOf(const std::vector<double>& samples)
     return moments;
 }
 
-// The values of the distribution function should be even over 0 to 1. With 32 cells the mean of
-// the statistic is 31 and its standard deviation 7.9: it lies outside 8 to 80 less than once in
-// 100,000 times, to either side.
+// The values of the distribution function should be even over 0 to 1. With 32 cells the mean of the
+// statistic is 31 and its standard deviation 7.9: it is outside 8 to 80 less than once in 100,000
+// times, on either side.
 void expectEven(const std::vector<double>& quantiles)
 {
     constexpr std::size_t N_CELLS = 32;

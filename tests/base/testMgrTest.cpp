@@ -536,7 +536,7 @@ TEST(TestMgr, TheFlagOfAProfiledProgramIsKept)
     EXPECT_FALSE(Zu::TestGroup::isPixified());
 }
 
-// Copies of the program under other names. On Windows they stand beside the original, where the
+// Copies of the program under other names. On Windows they are beside the original, where the
 // libraries are found.
 class RenamedProgram : public testing::Test
 {

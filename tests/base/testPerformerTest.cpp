@@ -156,8 +156,8 @@ protected:
         return coutOf([&] { execute(content); });
     }
 
-    // The reason of the error that a file raises; what stands before the raise and behind it is
-    // that of the loading.
+    // The reason of the error that a file raises; the text before and after the raise is that of
+    // the loading.
     static std::string errorOfFile(const std::string& file)
     {
         std::string reason = "nothing raised";

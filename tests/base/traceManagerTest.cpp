@@ -86,7 +86,7 @@ protected:
     TraceManagerTest()
     {
         // The first manager of a process is current whatever its priority; later tests could not
-        // tell.
+        // check that.
         const Recording first(1);
     }
 

@@ -88,7 +88,7 @@ std::string rowOf(bool on, const std::string& name, const std::vector<std::strin
     return row + "\n";
 }
 
-// Whether the levels have this row, and no more files in it.
+// Whether the levels have exactly this row, with no further files in it.
 bool hasRow(const std::string& row)
 {
     const std::string text = levelsText();

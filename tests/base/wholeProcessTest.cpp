@@ -62,8 +62,9 @@ std::string startedAndStopped()
     return told("startAndStop", {{"WHOLE_WORD", "set"}}, {"-w", "typed", "rest"});
 }
 
-// A package behind one of the library, what it has of the four values, and what is ready when it
-// goes up. The same is there when it goes down, but for facts about the machine, which stay.
+// A package that follows one of the library, its available values out of four, and what is ready
+// when it starts. The same is available when it stops, except for facts about the machine, which
+// remain.
 struct Stage
 {
     const char* _package;
