@@ -8,7 +8,7 @@ int main(int argc, char** argv)
     const Zu::InInitGuard guard(argc, argv);
     const std::unique_ptr<Zu::PeriodicTimer> timer(Zu::PeriodicTimer::create(0.01));
     timer->start();
-    // A thread that is busy for longer than a beat misses some: the count tells, not the returns.
+    // A thread that is busy for longer than a beat misses some: rely on the count, not on returns.
     while (timer->wait() < 10) continue;
     std::cout << "beat " << timer->getCurrentCount() << "\n";
     timer->stop();

@@ -1,4 +1,4 @@
-// A library of the family that tells of its build.
+// A library of the family that registers its build.
 #include "base/base.h"
 #include <iostream>
 

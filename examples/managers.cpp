@@ -1,4 +1,4 @@
-// A heap manager and a trace manager of an application's own.
+// An application's own heap manager and trace manager.
 #include "base/base.h"
 #include <iostream>
 #include <string>
@@ -8,7 +8,7 @@ ZU_TRACE_LEVEL(Heap);
 namespace
 {
 
-// A front for a heap that counts its blocks.
+// The manager of a heap that counts its blocks.
 class CountingHeap : public Zu::HmHeapMgr
 {
 public:
@@ -28,7 +28,7 @@ private:
     int _blocks = 0;
 };
 
-// Takes the lines of tracing with a number before each.
+// Prints trace lines, each with a number in front.
 class NumberedLines : public Zu::TraceManager
 {
 public:

@@ -1,4 +1,4 @@
-// A job in cycles: how long its parts take, told through the log, with a trace of one of them.
+// A job in cycles: how long its parts take, as a log event, with a trace of one cycle.
 #include "app/lgService.h"
 #include "base/base.h"
 #include <cmath>

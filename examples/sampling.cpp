@@ -1,4 +1,4 @@
-// Uniform, normal and measured samples, and a source in the place of the standard library's.
+// Uniform, normal and measured samples, and a source in place of the standard library's.
 #include "base/base.h"
 #include <algorithm>
 #include <functional>

@@ -1,4 +1,4 @@
-// Exact time: counts of ticks at rates, and what becomes of them.
+// Exact time: counts of ticks at rates, and operations on them.
 #include "base/base.h"
 #include "base/dtChrono.h"
 #include <chrono>
@@ -17,10 +17,10 @@ int main()
     std::cout << sample << ", equal: " << (sample == frame) << "\n";
     std::cout << sample.convertRate(frame.getRate()) << " again\n";
 
-    // Between other rates ticks are cut off, toward zero.
+    // Between other rates fractions of ticks are truncated, toward zero.
     std::cout << Zu::DtTime(1, 30000, 1001).convertRate(Zu::Rational(25, 1)) << " of 0.83\n";
 
-    // Times of different rates meet at the product of both, or at a million per second.
+    // The common rate of two times is the product of both, or a million per second.
     std::cout << Zu::DtTime(1, 25, 1) + Zu::DtTime(1, 30000, 1001) << "\n";
     std::cout << Zu::DtTime(48000, 48000, 1) + Zu::DtTime(44100, 44100, 1) << "\n";
 

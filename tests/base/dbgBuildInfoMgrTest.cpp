@@ -76,7 +76,8 @@ std::string outputOf(const std::vector<Words>& parts, const support::Environment
     return result.out.substr(0, result.out.size() - std::min(result.out.size(), END.size()));
 }
 
-// What print gives, in parts: the banner and then the groups in byte order, as theirs is open.
+// The output of print, in parts: the banner and then the groups in byte order, as their order is
+// unspecified.
 std::vector<std::string> partsOf(const std::string& text)
 {
     std::vector<std::string> parts{""};
@@ -441,7 +442,7 @@ TEST(DbgBuildInfoMgr, ApisAreToldApartByTheirWholeNames)
     EXPECT_EQ(partsOf(outputOf(words)), expected);
 }
 
-// What a test can't know, as the build supplies it, is put into a word.
+// Replaces texts that depend on the build by a word.
 std::string libraryGroup(const std::string& text)
 {
     const std::regex date("(Jan|Feb|Mar|Apr|May|Jun|Jul|Aug|Sep|Oct|Nov|Dec) [ 123][0-9] "

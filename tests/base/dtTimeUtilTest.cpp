@@ -274,7 +274,7 @@ const Reading READINGS[] = {
     {"9223372036854775807 2147483647 1", "9223372036854775807 at 2147483647/1"},
     {"-9223372036854775808 -2147483648 1", "-9223372036854775808 at -2147483648/1"},
     {"1 1 2147483647", "1 at 1/2147483647"},
-    // Blanks, a fourth field, and what follows digits.
+    // Blanks, a fourth field, and text after digits.
     {"  7   25  1 trailing", "7 at 25/1"},
     {"7 25 1 2 3 4", "7 at 25/1"},
     {"7 25 1 ", "7 at 25/1"},

@@ -1,4 +1,4 @@
-// What holds for every class of every exception family; the families' own tests give the tables.
+// Properties of every class of every exception family; the families' own tests provide the tables.
 
 #include "support/exceptionChecks.h"
 

@@ -157,7 +157,7 @@ template <class T> void expectWhole(const std::vector<WholeRow<T>>& rows)
     }
 }
 
-// What holds in both precisions; -0 only where the argument is.
+// Properties in both precisions; the result is -0 only where the argument is.
 template <class T> std::vector<WholeRow<T>> commonWholeRows()
 {
     const T tiny = Limits<T>::denorm_min();

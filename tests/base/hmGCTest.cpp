@@ -72,8 +72,7 @@ TEST(HmGC, WorksWithoutAnySetting)
     });
 }
 
-// Under the address sanitizer this also says that the settings of an object without any can be
-// copied.
+// Under the address sanitizer this also shows that an object without settings can be copied.
 TEST(HmGC, SettingsAreCopied)
 {
     std::ostringstream output;

@@ -424,8 +424,7 @@ TEST_F(HmHeapMgrTest, BeforeStartUpThereIsNoInstance)
     }
 }
 
-// What the program prints between its start and its end, with these variables and no other one of
-// the heap.
+// What the program prints between its start and its end, with only these variables of the heap.
 std::string outputOf(const char* word, const Environment& changes)
 {
     Environment environment{{LEVEL, std::nullopt}};

@@ -13,8 +13,8 @@ namespace
 
 using Frames = std::vector<std::string>;
 
-// Names are arrays of their own, so that a sanitizer sees each character read too far. The null
-// name at the end is there for every stack.
+// Names are separate arrays, so that a sanitizer detects each character read too far. Every stack
+// ends with a null name.
 bool isUnknown(const Frames& frames, const std::string& knownLeaks)
 {
     std::vector<Zu::ArrayPtr<char>> stack(frames.size() + 1);

@@ -131,8 +131,8 @@ struct Expectation
     std::string _report;
 };
 
-// What must come of a graph without edges to oneself and without an edge given twice. Names are in
-// ascending order of the index.
+// The expected result for a graph without self-loops and duplicate edges. Names are in ascending
+// order of the index.
 Expectation expectationOf(const Graph& graph)
 {
     const std::vector<std::set<int>> reach = reachable(graph);

@@ -1,4 +1,4 @@
-// The library's own packages, started and stopped by a program that has none.
+// The library's own packages, started and stopped by a program without packages.
 
 #include "base/inInitMgr.h"
 

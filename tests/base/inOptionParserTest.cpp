@@ -61,7 +61,7 @@ Value valueOf(const char* text)
     return text ? Value(text) : std::nullopt;
 }
 
-// What one call of getOption() gave.
+// The result of one call of getOption().
 struct Step
 {
     int _option;
@@ -391,7 +391,7 @@ private:
     std::vector<std::string> _words;
     std::string _options;
     std::size_t _word = 0;
-    // The letter of that word which comes next.
+    // The next letter of that word.
     std::size_t _letter;
     bool _hasValue = false;
     std::string _value;

@@ -1,5 +1,5 @@
-// Variables asked for before there is any. The library's own two are built with it, so it is the
-// static library that a program can be earlier than.
+// Variables queried before there are any. The library's own two are constructed with it, so only
+// with the static library can a program come earlier.
 
 #include "base/inVariableBase.h"
 
@@ -29,7 +29,7 @@ TEST(InVariableBase, BeforeAnyVariableExistsEveryHandleIsUnknown)
     EXPECT_EQ(theEarly._found, nullptr);
     EXPECT_EQ(theEarly._foundNull, nullptr);
     EXPECT_FALSE(theEarly._isOverridden);
-    // It is there by now: the question came before it.
+    // It exists by now: the query came before it.
     EXPECT_NE(InVariableBase::queryViaHandle(HANDLE), nullptr);
 }
 

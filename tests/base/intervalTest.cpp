@@ -572,8 +572,8 @@ TEST(Interval, ExclusiveContainmentDoesNotCountACommonEndPoint)
         });
 }
 
-// The three questions of a classification and the answer to each combination of them. All small
-// intervals reach all eight.
+// The three conditions of a classification and the result of each combination. Small intervals
+// cover all eight.
 TEST(Interval, EveryCombinationOfTheThreeTestsHasItsContainment)
 {
     const int inclusive[] = {0, 0, 0, 0, 1, 1, 2, 3};

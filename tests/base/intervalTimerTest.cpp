@@ -67,7 +67,7 @@ NativeTimer readWallClock()
     return reading;
 }
 
-// What all kinds have in common. The counter's engine is left to the constructors.
+// What all kinds have in common. The constructors make the counter's engine.
 template <class T> class IntervalTimerKindTest : public testing::Test
 {
 protected:

@@ -68,7 +68,7 @@ Zu::LgStream& operator<<(Zu::LgStream& stream, const Colour& colour)
     return stream << (colour == Colour::RED ? "red" : "green");
 }
 
-// One that can't be copied, and whose operator is a friend that only its type leads to.
+// A type that can't be copied, with a friend operator that only argument-dependent lookup finds.
 class Box
 {
 public:
@@ -322,7 +322,7 @@ TEST_F(LgEventTest, TheGroupDecidesWhichLevelsAreLogged)
     LgMajorGroup& group = LgMajorGroup::getInstanceForName("Database");
     for (const LgTypes::Level threshold : LEVELS)
     {
-        // With Profiling that level comes on beside the others.
+        // Profiling switches that level on in addition to the others.
         group.setLogThreshold(threshold, true);
         Texts expected;
         for (const LgTypes::Level level : LEVELS)
@@ -577,7 +577,7 @@ TEST_F(LgEventTest, AnOperandThatLogsItselfDoesSoBeforeTheEvent)
     EXPECT_EQ(written(log), expected[0] + '\n' + expected[1] + '\n' + expected[2] + '\n');
 }
 
-// Its insertion does something beside.
+// Its insertion has a side effect.
 struct Acting
 {
     std::function<void()> _act;

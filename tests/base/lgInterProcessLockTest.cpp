@@ -41,7 +41,7 @@ Lock create(const std::string& name)
     return Lock(LgInterProcessLock::create(name.c_str()));
 }
 
-// Another process that does what lockProgram has the word for, as far as the markers let it.
+// Another process that carries out a command of lockProgram, step by step as the markers permit.
 class Child
 {
 public:
@@ -104,7 +104,8 @@ private:
     std::future<support::ProgramResult> _result;
 };
 
-// Whether a thread that has not got the lock can take it. What that raises is passed on.
+// Whether a thread that does not hold the lock can take it. Exceptions of the attempt are passed
+// on.
 bool isFree(LgInterProcessLock& lock)
 {
     std::future<void> taken = std::async(std::launch::async,
@@ -123,8 +124,8 @@ bool isFree(LgInterProcessLock& lock)
     return false;
 }
 
-// Raises a number step by step in several threads, each step within `guarded`. The number is what
-// it should be if no two were in there together.
+// Increments a number in several threads, each step within `guarded`. The result is correct if no
+// two were inside at the same time.
 void expectExclusion(const std::function<void(const std::function<void()>&)>& guarded)
 {
     constexpr int threads = 4;

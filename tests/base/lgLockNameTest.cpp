@@ -73,7 +73,7 @@ TEST(LgLockName, EveryByteIsEitherKeptOrEscaped)
     }
 }
 
-// A name can be read back from its text, so no two names have the same one; and a name of slashes
+// A name can be recovered from its text, so no two names have the same text; and a name of slashes
 // and dots does not lead to another directory.
 TEST(LgLockName, NamesOfDifferentTextStayDifferentAndNoneLeadsElsewhere)
 {

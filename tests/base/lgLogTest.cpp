@@ -1248,7 +1248,7 @@ TEST(LgLog, ALockThatCannotBeMadeIsAnError)
               "start: system error\nend of main\n");
 }
 
-// What only nonsense in the environment asks for.
+// Values that only nonsense in the environment requests.
 TEST(LgLog, AProcessGoesOnWithMalformedVariables)
 {
     const TempDir dir;

@@ -47,7 +47,7 @@ using Zu::LgQueue;
 using Zu::LgReader;
 namespace LgTypes = Zu::LgTypes;
 
-// With 4 entries, of which two events fill all that is there for events.
+// With 4 entries; two events fill all the slots for events.
 class SmallQueue : public LgQueue
 {
 public:
@@ -87,8 +87,8 @@ void note(LgQueue& queue, Notes& notes)
     queue.changeObserver(Zu::ObjPtr<LgQueue::Observer>(new Noting(notes)));
 }
 
-// All levels append to one file, of which written() gives what came behind the banner; time stamps
-// are off until a test asks for them.
+// All levels append to one file; written() returns what follows its banner. Time stamps are off
+// unless a test enables them.
 class LgReaderTest : public support::LogFilesTest
 {
 protected:
@@ -138,8 +138,8 @@ std::string prefixOf(std::uint64_t ticks, unsigned long thread, const char* leve
     return prefix.data();
 }
 
-// Loses one event of level Error after another in a queue that two events filled; these are taken
-// out again.
+// Loses events of level Error one after another in a queue filled by two events, which are then
+// taken out again.
 void lose(SmallQueue& queue, int count)
 {
     for (int i = 0; i < 2; ++i) addEvent(queue, LgTypes::Error, "fills");

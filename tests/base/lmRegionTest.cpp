@@ -324,8 +324,8 @@ TEST(LmRegion, AnAllocationThatEndsMeanwhileDoesNotEndTheWalk)
     questions._query = [&memory, &looks, find = questions._query](Address address, Region& region)
     {
         if (!find(address, region)) return false;
-        // The heap is there when the walk comes to it, behind a look from the module before, and
-        // gone when its size is asked for.
+        // The heap exists when the walk reaches it, after a query from the preceding module, and is
+        // gone when its size is queried.
         if (address == 1500 && ++looks == 2) memory._regions[5] = {1500, 0, 0, 500, FREE, 1};
         return true;
     };
@@ -353,7 +353,7 @@ TEST(LmRegion, AModuleThatEndsMeanwhileIsNoLibrary)
     EXPECT_EQ(textsOf(found), (Texts{USUAL[1], USUAL[2]}));
 }
 
-// A name of any length is taken; what cuts it is the system's answer.
+// A name of any length is accepted; only the system's result truncates it.
 TEST(LmRegion, NamesAreTakenAsTheyAreGiven)
 {
     for (const std::size_t length : {std::size_t{1}, std::size_t{148}, std::size_t{149}})

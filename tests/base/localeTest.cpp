@@ -68,7 +68,7 @@ template <class Act> std::string writtenBy(Act act)
     return os.str();
 }
 
-// Of what is not the same each time only the digits: points and separators stay to be seen.
+// Masks only the digits of varying values: points and separators remain visible.
 std::string withoutDigits(std::string text)
 {
     for (char& character : text)
@@ -364,7 +364,7 @@ protected:
         set("ZU_LOG_GROUPS", "Locale=Tracing");
         init();
         ZU_START_LOG_GROUP("Locale", Locale);
-        // What registers itself at its first use is there from here on.
+        // Objects that register themselves at their first use exist from here on.
         texts();
     }
 

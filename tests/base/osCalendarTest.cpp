@@ -208,7 +208,7 @@ TEST(OsCalendar, LocalTimesAroundAChangeOfTheOffset)
         {{at, HOUR, HOUR}, at, at - HOUR},
         {{at, -5 * HOUR, -5 * HOUR}, at, at + 5 * HOUR},
         {{at, 5 * HOUR + 1800, 5 * HOUR + 1800}, at, at - 5 * HOUR - 1800},
-        // From one hour ahead to two: what clocks skip counts by the offset before.
+        // From one hour ahead to two: times that clocks skip are counted by the earlier offset.
         {{at, HOUR, 2 * HOUR}, at + HOUR - 1, at - 1},
         {{at, HOUR, 2 * HOUR}, at + HOUR, at},
         {{at, HOUR, 2 * HOUR}, at + HOUR + 1800, at + 1800},
@@ -218,7 +218,7 @@ TEST(OsCalendar, LocalTimesAroundAChangeOfTheOffset)
         {{at, HOUR, 2 * HOUR}, at + 3 * HOUR, at + HOUR},
         {{at, HOUR, 2 * HOUR}, at - 30 * DAY, at - 30 * DAY - HOUR},
         {{at, HOUR, 2 * HOUR}, at + 30 * DAY, at + 30 * DAY - 2 * HOUR},
-        // And back: of what clocks show twice, the first.
+        // And back: of times that clocks show twice, the first.
         {{at, 2 * HOUR, HOUR}, at + HOUR - 1, at - HOUR - 1},
         {{at, 2 * HOUR, HOUR}, at + HOUR, at - HOUR},
         {{at, 2 * HOUR, HOUR}, at + HOUR + 1800, at - 1800},

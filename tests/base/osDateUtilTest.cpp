@@ -386,7 +386,7 @@ TEST(OsDateUtil, AtPresentDayDatesSumsAreRoundedTo16Ticks)
         {1, 1e-7, 2},
         {3, 2, 20000003},
         {TICKS_PER_DAY * 365 + 1, -1, TICKS_PER_DAY * 365 + 1 - TICKS_PER_SECOND},
-        // What is left of a tick is cut off.
+        // Fractions of a tick are truncated.
         {100, 1.9e-7, 101},
         {100, -1.9e-7, 98},
     };
@@ -527,13 +527,13 @@ TEST_F(OsDateUtilLocalTest, LocalTimesHaveTheOffsetOfTheirDate)
         {{2021, 7, 1, 0, 30, 0}, "2021-06-30 22:30"},
         {{2300, 1, 15, 12, 0, 0}, "2300-01-15 11:00"},
         {{2300, 7, 15, 12, 0, 0}, "2300-07-15 10:00"},
-        // The clocks go from 2:00 to 3:00; what they skip comes by the offset before.
+        // Clocks go from 2:00 to 3:00; times that they skip are counted by the earlier offset.
         {{2021, 3, 28, 1, 59, 59.999}, "2021-03-28 00:59"},
         {{2021, 3, 28, 2, 0, 0}, "2021-03-28 01:00"},
         {{2021, 3, 28, 2, 30, 0}, "2021-03-28 01:30"},
         {{2021, 3, 28, 2, 59, 59.999}, "2021-03-28 01:59"},
         {{2021, 3, 28, 3, 0, 0}, "2021-03-28 01:00"},
-        // They go from 3:00 back to 2:00; of what they show twice, the first.
+        // They go from 3:00 back to 2:00; of times that they show twice, the first.
         {{2021, 10, 31, 1, 59, 59.999}, "2021-10-30 23:59"},
         {{2021, 10, 31, 2, 0, 0}, "2021-10-31 00:00"},
         {{2021, 10, 31, 2, 30, 0}, "2021-10-31 00:30"},

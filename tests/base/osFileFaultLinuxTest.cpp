@@ -414,7 +414,7 @@ TEST_F(OsFileFaultTest, WhatReplacesAFileHasItsOwnerGroupAndModes)
     }
 }
 
-// What was lent to the former group would be lent to another one.
+// Rights granted to the former group would be granted to another one.
 TEST_F(OsFileFaultTest, WhereOwnerOrGroupCanNotBeKeptTheRightsThatGoWithThemGo)
 {
     ZU_TEST_ASK_FOR_ROOT();
@@ -608,7 +608,7 @@ TEST_F(OsFileFaultTest, AFifoIsNotReplaced)
         EXPECT_THROW(OsFileTools::replaceAll(path(name), "x"), OsFileEx::ExInvalidPath);
     EXPECT_TRUE(std::filesystem::is_fifo(file("fifo")));
     EXPECT_TRUE(std::filesystem::is_symlink(file("link")));
-    // A link of the system's own, whose text leads nowhere.
+    // One of the system's own links, whose text leads nowhere.
     int ends[2];
     ASSERT_EQ(pipe(ends), 0);
     const std::string pipeEnd = "/proc/self/fd/" + std::to_string(ends[1]);
@@ -852,7 +852,7 @@ TEST_F(OsFileFaultTest, AFailedLookAtTheFileRaises)
     const OsFile plain(made("f", "content"));
     const auto code = [](auto act)
     {
-        // The first look is whether it is there.
+        // The first call checks its existence.
         const Fault fault(Call::STAT, EIO, Fault::ALWAYS, 1);
         return codeOf(act);
     };
@@ -1008,7 +1008,7 @@ TEST_F(StandardDescriptorsTest, WithoutAnotherNumberOpeningFails)
     {
         const rlimit few{STDERR_FILENO + 1, old.rlim_max};
         ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &few), 0);
-        // What can't be had under the limit is an invalid number.
+        // A number that is impossible under the limit is invalid.
         EXPECT_EQ(codeOf([&] { const OsFileReader reader(existing); }), EINVAL);
         ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &old), 0);
     }

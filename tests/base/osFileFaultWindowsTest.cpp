@@ -94,7 +94,7 @@ TEST_F(OsFileFaultTest, EveryQuestionPassesOnWhyItFailed)
 TEST_F(OsFileFaultTest, WhatGoesWrongBetweenTwoLooksIsTheSystemsError)
 {
     const OsFile plain(made("f", "content"));
-    // The first look is whether it is there.
+    // The first call checks its existence.
     const Fault fault(Call::GET_FILE_ATTRIBUTES, ERROR_IO_DEVICE, Fault::ALWAYS, 1);
     EXPECT_EQ(codeOf([&] { (void)plain.getType(); }), ERROR_IO_DEVICE);
 }

@@ -315,7 +315,7 @@ TEST(OsFilePath, TheDirectoryOfOneOrTwoPointsIsTheDirectoryItself)
     EXPECT_EQ(OsFilePath(".").getDirectoryName().getChars(), current.string());
     EXPECT_EQ(OsFilePath("..").getDirectoryName().getChars(), current.parent_path().string());
     EXPECT_EQ(OsFilePath(".").getBaseName().getChars(), current.filename().string());
-    // Only these two texts are meant, not all that lead to the same place.
+    // Only these two texts count, not every text for the same place.
     EXPECT_EQ(pathOf(native("./.")).getDirectoryName().getChars(), current.parent_path().string());
 }
 
@@ -352,7 +352,7 @@ TEST(OsFilePath, AFullPathOfMoreThan1023CharactersRaises)
         EXPECT_THROW(path.getDirectoryName(), Zu::ExSysErrorWindows) << length;
         EXPECT_THROW(path.getExtension(), Zu::ExSysErrorWindows) << length;
     }
-    // What is added to a relative path counts too.
+    // The part added to a relative path counts too.
     const std::string relative(1023, 'x');
     EXPECT_THROW(pathOf(relative).getBaseName(), Zu::ExSysErrorWindows);
 }

@@ -26,7 +26,7 @@ using Zu::OsFileTypes;
 
 const OsFileTypes::Permissions usual;
 
-// What an exception would carry now.
+// The code that an exception would have now.
 int lastError()
 {
     return codeOf([] { throw Zu::ExSysErrorWindows("file", 1); });

@@ -383,7 +383,7 @@ TEST_F(OsFileReaderTest, DescriptorsAreGivenBackHoweverItEnds)
         EXPECT_THROW(OsFileReader{OsFilePath()}, OsFileEx::ExNullFilePath);
         EXPECT_THROW(
             {
-                // Windows opens no directory, Linux reads none.
+                // Windows can't open a directory, Linux can't read one.
                 OsFileReader reader(directory);
                 char byte;
                 reader.read(&byte, 1);

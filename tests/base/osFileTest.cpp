@@ -908,7 +908,7 @@ TEST_F(OsFileTest, ACopyIntoADirectoryHasTheBaseName)
     OsFile plain = made("name.ext", "content");
     plain.copyTo(path("d"));
     EXPECT_EQ(readFile(file("d/name.ext")), "content");
-    // With a separator at the end, and onto the copy that is there by now.
+    // With a separator at the end, and onto the copy that exists by now.
     writeFile(file("name.ext"), "new");
     plain.copyTo(pathOf(file("d") + OsFilePath::getSeparator()));
     EXPECT_EQ(readFile(file("d/name.ext")), "new");

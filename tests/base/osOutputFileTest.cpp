@@ -134,7 +134,7 @@ TEST_F(OsOutputFileSharedTest, NothingStaysOpen)
     EXPECT_EQ(support::openHandles(), before);
 }
 
-// What the system refuses is lost at once, and not written when somebody closes the file.
+// Output that the system refuses is lost at once, and not written when the file is closed.
 TEST_F(OsOutputFileTest, NothingIsKeptForLater)
 {
     std::ofstream stream;

@@ -55,8 +55,8 @@ std::string echoOf(const std::vector<std::string>& words)
     return read(dir.file("out"));
 }
 
-// Waits until the file can be read, which may be a little after its name is there; the patience
-// only bounds a hang.
+// Waits until the file can be read, which may be slightly later than its name appears; the patience
+// only limits a hang.
 bool appears(const std::string& file)
 {
     const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(120);

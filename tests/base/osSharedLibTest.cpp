@@ -142,8 +142,8 @@ TEST(OsSharedLib, FunctionsOfOtherLibrariesAreNotFound)
     EXPECT_THROW(library->getFunction(nullptr), OsSharedLibEx::ExFunctionNotFound);
 }
 
-// Where a function is, the library decides when it is loaded: it may lead to another library, or
-// into the system's own.
+// The library chooses the address of a function when it is loaded: it may be in another library, or
+// in one of the system.
 TEST(OsSharedLib, AnIndirectFunctionOfALibraryIsItsOwnWhereverItLeads)
 {
     if (onWindows) GTEST_SKIP() << "Libraries there have no such functions.";

@@ -61,7 +61,7 @@ TEST(OsSymbolTable, TheOlderTableTellsWhatIsDefined)
     const std::uint32_t printfIndex = library.add("printf", TEXT);
     const std::uint32_t exitIndex = library.add("exit", UNDEFINED);
     const std::uint32_t syscallIndex = library.add("syscall", TEXT);
-    // All in one bucket, one behind the other; then each in its own of a million.
+    // All in one bucket, one after the other; then each in a bucket of its own among a million.
     const Words one = {1, 4, printfIndex, 0, exitIndex, syscallIndex, 0};
     EXPECT_TRUE(osDefines(library.withHash(one), "printf"));
     EXPECT_TRUE(osDefines(library.withHash(one), "syscall"));
@@ -87,8 +87,8 @@ TEST(OsSymbolTable, TheTableOfTheGnuLinkerTellsWhatIsDefined)
     library.add("syscall", TEXT);
     library.add("exit", UNDEFINED);
     EXPECT_EQ(undefined, 1U);
-    // A bucket, the first index, two words of 64 bits that are not looked at, their shift. The
-    // lowest bit of a hash marks the end.
+    // A bucket, the first index, two words of 64 bits that are ignored, their shift. The lowest bit
+    // of a hash marks the end.
     const Words one = {1,
                        printfIndex,
                        2,

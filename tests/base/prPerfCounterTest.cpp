@@ -456,7 +456,7 @@ TEST_F(PrCounterValueIn, ValuesStandAtAnyOffset)
     }
 }
 
-// The names of instances, what is asked for and which instance it finds; none is -1.
+// The names of instances, the requested name and the instance that it finds; -1 for none.
 const struct
 {
     std::vector<std::u16string> _names;
@@ -581,8 +581,8 @@ struct Places
         _instances.push_back(at);
     }
 
-    // The objects, and behind the last; the instances of the second one, and behind the last;
-    // their values.
+    // The objects, and the place behind the last; the instances of the second one, and the place
+    // behind the last; their values.
     std::vector<std::size_t> _objects;
     std::vector<std::size_t> _instances;
     std::vector<std::size_t> _values;
@@ -608,8 +608,8 @@ std::string outcomeWith(std::size_t place, std::uint32_t number, const Request& 
     return outcomeOf(data, request);
 }
 
-// A field that holds a length or an offset, how much it may be at most, and what follows from a
-// length of 0 and from one that leads out.
+// A field with a length or an offset, its maximum, and the outcome of a length of 0 and of one that
+// leads out of the data.
 struct LengthField
 {
     const char* _name;
@@ -693,7 +693,7 @@ TEST_F(PrCounterValueIn, ABlockWithoutAHeaderIsNotAnObjectItself)
     put(data, BLOCK_TOTAL, data.size());
     put(data, BLOCK_HEADER, 0);
     EXPECT_EQ(outcomeOf(data, {SYSTEM, 10}), badObject(SYSTEM));
-    // What follows a header is an object.
+    // A header is followed by an object.
     const Bytes block = blockOf({object});
     data.insert(data.begin(), block.begin(), block.begin() + BLOCK);
     put(data, BLOCK_TOTAL, data.size());
@@ -839,7 +839,7 @@ TEST_F(PrCounterValueIn, DataThatEndBeforeTheBlockHaveOnlyTheirWholeObjects)
                 put(data, BLOCK_TOTAL, total);
                 data = Bytes(data.begin(), data.begin() + static_cast<std::ptrdiff_t>(size));
                 const std::string found = outcomeOf(data, request);
-                // A block that leads out of the data may count as not there.
+                // A block that leads out of the data may count as missing.
                 const bool isThere = size >= endOf(request) && found != badObject(request._object);
                 ASSERT_EQ(found, isThere ? outcome : badObject(request._object)) << size;
                 if (size == total)
@@ -995,7 +995,7 @@ struct Source
         _names.insert(valueName);
         _sizes.push_back(size);
         for (std::uint32_t i = 0; i < size; ++i) _isZeroed = _isZeroed && buffer[i] == 0;
-        // What is written before the buffer turns out to be too small is of no use.
+        // Data written before the buffer turns out to be too small are ignored.
         for (std::uint32_t i = 0; i < size; ++i) buffer[i] = 0xAB;
         if (size < _needed) return MORE_DATA;
         for (std::uint32_t i = 0; i < size; ++i) buffer[i] = i < _needed ? 0xCD : 0;

@@ -244,8 +244,8 @@ TEST(Profiler, FiguresOfRandomCyclesAreThoseOfTheRunningSums)
     }
 }
 
-// Cycles of one length whose squares, by rounding, sum up to less than the square of their sum by
-// their number.
+// Cycles of equal length whose squares, by rounding, add up to less than the square of their sum
+// divided by their number.
 struct EqualCycles
 {
     int _count;

@@ -66,7 +66,7 @@ const NormalForm NORMAL_FORMS[] = {
     {-HIGHEST32, 1, {-HIGHEST32, 1}},
     {1, -HIGHEST32, {-1, HIGHEST32}},
     {HIGHEST32 - 1, 2, {1073741823, 1}},
-    // What has no negation in 32 bits is not reduced.
+    // A number without a negation in 32 bits is not reduced.
     {LOWEST32, 4, {LOWEST32, 4}},
     {LOWEST32, 1, {LOWEST32, 1}},
     {LOWEST32, HIGHEST32, {LOWEST32, HIGHEST32}},
@@ -383,7 +383,7 @@ constexpr Rational setTo(std::int32_t numerator, std::int32_t denominator)
     return rational;
 }
 
-// All but the output and the reciprocals is there while compiling.
+// Everything except output and reciprocals is available at compile time.
 static_assert(Rational() == Rational(1, 1));
 static_assert(Rational(2, -4).getNumerator() == -1 && Rational(2, -4).getDenominator() == 2);
 static_assert(setTo(90000, 3003) == Rational(30000, 1001));

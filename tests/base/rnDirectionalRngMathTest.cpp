@@ -46,7 +46,7 @@ template <class T> long double errorInUnits(T actual, long double exact)
     return std::abs(static_cast<long double>(actual) - exact) / unitInTheLastPlace<T>(exact);
 }
 
-// What is allowed of each function, in units in the last place: one unit more than the largest
+// The allowed error of each function, in units in the last place: one unit more than the largest
 // errors over both platforms, which were below 0.6 for sine and cosine, 0.8 for the logarithm and
 // 0.9 for the arc cosine. The root is exact to its rounding everywhere.
 constexpr long double SINE_UNITS = 1.6L;
@@ -54,13 +54,13 @@ constexpr long double LOGARITHM_UNITS = 1.8L;
 constexpr long double ARC_UNITS = 1.9L;
 constexpr long double ROOT_UNITS = 0.5L;
 
-// The sine and cosine of long double lose their lead where the result comes near to 0; there are
-// tables for those places below.
+// The sine and cosine of long double lose their extra precision where the result is close to 0;
+// there are tables for those places below.
 constexpr long double NEAR_ZERO = 1.0L / 64;
 
 constexpr int N_STEPS = 8192;
 
-// The largest error of `function` over a grid from `min` to `max`, of what is not below `least`.
+// The largest error of `function` over a grid from `min` to `max`, ignoring results below `least`.
 template <class T, class Function, class Exact>
 long double largestError(Function function, Exact exactFunction, long double min, long double max,
                          long double least = 0)

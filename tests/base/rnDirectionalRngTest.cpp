@@ -431,7 +431,7 @@ TYPED_TEST(RnDirectionalRngTyped,
     }
 }
 
-// What comes from one source after `n` directions of another one, in each form.
+// The samples of one source after `n` directions of another one, in each form.
 template <class Shape, class Source> void expectSameSequences(Source& source, Source& told)
 {
     using T = typename Shape::Value;

@@ -105,8 +105,8 @@ enum class Way
 
 template <class T> struct Drawn
 {
-    // Drawn before, by twos or not; the values themselves; what comes next from the shaped source,
-    // and from that behind it.
+    // Draws before, in pairs or not; the values themselves; the next samples of the shaped source,
+    // and of its uniform source.
     std::vector<T> _values;
     std::vector<T> _shapedAfter;
     std::vector<T> _sourceAfter;

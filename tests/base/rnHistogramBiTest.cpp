@@ -78,7 +78,7 @@ testing::AssertionResult holds(const RnHistogramBi<T>& histogram, const ToldHist
     return same(histogram.getTotal(), told._total);
 }
 
-// At, beside, between and outside of edges.
+// At, beside, between and outside the edges.
 template <class T> std::vector<T> coordinatesFor(const std::vector<T>& edges)
 {
     std::vector<T> values{T(1e30), T(-1e30), INFINITE<T>, -INFINITE<T>, NO_NUMBER<T>, T(0), -T(0)};

@@ -1,4 +1,4 @@
-// The look-ups of the GNU Scientific Library beside ours.
+// The look-ups of the GNU Scientific Library compared with ours.
 
 #include "base/rnHistogram.h"
 #include "base/rnHistogramBi.h"
@@ -155,7 +155,7 @@ TEST_F(RnHistogramPeers, APairIsInThePeersCell)
 
 // The peer's formula is lower + (draw - sum[k]) / (sum[k + 1] - sum[k]) * (upper - lower). Ours
 // adds in the other order, which is the same number: with the same table, all bits agree. The peer
-// takes a draw of 1 for 0, and answers 0 for one from its last entry on, so these are left out.
+// treats a draw of 1 as 0, and returns 0 for one from its last entry on, so these are excluded.
 TEST_F(RnHistogramPeers, ASampleIsThePeersWithTheSameTable)
 {
     for (const std::size_t nBins : {1U, 2U, 7U, 64U, 4096U})

@@ -372,8 +372,8 @@ TYPED_TEST(RnHistogramTest, ACopyIsFilledForItself)
     EXPECT_EQ(assigned.getBinIndex(T(0.75)), 1);
 }
 
-// What is in the bins before many values come: nothing, fractions, and sums that are about to be
-// too large for another 1.
+// The content of the bins before many values are added: nothing, fractions, and sums that are
+// almost too large for another 1.
 template <class T> std::vector<T> startWeights()
 {
     constexpr int DIGITS = std::numeric_limits<T>::digits;

@@ -1,4 +1,4 @@
-// The low-discrepancy sequences beside those of two other libraries.
+// The low-discrepancy sequences compared with those of two other libraries.
 
 #include "base/rnHaltonRng.h"
 #include "base/rnNiederreiterMultiRng.h"

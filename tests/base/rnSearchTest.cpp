@@ -25,7 +25,7 @@ template <class T> class RnSearchTest : public testing::Test
 
 TYPED_TEST_SUITE(RnSearchTest, support::FloatAndDouble, );
 
-// Values at, beside and between the entries, and outside of all.
+// Values at, beside and between the entries, and outside all of them.
 template <class T> std::vector<T> valuesFor(const std::vector<T>& entries, HistogramRandom& random)
 {
     std::vector<T> values{T(0),

@@ -53,8 +53,8 @@ template <class T> constexpr bool areSources()
 
 static_assert(areSources<float>() && areSources<double>());
 
-// What sources of one test were asked for, in order: the label of the source, "d" for a single
-// draw, "s" and the length for a sequence, "r" for a restart.
+// The calls of a test's sources, in order: the label of the source, "d" for a single draw, "s" and
+// the length for a sequence, "r" for a restart.
 using Calls = std::vector<std::string>;
 
 // Counts up from a start, in steps of 1, and records its calls. Its values distinguish it from

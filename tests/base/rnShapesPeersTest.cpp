@@ -1,4 +1,5 @@
-// Shaped sources beside those of another library, and the shapes that many of their samples have.
+// Shaped sources compared with those of another library, and the distributions of many of their
+// samples.
 
 #include "base/rnDirectionalRng.h"
 #include "base/rnGaussianRng.h"
@@ -42,8 +43,8 @@ TYPED_TEST_SUITE(RnShapesPeersTyped, Precisions);
 
 // The normal distribution of libstdc++ is the polar method too, and takes its uniform values by
 // std::generate_canonical, as RnEngineRng does. But it gives the second value of a pair first and
-// keeps the first one, so pairs come in the opposite order. It leaves out a sum of squares of
-// exactly 0 and takes one of exactly 1, neither of which comes up here.
+// keeps the first one, so pairs come in the opposite order. It rejects a sum of squares of exactly
+// 0 and accepts one of exactly 1, neither of which occurs here.
 template <class T, class Engine>
 void expectSwappedPairs(const Engine& engine, T mean, T sigma, unsigned int n)
 {

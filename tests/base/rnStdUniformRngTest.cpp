@@ -175,7 +175,7 @@ TEST(RnStdUniformRng, AllObjectsOfAThreadDrawFromOneStream)
         EXPECT_TRUE(sameBits(third(), single()));
         reference._state = single._state;
     }
-    // What one restarts runs anew for all.
+    // A restart by one object affects all.
     one.restart();
     reference._state = 5;
     EXPECT_TRUE(sameBits(drawsOf(other, 20), valuesOf<double>(reference, 20)));

@@ -1,5 +1,5 @@
-// The bits of whole streams, as digests that a program in another language has computed with the
-// rules of IEEE 754 alone. They are the same on every platform and at every level of optimisation.
+// The bits of whole streams, as digests computed by a program in another language from the rules of
+// IEEE 754 alone. They are the same on every platform and at every optimisation level.
 
 #include "base/rnHistogram.h"
 #include "base/rnHistogramRng.h"

@@ -58,7 +58,7 @@ TYPED_TEST(RnUniformRngTest, TheJointDensityIsZeroIfAnyCoordinateIsOutside)
                 TypeParam values[5] = {TypeParam(0), TypeParam(0.25), TypeParam(0.5),
                                        TypeParam(0.75), BELOW_ONE<TypeParam>};
                 values[at] = outside;
-                // Those behind the number are not looked at.
+                // Those behind the number are ignored.
                 const TypeParam expected = at < n ? TypeParam(0) : TypeParam(1);
                 EXPECT_TRUE(sameBits(rnUniformPdf(values, n), expected)) << n << " " << at;
             }

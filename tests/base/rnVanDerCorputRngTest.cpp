@@ -259,7 +259,7 @@ TYPED_TEST(RnVanDerCorputRngTest, ANewBaseLeavesTheNumber)
     EXPECT_TRUE(sameBits(rng(), radicalInverse<TypeParam>(4294967295, 1)));
 }
 
-// What no draw has looked at is no error, and the point 0 has no digits.
+// A base that no draw has used is not an error, and the point 0 has no digits.
 TYPED_TEST(RnVanDerCorputRngTest, ABaseIsNotLookedAtBeforeThereIsADigit)
 {
     for (const unsigned int base : {0U, 1U})

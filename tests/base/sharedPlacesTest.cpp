@@ -1,5 +1,5 @@
-// What other users can do in the places that all share: the directory for temporary files, and the
-// names of locks.
+// What other users can do in shared places: the directory for temporary files, and the names of
+// locks.
 
 #include "base/exSysError.h"
 #include "base/lgInterProcessLock.h"

@@ -50,7 +50,7 @@ std::string before(const std::string& name)
 
 const std::string AFTER = "| \n| ***** End *****\n| \n| Test group executed successfully.\n| \n";
 
-// What the group "arguments" and its like print with these words.
+// What the group "arguments" and similar ones print with these words.
 std::string calls(const std::string& words)
 {
     return "prepare " + words + " null\nrun " + words + " null\nterminate\n";
@@ -87,7 +87,7 @@ testing::AssertionResult isLibraryList(const std::string& text)
     return testing::AssertionFailure() << "no list of libraries: " << text;
 }
 
-// Whether the text is the beginning, and a list of libraries behind it.
+// Whether the text is the beginning, followed by a list of libraries.
 testing::AssertionResult endsWithLibraryList(const std::string& text, const std::string& beginning)
 {
     if (!text.starts_with(beginning))

@@ -84,7 +84,7 @@ private:
     }
 };
 
-// What a cycle with these words notes down.
+// What a cycle with these words records.
 Texts cycleNotes(const std::string& words)
 {
     return {"prepare" + words, "run" + words, "terminate", "dump"};
@@ -374,7 +374,7 @@ TEST_F(TestPerformerTest, ANameHasUpTo47Characters)
     outputOf(name + " 1 a");
     EXPECT_EQ(longest()._notes, cycleNotes(" <a>"));
     EXPECT_EQ(rowsWithoutFigures(), Texts{row(name, 1, "a ")});
-    // A group of this name is there.
+    // A group of this name exists.
     EXPECT_EQ(errorOf(name + "p 1 a"), "Test group name is too long: <" + name + "p>.");
     EXPECT_EQ(tooLong()._notes, Texts());
 }
@@ -520,7 +520,7 @@ TEST_F(TestPerformerTest, ALongerLineIsCutAndTheLastOne)
         EXPECT_EQ(journal()._notes, cycleNotes(" <" + std::string(248, 'w') + ">")) << length;
         EXPECT_EQ(other()._notes, Texts()) << length;
     }
-    // What is behind the cut is not looked at.
+    // What follows the truncation is ignored.
     journal()._notes.clear();
     outputOf("perf 1 a" + std::string(247, ' ') + repeated(" b", 20) + "\nnobody 1\n");
     EXPECT_EQ(journal()._notes, cycleNotes(" <a>"));
@@ -632,7 +632,7 @@ const std::string FIGURES = "        Total time:     <time>\n"
                             "        Standard dev:   <time>\n"
                             "\n";
 
-// What is printed behind the run of a cycle.
+// What is printed after the run of a cycle.
 std::string endOfCycle(int cycle)
 {
     const std::string profiler =

@@ -1236,8 +1236,8 @@ TEST(Trace, AnErrorInTheVariableEndsTheProcessBeforeMain)
     }
 }
 
-// What a program prints whose static objects trace before the levels of its sources are reached,
-// with these levels on and off.
+// The output of a program whose static objects trace before the levels of its sources are
+// constructed, with these levels on and off.
 std::string earlyOutput(bool here, bool there)
 {
     const std::string hereText = "+ here\n  | text\n  /\n";

@@ -113,7 +113,7 @@ using Pairs = testing::Types<
     Pair<std::int64_t, float>, Pair<std::int64_t, double>, Pair<std::int64_t, long double>>;
 TYPED_TEST_SUITE(TruncateToOf, Pairs, );
 
-// What std::trunc() makes of it, if that is a value of the integer.
+// The result of std::trunc(), if the integer type can represent it.
 template <class Integer, class Float> Integer expected(Float value)
 {
     const Float whole = std::trunc(value);

@@ -1,5 +1,5 @@
-// The order of the virtual operations: clients that were built against an earlier version call by
-// these places.
+// The order of the virtual functions: clients that were built against an earlier version call by
+// these slots.
 
 #include "base/base.h"
 #include "support/vtableSlot.h"
@@ -160,8 +160,8 @@ TYPED_TEST(VirtualTablesTyped, Histograms)
                     &Hemispherical::getBinIndicesCosine);
 }
 
-// The interfaces of random sources have no destructor; a concrete class has its own one last,
-// where the interface's operations end.
+// The interfaces of random sources have no virtual destructor; a concrete class has its own behind
+// the interface's operations.
 template <class Concrete> struct Derived : Concrete
 {
     virtual void next() {}

@@ -1,5 +1,5 @@
-// How the parts of the library meet in a process: its start and its end, the road of a log event,
-// and what lives how long.
+// How the parts of the library work together in a process: its start and its end, the path of a log
+// event, and the lifetimes of objects.
 
 #include "base/lgTypes.h"
 
@@ -56,7 +56,7 @@ Lines linesWith(const std::string& text, const std::string& part)
     return lines;
 }
 
-// From the start of a process to its end, with a word from each place that a value comes from.
+// From the start of a process to its end, with a word from each source of values.
 std::string startedAndStopped()
 {
     return told("startAndStop", {{"WHOLE_WORD", "set"}}, {"-w", "typed", "rest"});
@@ -103,8 +103,8 @@ std::string stageLine(const Stage& stage, const char* what, const std::string& r
            std::to_string(stage._packagesWithValues) + "), ready:" + ready;
 }
 
-// Facts about the processor stay known when their package has ended, and the build records end with
-// the package "debugging", which is below the one that enters the library's own.
+// Facts about the processor stay available after their package has ended. Build records are
+// released with the package "debugging", which is below the one that registers the library's own.
 std::string readyOnTheWayDown(const Stage& stage)
 {
     const std::string package = stage._package;
@@ -221,7 +221,7 @@ protected:
         return told(story, environment);
     }
 
-    // What a file of a process without time stamps holds.
+    // The content of a file of a process without time stamps.
     static std::string fileWith(const std::string& lines)
     {
         return support::START_BANNER + lines + support::STOP_BANNER;
@@ -314,7 +314,7 @@ TEST_F(WholeProcessRoad, TheQueuesOfTwoThreadsAreWrittenInTheOrderOfTheirTimes)
     const std::string out =
         outputOf("produceInTwoThreads", {{"ZU_LOG_DISABLE_TIMESTAMPS", std::nullopt},
                                          {"ZU_LOG_RECOVERABLE_ERROR", "%" + _errors}});
-    // The first of two numbers is a time before the event, the second one behind it.
+    // The first of two numbers is a time before the event, the second one after it.
     std::vector<std::pair<std::uint64_t, std::uint64_t>> spans;
     for (const std::string& line : linesWith(out, "span "))
     {
