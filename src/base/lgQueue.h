@@ -264,7 +264,8 @@ private:
     // Written by the reader, read by both: the oldest entry.
     alignas(CACHE_LINE) LgRingIndex _beg;
 
-    // Written by the producer, read by both: where the next entry goes, and whether its thread lives.
+    // Written by the producer, read by both: where the next entry goes, and whether its thread
+    // lives.
     alignas(CACHE_LINE) LgRingIndex _end;
     std::atomic<bool> _creatorAlive;
 
@@ -282,7 +283,8 @@ private:
     // Written by the producer, read by any thread.
     std::atomic<std::uint64_t> _lost;
 
-    // The producer's: the reader's position when it last looked, which can only have advanced since.
+    // The producer's: the reader's position when it last looked, which can only have advanced
+    // since.
     std::uint32_t _begSeen;
 
     // The producer's: where the reserved event's text begins.
