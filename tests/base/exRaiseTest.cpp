@@ -30,7 +30,7 @@ template <class Exception, class Action> Exception raisedBy(Action&& action)
 TEST(ExRaise, ASystemErrorHasTheCodeAndThePlaceOfTheStatement)
 {
     Zu::setLastSystemCode(OTHER);
-    const int line = __LINE__ + 2;
+    const int line = __LINE__ + 1;
     const auto raised = raisedBy<Zu::ExSysErrorWindows>([] { ZU_RAISE_SYSTEM_ERROR(MISSING); });
     EXPECT_EQ(raised.getErrorCode(), MISSING);
     EXPECT_STREQ(raised.getFileName(), __FILE__);

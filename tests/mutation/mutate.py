@@ -43,7 +43,8 @@ OPTIONS = ["-DCMAKE_BUILD_TYPE=RelWithDebInfo",
            "-DCMAKE_LINK_DEPENDS_NO_SHARED=ON", "-DZU_WARNINGS_AS_ERRORS=OFF"]
 BUILD_LIMIT = 1800
 # What is built for a change: the shared libraries alone, where a test program is linked to them.
-SHARED = {"baseTest": ["libZUbase.so"], "appTest": ["libZUbase.so", "libZUapp.so"]}
+SHARED = {"baseTest": ["libZUbase.so"], "numbersTest": ["libZUbase.so"],
+          "appTest": ["libZUbase.so", "libZUapp.so"]}
 STATIC_ASSERTION = re.compile(r"static assertion failed|non-constant condition for static assert")
 
 

@@ -31,11 +31,12 @@ UNNOTICED = Path(__file__).with_name("unnoticed.txt")
 
 # A tree like that of the tests, so that a compiler's cache serves both.
 OPTIONS = ["-DCMAKE_BUILD_TYPE=RelWithDebInfo",
-           "-DCMAKE_CXX_FLAGS_RELWITHDEBINFO=-O2 -g1 -DNDEBUG", "-DZU_TEST_OPTIONS=-O1",
-           "-DZU_WARNINGS_AS_ERRORS=ON"]
+           "-DCMAKE_CXX_FLAGS_RELWITHDEBINFO=-O2 -g1 -DNDEBUG", "-DZU_TEST_OPTIONS=-O0",
+           "-DZU_NUMBER_TEST_OPTIONS=-O1", "-DZU_WARNINGS_AS_ERRORS=ON"]
 CHANGED_OPTIONS = ["-O1", "-g0", "-w"]
 # Programs, each with what it takes of the libraries: their shared form or the archives.
-BASE_PROGRAMS = {"baseInternalTest": "archive", "baseTest": "shared", "basePeersTest": "shared",
+BASE_PROGRAMS = {"baseInternalTest": "archive", "baseTest": "shared",
+                 "numbersTest": "shared", "basePeersTest": "shared",
                  "periodicTimerBeatTest": "archive", "osFileFaultLinuxTest": "archive",
                  "fuzzCorpusTest": "archive", "sceneTest": "shared"}
 APP_PROGRAMS = {"appInternalTest": "archive", "appTest": "shared"}
