@@ -39,7 +39,8 @@ BASE_PROGRAMS = {"baseInternalTest": "archive", "baseTest": "shared",
                  "numbersTest": "shared", "basePeersTest": "shared",
                  "periodicTimerBeatTest": "archive", "osFileFaultLinuxTest": "archive",
                  "fuzzCorpusTest": "archive", "sceneTest": "shared"}
-APP_PROGRAMS = {"appInternalTest": "archive", "appTest": "shared"}
+APP_PROGRAMS = {"appInternalTest": "archive", "appTest": "shared",
+                "lgServiceMemoryTest": "archive"}
 PROGRAMS = {**BASE_PROGRAMS, **APP_PROGRAMS}
 STATIC_ASSERTION = re.compile(r"static assertion failed|non-constant condition for static assert")
 SUITE = re.compile(r"^(?:TYPED_)?TEST(?:_[FP])?\(\s*(\w+)", re.MULTILINE)
