@@ -1,5 +1,6 @@
 """Shows that the checks pass a good tree and fail on each kind of bad one."""
 
+import sys
 import tempfile
 import unittest
 from pathlib import Path
@@ -9,6 +10,9 @@ import checkLayers
 import checkSnippets
 import checkSources
 import checkSymbols
+
+sys.path.append(str(Path(__file__).parent.parent))
+import lines
 
 TABLE = """\
 0 low         internal  h Windows            - : only Windows has it
@@ -398,6 +402,35 @@ class Sources(PolicyTest):
     def testWideRowsOfTablesPass(self):
         wide = "    /// | " + 100 * "x" + "\n// " + 97 * "x" + "\n"
         self.assertSources({"src/base/high.cpp": own("high") + wide})
+
+
+class LinesTest(unittest.TestCase):
+    """Rows of files are name, lines, lines that were run."""
+
+    def report(self, rows, lowest=97):
+        files = [{"filename": name, "summary": {"lines": {"count": count, "covered": covered}}}
+                 for name, count, covered in rows]
+        return lines.report({"data": [{"files": files}]}, lowest)
+
+    def testEnoughLines(self):
+        rows = [("build/asan/src/base/a.cpp", 90, 90), ("src/app/b.h", 10, 7)]
+        text, isEnough = self.report(rows)
+        self.assertEqual(text, "lines: 97.0% (97 out of 100)")
+        self.assertTrue(isEnough)
+
+    def testTooFewLines(self):
+        text, isEnough = self.report([("src/base/a.cpp", 90, 90), ("src/app/b.h", 10, 6)])
+        self.assertIn("4 lines left in src/app/b.h", text)
+        self.assertFalse(isEnough)
+
+    def testWhatIsNotPortableDoesNotCount(self):
+        text, _ = self.report([("src/base/a.cpp", 10, 10), ("src/base/aLinux.cpp", 10, 0),
+                               ("src/base/aWinNT.cpp", 10, 0), ("tests/base/aTest.cpp", 10, 0),
+                               ("/usr/include/c++/12/vector", 10, 0)])
+        self.assertEqual(text, "lines: 100.0% (10 out of 10)")
+
+    def testNothingCountedIsAnError(self):
+        self.assertFalse(self.report([("tests/base/aTest.cpp", 10, 10)])[1])
 
 
 class HeadersTest(unittest.TestCase):
