@@ -2,7 +2,7 @@
 
 import re
 
-# What stands for a masked character of a literal: no operator, no digit, no part of a name.
+# Replaces a masked character of a literal: not an operator, a digit or a part of a name.
 MASK = "\x00"
 
 # The replacement has to differ in what it does for some operands; those that a compiler refuses

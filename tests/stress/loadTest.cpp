@@ -225,7 +225,7 @@ TEST(StressLoad, BlockingTraceBeforeASlowReader)
     Scenario scenario("blocking trace, a slow disk");
     while (scenario.goesOn())
     {
-        // Trace lines look like the events of the group, but for their level.
+        // Trace lines look like the events of the group, except for their level.
         const support::VariableGuard variable("ZU_LOG_TRACING");
         const support::TempDir dir;
         variable.set(dir.file("trace.log"));

@@ -1,4 +1,4 @@
-// Starts the installed library, logs through the kit, and tells which build it is.
+// Starts the installed library, logs through the kit, and prints its build.
 
 #include "app/lgService.h"
 #include "base/base.h"
