@@ -9,7 +9,7 @@
 namespace Zu::LgServicePlatform
 {
 
-/// Whether barrier() works here. Called once, before barrier() is.
+/// Whether barrier() works here. Called before barrier() is.
 bool prepareBarrier();
 
 /// Makes every other thread of the process pass a full memory barrier; false if the system refuses,

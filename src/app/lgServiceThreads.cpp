@@ -48,11 +48,11 @@ LgBell::Barrier barrier()
     return LgServicePlatform::prepareBarrier() ? &LgServicePlatform::barrier : nullptr;
 }
 
-// Takes all events out of a queue, unwritten.
+// Takes all events out of a queue, unwritten. Only for a process with a single thread, whose stack
+// may be small.
 void dropEvents(LgQueue& queue)
 {
-    // The size that LgStream requires.
-    char text[32768];
+    static char text[LgStream::BufSize];
     // An overflow entry has no text; this takes the next one's then, or nothing.
     for (; !queue.isEmpty(); queue.removeEntry()) queue.getStream().take(text);
 }
@@ -223,15 +223,17 @@ void LgServiceThreads::goOnInChild()
     _running.store(false, std::memory_order_release);
     _news.beginAnewInChild();
     _room.beginAnewInChild();
-    leaveEventsToParent();
     unlockAfterFork();
+    leaveEventsToParent();
 }
 
 // What waited at the fork is written by the parent only. The child has a single thread; the queues
-// of the others belong to the next reader.
+// of the others belong to the next reader. Nothing is locked: queues of the application may be among
+// them, whose observers are notified and may log.
 void LgServiceThreads::leaveEventsToParent()
 {
-    for (LgQueue* const queue : LgServiceRegistry::queues()) dropEvents(*queue);
+    const List<LgQueue*> registered = LgServiceRegistry::queues();
+    for (LgQueue* const queue : registered) dropEvents(*queue);
     const void* const own = ThreadSlot::get(ThreadSlot::Queue);
     _queues.remove_if(
         [this, own](LgQueue* queue)

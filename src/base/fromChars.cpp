@@ -90,6 +90,10 @@ double rounded(std::uint64_t quotient, bool isMore, int exponent)
     const std::uint64_t rest = quotient - (kept << dropped);
     const std::uint64_t half = std::uint64_t{1} << (dropped - 1);
     if (rest > half || (rest == half && (isMore || (kept & 1) != 0))) ++kept;
+    // ldexp() would overflow by the rounding mode.
+    const int width = static_cast<int>(std::bit_width(kept)) + exponent + dropped;
+    if (width > std::numeric_limits<double>::max_exponent)
+        return std::numeric_limits<double>::infinity();
     return std::ldexp(static_cast<double>(kept), exponent + dropped);
 }
 

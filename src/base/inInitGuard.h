@@ -31,6 +31,9 @@ namespace Zu
 /// The destructor raises what InInitMgr::finalize() raises. While an exception unwinds the stack
 /// through the guard, an exception from finalize() is dropped instead.
 ///
+/// A process has one guard. A second one starts what is pending and raises nothing, but the end of
+/// whichever ends first stops all packages.
+///
 /// A program that declares aliases for options must be given at least one word, its name: an empty
 /// command line is then a fatal error.
 class ZU_BASE_API InInitGuard

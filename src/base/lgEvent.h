@@ -14,6 +14,7 @@
 #include "lgTypes.h"
 #include "xGlue.h"
 
+#include <iosfwd>
 #include <type_traits>
 #include <utility>
 
@@ -71,14 +72,19 @@ template <class T>
 using LgKeptPart =
     std::conditional_t<std::is_arithmetic_v<T> || std::is_enum_v<T>, const T, const T&>;
 
+/// A log statement takes no manipulators of standard streams, such as `std::endl`.
+template <class Before, class = std::enable_if_t<lgIsParts<Before>>>
+void operator<<(const Before& before, std::ostream& (*manipulator)(std::ostream&)) = delete;
+
 /// @{
 /// Appends one more operand to those of a log statement.
 template <class Before, class T, class = std::enable_if_t<lgIsParts<Before>>,
           class = std::enable_if_t<!std::is_arithmetic_v<T> && !std::is_enum_v<T>>>
 LgMoreParts<Before, LgKeptPart<T>> operator<<(const Before& before, const T& part)
 {
-    static_assert(!std::is_function_v<T>, "a log statement takes no manipulators: it ends its text "
-                                          "itself");
+    static_assert(!std::is_function_v<T>,
+                  "a log statement takes no manipulators: it ends its text itself, and lgFormat.h "
+                  "has other forms of numbers");
     static_assert(lgIsInsertable<T>,
                   "LgStream has no insertion operator for this type; lgStdText.h "
                   "and lgBaseText.h have some");

@@ -139,9 +139,8 @@ void LgLog::readDefaultLevel()
 {
     const char* const value = OsEnv::getVariable("ZU_LOG_DEFAULT_LEVEL");
     if (!value) return;
-    for (int i = 0; i < LgTypes::NUM_LEVELS; ++i)
+    for (const LgTypes::Level level : LG_LEVELS)
     {
-        const auto level = static_cast<LgTypes::Level>(i);
         if (std::strcmp(value, LgTypes::levelToString(level)) != 0) continue;
         LgMajorGroup::setDefaultThreshold(level);
         return;

@@ -47,6 +47,7 @@ public:
     /// Closes the log files, each with a banner, and ends the groups. Events waiting in queues can
     /// no longer reach a file, so call LgReader::flushAll() first. An exception from taking the
     /// lock is raised once everything else is done; the file that the lock was for gets no banner.
+    /// Asserts "_level[i]._output": a logger that is not running can't be ended.
     static void destroy();
 
     /// Prints where each level's text goes.

@@ -105,13 +105,12 @@ LgMajorGroup& LgMajorGroup::getInstanceForName(const char* name)
 {
     ZU_ASSERT(names);
     ZU_ASSERT(majorGroups);
-    LgMajorGroup*& group = (*majorGroups)[nameCopy(name)];
-    if (!group)
-    {
-        group = &keptGroups()[name];
-        *group = LgMajorGroup();
-    }
-    return *group;
+    if (const auto found = majorGroups->find(name); found != majorGroups->end())
+        return *found->second;
+    LgMajorGroup& group = keptGroups()[name];
+    majorGroups->emplace(nameCopy(name), &group);
+    group = LgMajorGroup();
+    return group;
 }
 
 void LgMajorGroup::parse(const char* text)

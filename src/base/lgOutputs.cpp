@@ -16,8 +16,9 @@ void LgOutputs::open(const LgSetup& setup, const std::function<void(std::ofstrea
         _streams[level] = openedBefore(setup, level);
         if (_streams[level]) continue;
         const auto stream = std::make_shared<std::ofstream>();
-        stream->imbue(std::locale::classic());
         osOpenOutput(*stream, own._file->c_str(), own._append);
+        // Its buffer is another one now, with the global locale.
+        stream->imbue(std::locale::classic());
         _streams[level] = stream;
         opened(*stream);
     }

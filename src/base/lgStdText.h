@@ -67,8 +67,7 @@ LgStream& operator<<(LgStream& stream,
         fraction =
             std::chrono::duration_cast<Nanoseconds>(time.time_since_epoch() - seconds).count();
     else
-        fraction =
-            std::chrono::duration_cast<Nanoseconds>(time.time_since_epoch() % Seconds(1)).count();
+        fraction = std::chrono::floor<Nanoseconds>(time.time_since_epoch() % Seconds(1)).count();
     return lgInsertUtc(stream, seconds.count(), fraction,
                        lgDecimalsOf(Duration::period::type::den));
 }

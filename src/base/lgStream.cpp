@@ -160,7 +160,7 @@ LgStream& LgStream::operator<<(long double value)
     char text[std::numeric_limits<long double>::max_exponent10 + 10 + MB_LEN_MAX];
     const int length = std::snprintf(text, sizeof text, "%Lf", value);
     const auto size = static_cast<std::size_t>(std::max(length, 0));
-    if (std::isinf(value)) return insert(text, size);
+    if (length < 0 || std::isinf(value)) return insert(text, size);
     // The separator between the whole number and the decimals is the locale's.
     const std::size_t point = std::strspn(text, "-0123456789");
     std::memmove(text + point + 1, text + size - DECIMALS, DECIMALS);

@@ -60,7 +60,8 @@ public:
 /// Carries the ownership of one object out of a function.
 ///
 /// A function that hands an object to its caller returns this type by value, and the caller takes
-/// the object with an ObjPtr. A carrier from which nobody takes the object deletes it.
+/// the object with an ObjPtr. A carrier from which nobody takes the object deletes it: a range-for
+/// over `*function()` would walk through a list that is gone.
 template <class T> class ObjPtrRet : public OwnedPtr<T, DisposeObject>
 {
     using Base = OwnedPtr<T, DisposeObject>;

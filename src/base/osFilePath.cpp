@@ -150,11 +150,7 @@ char* OsFilePath::getHomeDir(char* buffer)
 {
     const char* const home = std::getenv("HOME");
     if (!home) throw OsFileEx::ExHomeNotDefined(__FILE__, __LINE__);
-    if (std::strlen(home) >= BUFFER_SIZE)
-    {
-        setLastSystemCode(OsPlatformPath::nameTooLong());
-        ZU_RAISE_LAST_ERROR();
-    }
+    if (std::strlen(home) >= BUFFER_SIZE) ZU_RAISE_SYSTEM_ERROR(OsPlatformPath::nameTooLong());
     std::strcpy(buffer, home);
     std::replace(buffer, buffer + std::strlen(buffer), '/', *getSeparator());
     return buffer;

@@ -77,6 +77,21 @@ std::string osLexicalFullPath(std::string_view currentDir, std::string_view path
     return full;
 }
 
+namespace
+{
+
+// Whether this is "\\\\server\\share", or less.
+bool isShare(std::string_view path, const char* separators)
+{
+    if (path.size() < 2 || path.find_first_not_of(separators) != 2) return false;
+    const std::size_t server = path.find_first_of(separators, 2);
+    if (server == std::string_view::npos) return true;
+    const std::size_t share = path.find_first_not_of(separators, server);
+    return path.find_first_of(separators, share) == std::string_view::npos;
+}
+
+} // namespace
+
 bool osEndsInName(std::string_view path, char separator)
 {
     const char separators[] = {separator, '/', '\0'};
@@ -85,9 +100,11 @@ bool osEndsInName(std::string_view path, char separator)
     if (last == std::string_view::npos) return false;
     path = path.substr(0, last + 1);
     // Without any separator, the whole path.
-    const std::string_view element = path.substr(path.find_last_of(separators) + 1);
+    std::string_view element = path.substr(path.find_last_of(separators) + 1);
     if (!hasDrives) return element != "." && element != "..";
-    return element.back() != ':' && element.find_first_not_of(". ") != std::string_view::npos;
+    if (isShare(path, separators)) return false;
+    if (element.size() >= 2 && element[1] == ':') element.remove_prefix(2);
+    return element.find_first_not_of(". ") != std::string_view::npos;
 }
 
 } // namespace Zu

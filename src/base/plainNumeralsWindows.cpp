@@ -2,23 +2,38 @@
 
 #include <clocale>
 #include <cstring>
+#include <mutex>
 
 namespace Zu
 {
 
+namespace
+{
+
+// Two at once would take each other's change for the process's own locale.
+std::recursive_mutex changing;
+
+} // namespace
+
 PlainNumerals::PlainNumerals()
 {
+    std::unique_lock<std::recursive_mutex> lock(changing);
     const std::lconv* const conventions = std::localeconv();
-    if (std::strcmp(conventions->decimal_point, ".") == 0 && *conventions->thousands_sep == '\0')
-        return;
-    _formerName = std::setlocale(LC_NUMERIC, nullptr);
-    std::setlocale(LC_NUMERIC, "C");
-    _isSet = true;
+    _isSet =
+        std::strcmp(conventions->decimal_point, ".") != 0 || *conventions->thousands_sep != '\0';
+    if (_isSet)
+    {
+        _formerName = std::setlocale(LC_NUMERIC, nullptr);
+        std::setlocale(LC_NUMERIC, "C");
+    }
+    // The destructor unlocks it.
+    lock.release();
 }
 
 PlainNumerals::~PlainNumerals()
 {
     if (_isSet) std::setlocale(LC_NUMERIC, _formerName.c_str());
+    changing.unlock();
 }
 
 } // namespace Zu

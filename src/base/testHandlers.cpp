@@ -8,14 +8,12 @@
 #include <cstdlib>
 #include <exception>
 
-namespace Zu::TestHandlers
-{
-
 namespace
 {
 
-// For standard libraries that no longer have a handler to set.
-namespace Missing
+// For standard libraries that no longer have a handler to set. It stands in the global namespace,
+// where a using-directive puts the names of std as well: further in, it would hide them.
+namespace MissingHandlers
 {
 struct Handler
 {
@@ -23,14 +21,22 @@ struct Handler
 };
 
 [[maybe_unused]] void set_unexpected(Handler) {}
-} // namespace Missing
+} // namespace MissingHandlers
+
+} // namespace
+
+namespace Zu::TestHandlers
+{
+
+namespace
+{
 
 // The language has dropped it, but code compiled for an older standard may get here.
 ZU_IGNORE_DEPRECATED
 void setUnexpected()
 {
     using namespace std;
-    using namespace Missing;
+    using namespace MissingHandlers;
     set_unexpected(onUnexpected);
 }
 ZU_END_IGNORE

@@ -43,7 +43,7 @@ enum Token
     Reset,
     Pid,
     NoPid,
-    NUM_TOKENS
+    NumTokens
 };
 
 constexpr const char* TOKENS[] = {"off",    "noline",       "show",        "hide",     "noindent",
@@ -51,7 +51,7 @@ constexpr const char* TOKENS[] = {"off",    "noline",       "show",        "hide
                                   "on",     "writeprotect", "prefix",      "noprefix", "reset",
                                   "pid",    "nopid",        nullptr};
 
-static_assert(sizeof TOKENS / sizeof TOKENS[0] == NUM_TOKENS + 1);
+static_assert(sizeof TOKENS / sizeof TOKENS[0] == NumTokens + 1);
 
 } // namespace
 

@@ -109,6 +109,11 @@ TEST(LgStdText, TheEarliestAndTheLatestTimesAreDates)
 {
     EXPECT_EQ(dateOf(std::chrono::nanoseconds::min()), "1677-09-21T00:12:43.145224192Z");
     EXPECT_EQ(dateOf(std::chrono::nanoseconds::max()), "2262-04-11T23:47:16.854775807Z");
+    // Finer than the text.
+    using Picoseconds = duration<std::int64_t, std::pico>;
+    EXPECT_EQ(dateOf(Picoseconds(-500)), "1969-12-31T23:59:59.999999999Z");
+    EXPECT_EQ(dateOf(Picoseconds(-1500)), "1969-12-31T23:59:59.999999998Z");
+    EXPECT_EQ(dateOf(Picoseconds(1500)), "1970-01-01T00:00:00.000000001Z");
     EXPECT_EQ(dateOf(-62167219200s), "0000-01-01T00:00:00Z");
     EXPECT_EQ(dateOf(-62167219201s), "-0001-12-31T23:59:59Z");
     EXPECT_EQ(dateOf(253402300800s), "10000-01-01T00:00:00Z");

@@ -256,10 +256,31 @@ TEST(OsPathText, APathEndsInANameUnlessItsLastElementIsAStepOrARoot)
 TEST(OsPathText, WithDrivesNeitherThoseNorPointsAndBlanksAreNames)
 {
     for (const char* const path :
-         {"a", "a\\", "C:\\a", "C:/a\\/", "C:a", "d\\.a", "..a", "a.", "a ."})
+         {"a", "a\\", "C:\\a", "C:/a\\/", "C:a", "C:..a", "\\a", "/a", "\\\\server\\share\\a",
+          "//server/share/a", "d\\\\a", "d\\.a", "..a", "a.", "a ."})
         EXPECT_TRUE(Zu::osEndsInName(path, '\\')) << path;
-    for (const char* const path : {"\\", "C:", "C:\\", "C:/", "C:\\.", "a\\.", "a\\..", "a\\..\\",
-                                   "...", "a\\...", "a\\. .", " ", "a\\ "})
+    for (const char* const path : {"\\",
+                                   "C:",
+                                   "C:\\",
+                                   "C:/",
+                                   "C:\\.",
+                                   "a\\.",
+                                   "a\\..",
+                                   "a\\..\\",
+                                   "...",
+                                   "a\\...",
+                                   "a\\. .",
+                                   " ",
+                                   "a\\ ",
+                                   "C:.",
+                                   "C:..",
+                                   "C:..\\",
+                                   "C:...",
+                                   "\\\\server\\share",
+                                   "//server/share/",
+                                   "\\\\server",
+                                   "\\\\server\\\\share",
+                                   "\\\\"})
         EXPECT_FALSE(Zu::osEndsInName(path, '\\')) << path;
 }
 

@@ -1,5 +1,6 @@
 #include "base/testHandlers.h"
 
+#include "base/compiler.h"
 #include "base/exBadException.h"
 
 #include "support/groupTest.h"
@@ -11,10 +12,38 @@
 #include <iostream>
 #include <string>
 
+// For standard libraries without such a handler. In the global namespace, as in the source.
+namespace withoutHandlers
+{
+
+struct Handler
+{
+    template <class Function> Handler(Function*) {}
+};
+
+[[maybe_unused]] static std::terminate_handler set_unexpected(Handler)
+{
+    return nullptr;
+}
+
+} // namespace withoutHandlers
+
 namespace
 {
 
 namespace TestHandlers = Zu::TestHandlers;
+
+void doNothing() {}
+
+// Null where the standard library has no such handler.
+ZU_IGNORE_DEPRECATED
+std::terminate_handler exchangeUnexpected(std::terminate_handler handler)
+{
+    using namespace std;
+    using namespace withoutHandlers;
+    return set_unexpected(handler);
+}
+ZU_END_IGNORE
 
 class TestHandlersTest : public support::TracingTest
 {
@@ -80,6 +109,15 @@ TEST_F(TestHandlersTest, InstallMakesThemTheHandlersOfTheProcess)
     TestHandlers::install();
     const std::terminate_handler installed = std::set_terminate(former);
     EXPECT_TRUE(installed == &TestHandlers::onTerminate);
+}
+
+TEST_F(TestHandlersTest, InstallMakesOneTheHandlerOfWhatIsUnexpected)
+{
+    if (!exchangeUnexpected(&TestHandlers::onUnexpected))
+        GTEST_SKIP() << "This standard library has no handler of unexpected exceptions";
+    const auto former = exchangeUnexpected(&doNothing);
+    TestHandlers::install();
+    EXPECT_TRUE(exchangeUnexpected(former) == &TestHandlers::onUnexpected);
 }
 
 class TestHandlersDeathTest : public TestHandlersTest
