@@ -232,8 +232,8 @@ public:
         const double exact = static_cast<double>(_count) *
                              static_cast<double>(rate.getDenominator()) /
                              static_cast<double>(rate.getNumerator());
-        return static_cast<double>(seconds - seconds / 60 * 60) +
-               (exact - static_cast<double>(seconds));
+        const std::int64_t minutes = seconds / 60;
+        return static_cast<double>(seconds - minutes * 60) + (exact - static_cast<double>(seconds));
     }
 
     /// The same instant, counted at another rate.

@@ -1,10 +1,9 @@
 #include "base/exSystemCode.h"
 
 #include <cerrno>
+#include <clocale>
 #include <cstdio>
-
-#include <locale.h>
-#include <string.h>
+#include <cstring>
 
 namespace Zu
 {

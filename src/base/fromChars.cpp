@@ -206,8 +206,9 @@ double valueOfDecimal(Parts& parts)
 double valueOfHexadecimal(const Parts& parts)
 {
     constexpr double INFINITE = std::numeric_limits<double>::infinity();
-    const std::int64_t power = 4 * parts._lastPlace + parts._exponent;
-    const std::int64_t magnitude = power + 4 * parts._count;
+    constexpr std::int64_t BITS = 4;
+    const std::int64_t power = BITS * parts._lastPlace + parts._exponent;
+    const std::int64_t magnitude = power + BITS * parts._count;
     if (parts._count == 0 || magnitude < -1100) return 0;
     if (magnitude > 1100) return INFINITE;
     return nearest(parts._digits, Natural(1), static_cast<int>(power));
@@ -231,9 +232,9 @@ std::size_t lengthOfNan(std::string_view text)
     if (length == 0 || text.substr(length, 1) != "(") return length;
     const auto isOther = [](char character)
     { return std::isalnum(static_cast<unsigned char>(character)) == 0 && character != '_'; };
-    const auto other = std::find_if(text.begin() + 4, text.end(), isOther);
-    if (other == text.end() || *other != ')') return length;
-    return static_cast<std::size_t>(other - text.begin()) + 1;
+    const auto end = static_cast<std::size_t>(std::find_if(text.begin() + 4, text.end(), isOther) -
+                                              text.begin());
+    return text.substr(end, 1) == ")" ? end + 1 : length;
 }
 
 // Reads a word for an infinity or a NaN; returns null if there is none.

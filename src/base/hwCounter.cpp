@@ -36,7 +36,7 @@ void HwCounter::init()
     // wins; nobody has seen the engines of the others.
     if (_theHwCounter.compare_exchange_strong(none, made.get(), std::memory_order_release,
                                               std::memory_order_relaxed))
-        made.release();
+        static_cast<void>(made.release());
 }
 
 std::uint64_t HwCounter::timeStamp()

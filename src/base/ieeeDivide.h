@@ -17,7 +17,8 @@ namespace Zu
 template <class T> constexpr T ieeeDivide(T a, T b) noexcept
 {
     if (b != T(0)) return a / b;
-    if (a == T(0) || a != a) return std::numeric_limits<T>::quiet_NaN();
+    // Neither 0 nor a NaN is on one side of 0.
+    if (!(a < T(0)) && !(a > T(0))) return std::numeric_limits<T>::quiet_NaN();
     const bool isNegative = (a < T(0)) != Compiler::isSignBitSet(b);
     return isNegative ? -std::numeric_limits<T>::infinity() : std::numeric_limits<T>::infinity();
 }

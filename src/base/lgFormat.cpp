@@ -54,7 +54,7 @@ LgStream& operator<<(LgStream& stream, const LgNumber& number)
     const double floating = number._floating;
     const int decimals = std::clamp(number._decimals, 0, MOST_DECIMALS);
     Text text;
-    char* end = text;
+    const char* end = nullptr;
     if (std::isnan(floating))
         end = writeNan(text);
     else if (number._form == Form::Hexadecimal)

@@ -15,7 +15,9 @@ namespace Zu
 template <class T> constexpr T withoutNaNSign(const T& value) noexcept
 {
     if constexpr (std::is_floating_point_v<T>)
-        return value != value ? std::numeric_limits<T>::quiet_NaN() : value;
+        // Only a NaN is not less than or equal to infinity.
+        return value <= std::numeric_limits<T>::infinity() ? value
+                                                           : std::numeric_limits<T>::quiet_NaN();
     else
         return value;
 }
