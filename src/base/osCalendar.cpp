@@ -68,8 +68,9 @@ std::optional<std::uint64_t> countOf(const Fields& fields)
 {
     if (!isDate(fields)) return std::nullopt;
     const std::int64_t days = daysTo(fields._year, fields._month, fields._day);
-    const std::int64_t seconds =
-        days * SECONDS_PER_DAY + (fields._hour * 60 + fields._minute) * 60 + fields._second;
+    const int minutes = fields._hour * 60 + fields._minute;
+    const int secondsOfDay = minutes * 60 + fields._second;
+    const std::int64_t seconds = days * SECONDS_PER_DAY + secondsOfDay;
     return static_cast<std::uint64_t>(seconds * TICKS_PER_SECOND +
                                       fields._millisecond * TICKS_PER_MILLISECOND);
 }

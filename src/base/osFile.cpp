@@ -173,9 +173,8 @@ void OsFile::renameTo(const OsFilePath& path)
 {
     checkPath();
     checkNotEmpty(path);
-    const OsFilePath newPath = path;
-    if (!OsFilePlatform::rename(_path.getChars(), newPath.getChars())) ZU_RAISE_LAST_ERROR();
-    setPath(newPath);
+    if (!OsFilePlatform::rename(_path.getChars(), path.getChars())) ZU_RAISE_LAST_ERROR();
+    setPath(path);
 }
 
 void OsFile::copyTo(const OsFilePath& target)

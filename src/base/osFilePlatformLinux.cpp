@@ -14,6 +14,7 @@
 #include <fcntl.h>
 #include <limits>
 #include <linux/fs.h>
+#include <memory>
 #include <pwd.h>
 #include <sys/stat.h>
 #include <sys/syscall.h>
@@ -301,7 +302,7 @@ bool attributesOf(Handle handle, Attributes& attributes)
 {
     struct stat status;
     if (fstat(descriptorOf(handle), &status) != 0) return false;
-    attributes = {status.st_mode & 0777u,
+    attributes = {status.st_mode & 0777U,
                   {status.st_atim.tv_sec, status.st_atim.tv_nsec},
                   {status.st_mtim.tv_sec, status.st_mtim.tv_nsec}};
     return true;
@@ -341,10 +342,8 @@ bool isSame(const char* a, const char* b)
 
 std::string resolved(const char* path)
 {
-    char* const text = realpath(path, nullptr);
-    const std::string result = text ? text : "";
-    std::free(text);
-    return result;
+    const std::unique_ptr<char, void (*)(void*)> text(realpath(path, nullptr), &std::free);
+    return text ? text.get() : "";
 }
 
 bool createDirectory(const char* path, const OsFileTypes::Permissions& permissions)

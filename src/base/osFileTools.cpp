@@ -75,8 +75,8 @@ private:
         // A file left behind by a process of the same number keeps its name.
         for (;;)
         {
-            const std::string name = directory + "." + std::to_string(OsUtils::getPid()) + "-" +
-                                     std::to_string(number++) + ".new";
+            std::string name = directory + "." + std::to_string(OsUtils::getPid()) + "-" +
+                               std::to_string(number++) + ".new";
             if (!OsFsUtils::fileExists(name.c_str())) return name;
         }
     }

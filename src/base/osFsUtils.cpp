@@ -38,7 +38,7 @@ unsigned int osFsMode(const OsFileTypes::Permissions& permissions)
 unsigned int osFsKeptMode(unsigned int mode, bool isOwnerKept, bool isGroupKept)
 {
     if (!isOwnerKept || !isGroupKept) mode &= 0777;
-    if (!isGroupKept) mode = (mode & ~070u) | (mode & 07) << 3;
+    if (!isGroupKept) mode = (mode & ~070U) | (mode & 07) << 3;
     return mode;
 }
 

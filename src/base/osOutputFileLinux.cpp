@@ -18,7 +18,7 @@ namespace
 
 OsOwnership ownershipOf(const struct stat& status)
 {
-    return {status.st_uid, status.st_mode & 07777u, status.st_nlink};
+    return {status.st_uid, status.st_mode & 07777U, status.st_nlink};
 }
 
 // Opens the directory of a name, so that nobody can exchange it. A link of another user may lead

@@ -56,7 +56,7 @@ bool isInGnuHash(const OsSymbolTable& table, const char* name)
     const std::uint32_t firstIndex = table._gnuHash[1];
     const std::uint32_t filterWords = table._gnuHash[2];
     if (buckets == 0) return false;
-    const std::uint32_t* const first = table._gnuHash + 4 + 2 * filterWords;
+    const std::uint32_t* const first = table._gnuHash + 4 + std::size_t{2} * filterWords;
     const std::uint32_t* const hashes = first + buckets;
     const std::uint32_t hash = gnuHashOf(name);
     std::uint32_t index = first[hash % buckets];
