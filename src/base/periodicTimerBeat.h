@@ -20,6 +20,9 @@ std::uint32_t periodicTimerCount(double elapsed, double interval);
 class PeriodicTimerBeat : public PeriodicTimer
 {
 public:
+    PeriodicTimerBeat(const PeriodicTimerBeat&) = delete;
+    PeriodicTimerBeat& operator=(const PeriodicTimerBeat&) = delete;
+
     bool start() final;
     bool stop() final;
     std::uint32_t wait() final;
@@ -27,8 +30,6 @@ public:
 
 protected:
     explicit PeriodicTimerBeat(double interval);
-    PeriodicTimerBeat(const PeriodicTimerBeat&) = delete;
-    PeriodicTimerBeat& operator=(const PeriodicTimerBeat&) = delete;
     ~PeriodicTimerBeat() override;
 
     static constexpr int NO_LIMIT = -1;

@@ -1,9 +1,8 @@
 #include "base/plainNumerals.h"
 
+#include <clocale>
 #include <cstring>
-
 #include <langinfo.h>
-#include <locale.h>
 
 namespace Zu
 {
