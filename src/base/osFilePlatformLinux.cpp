@@ -15,7 +15,6 @@
 #include <limits>
 #include <linux/fs.h>
 #include <memory>
-#include <memory>
 #include <pwd.h>
 #include <sys/stat.h>
 #include <sys/syscall.h>
