@@ -1,5 +1,6 @@
 #include "base/rnLecuyerUniformRng.h"
 
+#include <cstddef>
 #include <emmintrin.h>
 
 namespace Zu
@@ -132,7 +133,7 @@ template <class T> unsigned int RnLecuyerUniformRng<T>::getBlocks(unsigned int n
     }
     __m128i lanes0[REGISTERS];
     __m128i lanes1[REGISTERS];
-    for (unsigned int r = 0; r < REGISTERS; ++r)
+    for (std::size_t r = 0; r < REGISTERS; ++r)
     {
         lanes0[r] = loaded(start0 + 4 * r);
         lanes1[r] = loaded(start1 + 4 * r);

@@ -8,6 +8,7 @@
 #include "rnSearch.h"
 
 #include <algorithm>
+#include <cmath>
 #include <cstddef>
 #include <cstdint>
 #include <limits>
@@ -55,7 +56,8 @@ public:
             const std::uint32_t k = count - 1;
             return {k, ieeeDivide(u - _entries[k], _entries[k + 1] - _entries[k]), false};
         }
-        if (!_hasWeight || u != u) return {_first, std::numeric_limits<T>::quiet_NaN(), false};
+        if (!_hasWeight || std::isnan(u))
+            return {_first, std::numeric_limits<T>::quiet_NaN(), false};
         if (count == 0) return {_first, T(0), false};
         return {_last, T(1), true};
     }
