@@ -228,8 +228,8 @@ void LgServiceThreads::goOnInChild()
 }
 
 // What waited at the fork is written by the parent only. The child has a single thread; the queues
-// of the others belong to the next reader. Nothing is locked: queues of the application may be among
-// them, whose observers are notified and may log.
+// of the others belong to the next reader. Nothing is locked: queues of the application may be
+// among them, whose observers are notified and may log.
 void LgServiceThreads::leaveEventsToParent()
 {
     const List<LgQueue*> registered = LgServiceRegistry::queues();

@@ -63,8 +63,9 @@ public:
     /// copy gets the permission bits and the times of modification and access of its source, even
     /// if it replaces a file or is copied into an existing directory. Until it is complete, only
     /// its owner can access a new copy. Owners, links and the set-ID and sticky bits are not kept.
-    /// Windows has no modes and keeps the times. Listing the source may change its directories' times
-    /// of access before they are read. A FIFO, a socket or a device raises OsFileEx::ExInvalidPath.
+    /// Windows has no modes and keeps the times. Listing the source may change its directories'
+    /// times of access before they are read. A FIFO, a socket or a device raises
+    /// OsFileEx::ExInvalidPath.
     static void copyWithModesAndTimes(const OsFilePath& source, const OsFilePath& target);
 
     /// As OsDirectory::getChildrenPath(), in the order of OsFilePath::compare().

@@ -15,8 +15,8 @@ namespace Zu
 /// locale.
 ///
 /// Thread-safety: on Linux other threads are not affected. On Windows the process has one locale,
-/// so they are, as they are by each number that a standard stream writes there; and only one thread at
-/// a time has such objects, so they are for the length of a call.
+/// so they are, as they are by each number that a standard stream writes there. There, only one
+/// thread at a time has such objects: they are meant for the length of one call.
 class PlainNumerals
 {
 public:

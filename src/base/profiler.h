@@ -202,8 +202,8 @@ private:
 /// precision applies; its flags, width and fill character are restored.
 ZU_BASE_API std::ostream& operator<<(std::ostream& os, const ProfilerBase& profiler);
 
-/// Writes the same figures with nine decimals, in lines of another form: a log's reports are aligned,
-/// and end in one more empty line.
+/// Writes the same figures with nine decimals, in lines of another form: a log's reports are
+/// aligned, and end in one more empty line.
 ZU_BASE_API LgStream& operator<<(LgStream& stream, const ProfilerBase& profiler);
 
 } // namespace Zu
