@@ -3,6 +3,7 @@
 #include "app/lgServiceEx.h"
 #include "app/lgServiceReader.h"
 #include "app/lgServiceThreads.h"
+#include "base/hwCounter.h"
 #include "base/lgLog.h"
 
 #include <atomic>
@@ -57,6 +58,14 @@ LgService::~LgService()
         leftToTheParent = _reader.release();
     }
     there = false;
+}
+
+bool LgService::flush(std::chrono::milliseconds timeout) const
+{
+    if (_reader->isOnThisThread()) return false;
+    // Processors may read the counter a little before what stands in front of it is done.
+    constexpr std::uint64_t MARGIN = 10'000;
+    return LgServiceThreads::instance().waitUntilWritten(HwCounter::timeStamp() + MARGIN, timeout);
 }
 
 std::uint64_t LgService::getLostCount() const

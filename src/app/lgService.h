@@ -6,6 +6,7 @@
 
 #include "appApi.h"
 
+#include <chrono>
 #include <cstdint>
 #include <memory>
 
@@ -55,6 +56,17 @@ public:
     /// How many events were lost since the service began, because they came faster than they could
     /// be written. Any thread may call it.
     std::uint64_t getLostCount() const;
+
+    /// Waits until every event that any thread has logged before the call is handed to the system,
+    /// or could not be written; events that come later do not prolong the wait. Returns false if
+    /// the time is over first, which is how it ends while a lock between processes fails. Nothing
+    /// is forced to the disk. A `timeout` of 0 or less asks without waiting; the answer may then be
+    /// false although all is written, while the thread that writes is busy.
+    ///
+    /// Any thread may call it. On the thread that writes the events, in a stream of the
+    /// application's own, it returns false at once. In the child of a fork nothing is waiting.
+    /// Raises what an application's own registry raises.
+    bool flush(std::chrono::milliseconds timeout) const;
 
 private:
     std::uint64_t _lostBefore = 0;

@@ -92,9 +92,10 @@ LgServiceReader::Outcome LgServiceReader::writeSome()
     try
     {
         LgReader reader;
-        for (int i = 0; i < EVENTS_IN_A_ROW; ++i)
-            if (!reader.flushEarliest()) return i > 0 ? Outcome::Wrote : Outcome::Nothing;
-        return Outcome::Wrote;
+        int events = 0;
+        while (events < EVENTS_IN_A_ROW && reader.flushEarliest()) ++events;
+        _threads.endWaitsUntilWritten();
+        return events > 0 ? Outcome::Wrote : Outcome::Nothing;
     }
     catch (const std::exception& exception)
     {

@@ -25,6 +25,12 @@ public:
     /// Writes what is waiting, and ends the thread.
     ~LgServiceReader();
 
+    /// Whether the caller is what this thread runs.
+    bool isOnThisThread() const
+    {
+        return std::this_thread::get_id() == _thread.get_id();
+    }
+
 private:
     enum class Outcome
     {

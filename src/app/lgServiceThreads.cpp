@@ -62,6 +62,15 @@ bool hasSpace(const LgQueue& queue, int size)
     return !queue.isFull() && queue.getStream().getNumCharacters() >= static_cast<unsigned>(size);
 }
 
+// Whether no event of this time or an earlier one is waiting. For a thread that holds reading().
+bool isWrittenUpTo(std::uint64_t time)
+{
+    const List<LgQueue*> queues = LgLog::getRegistry()->getQueueList();
+    return std::none_of(queues.begin(), queues.end(),
+                        [time](const LgQueue* queue)
+                        { return !queue->isEmpty() && queue->readEntry().getTimeStamp() <= time; });
+}
+
 // The logger's registry if a service has installed it. The default one must not get queues while a
 // reader runs.
 LgServiceRegistry* serviceRegistry()
@@ -77,7 +86,7 @@ LgServiceThreads& LgServiceThreads::instance()
     return *theInstance;
 }
 
-LgServiceThreads::LgServiceThreads() : _news(barrier()), _room(barrier())
+LgServiceThreads::LgServiceThreads() : _news(barrier()), _room(barrier()), _written(barrier())
 {
     ThreadSlot::setThreadEnded(ThreadSlot::Queue, [](void* queue)
                                { instance().threadEnded(static_cast<LgQueue*>(queue)); });
@@ -87,6 +96,30 @@ LgServiceThreads::LgServiceThreads() : _news(barrier()), _room(barrier())
 }
 
 LgServiceThreads::~LgServiceThreads() = default;
+
+// Enters a wait for as long as its thread waits.
+class LgServiceThreads::WaitEntry
+{
+public:
+    WaitEntry(LgServiceThreads& threads, Wait& wait) : _threads(threads), _wait(wait)
+    {
+        const std::lock_guard guard(_threads._waitMutex);
+        _threads._waits.push_back(&_wait);
+        _threads.noteWaits();
+    }
+    ~WaitEntry()
+    {
+        const std::lock_guard guard(_threads._waitMutex);
+        _threads._waits.remove(&_wait);
+        _threads.noteWaits();
+    }
+    WaitEntry(const WaitEntry&) = delete;
+    WaitEntry& operator=(const WaitEntry&) = delete;
+
+private:
+    LgServiceThreads& _threads;
+    Wait& _wait;
+};
 
 LgQueue* LgServiceThreads::queueOfThread()
 {
@@ -156,11 +189,58 @@ std::uint64_t LgServiceThreads::getLostCount()
 
 bool LgServiceThreads::isWorkWaiting()
 {
+    if (_hasWaits.load(std::memory_order_acquire)) return true;
     const std::lock_guard guard(_reading);
     const List<LgQueue*> queues = LgLog::getRegistry()->getQueueList();
     return std::any_of(queues.begin(), queues.end(),
                        [](const LgQueue* queue)
                        { return !queue->isEmpty() || !queue->isCreatorAlive(); });
+}
+
+bool LgServiceThreads::waitUntilWritten(std::uint64_t time, std::chrono::milliseconds timeout)
+{
+    using Clock = std::chrono::steady_clock;
+    constexpr std::chrono::milliseconds LONGEST = std::chrono::hours(24 * 365);
+    {
+        // The reader may be busy for long, and so it is asked, further down. Nobody may be reading.
+        const std::unique_lock free(_reading, std::try_to_lock);
+        if (free && isWrittenUpTo(time)) return true;
+    }
+    const Clock::time_point end =
+        Clock::now() + std::clamp(timeout, std::chrono::milliseconds(0), LONGEST);
+    Wait wait{time};
+    const auto isOver = [&wait] { return wait._isOver.load(std::memory_order_acquire); };
+    const WaitEntry entry(*this, wait);
+    _news.ring();
+    while (!isOver())
+    {
+        const auto left = std::chrono::ceil<std::chrono::milliseconds>(end - Clock::now());
+        if (left.count() <= 0) return false;
+        _written.listen(isOver, std::min(left, _patience));
+    }
+    return true;
+}
+
+// With the mutex of the waits locked.
+void LgServiceThreads::noteWaits()
+{
+    const bool hasWaits = std::any_of(_waits.begin(), _waits.end(),
+                                      [](const Wait* wait)
+                                      { return !wait->_isOver.load(std::memory_order_relaxed); });
+    _hasWaits.store(hasWaits, std::memory_order_release);
+}
+
+void LgServiceThreads::endWaitsUntilWritten()
+{
+    if (!_hasWaits.load(std::memory_order_acquire)) return;
+    {
+        const std::lock_guard guard(_waitMutex);
+        for (Wait* const wait : _waits)
+            // The release pairs with the acquire of the thread that waits: its events are written.
+            if (isWrittenUpTo(wait->_time)) wait->_isOver.store(true, std::memory_order_release);
+        noteWaits();
+    }
+    _written.ring();
 }
 
 bool LgServiceThreads::isWaitOver(const LgQueue& queue, int size) const
@@ -204,12 +284,14 @@ void LgServiceThreads::lockForFork()
 {
     _reading.lock();
     _mutex.lock();
+    _waitMutex.lock();
     LgServiceRegistry::mutex().lock();
 }
 
 void LgServiceThreads::unlockAfterFork()
 {
     LgServiceRegistry::mutex().unlock();
+    _waitMutex.unlock();
     _mutex.unlock();
     _reading.unlock();
 }
@@ -223,6 +305,10 @@ void LgServiceThreads::goOnInChild()
     _running.store(false, std::memory_order_release);
     _news.beginAnewInChild();
     _room.beginAnewInChild();
+    // Their threads are not here.
+    _written.beginAnewInChild();
+    _waits.clear();
+    _hasWaits.store(false, std::memory_order_relaxed);
     unlockAfterFork();
     leaveEventsToParent();
 }

@@ -74,6 +74,14 @@ public:
     /// that has ended. Locks reading(). Raises what the registry raises.
     bool isWorkWaiting();
 
+    /// Waits until no event of this time or an earlier one is waiting, in ticks of
+    /// HwCounter::timeStamp(); false if the timeout expires first. Raises what the registry raises.
+    bool waitUntilWritten(std::uint64_t time, std::chrono::milliseconds timeout);
+
+    /// Ends the waits that are over. For the reader, which holds reading(). Raises what the
+    /// registry raises.
+    void endWaitsUntilWritten();
+
     /// Waits until the queue has room for `size` characters; called by the producer.
     void waitForSpace(const LgQueue& queue, int size);
 
@@ -100,11 +108,21 @@ public:
     static constexpr int LAST_TRIES = 50;
 
 private:
+    // One that waits until the events up to a time are written.
+    struct Wait
+    {
+        std::uint64_t _time;
+        std::atomic<bool> _isOver{false};
+    };
+
+    class WaitEntry;
+
     LgServiceThreads();
     ~LgServiceThreads();
 
     LgQueue* makeQueue();
     bool writeOne();
+    void noteWaits();
     void threadEnded(LgQueue* queue);
     void lockForFork();
     void unlockAfterFork();
@@ -119,8 +137,13 @@ private:
     std::atomic<bool> _running{false};
     std::chrono::milliseconds _patience{PATIENCE};
     std::mutex _reading;
+    // The waits of waitUntilWritten(), on the stacks of its callers; whether one is not over.
+    std::mutex _waitMutex;
+    std::list<Wait*> _waits;
+    std::atomic<bool> _hasWaits{false};
     LgBell _news;
     LgBell _room;
+    LgBell _written;
 };
 
 } // namespace Zu

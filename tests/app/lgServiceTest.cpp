@@ -9,9 +9,11 @@
 #include "support/runningLogger.h"
 #include "support/streamCapture.h"
 #include "support/tempDir.h"
+#include "support/variableGuard.h"
 
 #include <algorithm>
 #include <atomic>
+#include <chrono>
 #include <fstream>
 #include <future>
 #include <gtest/gtest.h>
@@ -165,6 +167,88 @@ TEST_F(LgServiceTest, WritesWithoutBeingEnded)
         ZU_LOG_WARNING(Kit, i);
         while (texts().size() < static_cast<std::size_t>(i + 1)) std::this_thread::yield();
     }
+}
+
+TEST_F(LgServiceTest, AFlushLeavesNothingOfWhatWasLoggedBefore)
+{
+    constexpr int THREADS = 4;
+    constexpr int EVENTS = 200;
+    const LgService service;
+    std::vector<std::thread> threads;
+    for (int thread = 0; thread < THREADS; ++thread)
+        threads.emplace_back(
+            []
+            {
+                for (int event = 0; event < EVENTS; ++event) ZU_LOG_WARNING(Kit, "event " << event);
+            });
+    for (std::thread& thread : threads) thread.join();
+    EXPECT_TRUE(service.flush(std::chrono::minutes(10)));
+    EXPECT_EQ(_logger->textsOf("events.log").size(), std::size_t{THREADS * EVENTS});
+    EXPECT_TRUE(service.flush(std::chrono::milliseconds::max()));
+}
+
+TEST_F(LgServiceTest, AFlushEndsThoughOthersGoOnLogging)
+{
+    const LgService service;
+    std::atomic<bool> isOver{false};
+    std::thread other(
+        [&isOver]
+        {
+            while (!isOver) ZU_LOG_WARNING(Kit, "other");
+        });
+    ZU_LOG_WARNING(Kit, "mine");
+    EXPECT_TRUE(service.flush(std::chrono::minutes(10)));
+    isOver = true;
+    other.join();
+    const std::vector<std::string> texts = _logger->textsOf("events.log");
+    EXPECT_EQ(std::count(texts.begin(), texts.end(), "Kit mine"), 1);
+}
+
+TEST_F(LgServiceTest, AFlushGivesUpWhenItsTimeIsOver)
+{
+    const std::unique_ptr<Zu::LgInterProcessLock> lock = startWithLock();
+    const LgService service;
+    lock->lock();
+    ZU_LOG_WARNING(Kit, "held up");
+    EXPECT_FALSE(service.flush(std::chrono::milliseconds(0)));
+    EXPECT_FALSE(service.flush(std::chrono::milliseconds::min()));
+    EXPECT_FALSE(service.flush(std::chrono::milliseconds(20)));
+    lock->unlock();
+    EXPECT_TRUE(service.flush(std::chrono::minutes(10)));
+}
+
+TEST_F(LgServiceTest, AFlushOnTheWritingThreadDoesNotWaitForItself)
+{
+    // A stream buffer of the application's, which the reader calls.
+    class Flushing : public std::stringbuf
+    {
+    public:
+        const LgService* _service = nullptr;
+        std::atomic<int> _result{-1};
+
+    protected:
+        int sync() override
+        {
+            if (_result < 0 && _service)
+                _result = _service->flush(std::chrono::minutes(10)) ? 1 : 0;
+            return 0;
+        }
+    };
+    Flushing buffer;
+    std::streambuf* const former = std::cout.rdbuf(&buffer);
+    {
+        support::VariableGuard variable("ZU_LOG_WARNING");
+        variable.set("%");
+        stop();
+        start();
+        const LgService service;
+        buffer._service = &service;
+        ZU_LOG_WARNING(Kit, "text");
+        EXPECT_TRUE(service.flush(std::chrono::minutes(10)));
+        EXPECT_EQ(buffer._result, 0);
+    }
+    std::cout.rdbuf(former);
+    EXPECT_NE(buffer.str().find("Kit text"), std::string::npos);
 }
 
 TEST_F(LgServiceTest, DeletesTheQueueOfAThreadThatHasEnded)

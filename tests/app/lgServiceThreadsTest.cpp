@@ -3,6 +3,7 @@
 #include "app/lgServiceRegistry.h"
 #include "base/compiler.h"
 #include "base/exInternalError.h"
+#include "base/hwCounter.h"
 #include "base/lgLog.h"
 #include "base/lgReader.h"
 #include "support/platform.h"
@@ -101,6 +102,23 @@ TEST_F(LgServiceThreadsTest, AQueueIsTheReadersWhenItsThreadHasEnded)
     Zu::LgReader().flushAll();
     EXPECT_EQ(registered(queue), 0U);
     EXPECT_EQ(_logger.textsOf("events.log"), std::vector<std::string>{"last words"});
+}
+
+TEST_F(LgServiceThreadsTest, WhatIsWrittenUpToATimeDependsOnNoLaterEvent)
+{
+    _threads.start();
+    LgQueue& queue = *LgServiceThreads::queueOfThread();
+    const std::chrono::milliseconds none(0);
+    const std::uint64_t before = Zu::HwCounter::timeStamp();
+    EXPECT_TRUE(_threads.waitUntilWritten(before, none));
+    add(queue, "an event");
+    EXPECT_TRUE(_threads.waitUntilWritten(before - 1, none));
+    const std::uint64_t behind = Zu::HwCounter::timeStamp() + 1;
+    EXPECT_FALSE(_threads.waitUntilWritten(behind, none));
+    EXPECT_FALSE(_threads.waitUntilWritten(behind, std::chrono::milliseconds(5)));
+    Zu::LgReader().flushAll();
+    EXPECT_TRUE(_threads.waitUntilWritten(behind, none));
+    EXPECT_TRUE(_threads.waitUntilWritten(behind, std::chrono::milliseconds::max()));
 }
 
 TEST_F(LgServiceThreadsTest, CountsTheLossesOfLivingAndOfEndedThreads)
