@@ -91,27 +91,34 @@ protected:
     std::optional<support::RunningLogger> _logger;
 };
 
+constexpr int FEW_THREADS = 4;
+constexpr int FEW_EVENTS = 200;
+
+// Several threads log at once: "<thread> <event>".
+void logFromThreads()
+{
+    std::vector<std::thread> threads;
+    for (int thread = 0; thread < FEW_THREADS; ++thread)
+        threads.emplace_back(
+            [thread]
+            {
+                for (int i = 0; i < FEW_EVENTS; ++i) ZU_LOG_WARNING(Kit, thread << ' ' << i);
+            });
+    for (std::thread& thread : threads) thread.join();
+}
+
 TEST_F(LgServiceTest, WritesTheEventsOfAllThreadsEachInItsOrder)
 {
-    constexpr int THREADS = 4;
-    constexpr int EVENTS = 200;
     {
         const LgService service;
-        std::vector<std::thread> threads;
-        for (int thread = 0; thread < THREADS; ++thread)
-            threads.emplace_back(
-                [thread]
-                {
-                    for (int i = 0; i < EVENTS; ++i) ZU_LOG_WARNING(Kit, thread << ' ' << i);
-                });
-        for (std::thread& thread : threads) thread.join();
+        logFromThreads();
         EXPECT_EQ(service.getLostCount(), 0U);
     }
     const Texts written = texts();
-    for (int thread = 0; thread < THREADS; ++thread)
+    for (int thread = 0; thread < FEW_THREADS; ++thread)
     {
         Texts expected;
-        for (int i = 0; i < EVENTS; ++i)
+        for (int i = 0; i < FEW_EVENTS; ++i)
             expected.push_back("Kit " + std::to_string(thread) + " " + std::to_string(i));
         const std::string own = "Kit " + std::to_string(thread) + " ";
         Texts found;
@@ -119,7 +126,7 @@ TEST_F(LgServiceTest, WritesTheEventsOfAllThreadsEachInItsOrder)
                      [&own](const std::string& text) { return text.rfind(own, 0) == 0; });
         EXPECT_EQ(found, expected);
     }
-    EXPECT_EQ(written.size(), static_cast<std::size_t>(THREADS * EVENTS));
+    EXPECT_EQ(written.size(), static_cast<std::size_t>(FEW_THREADS * FEW_EVENTS));
 }
 
 TEST_F(LgServiceTest, ActivatesTheLoggerForItsLifeAlone)
@@ -171,19 +178,10 @@ TEST_F(LgServiceTest, WritesWithoutBeingEnded)
 
 TEST_F(LgServiceTest, AFlushLeavesNothingOfWhatWasLoggedBefore)
 {
-    constexpr int THREADS = 4;
-    constexpr int EVENTS = 200;
     const LgService service;
-    std::vector<std::thread> threads;
-    for (int thread = 0; thread < THREADS; ++thread)
-        threads.emplace_back(
-            []
-            {
-                for (int event = 0; event < EVENTS; ++event) ZU_LOG_WARNING(Kit, "event " << event);
-            });
-    for (std::thread& thread : threads) thread.join();
+    logFromThreads();
     EXPECT_TRUE(service.flush(std::chrono::minutes(10)));
-    EXPECT_EQ(_logger->textsOf("events.log").size(), std::size_t{THREADS * EVENTS});
+    EXPECT_EQ(_logger->textsOf("events.log").size(), std::size_t{FEW_THREADS * FEW_EVENTS});
     EXPECT_TRUE(service.flush(std::chrono::milliseconds::max()));
 }
 
