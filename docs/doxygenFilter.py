@@ -2,19 +2,19 @@
 
 usage: doxygenFilter.py <file>
 
-Of a header that is not installed nothing is seen: the others are publicHeaders in the
-CMakeLists.txt beside it. What no comment stands before, and a caller needs no word about, is gone:
-functions that are defaulted or deleted, and destructors that are only declared. What exception
-classes have in common gets a common word. In a group, between "/// @{" and "/// @}", what has no
-comment gets that of the first member, which Doxygen itself only does in part. Hashes stand in a
-namespace std that is written out, as Doxygen knows them.
+Of a header that is not installed nothing is seen: src/components.txt says which are. What no
+comment stands before, and a caller needs no word about, is gone: functions that are defaulted or
+deleted, and destructors that are only declared. What exception classes have in common gets a common
+word. In a group, between "/// @{" and "/// @}", what has no comment gets that of the first member,
+which Doxygen itself only does in part. Hashes stand in a namespace std that is written out, as
+Doxygen knows them.
 """
 
 import re
 import sys
 from pathlib import Path
 
-PUBLIC = re.compile(r"\bset\(\s*publicHeaders\w*\s([^()]*)\)")
+ROW = re.compile(r"^\d (?P<name>\w+) +(?P<access>public[-\w]*) ", re.MULTILINE)
 COMMENT = r"(?P<comment>^[ \t]*//.*\n)?"
 DEFAULTED = re.compile(
     COMMENT + r"^[ \t]*(?!\w+:\n)[^;{}#/\s][^;{}#/]*\)[^;{}#/()]*= (?:default|delete);\n",
@@ -30,8 +30,9 @@ HASH = re.compile(r"^((?:///.*\n)*template <.*> struct )std::(hash<.*>\n\{\n(?:.
 
 def isPublic(path):
     """Whether the header is one of those that are installed."""
-    lists = PUBLIC.findall((path.parent / "CMakeLists.txt").read_text(encoding="utf-8"))
-    return any(path.name in names.split() for names in lists)
+    table = (path.parent.parent / "components.txt").read_text(encoding="utf-8")
+    access = {row["name"]: row["access"] for row in ROW.finditer(table)}.get(path.stem)
+    return access is not None and (path.suffix == ".h" or access == "public-with-imp")
 
 
 def emptied(match):
