@@ -180,6 +180,22 @@ bool run(const Choice& choice, TestGroup& group, Arguments& arguments)
     }
 }
 
+void traceStart(TestGroup& group)
+{
+    if (!group.getPrintHeaders()) return;
+    ZU_TRACE(Main, "");
+    ZU_TRACE(Main, "Executing " << group.getName());
+    ZU_TRACE(Main, "");
+}
+
+void traceEnd(TestGroup& group)
+{
+    if (!group.getPrintHeaders()) return;
+    TestGroup::caseHeader("End");
+    ZU_TRACE(Main, "Test group executed successfully.");
+    ZU_TRACE(Main, "");
+}
+
 int runGroup(Words& args)
 {
     const Choice choice(args[1]);
@@ -190,22 +206,12 @@ int runGroup(Words& args)
         TestInform::abnormalTermination("Unknown test group name.");
         return UNKNOWN;
     }
-    if (group->getPrintHeaders())
-    {
-        ZU_TRACE(Main, "");
-        ZU_TRACE(Main, "Executing " << group->getName());
-        ZU_TRACE(Main, "");
-    }
+    traceStart(*group);
     Arguments arguments(args, choice._index + (group->getGroupNameInArgs() ? 0 : 1));
     group->prepare(arguments.count(), arguments.words());
     if (!run(choice, *group, arguments)) return LEAK;
     group->terminate();
-    if (group->getPrintHeaders())
-    {
-        TestGroup::caseHeader("End");
-        ZU_TRACE(Main, "Test group executed successfully.");
-        ZU_TRACE(Main, "");
-    }
+    traceEnd(*group);
     if (choice._dumpLibs) dumpLibraries();
     return SUCCESS;
 }

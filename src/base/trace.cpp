@@ -143,10 +143,10 @@ void Trace::unindent()
 void Trace::print(std::ostream& os, const char* file, int line, const char* format, ...)
 {
     char text[1024];
+    std::va_list arguments;
     {
         // Not around the hook below, which is the client's.
         const PlainNumerals plain;
-        std::va_list arguments;
         va_start(arguments, format);
         std::vsnprintf(text, sizeof text, format, arguments);
         va_end(arguments);
