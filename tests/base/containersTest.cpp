@@ -1,12 +1,14 @@
 #include "base/containers.h"
 
 #include "support/counted.h"
+#include "support/platform.h"
 
 #include <cstddef>
 #include <functional>
 #include <gtest/gtest.h>
 #include <iterator>
 #include <limits>
+#include <new>
 #include <numeric>
 #include <stdexcept>
 #include <string>
@@ -191,6 +193,16 @@ TEST(Vector, ARangeBeyondTheGreatestLengthSaysThatTheVectorIsTooLong)
     EXPECT_EQ(lengthErrorOf([&] { vector.assign(begin, end); }), "vector<T> too long");
     EXPECT_EQ(lengthErrorOf([&] { vector.insert(vector.begin(), begin, end); }),
               "vector<T> too long");
+    EXPECT_EQ(vector, (Vector<int>{1, 2, 3}));
+}
+
+TEST(Vector, ARangeOfTheGreatestLengthIsNotTooLongButThereIsNoMemoryForIt)
+{
+    if (support::underSanitizer) GTEST_SKIP() << "A sanitizer ends a process that asks for it.";
+    Vector<int> vector{1, 2, 3};
+    const Counting begin(0);
+    const Counting end(static_cast<std::ptrdiff_t>(vector.max_size()));
+    EXPECT_THROW(vector.assign(begin, end), std::bad_alloc);
     EXPECT_EQ(vector, (Vector<int>{1, 2, 3}));
 }
 

@@ -370,6 +370,26 @@ TEST_F(LgQueueTest, ACopySharesTheRings)
     EXPECT_EQ(take(source), "text");
 }
 
+TEST_F(LgQueueTest, ACopyOfAFullQueueIsFull)
+{
+    SmallQueue source(8, 256);
+    for (int i = 0; i < 6; ++i) ASSERT_TRUE(add(source, "taken and kept"));
+    // The entries wrap round, so that the oldest is no longer the first of the ring.
+    for (int i = 0; i < 3; ++i) take(source);
+    for (int i = 0; i < 3; ++i) ASSERT_TRUE(add(source, "new"));
+    LgQueue copy(source);
+    LgQueue assigned;
+    assigned = source;
+    for (LgQueue* const queue : {&copy, &assigned})
+    {
+        EXPECT_TRUE(queue->isFull());
+        EXPECT_FALSE(add(*queue, "too much"));
+        EXPECT_EQ(queue->getLostCount(), 1U);
+    }
+    for (LgQueue* const queue : {&copy, &assigned}) drain(*queue);
+    drain(source);
+}
+
 TEST(LgQueueEntry, BecomesAnOverflowEntryAndBack)
 {
     LgQueue::Entry entry;

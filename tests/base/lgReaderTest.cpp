@@ -1060,6 +1060,16 @@ TEST_F(LgReaderLock, IsReleasedWhenAnExceptionLeavesTheReader)
               "end of main\n");
 }
 
+TEST_F(LgReaderLock, TheCountOfUnwrittenEventsBeginsAtZeroInEachProcess)
+{
+    EXPECT_EQ(outputOf({"unwritten", "put", "Warning", "printed", "flush", "unwritten"}),
+              "0\n"
+              "printed\n"
+              "flushed\n"
+              "0\n"
+              "end of main\n");
+}
+
 TEST_F(LgReaderLock, AFailedReleaseReachesTheCallerBehindTheLine)
 {
     EXPECT_EQ(outputOf({"observe", "release", "put", "Warning", "one", "flush", "pending"}),

@@ -142,6 +142,15 @@ TEST(LgSetup, KeepsSomeFlagsOfAnEarlierStart)
     EXPECT_EQ(setup[LgTypes::Warning], record(true, false, false, "logs/events.log"));
 }
 
+TEST(LgSetup, ForgetsTheFileOfAnEarlierStartWhereTheLogDirectoryCannotBeUsed)
+{
+    LgSetup setup =
+        setupOf({{"ZU_LOG_INTERNAL_ERROR", "%+mine.log"}, {"ZU_LOG_PROFILING", "%+mine.log"}});
+    read(setup, {}, {});
+    for (const LgTypes::Level level : {LgTypes::InternalError, LgTypes::Profiling})
+        EXPECT_EQ(setup[level], record(false, true, true, std::nullopt, true)) << level;
+}
+
 TEST(LgSetup, ForgetsThatTheDirectoryWasMissing)
 {
     LgSetup setup = setupOf({}, {});

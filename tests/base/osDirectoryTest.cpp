@@ -289,6 +289,17 @@ TEST_F(OsDirectoryTest, TheEmptyPathRaisesEverywhere)
     EXPECT_EQ(treeAt(path()), Tree());
 }
 
+TEST_F(OsDirectoryTest, ACopyOfTheEmptyPathRaisesWhateverTheTargetIs)
+{
+    makeFile("f");
+    makeDirectory("d");
+    OsDirectory none{OsFilePath()};
+    for (const char* const target : {"f", "d", "missing"})
+        EXPECT_EQ(nullPathReasonOf([&] { none.copyTo(pathOf(file(target))); }),
+                  "File has null file path.")
+            << target;
+}
+
 TEST_F(OsDirectoryTest, AHierarchyOfOrToTheEmptyPathRaises)
 {
     const std::string reason = "File has null file path.";

@@ -4,6 +4,7 @@
 
 #include "base/exSysError.h"
 #include "base/lgInterProcessLock.h"
+#include "base/osCpuInfo.h"
 #include "base/osDirectory.h"
 #include "base/osFile.h"
 #include "base/osFileEx.h"
@@ -1042,6 +1043,13 @@ template <class Act> int errnoOf(Act act)
         return ex.getError();
     }
     return 0;
+}
+
+TEST(OsCpuInfoFaultTest, AClockWithoutAResolutionRaises)
+{
+    const Fault fault(Call::CLOCK_GETRES, EPERM);
+    EXPECT_EQ(errnoOf([] { Zu::OsCpuInfo::initialize(); }), EPERM);
+    EXPECT_EQ(fault.failures(), 1);
 }
 
 TEST(OsUtilsFaultTest, AHostWithoutANameRaises)

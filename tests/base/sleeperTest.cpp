@@ -93,6 +93,7 @@ TEST(Sleeper, SleepsAtLeastForTheMilliseconds)
                                        "0.05 s 1\n"
                                        "2^32 + 2 ms 1\n"
                                        "one after another 1\n"
+                                       "across a second 1\n"
                                        "twenty of 0.001 s 1\n"
                                        "end\n");
 }

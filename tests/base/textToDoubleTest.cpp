@@ -76,6 +76,15 @@ TEST(TextToDouble, ANumberOfManyDigitsBeyondTheRangeIsInfinite)
     EXPECT_EQ(textToDouble(("0." + std::string(400, '0') + "1").c_str()), 0);
 }
 
+TEST(TextToDouble, ANumberOfManyZerosBehindThePointIsTooSmallForItsPositiveExponent)
+{
+    const std::string zeros(800, '0');
+    for (const char* const exponent : {"1e400", "1e+400", "1E+5", "1e+0"})
+        EXPECT_EQ(textToDouble(("0." + zeros + exponent).c_str()), 0) << exponent;
+    for (const char* const exponent : {"1p400", "1p+400", "1P+5"})
+        EXPECT_EQ(textToDouble(("0x0." + zeros + exponent).c_str()), 0) << exponent;
+}
+
 TEST(TextToDouble, DigitsBehindTheFirstThatCountsMakeNoNumberSmaller)
 {
     EXPECT_EQ(textToDouble(("1." + std::string(500, '0') + "e400").c_str()), INFINITE);

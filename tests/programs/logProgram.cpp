@@ -289,6 +289,7 @@ const std::map<std::string, void (*)()> commands = {
     {"sign", makeSign},
     {"start", start},
     {"state", showState},
+    {"unwritten", [] { say(std::to_string(Zu::LgReader::getUnwrittenCount())); }},
 };
 
 void runWords()

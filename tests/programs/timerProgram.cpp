@@ -119,6 +119,10 @@ void sleepLonger()
     bool all = true;
     for (int i = 0; i < 10; ++i) all = sleepsFor(0.002) && all;
     say("one after another", all);
+    // More than a second in all, so one of them ends in another second than it begins.
+    bool across = true;
+    for (int i = 0; i < 21; ++i) across = sleepsFor(0.05) && across;
+    say("across a second", across);
     // Each begins where the one before ended, at a tick, so only the first one is early. The ticks
     // need not agree exactly with the clock.
     const double start = now();

@@ -58,6 +58,7 @@ enum class Call
     FUTIMENS,
     READDIR,
     GETHOSTNAME,
+    CLOCK_GETRES,
     // The remaining time is the requested time minus a second. The error 0 lets it end at once.
     NANOSLEEP,
     // The error 0 means that there is no such user.

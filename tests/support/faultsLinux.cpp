@@ -64,6 +64,7 @@ extern "C"
     DIR* __real_fdopendir(int descriptor);
     dirent* __real_readdir(DIR* directory);
     int __real_gethostname(char* name, size_t size);
+    int __real_clock_getres(clockid_t clock, timespec* resolution);
     int __real_nanosleep(const timespec* time, timespec* left);
     int __real_getpwuid_r(uid_t user, passwd* entry, char* buffer, size_t size, passwd** result);
 
@@ -186,6 +187,11 @@ extern "C"
     int __wrap_gethostname(char* name, size_t size)
     {
         return fails(Call::GETHOSTNAME) ? -1 : __real_gethostname(name, size);
+    }
+
+    int __wrap_clock_getres(clockid_t clock, timespec* resolution)
+    {
+        return fails(Call::CLOCK_GETRES) ? -1 : __real_clock_getres(clock, resolution);
     }
 
     int __wrap_nanosleep(const timespec* time, timespec* left)
