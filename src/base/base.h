@@ -65,6 +65,7 @@
 #include "lgReader.h"
 #include "lgRegistry.h"
 #include "lgRingIndex.h"
+#include "lgRingMemory.h"
 #include "lgStream.h"
 #include "lgTrace.h"
 #include "lgTypes.h"

@@ -36,7 +36,12 @@ struct State
     LgLogFiles _files;
     LgSetup _setup;
     LgOutputs _outputs;
+    std::time_t _started = 0;
 };
+
+// Constant-initialised: it may be set before main.
+constinit LgLog::OutputFunction outputFunction = nullptr;
+constinit LgLog::EndFunction endFunction = nullptr;
 
 State& state()
 {
@@ -77,26 +82,17 @@ LgLogFiles chooseFiles()
 void writeBanner(std::ostream& out)
 {
     const LgInterProcessLockGuard guard(LgLog::getInterProcessLock());
-    PlainTextStream banner;
-    banner << "===== Message Logger Startup =====\n";
-    if (LgLog::isTimeStampsEnabled())
-    {
-        const std::time_t now = std::time(nullptr);
-        // A period called "Clock Frequency" is frozen, see docs/compatibility.md.
-        banner << "===== Started on " << std::ctime(&now) << "\n"
-               << "===== Clock Frequency: " << std::fixed << std::setprecision(9)
-               << HwCounter::resolution() << "\n";
-        // Code that uses the stream's format flags may rely on this.
-        out << std::fixed;
-    }
-    out << banner.str() << std::flush;
+    state()._started = std::time(nullptr);
+    const std::string banner = LgLog::getBanner();
+    // Code that uses the stream's format flags may rely on this.
+    if (LgLog::isTimeStampsEnabled()) out << std::fixed;
+    out << banner << std::flush;
 }
 
-void writeLastBanner(std::ofstream& out)
+void writeLastBanner(std::ostream& out)
 {
     const LgInterProcessLockGuard guard(LgLog::getInterProcessLock());
     out << "===== Message Logger Stopped =====\n" << std::flush;
-    out.close();
 }
 
 } // namespace
@@ -122,7 +118,7 @@ void LgLog::init()
         hasGroups = true;
         readSwitches();
         _start = HwCounter::timeStamp();
-        state()._outputs.open(state()._setup, &writeBanner);
+        state()._outputs.open(state()._setup, outputFunction, &writeBanner);
     }
     catch (...)
     {
@@ -157,12 +153,13 @@ void LgLog::readSwitches()
 
 void LgLog::destroy()
 {
+    if (endFunction) endFunction();
     state()._files = {};
     std::exception_ptr lockError;
     for (const LgTypes::Level level : LG_LEVELS)
     {
         if (!state()._setup[level]._file) continue;
-        std::ofstream* const output = state()._outputs.get(level);
+        std::ostream* const output = state()._outputs.get(level);
         ZU_INTERNAL_ASSERT_TEXT(output, "_level[i]._output");
         try
         {
@@ -178,6 +175,35 @@ void LgLog::destroy()
     }
     LgMajorGroup::finalize();
     if (lockError) std::rethrow_exception(lockError);
+}
+
+void LgLog::setOutputFunction(OutputFunction function)
+{
+    outputFunction = function;
+}
+
+void LgLog::setEndFunction(EndFunction function)
+{
+    endFunction = function;
+}
+
+std::string LgLog::getBanner()
+{
+    PlainTextStream banner;
+    banner << "===== Message Logger Startup =====\n";
+    if (isTimeStampsEnabled())
+    {
+        // A period called "Clock Frequency" is frozen, see docs/compatibility.md.
+        banner << "===== Started on " << std::ctime(&state()._started) << "\n"
+               << "===== Clock Frequency: " << std::fixed << std::setprecision(9)
+               << HwCounter::resolution() << "\n";
+    }
+    return banner.str();
+}
+
+std::string LgLog::getDirectory()
+{
+    return logDirectory();
 }
 
 // The level itself keeps the name of its file, which displaySetup() continues to show. The levels

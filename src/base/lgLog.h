@@ -13,6 +13,8 @@
 #include <atomic>
 #include <cstdint>
 #include <iosfwd>
+#include <memory>
+#include <string>
 
 namespace Zu
 {
@@ -36,6 +38,13 @@ public:
     /// How a thread finds its queue; must not return null.
     using QueueFunction = LgQueue* (*)();
 
+    /// How the file of a level is opened: returns its stream, or null for the logger to open it as
+    /// usual. The logger owns the stream, and destroys it when it ends.
+    using OutputFunction = std::unique_ptr<std::ostream> (*)(const char* name, bool appends);
+
+    /// See setEndFunction().
+    using EndFunction = void (*)();
+
     LgLog() = delete;
 
     /// Reads the environment and opens the log files, each with a banner. A file that can't be
@@ -49,6 +58,21 @@ public:
     /// lock is raised once everything else is done; the file that the lock was for gets no banner.
     /// Asserts "_level[i]._output": a logger that is not running can't be ended.
     static void destroy();
+
+    /// Sets how the files of levels are opened from the next init() on; null restores the usual
+    /// way. May be called before main.
+    static void setOutputFunction(OutputFunction function);
+
+    /// Sets what destroy() calls first, while the queues and the files are still in use; null for
+    /// nothing.
+    static void setEndFunction(EndFunction function);
+
+    /// The lines that begin a log file: they name the time at which the logger started, unless time
+    /// stamps are disabled.
+    static std::string getBanner();
+
+    /// The directory of the log files that the environment does not name.
+    static std::string getDirectory();
 
     /// Prints where each level's text goes.
     static void displaySetup();

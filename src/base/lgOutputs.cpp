@@ -2,12 +2,28 @@
 
 #include "base/osOutputFile.h"
 
+#include <fstream>
 #include <locale>
 
 namespace Zu
 {
 
-void LgOutputs::open(const LgSetup& setup, const std::function<void(std::ofstream&)>& opened)
+namespace
+{
+
+std::shared_ptr<std::ostream> openFile(const LgLevelSetup& setup)
+{
+    auto stream = std::make_shared<std::ofstream>();
+    osOpenOutput(*stream, setup._file->c_str(), setup._append);
+    // Its buffer is another one now, with the global locale.
+    stream->imbue(std::locale::classic());
+    return stream;
+}
+
+} // namespace
+
+void LgOutputs::open(const LgSetup& setup, const Opener& opener,
+                     const std::function<void(std::ostream&)>& opened)
 {
     for (const LgTypes::Level level : LG_LEVELS)
     {
@@ -15,17 +31,14 @@ void LgOutputs::open(const LgSetup& setup, const std::function<void(std::ofstrea
         if (!own._file) continue;
         _streams[level] = openedBefore(setup, level);
         if (_streams[level]) continue;
-        const auto stream = std::make_shared<std::ofstream>();
-        osOpenOutput(*stream, own._file->c_str(), own._append);
-        // Its buffer is another one now, with the global locale.
-        stream->imbue(std::locale::classic());
-        _streams[level] = stream;
-        opened(*stream);
+        if (opener) _streams[level] = opener(own._file->c_str(), own._append);
+        if (!_streams[level]) _streams[level] = openFile(own);
+        opened(*_streams[level]);
     }
 }
 
-std::shared_ptr<std::ofstream> LgOutputs::openedBefore(const LgSetup& setup,
-                                                       LgTypes::Level level) const
+std::shared_ptr<std::ostream> LgOutputs::openedBefore(const LgSetup& setup,
+                                                      LgTypes::Level level) const
 {
     for (const LgTypes::Level earlier : LG_LEVELS)
     {
@@ -37,7 +50,7 @@ std::shared_ptr<std::ofstream> LgOutputs::openedBefore(const LgSetup& setup,
 
 void LgOutputs::close(LgTypes::Level level)
 {
-    const std::shared_ptr<std::ofstream> stream = _streams[level];
+    const std::shared_ptr<std::ostream> stream = _streams[level];
     for (auto& other : _streams)
         if (other == stream) other.reset();
 }

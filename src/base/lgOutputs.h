@@ -7,8 +7,8 @@
 #include "lgSetup.h"
 #include "lgTypes.h"
 
-#include <fstream>
 #include <functional>
+#include <iosfwd>
 #include <memory>
 
 namespace Zu
@@ -20,14 +20,19 @@ namespace Zu
 class LgOutputs
 {
 public:
+    /// Opens a file by its name and returns its stream, or null.
+    using Opener = std::function<std::unique_ptr<std::ostream>(const char* name, bool appends)>;
+
     /// Opens the files that the set-up names, in the order of the levels. Of the levels that share
-    /// a file, the first one decides whether it is appended to. A file that can't be opened still
-    /// has a stream, in a failed state. `opened` is called once for each stream. If it raises, the
-    /// files opened so far stay open.
-    void open(const LgSetup& setup, const std::function<void(std::ofstream&)>& opened);
+    /// a file, the first one decides whether it is appended to. `opener` is asked first if it is
+    /// set; what it returns null for is opened here. A file that can't be opened still has a
+    /// stream, in a failed state. `opened` is called once for each stream. If it raises, the files
+    /// opened so far stay open.
+    void open(const LgSetup& setup, const Opener& opener,
+              const std::function<void(std::ostream&)>& opened);
 
     /// The stream of a level; null if it has none.
-    std::ofstream* get(LgTypes::Level level) const
+    std::ostream* get(LgTypes::Level level) const
     {
         return _streams[level].get();
     }
@@ -45,9 +50,9 @@ public:
     void closeAll();
 
 private:
-    std::shared_ptr<std::ofstream> openedBefore(const LgSetup& setup, LgTypes::Level level) const;
+    std::shared_ptr<std::ostream> openedBefore(const LgSetup& setup, LgTypes::Level level) const;
 
-    std::shared_ptr<std::ofstream> _streams[LgTypes::NUM_LEVELS];
+    std::shared_ptr<std::ostream> _streams[LgTypes::NUM_LEVELS];
 };
 
 } // namespace Zu

@@ -78,12 +78,23 @@ LgQueue::LgQueue(std::uint32_t threadId, std::uint32_t entries, std::uint32_t ch
 {
 }
 
+LgQueue::LgQueue(std::uint32_t threadId, Home& home)
+    : _stream(home.getCharacters()),
+      _entries(std::shared_ptr<void>(), static_cast<Entry*>(home.getEntries().getBegin())),
+      _beg(home.getEntries().getSize()), _end(home.getEntries().getSize()), _creatorAlive(true),
+      _reserved(false), _inserting(false), _threadId(threadId), _suppress(0), _lost(0),
+      _begSeen(0), _mark{}, _home(&home), _usable(home.getEntries().getUsable())
+{
+    // As if the reader were where the usable part ends.
+    if (_usable < _beg.size()) _begSeen = _usable;
+}
+
 LgQueue::LgQueue(LgQueue& source)
     : _stream(source._stream), _entries(source._entries), _beg(source._beg), _end(source._end),
       _creatorAlive(source.isCreatorAlive()), _reserved(source._reserved),
       _inserting(source._inserting), _threadId(source._threadId), _observer(source._observer),
       _suppress(source._suppress), _lost(source.getLostCount()), _begSeen(source._begSeen),
-      _mark(source._mark)
+      _mark(source._mark), _home(source._home), _usable(source._usable)
 {
 }
 
@@ -103,12 +114,39 @@ LgQueue& LgQueue::operator=(LgQueue& source)
     _lost = source.getLostCount();
     _begSeen = source._begSeen;
     _mark = source._mark;
+    _home = source._home;
+    _usable = source._usable;
     return *this;
 }
 
 LgQueue::~LgQueue()
 {
     ZU_INTERNAL_ASSERT_TEXT(_beg.get() == _end.get(), "_beg == _end");
+}
+
+LgQueue::Home::~Home() = default;
+
+void LgQueue::end(LgQueue* queue)
+{
+    Home* const home = queue ? queue->_home : nullptr;
+    if (!home)
+    {
+        delete queue;
+        return;
+    }
+    queue->~LgQueue();
+    home->queueEnded();
+}
+
+LgQueue::Places LgQueue::getPlaces() const
+{
+    const auto placeOf = [this](const void* member)
+    {
+        const auto* const begin = reinterpret_cast<const char*>(this);
+        return static_cast<std::uint32_t>(static_cast<const char*>(member) - begin);
+    };
+    return {placeOf(_beg.place()), placeOf(_end.place()), placeOf(_stream._readPos.place()),
+            placeOf(_stream._lastComplete.place()), placeOf(&_lost)};
 }
 
 bool LgQueue::reserveEntry(LgTypes::Level level)
@@ -128,9 +166,20 @@ bool LgQueue::reserveEntry(LgTypes::Level level)
 
 bool LgQueue::isFreeNow()
 {
+    if (_home && _usable < _beg.size() && !hasGrown()) return isFree();
     // Pairs with the release in removeEntry(): the reader is done with the slots before.
     _begSeen = _beg;
     return isFree();
+}
+
+// Whether more entries can be used. While that is not yet the whole ring, the producer behaves as
+// if the reader were where the usable part ends.
+bool LgQueue::hasGrown()
+{
+    _usable = _home->getEntries().grow(_usable + 1);
+    if (_usable == _beg.size()) return true;
+    _begSeen = _usable;
+    return false;
 }
 
 // A suppressed event leaves no trace. One from inside another's insertion is lost, and has no slot
@@ -215,6 +264,14 @@ void LgQueue::removeEntry()
     ZU_INTERNAL_ASSERT_TEXT(_beg.get() != _end.get(), "_beg != _end");
     // Pairs with the acquire in isFreeNow(): the reader is done with the slot.
     ++_beg;
+    if (!_observer.isNull()) _observer->entryRemoved(*this);
+}
+
+void LgQueue::removeUpTo(const ReadPosition& position)
+{
+    _stream.takeUpTo(position._text);
+    // Pairs with the acquire in isFreeNow(): the reader is done with the slots.
+    _beg = position._entry;
     if (!_observer.isNull()) _observer->entryRemoved(*this);
 }
 

@@ -6,6 +6,7 @@
 
 #include "baseApi.h"
 #include "lgRingIndex.h"
+#include "lgRingMemory.h"
 #include "lgStream.h"
 #include "lgTypes.h"
 #include "objPtr.h"
@@ -102,6 +103,53 @@ public:
         virtual void waitForSpace(const LgQueue& queue, int size) = 0;
     };
 
+    /// The memory of a queue that is not on the heap: for instance in a file that outlives the
+    /// process, from which another one can read the events that were left. Provided by the user of
+    /// the queue, which it outlives.
+    class ZU_BASE_API Home
+    {
+    public:
+        Home() = default;
+        Home(const Home&) = delete;
+        Home& operator=(const Home&) = delete;
+        virtual ~Home();
+
+        /// The ring of entries; an element is an Entry.
+        virtual LgRingMemory& getEntries() = 0;
+
+        /// The ring of characters, at least 32,768.
+        virtual LgRingMemory& getCharacters() = 0;
+
+        /// The queue was destroyed by LgQueue::end(), so its memory is free.
+        virtual void queueEnded() noexcept = 0;
+    };
+
+    /// Where a reader that looks ahead stands in both rings.
+    struct ReadPosition
+    {
+        /// In the ring of entries: the entry that is next.
+        std::uint32_t _entry;
+        /// In the ring of characters: the end of the string before the next one.
+        std::uint32_t _text;
+    };
+
+    /// Where a queue's positions stand, in bytes from its first byte, for those who find its memory
+    /// after its process has ended. All are 32-bit numbers but the number of lost events, which has
+    /// 64 bits.
+    struct Places
+    {
+        /// The oldest entry.
+        std::uint32_t _entriesBegin;
+        /// Where the next entry goes.
+        std::uint32_t _entriesEnd;
+        /// The end of the text that was taken last.
+        std::uint32_t _textBegin;
+        /// The end of the text that was completed last.
+        std::uint32_t _textEnd;
+        /// The number of lost events.
+        std::uint32_t _lost;
+    };
+
     /// While one exists, all events of the producer are dropped without being counted. For the
     /// producer.
     class ZU_BASE_API SuppressGuard
@@ -120,6 +168,10 @@ public:
     /// A queue for the thread with this id.
     explicit LgQueue(std::uint32_t threadId = 0);
 
+    /// A queue whose rings are in provided memory. The object itself may be made there, too, by
+    /// placement new; end() destroys it then.
+    LgQueue(std::uint32_t threadId, Home& home);
+
     /// @{
     /// A copy shares both rings with its source, whose observer moves to it.
     LgQueue(LgQueue& source);
@@ -128,6 +180,19 @@ public:
 
     /// Asserts "_beg == _end": a queue is drained before it ends.
     ~LgQueue();
+
+    /// Ends a queue as its reader does: deletes it or, if its memory was provided, destroys it and
+    /// notifies its home.
+    static void end(LgQueue* queue);
+
+    /// Who provides the memory; null if it is on the heap.
+    Home* getHome() const
+    {
+        return _home;
+    }
+
+    /// Where the positions stand.
+    Places getPlaces() const;
 
     // For the producer.
 
@@ -188,6 +253,40 @@ public:
     /// Removes the oldest entry, whose text must have been taken from the stream. Asserts
     /// "_beg != _end".
     void removeEntry();
+
+    /// @{
+    /// For a reader that looks ahead, and removes events when they are written: where the oldest
+    /// entry is; whether there is an entry at a position; that entry; its text. getTextAt() moves
+    /// to the end of the text and is not called for an overflow entry, which has none; `scratch`
+    /// has room for 32,768 characters and is used where the text wraps. stepEntry() moves to the
+    /// next entry. removeUpTo() removes all entries and texts before a position.
+    ReadPosition getReadPosition() const
+    {
+        return {_beg.own(), _stream._readPos.own()};
+    }
+
+    bool isWaiting(const ReadPosition& position) const
+    {
+        return _end.get() != position._entry;
+    }
+
+    const Entry& getEntryAt(const ReadPosition& position) const
+    {
+        return _entries[position._entry];
+    }
+
+    std::string_view getTextAt(ReadPosition& position, char* scratch) const
+    {
+        return _stream.peek(position._text, scratch);
+    }
+
+    void stepEntry(ReadPosition& position) const
+    {
+        position._entry = (position._entry + 1) & (_beg.size() - 1);
+    }
+
+    void removeUpTo(const ReadPosition& position);
+    /// @}
 
     /// Whether the producer's thread is still alive.
     bool isCreatorAlive() const
@@ -252,6 +351,7 @@ private:
     }
 
     bool isFreeNow();
+    bool hasGrown();
     void fetchAhead();
     bool refuse();
     bool countLoss();
@@ -289,6 +389,11 @@ private:
 
     // The producer's: where the reserved event's text begins.
     LgStream::Mark _mark;
+
+    // Who provides the memory; null if it is on the heap. The producer's: how many entries can be
+    // used so far.
+    Home* _home = nullptr;
+    std::uint32_t _usable = 0;
 };
 
 } // namespace Zu

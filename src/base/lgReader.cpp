@@ -63,33 +63,6 @@ char* appendText(char* place, LgQueue& q, const LgQueue::Entry& e)
 
 std::atomic<std::uint64_t> unwrittenCount{0};
 
-// Writes a line in one piece, which costs one system call. False if the stream has not accepted it.
-bool writeLine(std::ostream& out, const char* line, std::size_t length)
-{
-    if (LgLog::isTimeStampsEnabled())
-    {
-        // Other writers of the stream may rely on this format.
-        out.fill(' ');
-        out.setf(std::ios::dec, std::ios::basefield);
-    }
-    try
-    {
-        // Does the same as write() and flush(), but constructs the sentry only once.
-        const std::ostream::sentry prepared(out);
-        if (!prepared) return false;
-        const auto size = static_cast<std::streamsize>(length);
-        const bool isWritten = out.rdbuf()->sputn(line, size) == size;
-        if (isWritten && out.rdbuf()->pubsync() == 0) return true;
-        out.setstate(std::ios::badbit);
-    }
-    catch (...)
-    {
-        // From a stream that a client has configured to raise. The line is lost, and the event is
-        // removed nevertheless.
-    }
-    return false;
-}
-
 } // namespace
 
 bool LgReader::eventsPending()
@@ -126,16 +99,48 @@ bool LgReader::findEarliest(LgQueue*& earliest)
             // isEmpty() was checked again, since the last event may have come just before the
             // thread ended.
             LgLog::getRegistry()->deregisterQueue(queue);
-            delete queue;
+            LgQueue::end(queue);
             return false;
         }
     }
     return true;
 }
 
+// In one piece, which costs one system call.
+bool LgReader::writeLine(std::ostream& out, const char* line, std::size_t length)
+{
+    if (LgLog::isTimeStampsEnabled())
+    {
+        // Other writers of the stream may rely on this format.
+        out.fill(' ');
+        out.setf(std::ios::dec, std::ios::basefield);
+    }
+    try
+    {
+        // Does the same as write() and flush(), but constructs the sentry only once.
+        const std::ostream::sentry prepared(out);
+        if (!prepared) return false;
+        const auto size = static_cast<std::streamsize>(length);
+        const bool isWritten = out.rdbuf()->sputn(line, size) == size;
+        if (isWritten && out.rdbuf()->pubsync() == 0) return true;
+        out.setstate(std::ios::badbit);
+    }
+    catch (...)
+    {
+        // From a stream that a client has configured to raise. The line is lost, and the event is
+        // removed nevertheless.
+    }
+    return false;
+}
+
 std::uint64_t LgReader::getUnwrittenCount()
 {
     return unwrittenCount.load(std::memory_order_relaxed);
+}
+
+void LgReader::addUnwrittenCount(std::uint64_t events)
+{
+    unwrittenCount.fetch_add(events, std::memory_order_relaxed);
 }
 
 void LgReader::flushAll()

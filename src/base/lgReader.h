@@ -6,7 +6,9 @@
 
 #include "baseApi.h"
 
+#include <cstddef>
 #include <cstdint>
+#include <iosfwd>
 
 namespace Zu
 {
@@ -48,6 +50,13 @@ public:
     /// disk was full. Events of a level that is configured without a file do not count. Any thread
     /// may call this.
     static std::uint64_t getUnwrittenCount();
+
+    /// Writes a line, with its line feed, in one piece and flushes the stream. False if the stream
+    /// has not accepted it, or has raised.
+    static bool writeLine(std::ostream& out, const char* line, std::size_t length);
+
+    /// Counts events that another reader has not been able to write. Any thread may call this.
+    static void addUnwrittenCount(std::uint64_t events);
 
 private:
     // Returns false if it deleted a queue on the way; the search must then be repeated.

@@ -108,6 +108,12 @@ public:
         return (position - get()) & _mask;
     }
 
+    /// Where the position itself stands.
+    const void* place() const noexcept
+    {
+        return &_value;
+    }
+
     /// The size of the ring.
     std::uint32_t size() const noexcept
     {

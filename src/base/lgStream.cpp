@@ -19,6 +19,10 @@ namespace
 constexpr char LOST_TEXT = '#';
 constexpr std::size_t DECIMALS = 6;
 
+// In a ring that is not wholly usable yet, this many places stay free before the end of the usable
+// part: a mark for lost text, terminators, and the place of the next character.
+constexpr std::uint32_t SPARE = 4;
+
 } // namespace
 
 LgStream::LgStream() : LgStream(BufSize) {}
@@ -26,16 +30,28 @@ LgStream::LgStream() : LgStream(BufSize) {}
 LgStream::LgStream(std::uint32_t size)
     : _buffer(new char[size]), _readPos(size), _writePos(size), _lastComplete(size),
       _overflowed(false), _terminatorPending(false), _outputFlags(0), _readPosSeen(0),
-      _straightEnd(0)
+      _straightEnd(0), _usable(size), _memory(nullptr)
 {
     _buffer[0] = '\0';
+}
+
+LgStream::LgStream(LgRingMemory& memory)
+    : _buffer(std::shared_ptr<void>(), static_cast<char*>(memory.getBegin())),
+      _readPos(memory.getSize()), _writePos(memory.getSize()), _lastComplete(memory.getSize()),
+      _overflowed(false), _terminatorPending(false), _outputFlags(0), _readPosSeen(0),
+      _straightEnd(0), _usable(memory.getUsable()), _memory(&memory)
+{
+    // As if an empty string had been read.
+    _buffer[0] = '\0';
+    _writePos = 1;
 }
 
 LgStream::LgStream(const LgStream& other)
     : _buffer(other._buffer), _readPos(other._readPos), _writePos(other._writePos),
       _lastComplete(other._lastComplete), _overflowed(other.hasOverflowed()),
       _terminatorPending(other._terminatorPending), _outputFlags(other._outputFlags),
-      _readPosSeen(other._readPosSeen), _straightEnd(other._straightEnd)
+      _readPosSeen(other._readPosSeen), _straightEnd(other._straightEnd), _usable(other._usable),
+      _memory(other._memory)
 {
 }
 
@@ -51,6 +67,8 @@ LgStream& LgStream::operator=(const LgStream& other)
     _outputFlags = other._outputFlags;
     _readPosSeen = other._readPosSeen;
     _straightEnd = other._straightEnd;
+    _usable = other._usable;
+    _memory = other._memory;
     return *this;
 }
 
@@ -196,8 +214,9 @@ LgStream& LgStream::insertAtEdge(const char* text, std::size_t length)
 {
     if (!makeRoom()) return *this;
     _outputFlags |= TEXT_INSERTED;
-    if (length > room(_readPosSeen)) lookForRoom();
-    if (length > room(_readPosSeen))
+    grow(length);
+    if (length > roomNow()) lookForRoom();
+    if (length > roomNow())
         overflow();
     else
         insertWrapping(text, length);
@@ -230,6 +249,49 @@ void LgStream::findStraightEnd()
         _straightEnd = _readPosSeen - 1;
     else
         _straightEnd = _readPosSeen == 0 ? size - 1 : size;
+    if (_usable < size) _straightEnd = std::min(_straightEnd, _usable - SPARE);
+    if (size > BufSize) _straightEnd = std::min(_straightEnd, _writePos.own() + leftOfText());
+}
+
+// Makes the places of this many more characters usable, and of what follows them, as far as
+// possible.
+void LgStream::grow(std::size_t length)
+{
+    const std::uint32_t size = _writePos.size();
+    if (_usable == size) return;
+    const std::size_t end = _writePos.own() + length + std::size_t{2} * SPARE;
+    const auto needed = static_cast<std::uint32_t>(std::min<std::size_t>(end, size));
+    if (needed <= _usable) return;
+    _usable = _memory->grow(needed);
+    findStraightEnd();
+}
+
+// How many places there are before the end of the usable part; enough if that is the whole ring.
+std::uint32_t LgStream::leftOfUsable() const
+{
+    const std::uint32_t position = _writePos.own();
+    if (_usable == _writePos.size()) return _usable;
+    return position + SPARE < _usable ? _usable - SPARE - position : 0;
+}
+
+// How many characters the string that is being inserted may still get.
+std::uint32_t LgStream::leftOfText() const
+{
+    if (_writePos.size() <= BufSize) return BufSize;
+    const std::uint32_t length = _lastComplete.distanceTo(_writePos.own());
+    return length < BufSize - 1 ? BufSize - 1 - length : 0;
+}
+
+// The same as room(), for the writer: what it can use at once, as far as it has seen the reader.
+std::uint32_t LgStream::roomNow() const
+{
+    return std::min({room(_readPosSeen), leftOfUsable(), leftOfText()});
+}
+
+// Whether the writer must not step further.
+bool LgStream::isAtEnd() const
+{
+    return _writePos.plus(1) == _readPosSeen || leftOfUsable() == 0;
 }
 
 // Steps past a terminator on which the last string was left. If there is no room for a character,
@@ -254,8 +316,9 @@ bool LgStream::makeRoom()
 
 bool LgStream::isFullAtEdge()
 {
-    if (room(_readPosSeen) == 0) lookForRoom();
-    return room(_readPosSeen) == 0;
+    grow(1);
+    if (roomNow() == 0) lookForRoom();
+    return roomNow() == 0;
 }
 
 // How many characters there is room for before a reader at this position. One place stays free, and
@@ -281,11 +344,12 @@ void LgStream::completeAtEdge()
     noteEnd();
     // The steps below must never pass the position at which the reader was last seen.
     _readPosSeen = _readPos;
+    grow(1);
     if (_terminatorPending)
     {
         // Nothing was inserted since the last string was closed on the pending terminator: there is
         // no other string.
-        if (_writePos.plus(1) == _readPosSeen) return;
+        if (isAtEnd()) return;
         ++_writePos;
         _terminatorPending = false;
         findStraightEnd();
@@ -297,7 +361,7 @@ void LgStream::completeAtEdge()
     _buffer[_writePos.own()] = '\0';
     // From this store on the reader sees the string.
     _lastComplete = _writePos.own();
-    if (_writePos.plus(1) == _readPosSeen)
+    if (isAtEnd())
         _terminatorPending = true;
     else
         ++_writePos;
@@ -327,7 +391,7 @@ void LgStream::keepFirst(const Mark& mark)
     _lastComplete = end & mask;
     _writePos = end & mask;
     _readPosSeen = _readPos;
-    _terminatorPending = _writePos.plus(1) == _readPosSeen;
+    _terminatorPending = isAtEnd();
     if (!_terminatorPending) ++_writePos;
     findStraightEnd();
 }
@@ -353,11 +417,10 @@ unsigned int LgStream::getNextSize() const
     return findNext(next) ? next._length : 0;
 }
 
-bool LgStream::findNext(Next& next) const
+bool LgStream::findNextAt(std::uint32_t position, Next& next) const
 {
     // Pairs with the release in completeString(): the characters up to there are complete.
     const std::uint32_t complete = _lastComplete;
-    const std::uint32_t position = _readPos.own();
     if (complete == position) return false;
     // The reader is on the terminator of the previous string, except at the very beginning.
     const std::uint32_t size = _readPos.size();
@@ -368,6 +431,18 @@ bool LgStream::findNext(Next& next) const
     next._length = end ? static_cast<std::uint32_t>(static_cast<const char*>(end) - begin)
                        : tillWrap + static_cast<std::uint32_t>(std::strlen(_buffer.get()));
     return true;
+}
+
+std::string_view LgStream::peek(std::uint32_t& position, char* scratch) const
+{
+    Next next{};
+    if (!findNextAt(position, next)) return {};
+    position = (next._begin + next._length) & (_readPos.size() - 1);
+    const std::uint32_t tillWrap = _readPos.size() - next._begin;
+    if (next._length <= tillWrap) return {_buffer.get() + next._begin, next._length};
+    std::memcpy(scratch, _buffer.get() + next._begin, tillWrap);
+    std::memcpy(scratch + tillWrap, _buffer.get(), next._length - tillWrap);
+    return {scratch, next._length};
 }
 
 unsigned int LgStream::take(char* destination)

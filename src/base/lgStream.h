@@ -7,6 +7,7 @@
 #include "baseApi.h"
 #include "compiler.h"
 #include "lgRingIndex.h"
+#include "lgRingMemory.h"
 
 #include <atomic>
 #include <cstddef>
@@ -160,6 +161,10 @@ protected:
     /// Makes a ring of another size, a power of two from 4 on, for tests.
     explicit LgStream(std::uint32_t size);
 
+    /// Makes a ring of this memory's size, from 32,768 characters on. A string is never longer than
+    /// it can be in a ring of 32,768.
+    explicit LgStream(LgRingMemory& memory);
+
 private:
     // The writer's data have a cache line of their own, which the reader's moves do not invalidate.
     static constexpr std::size_t CACHE_LINE = 64;
@@ -225,7 +230,23 @@ private:
         std::uint32_t _begin;
         std::uint32_t _length;
     };
-    bool findNext(Next& next) const;
+    bool findNext(Next& next) const
+    {
+        return findNextAt(_readPos.own(), next);
+    }
+
+    bool findNextAt(std::uint32_t position, Next& next) const;
+
+    // For a reader that looks ahead: the string behind the one that ends at `position`, which moves
+    // to its end. `scratch` has room for the longest string; it is used if the string wraps.
+    std::string_view peek(std::uint32_t& position, char* scratch) const;
+
+    // The reader is done with everything up to the end of a string.
+    void takeUpTo(std::uint32_t position)
+    {
+        _readPos = position;
+        _overflowed.store(false, std::memory_order_relaxed);
+    }
 
     // Prefetches a place that will be written soon.
     void fetchAhead() const
@@ -243,6 +264,11 @@ private:
     bool makeRoom();
     void insertWrapping(const char* text, std::size_t length);
     std::uint32_t room(std::uint32_t readPos) const;
+    std::uint32_t roomNow() const;
+    std::uint32_t leftOfUsable() const;
+    std::uint32_t leftOfText() const;
+    bool isAtEnd() const;
+    void grow(std::size_t length);
     void overflow();
 
     std::shared_ptr<char[]> _buffer;
@@ -257,6 +283,10 @@ private:
     // The writer may advance to just before this position without checking the reader or wrapping;
     // 0 while it has to check first.
     std::uint32_t _straightEnd;
+    // How many characters of the ring can be used so far, and who makes more of them usable; null
+    // if all can be used from the beginning.
+    std::uint32_t _usable;
+    LgRingMemory* _memory;
 };
 
 /// Ends the string that is being inserted.

@@ -4,6 +4,8 @@
 #ifndef ZU_BASE_OSDESCRIPTOR_H
 #define ZU_BASE_OSDESCRIPTOR_H
 
+#include "baseApi.h"
+
 namespace Zu
 {
 
@@ -11,10 +13,10 @@ namespace Zu
 /// been started without these; what it then wrote to its standard output would land in the file.
 /// Children do not inherit the new descriptor. Returns a negative number, with `errno` set, if no
 /// descriptor is free; a negative `number` is returned unchanged.
-int osAboveStandard(int number);
+ZU_BASE_API int osAboveStandard(int number);
 
 /// Closes its descriptor when it is destroyed; a negative number means none.
-class OsDescriptor
+class ZU_BASE_API OsDescriptor
 {
 public:
     explicit OsDescriptor(int number) : _number(number) {}

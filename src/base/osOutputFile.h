@@ -4,6 +4,8 @@
 #ifndef ZU_BASE_OSOUTPUTFILE_H
 #define ZU_BASE_OSOUTPUTFILE_H
 
+#include "baseApi.h"
+
 #include <cstdint>
 #include <iosfwd>
 
@@ -31,6 +33,25 @@ bool osIsTrustedLink(const OsOwnership& link, std::uint32_t user);
 /// Whether a file in a shared place is this user's own. Another user may have made a second name
 /// for one of this user's files, to have that file written to.
 bool osIsOwnOutput(const OsOwnership& file, std::uint32_t user);
+
+/// How osOpenOutputFile() opens a file. One that is missing is made.
+enum class OsOutputMode
+{
+    /// Emptied, and written from its beginning.
+    Emptied,
+    /// Written behind whatever is there at the time of each write.
+    Appended,
+    /// Appended, and can also be read if the system permits it, which it does for plain files only.
+    /// Opening neither waits for the reader of a pipe, but fails without one, nor gives the process
+    /// a terminal of its own. On Windows the file can be renamed and removed while it is open.
+    Kept
+};
+
+/// Opens a file in the same place and with the same checks as osOpenOutput(). Returns its
+/// descriptor, on Windows its handle, which the caller closes. Returns -1 if that fails; the last
+/// error of the platform then says why. A file or link that does not pass the checks is reported as
+/// one that the operation is not permitted for.
+ZU_BASE_API std::intptr_t osOpenOutputFile(const char* name, OsOutputMode mode);
 
 /// Opens a file for text of the library, as `file.open(name, appends ? app : trunc)` in binary mode
 /// does, but without a buffer, so that nothing is kept that the system has refused. Children of the

@@ -31,21 +31,46 @@ int descriptorOf(HANDLE handle)
     return above;
 }
 
-// Negative if there is none.
-int openFile(const char* name, bool appends)
+DWORD accessOf(OsOutputMode mode)
+{
+    switch (mode)
+    {
+    case OsOutputMode::Emptied:
+        return GENERIC_WRITE;
+    case OsOutputMode::Appended:
+        return FILE_APPEND_DATA;
+    case OsOutputMode::Kept:
+        break;
+    }
+    return FILE_APPEND_DATA | GENERIC_READ;
+}
+
+HANDLE openFile(const char* name, OsOutputMode mode, DWORD access)
 {
     // Others may open it, too; appending goes after whatever they have written in the meantime.
-    const HANDLE handle = CreateFileA(
-        name, appends ? FILE_APPEND_DATA : GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE,
-        nullptr, appends ? OPEN_ALWAYS : CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr);
-    return handle == INVALID_HANDLE_VALUE ? -1 : descriptorOf(handle);
+    const DWORD sharing = FILE_SHARE_READ | FILE_SHARE_WRITE;
+    return CreateFileA(name, access,
+                       mode == OsOutputMode::Kept ? sharing | FILE_SHARE_DELETE : sharing, nullptr,
+                       mode == OsOutputMode::Emptied ? CREATE_ALWAYS : OPEN_ALWAYS,
+                       FILE_ATTRIBUTE_NORMAL, nullptr);
 }
 
 } // namespace
 
+std::intptr_t osOpenOutputFile(const char* name, OsOutputMode mode)
+{
+    HANDLE file = openFile(name, mode, accessOf(mode));
+    if (file == INVALID_HANDLE_VALUE && mode == OsOutputMode::Kept &&
+        GetLastError() == ERROR_ACCESS_DENIED)
+        file = openFile(name, mode, FILE_APPEND_DATA);
+    return reinterpret_cast<std::intptr_t>(file);
+}
+
 void osOpenOutput(std::ofstream& file, const char* name, bool appends)
 {
-    const int descriptor = openFile(name, appends);
+    const auto mode = appends ? OsOutputMode::Appended : OsOutputMode::Emptied;
+    const std::intptr_t handle = osOpenOutputFile(name, mode);
+    const int descriptor = handle < 0 ? -1 : descriptorOf(reinterpret_cast<HANDLE>(handle));
     if (descriptor >= 0 && osAdoptOutput(file, descriptor, appends)) return;
     if (descriptor >= 0) _close(descriptor);
     file.setstate(std::ios::failbit);

@@ -16,7 +16,7 @@ using Zu::LgOutputs;
 using Zu::LgSetup;
 namespace LgTypes = Zu::LgTypes;
 
-void nothing(std::ofstream&) {}
+void nothing(std::ostream&) {}
 
 class LgOutputsTest : public testing::Test
 {
@@ -38,10 +38,10 @@ TEST_F(LgOutputsTest, OpensOneStreamForEachFile)
     name(LgTypes::Error, "one.log");
     name(LgTypes::Warning, "two.log");
     name(LgTypes::Profiling, "one.log");
-    std::vector<std::ofstream*> opened;
-    _outputs.open(_setup, [&](std::ofstream& stream) { opened.push_back(&stream); });
-    EXPECT_EQ(opened, (std::vector<std::ofstream*>{_outputs.get(LgTypes::Error),
-                                                   _outputs.get(LgTypes::Warning)}));
+    std::vector<std::ostream*> opened;
+    _outputs.open(_setup, nullptr, [&](std::ostream& stream) { opened.push_back(&stream); });
+    EXPECT_EQ(opened, (std::vector<std::ostream*>{_outputs.get(LgTypes::Error),
+                                                  _outputs.get(LgTypes::Warning)}));
     EXPECT_EQ(_outputs.get(LgTypes::Profiling), _outputs.get(LgTypes::Error));
     EXPECT_TRUE(_outputs.areShared(LgTypes::Error, LgTypes::Profiling));
     EXPECT_FALSE(_outputs.areShared(LgTypes::Error, LgTypes::Warning));
@@ -57,7 +57,7 @@ TEST_F(LgOutputsTest, TheFirstLevelOfAFileSaysWhetherItIsAppendedTo)
         support::writeFile(_directory.file(file), "before\n");
         name(LgTypes::FatalError, file, firstAppends);
         name(LgTypes::Error, file, !firstAppends);
-        _outputs.open(_setup, &nothing);
+        _outputs.open(_setup, nullptr, &nothing);
         *_outputs.get(LgTypes::Error) << "now\n";
         _outputs.closeAll();
         EXPECT_EQ(support::readFile(_directory.file(file)),
@@ -69,7 +69,7 @@ TEST_F(LgOutputsTest, AFileThatCannotBeOpenedHasAFailedStream)
 {
     name(LgTypes::Error, "missing/one.log");
     int count = 0;
-    _outputs.open(_setup, [&](std::ofstream&) { ++count; });
+    _outputs.open(_setup, nullptr, [&](std::ostream&) { ++count; });
     ASSERT_NE(_outputs.get(LgTypes::Error), nullptr);
     EXPECT_TRUE(_outputs.get(LgTypes::Error)->fail());
     EXPECT_EQ(count, 1);
@@ -80,7 +80,7 @@ TEST_F(LgOutputsTest, ClosesAStreamForAllThatShareIt)
     name(LgTypes::Error, "one.log");
     name(LgTypes::Warning, "two.log");
     name(LgTypes::Informational, "one.log");
-    _outputs.open(_setup, &nothing);
+    _outputs.open(_setup, nullptr, &nothing);
     _outputs.close(LgTypes::Informational);
     EXPECT_EQ(_outputs.get(LgTypes::Error), nullptr);
     EXPECT_EQ(_outputs.get(LgTypes::Informational), nullptr);
@@ -90,7 +90,7 @@ TEST_F(LgOutputsTest, ClosesAStreamForAllThatShareIt)
 TEST_F(LgOutputsTest, ClosingALevelWithoutAStreamChangesNothing)
 {
     name(LgTypes::Error, "one.log");
-    _outputs.open(_setup, &nothing);
+    _outputs.open(_setup, nullptr, &nothing);
     _outputs.close(LgTypes::Tracing);
     EXPECT_NE(_outputs.get(LgTypes::Error), nullptr);
 }
@@ -101,8 +101,8 @@ TEST_F(LgOutputsTest, WhatTheBannerRaisesLeavesTheFilesThatAreOpen)
     name(LgTypes::Warning, "two.log");
     name(LgTypes::Informational, "three.log");
     int count = 0;
-    EXPECT_THROW(_outputs.open(_setup,
-                               [&](std::ofstream&)
+    EXPECT_THROW(_outputs.open(_setup, nullptr,
+                               [&](std::ostream&)
                                {
                                    if (++count == 2) throw std::runtime_error("no lock");
                                }),
@@ -118,7 +118,7 @@ TEST_F(LgOutputsTest, OpensAgainAfterItsEnd)
     name(LgTypes::Error, "one.log");
     for (const char* const text : {"first\n", "second\n"})
     {
-        _outputs.open(_setup, &nothing);
+        _outputs.open(_setup, nullptr, &nothing);
         *_outputs.get(LgTypes::Error) << text;
         _outputs.close(LgTypes::Error);
         EXPECT_EQ(support::readFile(_directory.file("one.log")), text);

@@ -1,0 +1,8 @@
+#include "base/lgRingMemory.h"
+
+namespace Zu
+{
+
+LgRingMemory::~LgRingMemory() = default;
+
+} // namespace Zu
