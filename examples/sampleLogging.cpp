@@ -22,7 +22,7 @@ namespace
 
 constexpr int PRODUCERS = 3;
 constexpr int ROUNDS = 40;
-constexpr int BURST = 2000;
+constexpr int BURST = 12000;
 // Fewer than a queue holds, so that the second process can't lose one.
 constexpr int EVENTS_OF_SECOND_PROCESS = 50;
 constexpr std::size_t LINES_SHOWN = 4;

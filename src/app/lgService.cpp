@@ -1,12 +1,23 @@
 #include "app/lgService.h"
 
 #include "app/lgServiceEx.h"
+#include "app/lgServiceLog.h"
+#include "app/lgServicePlatform.h"
 #include "app/lgServiceReader.h"
+#include "app/lgServiceRecovery.h"
 #include "app/lgServiceThreads.h"
+#include "base/exBase.h"
 #include "base/hwCounter.h"
 #include "base/lgLog.h"
+#include "base/osFilePath.h"
+#include "base/osFsUtils.h"
 
+#include <algorithm>
 #include <atomic>
+#include <future>
+#include <iostream>
+#include <string>
+#include <utility>
 
 namespace Zu
 {
@@ -14,55 +25,240 @@ namespace Zu
 namespace
 {
 
-std::atomic<bool> there{false};
+// The number of forks, plus one, of the process that has a service.
+std::atomic<int> there{0};
+
+// The service of this process.
+LgService* living = nullptr;
 
 // What a child can't destroy; kept here so that it is not reported as a leak.
 [[maybe_unused]] LgServiceReader* leftToTheParent = nullptr;
 
-} // namespace
-
-LgService::LgService()
+// With a separator at its end; empty stays empty.
+std::string directoryName(std::string name)
 {
-    if (!LgLog::getRegistry()) throw LgServiceEx::ExLoggerNotStarted(__FILE__, __LINE__);
-    LgServiceThreads& threads = LgServiceThreads::instance();
-    if (threads.isForked()) throw LgServiceEx::ExForked(__FILE__, __LINE__);
-    if (there.exchange(true)) throw LgServiceEx::ExAlreadyRunning(__FILE__, __LINE__);
+    if (!name.empty() && name.back() != '/' && name.back() != '\\') name += '/';
+    return name;
+}
+
+bool isSeparator(char character)
+{
+    return character == '/' || character == *OsFilePath::getSeparator();
+}
+
+// Without separators at its end, so that a directory has one name; a root keeps its own.
+std::string plainDirectory(std::string name)
+{
+    while (name.size() > 1 && isSeparator(name.back()) && name[name.size() - 2] != ':')
+        name.pop_back();
+    return name;
+}
+
+// From a root on, so that the files stay where they are when the process goes elsewhere.
+std::string fixedDirectory(const std::string& name)
+{
+    if (OsFilePath::isAbsolute(name.c_str()) || isSeparator(name.front()))
+        return plainDirectory(name);
+    const OsFilePath current = OsFilePath(".").getDirectoryName();
+    return plainDirectory((current + OsFilePath(name.c_str())).getChars());
+}
+
+// Makes the directory of the log files. If the system refuses it, the logger's own stays.
+void makeDirectory(LgServiceOptions& options)
+{
+    if (options._directory.empty()) return;
     try
     {
+        const std::string directory = fixedDirectory(options._directory);
+        OsFsUtils::createDir(directory.c_str(), true);
+        options._directory = directory;
+    }
+    catch (const ExBase& exception)
+    {
+        std::cerr << "The log directory \"" << options._directory
+                  << "\" can't be used, and the log files are in \"" << LgLog::getDirectory()
+                  << "\": " << exception.getReason() << std::endl;
+        options._directory.clear();
+    }
+}
+
+std::string logDirectory(const LgServiceOptions& options)
+{
+    return options._directory.empty() ? LgLog::getDirectory() : options._directory;
+}
+
+// The settings of the queues.
+LgServiceMap::Settings mapSettings(const LgServiceOptions& options)
+{
+    LgServiceMap::Settings settings;
+    settings._mapDirectory = directoryName(options._mappingDirectory);
+    settings._logDirectory = plainDirectory(logDirectory(options));
+    settings._entries = options._entries;
+    settings._characters = options._characters;
+    settings._limit = options._memoryLimit;
+    return settings;
+}
+
+LgLineForm formOf(LgServiceOptions::LineForm form)
+{
+    if (form == LgServiceOptions::LineForm::Local) return LgLineForm::Local;
+    return form == LgServiceOptions::LineForm::Utc ? LgLineForm::Utc : LgLineForm::Ticks;
+}
+
+// The name with the process id before its last dot, or at its end.
+std::string withProcess(std::string name)
+{
+    const std::size_t place = std::min(name.rfind('.'), name.size());
+    return name.insert(place, "." + std::to_string(lgProcessFacts()._process));
+}
+
+std::string pathIn(const std::string& directory, const std::string& name)
+{
+    return (OsFilePath(directory.c_str()) + name.c_str()).getChars();
+}
+
+// Where the log goes that the logger gave this path: by the options, unless a variable of the
+// environment named it.
+std::string pathFor(const std::string& given, const LgServiceOptions& options)
+{
+    const bool isEvents = given == pathIn(LgLog::getDirectory(), "events.log");
+    if (!isEvents && given != pathIn(LgLog::getDirectory(), "prof.log")) return given;
+    const std::string& name = isEvents ? options._eventsName : options._profilesName;
+    return pathIn(logDirectory(options), options._processInNames ? withProcess(name) : name);
+}
+
+// The log of a level; null if it has none, or one of another kind.
+LgServiceLog* logOf(LgTypes::Level level)
+{
+    return dynamic_cast<LgServiceLog*>(LgLog::getLevelOutput(level));
+}
+
+void setLogs(const LgServiceOptions& options)
+{
+    LgServiceLog::Settings settings;
+    settings._rotation._size = options._rotateSize;
+    settings._rotation._minuteOfDay = options._rotateMinute;
+    settings._rotation._kept = options._keptFiles;
+    settings._pendingLimit = options._pendingLimit;
+    LgServiceLog::setSettings(settings);
+    for (int i = 0; i < LgTypes::NUM_LEVELS; ++i)
+        if (LgServiceLog* const log = logOf(static_cast<LgTypes::Level>(i)))
+            log->setPath(pathFor(log->getGivenPath(), options));
+}
+
+// Writes what processes have left: in a thread that no signal of a file can end.
+std::uint64_t recover(const LgServiceMap::Settings& settings, const LgServiceOptions& options)
+{
+    const LgServiceMap& map = LgServiceThreads::instance().map();
+    const std::string own = map.isOpen() ? map.getPath() : std::string();
+    const LgLineForm form =
+        LgLog::isTimeStampsEnabled() ? formOf(options._lineForm) : LgLineForm::Plain;
+    const auto recoverAll = [&]
+    {
+        return LgServiceRecovery::recoverAll(settings._mapDirectory, settings._logDirectory, own,
+                                             form, options._rawText, options._keptMappings,
+                                             options._keptMappingDays);
+    };
+    const LgServicePlatform::SignalBlock block;
+    return std::async(std::launch::async, recoverAll).get();
+}
+
+// Where the lines of a level go.
+std::string outputsOf(LgTypes::Level level)
+{
+    std::string text = LgLog::isLevelEchoed(level) ? "stdout" : "";
+    if (!LgLog::getLevelOutput(level)) return text.empty() ? "none" : text;
+    if (!text.empty()) text += ", ";
+    const LgServiceLog* const log = logOf(level);
+    return text + (log ? log->getPath() : "a stream of the program");
+}
+
+} // namespace
+
+LgService::LgService(LgServiceOptions options, bool) : _options(std::move(options))
+{
+    _options.check(std::cerr);
+    if (!LgLog::getRegistry()) throw LgServiceEx::ExLoggerNotStarted(__FILE__, __LINE__);
+    LgServiceThreads& threads = LgServiceThreads::instance();
+    if (there.exchange(threads.getForks() + 1) == threads.getForks() + 1)
+        throw LgServiceEx::ExAlreadyRunning(__FILE__, __LINE__);
+    try
+    {
+        makeDirectory(_options);
         _lostBefore = threads.getLostCount();
-        threads.start();
+        const LgServiceMap::Settings settings = mapSettings(_options);
+        const LgLineForm form = formOf(_options._lineForm);
+        threads.setEndLimit(_options._endLimit);
+        threads.start(settings);
+        setLogs(_options);
+        _recovered = recover(settings, _options);
         LgLog::setQueueFunction(&LgServiceThreads::queueOfThread);
-        _reader = std::make_unique<LgServiceReader>(threads);
+        _reader = std::make_unique<LgServiceReader>(threads, form, _options._rawText);
     }
     catch (...)
     {
         threads.stop();
-        there = false;
+        there = 0;
         throw;
     }
+    living = this;
+    LgLog::setEndFunction(&endWithLogger);
+    if (_options._reopenOnHangup) LgServicePlatform::onHangup(&LgServiceReader::reopen);
     LgLog::setLoggerActivation(true);
 }
 
 LgService::~LgService()
 {
+    end();
+}
+
+// The packages that logged have ended before; now the files will be closed.
+void LgService::endWithLogger()
+{
+    if (there != LgServiceThreads::instance().getForks() + 1) return;
+    std::cerr << "The log service ends with the logger. It has to end before the packages do."
+              << std::endl;
+    living->end();
+}
+
+void LgService::end()
+{
+    if (!_reader) return;
     LgServiceThreads& threads = LgServiceThreads::instance();
-    if (threads.isRunning())
-    {
-        LgLog::setLoggerActivation(false);
-        _reader.reset();
-        threads.stop();
-    }
-    else
+    if (!_reader->isOwn())
     {
         // The child of a fork: the thread is not here, and nothing may wait for it.
         leftToTheParent = _reader.release();
+        return;
     }
-    there = false;
+    LgServicePlatform::onHangup(nullptr);
+    LgLog::setLoggerActivation(false);
+    _reader.reset();
+    threads.stop();
+    living = nullptr;
+    there = 0;
+}
+
+void LgService::reopen() const
+{
+    LgServiceReader::reopen();
+}
+
+void LgService::displaySetup() const
+{
+    std::cout << "===== Log Service Setup =====\n";
+    _options.display(std::cout);
+    for (int i = 0; i < LgTypes::NUM_LEVELS; ++i)
+    {
+        const auto level = static_cast<LgTypes::Level>(i);
+        std::cout << LgTypes::levelToString(level) << ": " << outputsOf(level) << '\n';
+    }
+    std::cout << "===== End Setup =====" << std::endl;
 }
 
 bool LgService::flush(std::chrono::milliseconds timeout) const
 {
-    if (_reader->isOnThisThread()) return false;
+    if (_reader && _reader->isOnThisThread()) return false;
     // Processors may read the counter a little before what stands in front of it is done.
     constexpr std::uint64_t MARGIN = 10'000;
     return LgServiceThreads::instance().waitUntilWritten(HwCounter::timeStamp() + MARGIN, timeout);

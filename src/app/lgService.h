@@ -5,6 +5,8 @@
 #define ZU_APP_LGSERVICE_H
 
 #include "appApi.h"
+#include "lgServiceEnds.h"
+#include "lgServiceOptions.h"
 
 #include <chrono>
 #include <cstdint>
@@ -21,37 +23,70 @@ class LgServiceReader;
 ///     const Zu::LgService service;
 ///
 /// Threads may come and go at any time, before it and during it. Each gets a queue at its first
-/// event (48 KiB, on the heap); the queue is deleted when the thread has ended and its events are
-/// written. Blocking trace works. Where lines are written under a lock between processes and the
-/// lock fails, that is reported once on standard error, and the line is tried again.
+/// event, with room for a burst of some thousand; memory is taken as it is used. The queue is given
+/// back when the thread has ended and its events are written. Blocking trace works. Where lines are
+/// written under a lock between processes and the lock fails, that is reported once on standard
+/// error, and the lines are tried again.
+///
+/// What a log statement has accepted is written, however the process ends. The queues are in a file
+/// that outlives the process, in memory that processes share. exit(), quick_exit(), the end of
+/// main and std::terminate() wait until everything is written, for a limited time. After a kill, an
+/// abort() or a crash, the next service with the same log directory writes what was left, once,
+/// between two lines that name the process. docs/log-service.md has the exceptions.
+///
+/// A program that includes this header has its log files opened by the kit: files that exist are
+/// appended to, never emptied. A file that fails is tried again, and standard error has one line
+/// when it fails and one when it works again.
 ///
 /// When it ends, the service writes everything that was published. A thread that is in the middle
 /// of a log statement at that moment may publish too late; its event waits in the queue for the
 /// next LgService, or for any LgReader that the application runs then. So that nothing dangles, the
 /// kit's registry and queue function stay with the logger after the service has ended.
 ///
-/// `std::exit()` does not destroy the local objects of functions. A service that is a local object
-/// then does not write what is waiting: those events are lost, and the log files have no last line.
-/// A caller of `std::exit()` has to end the service first; a `std::optional` can hold it for that
-/// purpose.
+/// After a fork() the child has no service: its log statements write to standard output, and
+/// destroying the object does nothing there. It may make a service of its own. Events that waited
+/// at the fork are written by the parent only.
 ///
-/// After a fork() the child has no service: its log statements write to standard output, destroying
-/// the object does nothing there, and a new one can't be made, unless none lived at the fork.
-/// Events that waited at the fork are written by the parent only.
+/// A service that still lives when the package "logger" ends is ended there, after all packages
+/// that depend on the logger, with a line on standard error.
 ///
 /// Thread-safety: constructed and destroyed by one thread, after the start of the package "logger"
 /// and before its end.
 class ZU_APP_API LgService
 {
 public:
-    /// Raises LgServiceEx::ExAlreadyRunning if there is a service already,
-    /// LgServiceEx::ExLoggerNotStarted before the start of the logger, LgServiceEx::ExForked in the
-    /// child of a process that had a service at the fork, and std::system_error if the platform
-    /// refuses a thread.
-    LgService();
+    /// A service with the options that the environment has. Raises LgServiceEx::ExAlreadyRunning if
+    /// there is a service already, LgServiceEx::ExLoggerNotStarted before the start of the logger,
+    /// and std::system_error if the platform refuses a thread.
+    LgService() : LgService(LgServiceOptions::fromEnvironment()) {}
+
+    /// A service with these options. Raises the same.
+    explicit LgService(const LgServiceOptions& options)
+        : LgService(options, LgServiceEnds::handleTerminate())
+    {
+    }
+
     LgService(const LgService&) = delete;
     LgService& operator=(const LgService&) = delete;
     ~LgService();
+
+    /// Prints to standard output what is in effect: each option as LgServiceOptions::display()
+    /// writes it, and for each level where its lines go:
+    ///
+    ///     Warning: /var/log/shop/events.log
+    ///
+    /// If the directory of the options can't be used, that option is shown empty.
+    void displaySetup() const;
+
+    /// How many events of processes that had ended this service has written.
+    std::uint64_t getRecoveredCount() const
+    {
+        return _recovered;
+    }
+
+    /// Closes the log files; the next lines open them by their names. For programs that rename log
+    /// files. Any thread may call it.
+    void reopen() const;
 
     /// How many events were lost since the service began, because they came faster than they could
     /// be written. Any thread may call it.
@@ -69,7 +104,13 @@ public:
     bool flush(std::chrono::milliseconds timeout) const;
 
 private:
+    LgService(LgServiceOptions options, bool handlesTerminate);
+    static void endWithLogger();
+    void end();
+
+    LgServiceOptions _options;
     std::uint64_t _lostBefore = 0;
+    std::uint64_t _recovered = 0;
     std::unique_ptr<LgServiceReader> _reader;
 };
 

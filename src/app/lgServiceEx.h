@@ -34,8 +34,8 @@ public:
     ExBase* clone() const override;
 };
 
-/// A child can't go on with the queues of threads that it does not have: "A log service ran when
-/// this process was forked."
+/// "A log service ran when this process was forked." Not raised any more: a child may make a
+/// service of its own.
 class ZU_APP_API LgServiceEx::ExForked : public std::logic_error, public LgServiceEx
 {
 public:

@@ -23,6 +23,19 @@ bool nap();
 /// nothing where there is no fork. Raises std::system_error if the system refuses.
 void onFork(void (*prepare)(), void (*parent)(), void (*child)());
 
+/// Has a function called by quick_exit(), once; does nothing where there is none.
+void onQuickExit(void (*function)());
+
+/// Has a function called when the process is sent a hangup, SIGHUP, in the signal handler; null
+/// ends that. The handler that was there is called afterwards, and is restored at the end, as is
+/// the default or ignoring; a handler that is installed later has to call the one before it. The
+/// child of a fork begins without it. Does nothing on Windows, which has no such signal. One thread
+/// at a time.
+void onHangup(void (*function)());
+
+/// Whether the process is ending and its other threads are gone, which happens on Windows.
+bool isEnding();
+
 /// While one lives, newly started threads receive no signals that the process might handle.
 class SignalBlock
 {

@@ -2,7 +2,10 @@
 
 #include "base/compiler.h"
 
+#include <atomic>
+#include <cerrno>
 #include <csignal>
+#include <cstdlib>
 #include <ctime>
 #include <linux/membarrier.h>
 #include <pthread.h>
@@ -19,6 +22,80 @@ namespace
 bool callBarrier(int command)
 {
     return syscall(SYS_membarrier, command, 0, 0) == 0;
+}
+
+std::atomic<void (*)()> hangupFunction{nullptr};
+
+// What was there before the handler, and whether the handler is there. It stays there if another
+// one was installed since, which may call it.
+struct sigaction beforeHangup;
+bool isHangupHandled = false;
+
+bool isFunction(const struct sigaction& action)
+{
+    if (action.sa_flags & SA_SIGINFO) return true;
+    return action.sa_handler != SIG_DFL && action.sa_handler != SIG_IGN;
+}
+
+void callHangupFunction()
+{
+    void (*const function)() = hangupFunction.load();
+    if (function) function();
+}
+
+void handleHangup(int signal)
+{
+    const int error = errno;
+    callHangupFunction();
+    if (isFunction(beforeHangup)) beforeHangup.sa_handler(signal);
+    errno = error;
+}
+
+// For a handler before it that takes as much.
+void handleHangupWithInfo(int signal, siginfo_t* info, void* context)
+{
+    const int error = errno;
+    callHangupFunction();
+    beforeHangup.sa_sigaction(signal, info, context);
+    errno = error;
+}
+
+struct sigaction presentHangup()
+{
+    struct sigaction present;
+    sigaction(SIGHUP, nullptr, &present);
+    return present;
+}
+
+bool isHandleHangup(const struct sigaction& action)
+{
+    // Whatever the flags: signal() restores a handler without them.
+    return action.sa_handler == &handleHangup || action.sa_sigaction == &handleHangupWithInfo;
+}
+
+void installHangup()
+{
+    const struct sigaction present = presentHangup();
+    // In the second case what was installed since calls it: it must not be called in turn.
+    if (isHandleHangup(present) || (isHangupHandled && isFunction(present))) return;
+    beforeHangup = present;
+    struct sigaction handler = {};
+    handler.sa_mask = present.sa_mask;
+    handler.sa_flags = SA_RESTART | SA_ONSTACK | (present.sa_flags & SA_SIGINFO);
+    if (handler.sa_flags & SA_SIGINFO)
+        handler.sa_sigaction = &handleHangupWithInfo;
+    else
+        handler.sa_handler = &handleHangup;
+    sigaction(SIGHUP, &handler, nullptr);
+    isHangupHandled = true;
+}
+
+void removeHangup()
+{
+    hangupFunction = nullptr;
+    if (!isHandleHangup(presentHangup())) return;
+    sigaction(SIGHUP, &beforeHangup, nullptr);
+    isHangupHandled = false;
 }
 
 } // namespace
@@ -49,6 +126,26 @@ void onFork(void (*prepare)(), void (*parent)(), void (*child)())
 {
     const int code = pthread_atfork(prepare, parent, child);
     if (code != 0) throw std::system_error(code, std::generic_category(), "pthread_atfork");
+}
+
+void onQuickExit(void (*function)())
+{
+    // The list of functions is that of the process.
+    [[maybe_unused]] static const bool isRegistered = std::at_quick_exit(function) == 0;
+}
+
+void onHangup(void (*function)())
+{
+    if (!function) return removeHangup();
+    [[maybe_unused]] static const bool isRegistered =
+        pthread_atfork(nullptr, nullptr, &removeHangup) == 0;
+    hangupFunction = function;
+    installHangup();
+}
+
+bool isEnding()
+{
+    return false;
 }
 
 struct SignalBlock::Saved

@@ -23,6 +23,21 @@ bool nap()
 
 void onFork(void (*)(), void (*)(), void (*)()) {}
 
+void onQuickExit(void (*)()) {}
+
+void onHangup(void (*)()) {}
+
+bool isEnding()
+{
+    using Question = BOOLEAN(WINAPI*)();
+    const HMODULE library = GetModuleHandleA("ntdll.dll");
+    if (!library) return false;
+    void* const address =
+        reinterpret_cast<void*>(GetProcAddress(library, "RtlDllShutdownInProgress"));
+    const auto isInProgress = reinterpret_cast<Question>(address);
+    return isInProgress && isInProgress();
+}
+
 struct SignalBlock::Saved
 {
 };

@@ -1,7 +1,6 @@
 #include "app/lgServiceReader.h"
 
 #include "app/lgServicePlatform.h"
-#include "base/lgReader.h"
 
 #include <chrono>
 #include <exception>
@@ -14,18 +13,20 @@ namespace Zu
 namespace
 {
 
-// After this many events a fork may have its turn.
-constexpr int EVENTS_IN_A_ROW = 256;
-
 // A queue does not fill up during this many naps, unless events come faster than they can be
 // written.
 constexpr int NAPS = 5;
 
 } // namespace
 
-LgServiceReader::LgServiceReader(LgServiceThreads& threads) : _threads(threads)
+constinit std::atomic<bool> LgServiceReader::_isReopenDue{false};
+
+LgServiceReader::LgServiceReader(LgServiceThreads& threads, LgLineForm form, bool isRaw)
+    : _threads(threads), _writer(threads.map(), form, isRaw), _forks(threads.getForks())
 {
     const LgServicePlatform::SignalBlock block;
+    // Not in this thread, which a signal of a file that can't get longer would end.
+    std::thread([this] { openLogs(); }).join();
     _thread = std::thread([this] { run(); });
 }
 
@@ -64,6 +65,7 @@ bool LgServiceReader::isWorkWaiting()
 
 void LgServiceReader::run()
 {
+    _threads.setWriter(std::this_thread::get_id());
     int naps = 0;
     int lastFailures = 0;
     while (lastFailures < LgServiceThreads::LAST_TRIES)
@@ -79,7 +81,7 @@ void LgServiceReader::run()
         }
         else if (outcome == Outcome::Nothing)
         {
-            if (stop) return;
+            if (stop) return finish();
             rest(naps);
         }
     }
@@ -91,17 +93,43 @@ LgServiceReader::Outcome LgServiceReader::writeSome()
     const std::lock_guard guard(_threads.reading());
     try
     {
-        LgReader reader;
-        int events = 0;
-        while (events < EVENTS_IN_A_ROW && reader.flushEarliest()) ++events;
+        if (_isReopenDue.exchange(false, std::memory_order_acquire)) _writer.reopen();
+        const bool hasWritten = _writer.writeBatch();
         _threads.endWaitsUntilWritten();
-        return events > 0 ? Outcome::Wrote : Outcome::Nothing;
+        return hasWritten ? Outcome::Wrote : Outcome::Nothing;
     }
     catch (const std::exception& exception)
     {
         report(exception.what());
         return Outcome::Failed;
     }
+}
+
+// Files that can't be opened are reported at once, not with the first event.
+void LgServiceReader::openLogs()
+{
+    try
+    {
+        _writer.openLogs();
+    }
+    catch (const std::exception& exception)
+    {
+        report(exception.what());
+    }
+}
+
+void LgServiceReader::finish()
+{
+    const std::lock_guard guard(_threads.reading());
+    try
+    {
+        if (_writer.finish()) return;
+    }
+    catch (const std::exception& exception)
+    {
+        report(exception.what());
+    }
+    std::cerr << "The log service ends with events that it could not write." << std::endl;
 }
 
 void LgServiceReader::report(const char* reason)

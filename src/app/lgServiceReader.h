@@ -5,6 +5,7 @@
 #define ZU_APP_LGSERVICEREADER_H
 
 #include "lgServiceThreads.h"
+#include "lgServiceWriter.h"
 
 #include <atomic>
 #include <thread>
@@ -18,12 +19,26 @@ class LgServiceReader
 {
 public:
     /// Starts the thread. Raises std::system_error if the platform refuses one.
-    explicit LgServiceReader(LgServiceThreads& threads);
+    explicit LgServiceReader(LgServiceThreads& threads, LgLineForm form = LgLineForm::Ticks,
+                             bool isRaw = false);
     LgServiceReader(const LgServiceReader&) = delete;
     LgServiceReader& operator=(const LgServiceReader&) = delete;
 
     /// Writes what is waiting, and ends the thread.
     ~LgServiceReader();
+
+    /// Whether the object was made in this process: not in the one that was forked.
+    bool isOwn() const
+    {
+        return _forks == _threads.getForks();
+    }
+
+    /// Closes the log files before the next batch, which opens them by their names. May be called
+    /// in a signal handler.
+    static void reopen() noexcept
+    {
+        _isReopenDue.store(true, std::memory_order_release);
+    }
 
     /// Whether the caller is what this thread runs.
     bool isOnThisThread() const
@@ -43,9 +58,17 @@ private:
     void rest(int& naps);
     bool isWorkWaiting();
     Outcome writeSome();
+    void openLogs();
+    void finish();
     void report(const char* reason);
 
+    // Of the process, which has one writing thread at a time: a signal handler knows no object.
+    static std::atomic<bool> _isReopenDue;
+    static_assert(std::atomic<bool>::is_always_lock_free);
+
     LgServiceThreads& _threads;
+    LgServiceWriter _writer;
+    const int _forks;
     std::atomic<bool> _stop{false};
     bool _reported = false;
     std::thread _thread;

@@ -1,9 +1,11 @@
 #include "app/lgServiceThreads.h"
 
+#include "app/lgServiceLog.h"
 #include "app/lgServicePlatform.h"
 #include "app/lgServiceRegistry.h"
 #include "app/threadSlot.h"
 #include "base/exBase.h"
+#include "base/hwCounter.h"
 #include "base/lgLog.h"
 #include "base/lgReader.h"
 #include "base/osUtils.h"
@@ -129,8 +131,11 @@ LgQueue* LgServiceThreads::queueOfThread()
 
 LgQueue* LgServiceThreads::makeQueue()
 {
-    auto queue = std::make_unique<LgQueue>(OsUtils::getThreadId());
-    queue->changeObserver(ObjPtr<LgQueue::Observer>(new ServiceObserver(*this)));
+    auto observer = std::make_unique<ServiceObserver>(*this);
+    const std::uint32_t thread = OsUtils::getThreadId();
+    std::unique_ptr<LgQueue, void (*)(LgQueue*)> queue(_map.makeQueue(thread, observer.get()),
+                                                       &LgQueue::end);
+    queue->changeObserver(ObjPtr<LgQueue::Observer>(observer.release()));
     const std::lock_guard guard(_mutex);
     _queues.push_back(queue.get());
     try
@@ -161,8 +166,9 @@ void LgServiceThreads::threadEnded(LgQueue* queue)
     if (isRunning()) _news.ring();
 }
 
-void LgServiceThreads::start()
+void LgServiceThreads::start(const LgServiceMap::Settings& settings)
 {
+    _map.begin(settings);
     const std::lock_guard guard(_mutex);
     if (!serviceRegistry()) LgLog::setRegistry(ObjPtr<LgRegistry>(new LgServiceRegistry));
     // They may be in a registry of the application's own that is gone by now.
@@ -219,6 +225,28 @@ bool LgServiceThreads::waitUntilWritten(std::uint64_t time, std::chrono::millise
         _written.listen(isOver, std::min(left, _patience));
     }
     return true;
+}
+
+void LgServiceThreads::drain() noexcept
+{
+    // Processors may read the counter a little before what stands in front of it is done.
+    constexpr std::uint64_t MARGIN = 10'000;
+    const bool isWriter = _writer.load(std::memory_order_relaxed) == std::this_thread::get_id();
+    if (isWriter || !isRunning()) return;
+    try
+    {
+        waitUntilWritten(HwCounter::timeStamp() + MARGIN,
+                         std::chrono::milliseconds(_endLimit.load(std::memory_order_relaxed)));
+    }
+    catch (const std::exception&)
+    {
+        // What is not written stays in the map.
+    }
+}
+
+void LgServiceThreads::leaveNothing() noexcept
+{
+    if (!isRunning()) _map.removeFileIfEmpty();
 }
 
 // With the mutex of the waits locked.
@@ -286,10 +314,12 @@ void LgServiceThreads::lockForFork()
     _mutex.lock();
     _waitMutex.lock();
     LgServiceRegistry::mutex().lock();
+    _map.mutex().lock();
 }
 
 void LgServiceThreads::unlockAfterFork()
 {
+    _map.mutex().unlock();
     LgServiceRegistry::mutex().unlock();
     _waitMutex.unlock();
     _mutex.unlock();
@@ -301,6 +331,15 @@ void LgServiceThreads::goOnInChild()
 {
     // The child of such a child counts as well.
     _isForked = _isForked || isRunning();
+    ++_forks;
+    // First of all: what the parent's threads do must not be seen from here on.
+    _map.leaveInChild(static_cast<const LgQueue*>(ThreadSlot::get(ThreadSlot::Queue)));
+    // What waits for a file that fails is the parent's to write.
+    for (int level = 0; level < LgTypes::NUM_LEVELS; ++level)
+    {
+        std::ostream* const stream = LgLog::getLevelOutput(static_cast<LgTypes::Level>(level));
+        if (auto* const log = dynamic_cast<LgServiceLog*>(stream)) log->forget();
+    }
     if (_isForked) LgLog::setLoggerActivation(false);
     _running.store(false, std::memory_order_release);
     _news.beginAnewInChild();
@@ -320,7 +359,13 @@ void LgServiceThreads::leaveEventsToParent()
 {
     const List<LgQueue*> registered = LgServiceRegistry::queues();
     for (LgQueue* const queue : registered) dropEvents(*queue);
-    const void* const own = ThreadSlot::get(ThreadSlot::Queue);
+    const auto* own = static_cast<const LgQueue*>(ThreadSlot::get(ThreadSlot::Queue));
+    // Unless it is in the middle of a statement, the thread gets a new queue with its next event.
+    if (own && !own->isInserting())
+    {
+        ThreadSlot::set(ThreadSlot::Queue, nullptr);
+        own = nullptr;
+    }
     _queues.remove_if(
         [this, own](LgQueue* queue)
         {

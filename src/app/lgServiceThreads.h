@@ -6,12 +6,14 @@
 
 #include "../base/lgQueue.h"
 #include "lgBell.h"
+#include "lgServiceMap.h"
 
 #include <atomic>
 #include <chrono>
 #include <cstdint>
 #include <list>
 #include <mutex>
+#include <thread>
 
 namespace Zu
 {
@@ -31,8 +33,8 @@ public:
     static LgQueue* queueOfThread();
 
     /// Begins a service: the logger gets a thread-safe registry that contains the queues of all
-    /// threads.
-    void start();
+    /// threads, and the queues of threads to come are made in the map.
+    void start(const LgServiceMap::Settings& settings = LgServiceMap::Settings());
 
     /// Ends a service: from here on a producer that waits for room makes room itself.
     void stop();
@@ -46,6 +48,18 @@ public:
     bool isForked() const
     {
         return _isForked;
+    }
+
+    /// How many forks lie between the first process and this one.
+    int getForks() const
+    {
+        return _forks;
+    }
+
+    /// Where the queues are.
+    LgServiceMap& map()
+    {
+        return _map;
     }
 
     /// How many events all threads of the process have lost.
@@ -81,6 +95,26 @@ public:
     /// Ends the waits that are over. For the reader, which holds reading(). Raises what the
     /// registry raises.
     void endWaitsUntilWritten();
+
+    /// How long drain() waits at most.
+    void setEndLimit(std::chrono::milliseconds limit)
+    {
+        _endLimit.store(limit.count(), std::memory_order_relaxed);
+    }
+
+    /// Waits until all that was logged so far is written, or the end limit is over. Does nothing
+    /// without a service, and on the thread that writes.
+    void drain() noexcept;
+
+    /// For the end of the process: without a service, removes the file with the queues if nothing
+    /// waits in it. With one it stays, for what is logged until the very end.
+    void leaveNothing() noexcept;
+
+    /// Sets which thread writes.
+    void setWriter(std::thread::id id)
+    {
+        _writer.store(id, std::memory_order_relaxed);
+    }
 
     /// Waits until the queue has room for `size` characters; called by the producer.
     void waitForSpace(const LgQueue& queue, int size);
@@ -134,7 +168,11 @@ private:
     std::list<LgQueue*> _queues;
     std::uint64_t _lostOfEnded = 0;
     bool _isForked = false;
+    int _forks = 0;
+    LgServiceMap _map;
     std::atomic<bool> _running{false};
+    std::atomic<std::int64_t> _endLimit{5000};
+    std::atomic<std::thread::id> _writer{};
     std::chrono::milliseconds _patience{PATIENCE};
     std::mutex _reading;
     // The waits of waitUntilWritten(), on the stacks of its callers; whether one is not over.

@@ -72,6 +72,38 @@ TEST(Examples, LoggingGoesToStandardOutputFirstAndThenToTheFile)
                                         "Warning: Orders order 3 is late by 1.500000 days"}));
 }
 
+// A line of what the log service displays.
+std::string displayed(const std::string& option, const std::string& value, const char* variable)
+{
+    return option + ": " + value + " (" + variable + ")";
+}
+
+TEST(Examples, TheSetUpOfTheLogComesFromTheProgramTheEnvironmentAndTheCommandLine)
+{
+    const support::TempDir dir;
+    const std::string separator = dir.file("x").substr(dir.path().size(), 1);
+    support::Environment environment{{"B7Q_TEST_DIR", dir.path()},
+                                     {"ZU_LOG_SERVICE_ROTATE_SIZE", "1M"}};
+    const ProgramResult plain = support::runProgram("logSetup", {}, environment);
+    EXPECT_EQ(plain.exitCode, 0);
+    EXPECT_EQ(plain.err, "");
+    EXPECT_TRUE(hasLine(plain.out, displayed("directory", "\"\"", "ZU_LOG_SERVICE_DIRECTORY")));
+    EXPECT_TRUE(hasLine(plain.out, displayed("line-form", "utc", "ZU_LOG_SERVICE_LINE_FORM")));
+    EXPECT_TRUE(
+        hasLine(plain.out, displayed("rotate-size", "1048576", "ZU_LOG_SERVICE_ROTATE_SIZE")));
+    EXPECT_TRUE(hasLine(plain.out, "Warning: " + dir.file("shop.log"))) << plain.out;
+    environment["ZU_LOG_SERVICE_DIRECTORY"] = dir.file("environment");
+    const std::string place = dir.file("option");
+    const ProgramResult result = support::runProgram("logSetup", {"-l", place}, environment);
+    EXPECT_EQ(result.exitCode, 0);
+    EXPECT_EQ(result.err, "");
+    EXPECT_TRUE(hasLine(result.out,
+                        displayed("directory", "\"" + place + "\"", "ZU_LOG_SERVICE_DIRECTORY")));
+    EXPECT_TRUE(hasLine(result.out, "Warning: " + place + separator + "shop.log")) << result.out;
+    EXPECT_TRUE(std::filesystem::exists(place + separator + "shop.log"));
+    EXPECT_FALSE(std::filesystem::exists(dir.file("environment")));
+}
+
 TEST(Examples, ProfilingReportsToTheLogAndTracesOneCycle)
 {
     const support::TempDir dir;
@@ -80,7 +112,7 @@ TEST(Examples, ProfilingReportsToTheLogAndTracesOneCycle)
     EXPECT_EQ(result.exitCode, 0);
     EXPECT_EQ(result.out, "+ work\n  | sum 0\n  /\n");
     const std::string report = textOf(dir.file("prof.log"));
-    EXPECT_NE(report.find("Profiling: Jobs Profiler work:\n        Nb of cycles:   100\n"),
+    EXPECT_NE(report.find("Profiling: Jobs Profiler work:\n\t        Nb of cycles:   100\n"),
               std::string::npos)
         << report;
 }
@@ -128,7 +160,7 @@ TEST(Examples, TheSampleApplicationKeepsAccountOfItsEvents)
     // Attempted: the producers' seven levels, the burst and the second process.
     const auto written = events.size() + profile.size() -
                          static_cast<std::size_t>(count("Informational: Event overflow ["));
-    const std::size_t attempted = 3 * 40 * 7 + 2000 + 50;
+    const std::size_t attempted = 3 * 40 * 7 + 12000 + 50;
     EXPECT_TRUE(hasLine(result.out, "  account: " + std::to_string(attempted) +
                                         " attempted = " + std::to_string(written) + " written + " +
                                         std::to_string(attempted - written) + " lost"))

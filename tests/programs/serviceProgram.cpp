@@ -29,6 +29,16 @@ void dieWithLock(const char* name)
     std::_Exit(0);
 }
 
+// Ends with an event that the service can't write, since the program has the logger's lock between
+// processes.
+[[noreturn]] void leaveAnEvent()
+{
+    static const Zu::LgService* const service = new Zu::LgService;
+    Zu::LgLog::getInterProcessLock()->lock();
+    if (service) ZU_LOG_WARNING(Service, "left behind");
+    std::_Exit(0);
+}
+
 void makeService()
 {
     try
@@ -101,10 +111,11 @@ int forkInTheMiddle()
         ZU_LOG_WARNING(Service, "in the child");
         // A thread of the child logs and ends, too.
         std::thread([] { ZU_LOG_WARNING(Service, "in a thread of the child"); }).join();
-        // So does a child of the child, which can't make a service either.
+        // It can make a service, and so can a child of the child.
         const bool isGrandchild = support::forkProcess() == support::Side::CHILD;
         if (!isGrandchild) support::awaitForkedChild();
-        makeService();
+        const Zu::LgService own;
+        ZU_LOG_WARNING(Service, "by a service of its own");
         return 3;
     }
     const int child = support::awaitForkedChild();
@@ -182,6 +193,7 @@ int run(const std::string& what, char** words)
     ZU_START_LOG_GROUP("Test", Service);
     int result = 0;
     if (what == "threads") logFromThreads();
+    if (what == "leave") leaveAnEvent();
     if (what == "exit") exitInTheMiddle();
     if (what == "lock") tellLock();
     if (what == "fork") result = forkInTheMiddle();

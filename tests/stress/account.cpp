@@ -129,6 +129,18 @@ bool isShortened(std::string_view line)
     return text.empty();
 }
 
+// Whether it is by a producer of long texts, which may be shortened.
+bool isWordy(std::string_view line)
+{
+    if (line.size() < PREFIX.size() + EVENT.size()) return false;
+    const auto producer = [&line]
+    {
+        std::string_view number = line.substr(PREFIX.size() + EVENT.size());
+        return takeNumber<unsigned>(number);
+    }();
+    return producer && *producer >= WORDY;
+}
+
 bool isBeginningOf(std::string_view text, std::string_view whole)
 {
     return text.size() <= whole.size() && whole.rfind(text, 0) == 0;
@@ -175,8 +187,8 @@ private:
 
     void takeLine(std::string_view line)
     {
-        if (takeBanner(line) || takeWhole(line)) return;
-        if (_bannerLine == 0 && isShortened(line))
+        if (takeBanner(line) || takeServiceLine(line) || takeWhole(line)) return;
+        if (_bannerLine == 0 && isShortened(line) && (isWordy(line) || !isFragment(line)))
         {
             ++_account._written;
             ++_account._shortened;
@@ -189,7 +201,18 @@ private:
             ++_account._torn;
             return;
         }
-        fail(std::string(line));
+        // The end of a line that the next process has ended.
+        if (isFragment(line))
+            ++_account._torn;
+        else
+            fail(std::string(line));
+    }
+
+    // What the service says of the file itself.
+    static bool takeServiceLine(std::string_view line)
+    {
+        const auto begins = [line](std::string_view text) { return line.rfind(text, 0) == 0; };
+        return begins("===== Clock Origin: ") || begins("===== Recovered: ");
     }
 
     void takeFragment(std::string_view line)

@@ -12,6 +12,9 @@ namespace stress
 // Ends the process as if another one killed it: none of its code runs any more.
 [[noreturn]] void killSelf();
 
+// quick_exit(), or where there is none exit().
+[[noreturn]] void quickExit();
+
 // Over-aligned memory from the platform.
 void* allocateAligned(std::size_t size, std::size_t alignment);
 void freeAligned(void* memory);

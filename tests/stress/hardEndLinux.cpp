@@ -36,6 +36,11 @@ void killSelf()
     while (true) pause();
 }
 
+void quickExit()
+{
+    std::quick_exit(0);
+}
+
 void* allocateAligned(std::size_t size, std::size_t alignment)
 {
     return std::aligned_alloc(alignment, (size + alignment - 1) / alignment * alignment);

@@ -16,6 +16,11 @@ void killSelf()
     while (true) Sleep(INFINITE);
 }
 
+void quickExit()
+{
+    std::exit(0);
+}
+
 void* allocateAligned(std::size_t size, std::size_t alignment)
 {
     return _aligned_malloc(size, alignment);

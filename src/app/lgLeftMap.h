@@ -1,0 +1,137 @@
+/// @file
+/// Reads what a process has left in its map. Internal to the application kit.
+
+#ifndef ZU_APP_LGLEFTMAP_H
+#define ZU_APP_LGLEFTMAP_H
+
+#include "lgMapLayout.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <functional>
+#include <string>
+#include <vector>
+
+namespace Zu
+{
+
+/// The events that wait in a map. Nothing that the map says is believed: whatever it contains, the
+/// result is within bounds, and what makes no sense is left out and counted.
+class LgLeftMap
+{
+public:
+    /// Reads a part of the file; false if that is not there.
+    using Read = std::function<bool(std::uint64_t offset, void* to, std::size_t size)>;
+
+    /// One event, or a number of lost ones.
+    struct Event
+    {
+        /// As the counter of its process stood.
+        std::uint64_t _time;
+        std::uint32_t _thread;
+        /// Which of getQueues() it is from.
+        std::uint32_t _queue;
+        bool _isOverflow;
+        /// The level, or how many events were lost.
+        std::int32_t _value;
+        std::string _text;
+        /// The positions of its queue behind it.
+        std::uint32_t _nextEntry;
+        std::uint32_t _nextText;
+    };
+
+    struct Queue
+    {
+        /// The index in the table of queues.
+        std::uint32_t _index;
+        LgMap::Queue _facts;
+        /// Where the oldest event begins.
+        std::uint32_t _entry;
+        std::uint32_t _text;
+        std::uint64_t _lost;
+        std::uint64_t _reported;
+        /// How many of its first events the last batch consists of.
+        std::uint32_t _inBatch;
+    };
+
+    /// Reads it; false, with a reason, if it is not a map of this version.
+    bool load(const Read& read);
+
+    const std::string& getReason() const
+    {
+        return _reason;
+    }
+
+    const LgMap::Header& getHeader() const
+    {
+        return _header;
+    }
+
+    /// The batch that counts, and its number and state.
+    const LgMap::Batch& getBatch() const
+    {
+        return _batch;
+    }
+
+    std::uint64_t getNumber() const
+    {
+        return _header._state >> LgMap::STATE_BITS;
+    }
+
+    LgMap::State getState() const
+    {
+        return _state;
+    }
+
+    const std::vector<Queue>& getQueues() const
+    {
+        return _queues;
+    }
+
+    /// The events of the last batch, if it is not Idle, in its order; then all others in the order
+    /// of time. Those of a queue are in their order.
+    const std::vector<Event>& getEvents() const
+    {
+        return _events;
+    }
+
+    /// How many of them are of the batch.
+    std::size_t getBatchEvents() const
+    {
+        return _batchEvents;
+    }
+
+    /// How many entries had to be left out.
+    std::uint64_t getDamaged() const
+    {
+        return _damaged;
+    }
+
+    /// The most memory that texts may take, in bytes.
+    static constexpr std::uint64_t MOST_TEXT = 1ULL << 30;
+
+private:
+    bool loadHeader(const Read& read);
+    void loadBatch(const Read& read);
+    void loadQueue(const Read& read, std::uint32_t index);
+    void goBack(Queue& queue, std::uint32_t inBatch) const;
+    void loadEvents(const Read& read, const Queue& queue, std::uint32_t end, std::uint32_t textEnd);
+    void addRestOfLosses(const Queue& queue, std::size_t first);
+    void order();
+
+    LgMap::Header _header{};
+    LgMap::Batch _batch{};
+    LgMap::State _state = LgMap::Idle;
+    // How many lines of the batch are of each of its queues.
+    std::uint32_t _batchLines[LgMap::MOST_LINES] = {};
+    std::vector<Queue> _queues;
+    std::vector<Event> _events;
+    std::size_t _batchEvents = 0;
+    std::uint64_t _damaged = 0;
+    std::uint64_t _size = 0;
+    std::string _reason;
+};
+
+} // namespace Zu
+
+#endif

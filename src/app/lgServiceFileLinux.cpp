@@ -1,0 +1,149 @@
+#include "app/lgServiceFile.h"
+
+#include <cerrno>
+#include <clocale>
+#include <cstdio>
+#include <cstring>
+#include <ctime>
+#include <fcntl.h>
+#include <linux/fs.h>
+#include <sys/stat.h>
+#include <sys/syscall.h>
+#include <unistd.h>
+
+namespace Zu
+{
+
+std::int64_t LgServiceFile::getLocalOffset(std::int64_t universal)
+{
+    const time_t time = universal;
+    struct tm fields = {};
+    return localtime_r(&time, &fields) ? fields.tm_gmtoff : 0;
+}
+
+namespace LgServiceFilePlatform
+{
+
+namespace
+{
+
+int numberOf(File file)
+{
+    return static_cast<int>(file);
+}
+
+LgServiceFile::Identity identityOf(const struct stat& status)
+{
+    return {status.st_dev, status.st_ino};
+}
+
+Status statusOf(const struct stat& status)
+{
+    const bool isPlain = S_ISREG(status.st_mode);
+    return {identityOf(status), isPlain ? static_cast<std::uint64_t>(status.st_size) : 0,
+            status.st_mtim.tv_sec, isPlain};
+}
+
+} // namespace
+
+int lastError()
+{
+    return errno;
+}
+
+int notOpen()
+{
+    return EBADF;
+}
+
+std::optional<Status> statusOf(File file)
+{
+    struct stat status = {};
+    if (fstat(numberOf(file), &status) != 0) return std::nullopt;
+    return statusOf(status);
+}
+
+std::optional<Status> statusOf(const std::string& path)
+{
+    struct stat status = {};
+    if (stat(path.c_str(), &status) != 0) return std::nullopt;
+    return statusOf(status);
+}
+
+Target targetOf(const std::string& path, File, const LgServiceFile::Identity& identity)
+{
+    struct stat status = {};
+    if (stat(path.c_str(), &status) == 0)
+        return identityOf(status) == identity ? Target::SAME : Target::OTHER;
+    const bool leadsNowhere = errno == ENOENT || errno == ENOTDIR || errno == ELOOP;
+    return leadsNowhere ? Target::OTHER : Target::UNKNOWN;
+}
+
+bool isThere(const std::string& name)
+{
+    struct stat status = {};
+    return lstat(name.c_str(), &status) == 0;
+}
+
+std::ptrdiff_t write(File file, const char* text, std::size_t size)
+{
+    ssize_t taken = -1;
+    do
+    {
+        taken = ::write(numberOf(file), text, size);
+    } while (taken < 0 && errno == EINTR);
+    if (taken != 0 || size == 0) return taken;
+    errno = EIO;
+    return -1;
+}
+
+std::ptrdiff_t readAt(File file, std::uint64_t offset, char* buffer, std::size_t size)
+{
+    ssize_t given = -1;
+    do
+    {
+        given = pread(numberOf(file), buffer, size, static_cast<off_t>(offset));
+    } while (given < 0 && errno == EINTR);
+    return given;
+}
+
+bool rename(const std::string& from, const std::string& to)
+{
+    if (syscall(SYS_renameat2, AT_FDCWD, from.c_str(), AT_FDCWD, to.c_str(), RENAME_NOREPLACE) == 0)
+        return true;
+    // Otherwise the file system can't do it in one step.
+    if (errno != EINVAL && errno != ENOSYS) return false;
+    if (!isThere(to)) return std::rename(from.c_str(), to.c_str()) == 0;
+    errno = EEXIST;
+    return false;
+}
+
+void remove(const std::string& name)
+{
+    unlink(name.c_str());
+}
+
+bool sync(File file)
+{
+    int result = -1;
+    do
+    {
+        result = fsync(numberOf(file));
+    } while (result != 0 && errno == EINTR);
+    return result == 0;
+}
+
+void close(File file)
+{
+    ::close(numberOf(file));
+}
+
+std::string textOf(int code)
+{
+    // The system keeps a static "C" locale; this returns it and makes no new one.
+    return strerror_l(code, newlocale(LC_ALL_MASK, "C", nullptr));
+}
+
+} // namespace LgServiceFilePlatform
+
+} // namespace Zu

@@ -1,0 +1,189 @@
+/// @file
+/// A log file of a program with a log service. Internal to the application kit.
+
+#ifndef ZU_APP_LGSERVICELOG_H
+#define ZU_APP_LGSERVICELOG_H
+
+#include "appApi.h"
+#include "lgServiceFile.h"
+#include "lgServiceLine.h"
+
+#include <chrono>
+#include <cstdint>
+#include <iosfwd>
+#include <memory>
+#include <optional>
+#include <ostream>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace Zu
+{
+
+/// A file that the logger writes to: never emptied, opened when the first line or the service
+/// comes, dated by a banner and by the origin of its clock, rotated, and tried again while it
+/// fails. The logger owns it as the stream of a level. Text that is inserted into the stream is
+/// written at once; the service's own thread hands over batches.
+///
+/// What waits while the file fails is bounded; beyond that, lines are dropped and counted.
+///
+/// Thread-safety: one thread at a time.
+class LgServiceLog : public std::ostream
+{
+public:
+    using Clock = std::chrono::steady_clock;
+
+    /// What the pauses between tries are measured with; a test has a clock of its own.
+    static Clock::time_point (*_now)();
+
+    /// What all logs of a process have in common.
+    struct Settings
+    {
+        LgServiceFile::Rotation _rotation;
+        std::uint64_t _pendingLimit = 1ULL << 20;
+    };
+
+    /// What is known of a line that is handed over.
+    struct Line
+    {
+        std::uint32_t _length;
+        /// Whether it counts if it is never written.
+        bool _isEvent;
+    };
+
+    /// A part of a file that a batch is about to be written to.
+    struct Part
+    {
+        LgServiceFile::Identity _identity;
+        std::uint64_t _offset;
+    };
+
+    explicit LgServiceLog(std::string path);
+    ~LgServiceLog() override;
+
+    /// For the logger: makes the log of a level. Never null.
+    static std::unique_ptr<std::ostream> open(const char* name, bool appends);
+
+    /// The settings of all logs; for phases with a single thread.
+    static void setSettings(const Settings& settings);
+
+    /// Whether it is what the stream writes to: an application can put a buffer of its own between,
+    /// which then gets the lines one by one.
+    bool isDirect() const;
+
+    /// Sets what the file is dated with; null: by the banner alone.
+    void setOrigin(const LgLineOrigin* origin);
+
+    /// Has the origin written again with the next line.
+    void dateAgain()
+    {
+        _isOriginDue = true;
+    }
+
+    /// Opens the file, or opens it anew if its name leads elsewhere, rotates it if that is due, and
+    /// collects in getPrefix() what has to stand before the next lines. A failure is reported once
+    /// on standard error. `size` is how much is about to be written, in so many lines; from here on
+    /// write() or wait() allocates nothing. Returns whether the file can be written to; not while
+    /// it fails and its pause is not over.
+    bool prepare(std::size_t size, std::size_t lines = 0);
+
+    /// The text that begins the next write(): dates, what waited.
+    const std::string& getPrefix() const
+    {
+        return _prefix;
+    }
+
+    /// Where the next write() begins; none for what is not a plain file.
+    std::optional<Part> getPart() const;
+
+    /// Writes the prefix and the lines, after prepare() has returned true. What the file does not
+    /// take waits.
+    void write(std::string_view text, const std::vector<Line>& lines);
+
+    /// Keeps lines for later, after prepare() has returned false.
+    void wait(std::string_view text, const std::vector<Line>& lines);
+
+    /// Whether something waits whose next try is due.
+    bool isTryDue() const;
+
+    /// Writes what waits, as far as possible, whether or not a try is due. For the end of the
+    /// service. Returns whether nothing is left.
+    bool writeWaiting();
+
+    /// Drops what waits and counts it; for the end of the service.
+    void giveUp();
+
+    /// Drops what waits without counting it, since it is kept elsewhere.
+    void forget();
+
+    /// Closes the file; the next line opens it by its name.
+    void reopen();
+
+    bool isFailing() const
+    {
+        return _failingSince.has_value();
+    }
+
+    LgServiceFile& file()
+    {
+        return *_file;
+    }
+
+    /// Where its next line goes.
+    const std::string& getPath() const
+    {
+        return _file->getPath();
+    }
+
+    /// The name that the logger gave it.
+    const std::string& getGivenPath() const
+    {
+        return _givenPath;
+    }
+
+    /// Gives it another file, and the present settings. What waits goes there, too.
+    void setPath(const std::string& path);
+
+private:
+    class Buffer;
+
+    bool isLookDue();
+    bool isUsable(std::size_t size);
+    bool open();
+    void insert(std::string_view text);
+    void openAnew();
+    void collectPrefix();
+    std::string dates() const;
+    void keepFrom(std::size_t written, std::string_view text);
+    void enforceLimit();
+    void fail(int error);
+    void work();
+
+    const std::string _givenPath;
+    std::unique_ptr<LgServiceFile> _file;
+    std::unique_ptr<Buffer> _buffer;
+    std::optional<LgLineOrigin> _origin;
+    // What begins the next write: dates, of this size, and what waits, whose lines these are.
+    std::string _prefix;
+    std::size_t _datesSize = 0;
+    std::string _waiting;
+    std::vector<Line> _waitingLines;
+    // Whether the file must begin, or go on, with the banner or the origin.
+    bool _isBannerDue = true;
+    bool _isOriginDue = true;
+    bool _isLineCut = false;
+    bool _isRemovalReported = false;
+    bool _isInserting = false;
+    Clock::time_point _nextLook;
+    std::optional<std::int64_t> _failingSince;
+    std::uint64_t _dropped = 0;
+    Clock::time_point _nextTry;
+    Clock::duration _pause{};
+    // After a rotation that failed.
+    Clock::time_point _nextRotation;
+};
+
+} // namespace Zu
+
+#endif

@@ -1,0 +1,462 @@
+#include "app/lgServiceRecovery.h"
+
+#include "app/lgServiceMap.h"
+#include "base/lgInterProcessLock.h"
+#include "base/lgLog.h"
+#include "base/lgReader.h"
+#include "base/lgTypes.h"
+
+#include <algorithm>
+#include <charconv>
+#include <cstddef>
+#include <exception>
+#include <iostream>
+
+namespace Zu
+{
+
+namespace
+{
+
+constexpr std::size_t MOST_TEXT = std::size_t{256} * 1024;
+constexpr std::int64_t SECONDS_PER_DAY = 86400;
+constexpr std::int64_t NANOSECONDS = 1000000000;
+
+void at()
+{
+    if (LgServiceRecovery::_atStep) LgServiceRecovery::_atStep();
+}
+
+void report(const std::string& path, const char* what, const std::string& reason)
+{
+    std::cerr << "The events in " << path << ' ' << what << ": " << reason << std::endl;
+}
+
+// Whether nothing waits in it: so a process leaves it that ends by exit() while a service lives.
+bool isEmpty(const LgLeftFile& file)
+{
+    LgLeftMap map;
+    const auto read = [&file](std::uint64_t offset, void* to, std::size_t size)
+    { return file.read(offset, to, size); };
+    return map.load(read) && map.getEvents().empty() && map.getDamaged() == 0;
+}
+
+// The time in the name of a map: behind the prefix of a log directory, "<hash>-".
+std::int64_t secondOf(const std::string& name)
+{
+    const auto process = name.rfind('-', name.rfind('-') - 1);
+    const auto time = process == std::string::npos ? process : name.rfind('-', process - 1);
+    std::int64_t nanoseconds = 0;
+    if (time != std::string::npos)
+        std::from_chars(name.data() + time + 1, name.data() + process, nanoseconds);
+    return nanoseconds / NANOSECONDS;
+}
+
+} // namespace
+
+void (*LgServiceRecovery::_atStep)() = nullptr;
+
+LgServiceRecovery::LgServiceRecovery(LgLeftFile& file, LgLineForm form, bool isRaw)
+    : _file(file), _lineWriter(form, isRaw)
+{
+}
+
+LgServiceRecovery::Outcome LgServiceRecovery::run()
+{
+    const auto read = [this](std::uint64_t offset, void* to, std::size_t size)
+    { return _file.read(offset, to, size); };
+    if (!_map.load(read))
+    {
+        _reason = _map.getReason();
+        return Outcome::Refused;
+    }
+    const LgMap::Header& header = _map.getHeader();
+    _origin = {header._start,   header._originTick,   header._originWall, header._ticksPerSecond,
+               header._process, header._processStart, header._host,       header._boot};
+    _lineWriter.setOrigin(_origin);
+    findLogs();
+    _nextNumber = _map.getNumber() + 1;
+    for (const LgLeftMap::Queue& queue : _map.getQueues())
+        _positions.push_back({queue._index, queue._entry, queue._text, 0, queue._reported});
+    const std::vector<char> isWritten = findWritten();
+    const std::size_t count = _map.getEvents().size();
+    if (count > 0 && !hasAllLogs()) return Outcome::Unfinished;
+    // First the events of the batch that was being written: what is known of them counts for all.
+    std::size_t begin = 0;
+    std::size_t end = _map.getBatchEvents();
+    while (begin < count)
+    {
+        if (end <= begin)
+        {
+            std::size_t size = 0;
+            for (end = begin; end < count && end - begin < LgMap::MOST_EVENTS && size < MOST_TEXT;
+                 ++end)
+                size += _map.getEvents()[end]._text.size();
+        }
+        if (!writeChunk(begin, end, isWritten, end == count)) return Outcome::Unfinished;
+        begin = end;
+    }
+    if (_map.getDamaged() > 0)
+        _reason = std::to_string(_map.getDamaged()) + " of them could not be read";
+    _file.remove();
+    return Outcome::Complete;
+}
+
+void LgServiceRecovery::findLogs()
+{
+    for (int level = 0; level < LgTypes::NUM_LEVELS; ++level)
+    {
+        std::ostream* const stream = LgLog::getLevelOutput(static_cast<LgTypes::Level>(level));
+        auto* const log = dynamic_cast<LgServiceLog*>(stream);
+        const bool isKnown =
+            std::any_of(_outputs.begin(), _outputs.end(),
+                        [log](const Output& output) { return output._log == log; });
+        if (!log || isKnown) continue;
+        _outputs.emplace_back()._log = log;
+        log->prepare(0, 0);
+    }
+}
+
+// Whether no event would go nowhere that was meant for a file.
+bool LgServiceRecovery::hasAllLogs() const
+{
+    if (_outputs.empty()) return false;
+    const std::vector<LgLeftMap::Event>& events = _map.getEvents();
+    return std::none_of(events.begin(), events.end(),
+                        [](const LgLeftMap::Event& event)
+                        {
+                            return LgLog::isFileMissing(
+                                event._isOverflow ? LgTypes::Informational
+                                                  : static_cast<LgTypes::Level>(event._value));
+                        });
+}
+
+// Which events of the last batch are in the logs.
+std::vector<char> LgServiceRecovery::findWritten()
+{
+    std::vector<char> isWritten(_map.getEvents().size(), 0);
+    if (_map.getState() == LgMap::Idle) return isWritten;
+    const std::vector<std::vector<char>> ofQueues = findWrittenLines();
+    const LgMap::Batch& batch = _map.getBatch();
+    // The events of a queue and its lines in the batch have the same order.
+    std::vector<std::size_t> counts(batch._queueCount, 0);
+    for (std::size_t i = 0; i < _map.getBatchEvents(); ++i)
+    {
+        const std::uint32_t index = _map.getQueues()[_map.getEvents()[i]._queue]._index;
+        for (std::uint32_t j = 0; j < batch._queueCount; ++j)
+            if (batch._queues[j]._queue == index && counts[j] < ofQueues[j].size())
+                isWritten[i] = ofQueues[j][counts[j]++];
+    }
+    return isWritten;
+}
+
+// For each queue of the last batch, which of its lines are in the logs. Those that were being
+// written are looked for there, from the place where the batch began, up to the first line that is
+// not wholly there.
+std::vector<std::vector<char>> LgServiceRecovery::findWrittenLines()
+{
+    const LgMap::Batch& batch = _map.getBatch();
+    Place places[LgMap::MOST_FILES] = {};
+    for (std::uint32_t i = 0; i < batch._fileCount; ++i)
+    {
+        const LgServiceFile::Identity identity{batch._files[i]._volume, batch._files[i]._number};
+        places[i]._offset = batch._files[i]._offset;
+        for (const Output& output : _outputs)
+            if (output._log->file().getIdentity() == identity) places[i]._log = output._log;
+    }
+    std::vector<std::vector<char>> ofQueues(batch._queueCount);
+    for (std::uint32_t i = 0; i < batch._lineCount; ++i)
+    {
+        const LgMap::BatchLine& line = batch._lines[i];
+        bool isThere = _map.getState() == LgMap::Written || line._file == LgMap::NONE;
+        if (!isThere && line._file < batch._fileCount) isThere = isAt(places[line._file], line);
+        if (line._queue < batch._queueCount) ofQueues[line._queue].push_back(isThere ? 1 : 0);
+    }
+    return ofQueues;
+}
+
+// Whether a line is in a log; the place moves behind it.
+bool LgServiceRecovery::isAt(Place& place, const LgMap::BatchLine& line)
+{
+    if (!place._log) return false;
+    constexpr std::uint32_t LONGEST_LINE = 64U << 20;
+    std::string text(std::min(line._length, LONGEST_LINE), '\0');
+    const std::ptrdiff_t size = place._log->file().readAt(place._offset, text.data(), text.size());
+    const bool isThere = size == static_cast<std::ptrdiff_t>(text.size()) &&
+                         LgMap::hashOf(text.data(), text.size()) == line._hash;
+    place._offset += line._length;
+    if (!isThere) place._log = nullptr;
+    return isThere;
+}
+
+LgServiceRecovery::Output* LgServiceRecovery::outputOf(const LgLeftMap::Event& event)
+{
+    if (event._isOverflow && event._value == 0) return nullptr;
+    const LgTypes::Level level =
+        event._isOverflow ? LgTypes::Informational : static_cast<LgTypes::Level>(event._value);
+    auto* const log = dynamic_cast<LgServiceLog*>(LgLog::getLevelOutput(level));
+    for (Output& output : _outputs)
+        if (log && output._log == log) return &output;
+    return nullptr;
+}
+
+std::string LgServiceRecovery::beginLines() const
+{
+    std::string text = "===== Recovered: events of process " + std::to_string(_origin._process) +
+                       ", started " + lgIsoTime(_origin._processStart, 6) + ", host ";
+    lgAppendEscaped(text, _origin._host.empty() ? "-" : _origin._host);
+    return text + " =====\n" + lgOriginLine(_origin);
+}
+
+std::string LgServiceRecovery::endLine() const
+{
+    return "===== Recovered: end of the events of process " + std::to_string(_origin._process) +
+           " =====\n";
+}
+
+void LgServiceRecovery::addService(Output& output, const std::string& text)
+{
+    output._text += text;
+    output._lines.push_back({static_cast<std::uint32_t>(text.size()), false});
+    _batch._lines[_batch._lineCount++] = {static_cast<std::uint32_t>(text.size()),
+                                          LgMap::hashOf(text.data(), text.size()), LgMap::NONE,
+                                          static_cast<std::uint16_t>(&output - _outputs.data()), 0};
+}
+
+// Writes some events as the process itself would have done.
+bool LgServiceRecovery::writeChunk(std::size_t begin, std::size_t end,
+                                   const std::vector<char>& isWritten, bool isLast)
+{
+    beginBatch();
+    for (std::size_t i = begin; i < end; ++i)
+    {
+        Output* const output = isWritten[i] ? nullptr : outputOf(_map.getEvents()[i]);
+        if (output) output->_isUsed = true;
+    }
+    // Their prefixes come first.
+    for (Output& output : _outputs)
+        if ((output._isUsed || (isLast && output._hasBegun)) && !beginOutput(output)) return false;
+    // The last event of each queue; none is the end.
+    const std::vector<std::size_t> lastOf = addEvents(begin, end, isWritten);
+    if (isLast)
+        for (Output& output : _outputs)
+            if (output._hasBegun) addService(output, endLine());
+    const std::uint64_t number = _nextNumber++;
+    if (!store(number, LgMap::Writing) || !writeOutputs(isLast)) return false;
+    at();
+    if (!store(number, LgMap::Written)) return false;
+    for (std::size_t i = 0; i < lastOf.size(); ++i)
+        if (lastOf[i] != end && !moveQueue(_map.getQueues()[i], _map.getEvents()[lastOf[i]]))
+            return false;
+    return store(number, LgMap::Idle);
+}
+
+void LgServiceRecovery::beginBatch()
+{
+    _batch._fileCount = static_cast<std::uint32_t>(_outputs.size());
+    _batch._queueCount = 0;
+    _batch._lineCount = 0;
+    for (Output& output : _outputs)
+    {
+        output._text.clear();
+        output._lines.clear();
+        output._isUsed = false;
+    }
+}
+
+// Enters where a log's part begins, and what stands there before the first event.
+bool LgServiceRecovery::beginOutput(Output& output)
+{
+    if (!output._log->prepare(0)) return false;
+    const auto part = output._log->getPart();
+    if (!part) return true;
+    const auto index = static_cast<std::uint16_t>(&output - _outputs.data());
+    _batch._files[index] = {part->_identity._volume, part->_identity._number, part->_offset, 0};
+    const std::string& prefix = output._log->getPrefix();
+    if (!prefix.empty())
+        _batch._lines[_batch._lineCount++] = {static_cast<std::uint32_t>(prefix.size()),
+                                              LgMap::hashOf(prefix.data(), prefix.size()),
+                                              LgMap::NONE, index, 0};
+    if (output._isUsed && !output._hasBegun) addService(output, beginLines());
+    output._hasBegun = true;
+    return true;
+}
+
+std::vector<std::size_t> LgServiceRecovery::addEvents(std::size_t begin, std::size_t end,
+                                                      const std::vector<char>& isWritten)
+{
+    std::vector<std::uint32_t> inBatch(_map.getQueues().size(), LgMap::NONE);
+    std::vector<std::size_t> lastOf(_map.getQueues().size(), end);
+    for (std::size_t i = begin; i < end; ++i)
+    {
+        const LgLeftMap::Event& event = _map.getEvents()[i];
+        if (inBatch[event._queue] == LgMap::NONE)
+        {
+            inBatch[event._queue] = _batch._queueCount;
+            enter(event._queue);
+        }
+        lastOf[event._queue] = i;
+        addEvent(event, inBatch[event._queue], isWritten[i] ? nullptr : outputOf(event));
+    }
+    return lastOf;
+}
+
+// False if a file is full: then the next service goes on where this one ends.
+bool LgServiceRecovery::writeOutputs(bool isLast)
+{
+    for (Output& output : _outputs)
+    {
+        if (output._text.empty()) continue;
+        output._log->write(output._text, output._lines);
+        if (output._log->isFailing())
+        {
+            output._log->forget();
+            return false;
+        }
+        if (isLast) output._log->dateAgain();
+    }
+    return true;
+}
+
+// The queue's positions before the chunk: where it began, or behind its events that an earlier
+// chunk has written.
+void LgServiceRecovery::enter(std::uint32_t number)
+{
+    _batch._queues[_batch._queueCount++] = _positions[number];
+}
+
+void LgServiceRecovery::addEvent(const LgLeftMap::Event& event, std::uint32_t inBatch,
+                                 Output* output)
+{
+    const std::uint32_t lost = event._isOverflow ? static_cast<std::uint32_t>(event._value) : 0;
+    LgMap::BatchLine line{0, 0, static_cast<std::uint16_t>(inBatch), LgMap::NONE, lost};
+    if (output)
+    {
+        const std::size_t before = output->_text.size();
+        const std::string text = event._isOverflow
+                                     ? "Event overflow [" + std::to_string(event._value) + "]"
+                                     : event._text;
+        const LgTypes::Level level =
+            event._isOverflow ? LgTypes::Informational : static_cast<LgTypes::Level>(event._value);
+        _lineWriter.append(output->_text, {event._time, event._thread, level, text});
+        line._length = static_cast<std::uint32_t>(output->_text.size() - before);
+        line._hash = LgMap::hashOf(output->_text.data() + before, line._length);
+        line._file = static_cast<std::uint16_t>(output - _outputs.data());
+        output->_lines.push_back({line._length, !event._isOverflow});
+        ++_count;
+    }
+    _batch._lines[_batch._lineCount++] = line;
+    LgMap::BatchQueue& position = _positions[event._queue];
+    position._entry = event._nextEntry;
+    position._text = event._nextText;
+    position._reported += lost;
+}
+
+bool LgServiceRecovery::store(std::uint64_t number, LgMap::State state)
+{
+    const std::uint64_t place = LgMap::BATCHES_AT + (number & 1) * LgMap::BATCH_SPACE;
+    if (state == LgMap::Writing && !_file.write(place, &_batch, sizeof _batch)) return false;
+    at();
+    const std::uint64_t word = (number << LgMap::STATE_BITS) | state;
+    const bool isStored = _file.write(offsetof(LgMap::Header, _state), &word, sizeof word);
+    at();
+    return isStored;
+}
+
+bool LgServiceRecovery::moveQueue(const LgLeftMap::Queue& queue, const LgLeftMap::Event& last)
+{
+    const LgMap::Queue& facts = queue._facts;
+    const std::uint64_t slot = LgMap::QUEUES_AT + std::uint64_t(queue._index) * sizeof facts;
+    const std::uint64_t reported = _positions[last._queue]._reported;
+    const bool isMoved =
+        _file.write(slot + offsetof(LgMap::Queue, _reported), &reported, sizeof reported) &&
+        _file.write(facts._block + facts._textBegin, &last._nextText, sizeof last._nextText) &&
+        _file.write(facts._block + facts._entriesBegin, &last._nextEntry, sizeof last._nextEntry);
+    at();
+    return isMoved;
+}
+
+std::uint64_t LgServiceRecovery::recoverAll(const std::string& mapDirectory,
+                                            const std::string& logDirectory, const std::string& own,
+                                            LgLineForm form, bool isRaw, int keptMaps, int keptDays)
+{
+    const std::string directory = mapDirectory.empty() ? lgMapDirectory() : mapDirectory;
+    const std::string prefix = LgServiceMap::prefixFor(logDirectory);
+    std::vector<std::string> names = lgNamesIn(directory, lgMapPrefix());
+    // The oldest first: behind the hash, names have the time.
+    std::sort(names.begin(), names.end(),
+              [](const std::string& one, const std::string& other)
+              { return secondOf(one) < secondOf(other); });
+    std::uint64_t count = 0;
+    std::vector<std::string> others;
+    // Opening its own file would end the lock that shows that this process lives.
+    const std::string ownName = own.substr(own.find_last_of("/\\") + 1);
+    for (const std::string& name : names)
+    {
+        const std::string path = directory + name;
+        if (name == ownName) continue;
+        if (name.compare(0, prefix.size(), prefix) != 0)
+        {
+            others.push_back(name);
+            continue;
+        }
+        LgLeftFile file;
+        const LgLeftFile::Outcome outcome = file.open(path);
+        if (outcome == LgLeftFile::Outcome::Refused)
+            report(path, "are not recovered", "it is not a file that only this user can change");
+        if (outcome != LgLeftFile::Outcome::Opened) continue;
+        LgServiceRecovery recovery(file, form, isRaw);
+        const Outcome result = recovery.runUnderLock();
+        count += recovery.getCount();
+        if (result == Outcome::Refused)
+        {
+            report(path, "are not recovered", recovery.getReason());
+            others.push_back(name);
+        }
+        else if (!recovery.getReason().empty())
+            report(path, "are recovered", recovery.getReason());
+    }
+    discardOld(directory, others, keptMaps, keptDays);
+    return count;
+}
+
+// A process that died with the lock is reported once, to the next one that takes it.
+LgServiceRecovery::Outcome LgServiceRecovery::runUnderLock()
+{
+    constexpr int TRIES = 2;
+    for (int i = 0; i < TRIES; ++i)
+    {
+        try
+        {
+            const LgInterProcessLockGuard guard(LgLog::getInterProcessLock());
+            return run();
+        }
+        catch (const std::exception& exception)
+        {
+            std::cerr << "The log service can't recover events: " << exception.what() << std::endl;
+        }
+    }
+    return Outcome::Unfinished;
+}
+
+// What nobody recovers does not stay for ever.
+void LgServiceRecovery::discardOld(const std::string& directory,
+                                   const std::vector<std::string>& names, int keptMaps,
+                                   int keptDays)
+{
+    const std::int64_t now = lgWallClock() / NANOSECONDS;
+    std::size_t left = names.size();
+    for (const std::string& name : names)
+    {
+        const bool isOld = now - secondOf(name) > keptDays * SECONDS_PER_DAY;
+        if (!isOld && left <= static_cast<std::size_t>(keptMaps)) return;
+        LgLeftFile file;
+        if (file.open(directory + name) != LgLeftFile::Outcome::Opened) continue;
+        const char* const reason = isOld ? "they are too old" : "there are too many such files";
+        if (!isEmpty(file)) report(directory + name, "are discarded", reason);
+        file.remove();
+        --left;
+    }
+}
+
+} // namespace Zu

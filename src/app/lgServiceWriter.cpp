@@ -1,0 +1,433 @@
+#include "app/lgServiceWriter.h"
+
+#include "app/lgMapFile.h"
+#include "base/hwCounter.h"
+#include "base/lgInterProcessLock.h"
+#include "base/lgLog.h"
+#include "base/lgReader.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstdlib>
+#include <functional>
+#include <iostream>
+
+namespace Zu
+{
+
+namespace
+{
+
+constexpr std::size_t MOST_TEXT = std::size_t{256} * 1024;
+constexpr std::int64_t HOUR = 3600LL * 1000000000;
+constexpr std::int64_t MILLISECOND = 1000000;
+
+LgServiceLog* lgServiceLogOf(LgTypes::Level level)
+{
+    return dynamic_cast<LgServiceLog*>(LgLog::getLevelOutput(level));
+}
+
+bool isLater(std::uint64_t one, std::uint64_t other)
+{
+    return one > other;
+}
+
+std::string overflowText(std::uint64_t count)
+{
+    return "Event overflow [" + std::to_string(count) + "]";
+}
+
+} // namespace
+
+void (*LgServiceWriter::_atStep)(Step step) = nullptr;
+
+namespace
+{
+
+void at(LgServiceWriter::Step step)
+{
+    if (LgServiceWriter::_atStep) LgServiceWriter::_atStep(step);
+}
+
+} // namespace
+
+LgServiceWriter::LgServiceWriter(LgServiceMap& map, LgLineForm form, bool isRaw)
+    : _map(map), _form(form), _isRaw(isRaw), _scratch(LgStream::BufSize)
+{
+    const LgProcessFacts facts = lgProcessFacts();
+    _origin._start = LgLog::getStart();
+    _origin._ticksPerSecond = static_cast<std::uint64_t>(std::llround(1 / HwCounter::resolution()));
+    _origin._process = facts._process;
+    _origin._processStart = facts._processStart;
+    _origin._host = facts._host;
+    _origin._boot = facts._boot;
+    if (_map.isOpen()) _number = _map.header()._state >> LgMap::STATE_BITS;
+    lookAtClock();
+    lookAtForm();
+}
+
+void LgServiceWriter::openLogs()
+{
+    const LgInterProcessLockGuard guard(LgLog::getInterProcessLock());
+    for (int level = 0; level < LgTypes::NUM_LEVELS; ++level)
+        if (LgServiceLog* const log = lgServiceLogOf(static_cast<LgTypes::Level>(level)))
+            if (log->prepare(0, 0)) log->write({}, {});
+}
+
+void LgServiceWriter::reopen()
+{
+    for (int level = 0; level < LgTypes::NUM_LEVELS; ++level)
+        if (LgServiceLog* const log = lgServiceLogOf(static_cast<LgTypes::Level>(level)))
+            log->reopen();
+}
+
+bool LgServiceWriter::isTryDue() const
+{
+    for (int level = 0; level < LgTypes::NUM_LEVELS; ++level)
+    {
+        const LgServiceLog* const log = lgServiceLogOf(static_cast<LgTypes::Level>(level));
+        if (log && log->isTryDue()) return true;
+    }
+    return false;
+}
+
+// The lines are dated anew when the wall clock was set, and every hour.
+void LgServiceWriter::lookAtClock()
+{
+    const std::uint64_t tick = HwCounter::timeStamp();
+    const std::int64_t wall = lgWallClock();
+    const bool hasMoved = _dated == 0 || std::llabs(wall - lgWallOf(_origin, tick)) >= MILLISECOND;
+    if (!hasMoved && wall - _dated < HOUR) return;
+    _dated = wall;
+    _origin._tick = tick;
+    _origin._wall = wall;
+    _lineWriter.reset();
+    for (int level = 0; level < LgTypes::NUM_LEVELS; ++level)
+        if (LgServiceLog* const log = lgServiceLogOf(static_cast<LgTypes::Level>(level)))
+            log->setOrigin(LgLog::isTimeStampsEnabled() ? &_origin : nullptr);
+}
+
+// Time stamps can be switched on and off at any time.
+void LgServiceWriter::lookAtForm()
+{
+    const LgLineForm form = LgLog::isTimeStampsEnabled() ? _form : LgLineForm::Plain;
+    if (_lineWriter && form == _present) return;
+    _present = form;
+    _lineWriter.emplace(form, _isRaw);
+    _lineWriter->setOrigin(_origin);
+}
+
+bool LgServiceWriter::writeBatch()
+{
+    // What comes later waits for the next batch, so that a queue that was looked at early does not
+    // fall behind one that was looked at late.
+    const std::uint64_t until = HwCounter::timeStamp();
+    if (!findQueues() && !isTryDue()) return false;
+    lookAtClock();
+    lookAtForm();
+    // Before anything is taken: it raises if a holder of the lock has died.
+    const LgInterProcessLockGuard guard(LgLog::getInterProcessLock());
+    collect(until);
+    at(Step::Collected);
+    if (_lines.empty() && !isTryDue())
+    {
+        endQueues();
+        return false;
+    }
+    writeCollected();
+    endQueues();
+    return true;
+}
+
+// Whether there is anything to do.
+bool LgServiceWriter::findQueues()
+{
+    _cursors.clear();
+    _finished.clear();
+    _ended.clear();
+    for (LgQueue* const queue : LgLog::getRegistry()->getQueueList())
+    {
+        // Asked first: the last event may come just before the thread ends.
+        const bool isEnded = !queue->isCreatorAlive();
+        if (!queue->isEmpty())
+        {
+            const LgQueue::ReadPosition position = queue->getReadPosition();
+            const std::uint64_t time = queue->getEntryAt(position).getTimeStamp();
+            _cursors.push_back({queue, position, time, _map.indexOf(*queue), LgMap::NONE, 0});
+        }
+        else if (isEnded)
+            _ended.push_back(queue);
+    }
+    // A queue may be in the list twice.
+    const auto byQueue = [](const Cursor& one, const Cursor& other)
+    { return std::less<>()(one._queue, other._queue); };
+    const auto isSame = [](const Cursor& one, const Cursor& other)
+    { return one._queue == other._queue; };
+    std::sort(_cursors.begin(), _cursors.end(), byQueue);
+    _cursors.erase(std::unique(_cursors.begin(), _cursors.end(), isSame), _cursors.end());
+    std::sort(_ended.begin(), _ended.end());
+    _ended.erase(std::unique(_ended.begin(), _ended.end()), _ended.end());
+    return !_cursors.empty() || !_ended.empty();
+}
+
+void LgServiceWriter::collect(std::uint64_t until)
+{
+    _lines.clear();
+    _queues.clear();
+    _echo.clear();
+    _size = 0;
+    _outputCount = 0;
+    // The others have their turn with a later batch.
+    if (_ended.size() > LgMap::MOST_EVENTS) _ended.resize(LgMap::MOST_EVENTS);
+    for (LgQueue* const queue : _ended) addRestOfLosses(*queue);
+    const auto isLaterCursor = [](const Cursor& one, const Cursor& other)
+    { return isLater(one._time, other._time); };
+    std::make_heap(_cursors.begin(), _cursors.end(), isLaterCursor);
+    while (!_cursors.empty() && _lines.size() < LgMap::MOST_EVENTS && _size < MOST_TEXT)
+    {
+        std::pop_heap(_cursors.begin(), _cursors.end(), isLaterCursor);
+        Cursor& cursor = _cursors.back();
+        const bool isNow = cursor._time <= until;
+        if (isNow) addEvent(cursor);
+        if (isNow && cursor._queue->isWaiting(cursor._position))
+        {
+            cursor._time = cursor._queue->getEntryAt(cursor._position).getTimeStamp();
+            std::push_heap(_cursors.begin(), _cursors.end(), isLaterCursor);
+            continue;
+        }
+        _finished.push_back(cursor);
+        _cursors.pop_back();
+    }
+    _finished.insert(_finished.end(), _cursors.begin(), _cursors.end());
+}
+
+void LgServiceWriter::addEvent(Cursor& cursor)
+{
+    LgQueue& queue = *cursor._queue;
+    if (cursor._inBatch == LgMap::NONE) cursor._inBatch = enter(queue, cursor._inMap);
+    const LgQueue::Entry& entry = queue.getEntryAt(cursor._position);
+    const std::uint64_t time = entry.getTimeStamp();
+    if (entry.isOverflowEntry())
+    {
+        const std::uint32_t count = lossesOf(cursor, entry);
+        cursor._lost += count;
+        const std::string text = overflowText(count);
+        if (count > 0)
+            addLine(cursor._inBatch, {time, queue.getThreadId(), LgTypes::Informational, text},
+                    count);
+        else
+            _lines.push_back({0, 0, cursor._inBatch, LgMap::NONE, 0});
+    }
+    else
+    {
+        const std::string_view text = queue.getTextAt(cursor._position, _scratch.data());
+        addLine(cursor._inBatch, {time, queue.getThreadId(), entry.getLevel(), text}, 0);
+    }
+    queue.stepEntry(cursor._position);
+}
+
+// An entry's place in the ring may have the count of an earlier burst in it: no more is reported
+// than was lost.
+std::uint32_t LgServiceWriter::lossesOf(const Cursor& cursor, const LgQueue::Entry& entry)
+{
+    const auto count = static_cast<std::uint32_t>(entry.getOverflowCount());
+    if (cursor._inMap == LgMap::NONE) return count;
+    const std::uint64_t reported = _map.queueAt(cursor._inMap)._reported + cursor._lost;
+    const std::uint64_t lost = cursor._queue->getLostCount();
+    return static_cast<std::uint32_t>(
+        std::min<std::uint64_t>(count, lost > reported ? lost - reported : 0));
+}
+
+// Losses that raced with the writing of their entry are in no entry. When the thread has ended they
+// are known exactly.
+void LgServiceWriter::addRestOfLosses(LgQueue& queue)
+{
+    const std::uint32_t inMap = _map.indexOf(queue);
+    if (inMap == LgMap::NONE) return;
+    LgMap::Queue& slot = _map.queueAt(inMap);
+    const std::uint64_t lost = queue.getLostCount();
+    if (lost <= slot._reported) return;
+    const auto count = static_cast<std::uint32_t>(lost - slot._reported);
+    addLine(
+        enter(queue, inMap),
+        {HwCounter::timeStamp(), queue.getThreadId(), LgTypes::Informational, overflowText(count)},
+        count);
+    _finished.push_back({&queue, queue.getReadPosition(), 0, inMap, 0, count});
+}
+
+// The queue's place in the batch.
+std::uint16_t LgServiceWriter::enter(const LgQueue& queue, std::uint32_t inMap)
+{
+    const LgQueue::ReadPosition position = queue.getReadPosition();
+    const std::uint64_t reported = inMap == LgMap::NONE ? 0 : _map.queueAt(inMap)._reported;
+    _queues.push_back({inMap, position._entry, position._text, 0, reported});
+    return static_cast<std::uint16_t>(_queues.size() - 1);
+}
+
+void LgServiceWriter::addLine(std::uint16_t inBatch, const LgLineEvent& event, std::uint32_t lost)
+{
+    LgMap::BatchLine line{0, 0, inBatch, LgMap::NONE, lost};
+    Output* const output = outputOf(event._level);
+    const bool isEchoed = LgLog::isLevelEchoed(event._level);
+    if (!output && lost == 0 && LgLog::isFileMissing(event._level)) LgReader::addUnwrittenCount(1);
+    std::string& text = output ? output->_text : _echo;
+    const std::size_t begin = text.size();
+    if (output || isEchoed) _lineWriter->append(text, event);
+    const std::size_t length = text.size() - begin;
+    if (output && isEchoed) _echo.append(text, begin, length);
+    _size += length;
+    if (output)
+    {
+        line._length = static_cast<std::uint32_t>(length);
+        line._hash = LgMap::hashOf(text.data() + begin, length);
+        line._file = static_cast<std::uint16_t>(output - _outputs.data());
+        output->_lines.push_back({line._length, lost == 0});
+    }
+    _lines.push_back(line);
+}
+
+LgServiceWriter::Output* LgServiceWriter::outputOf(LgTypes::Level level)
+{
+    std::ostream* const stream = LgLog::getLevelOutput(level);
+    if (!stream) return nullptr;
+    for (std::size_t i = 0; i < _outputCount; ++i)
+        if (_outputs[i]._stream == stream) return &_outputs[i];
+    if (_outputCount == _outputs.size()) _outputs.emplace_back();
+    Output& output = _outputs[_outputCount++];
+    output._stream = stream;
+    output._log = dynamic_cast<LgServiceLog*>(stream);
+    if (output._log && !output._log->isDirect()) output._log = nullptr;
+    output._text.clear();
+    output._lines.clear();
+    return &output;
+}
+
+void LgServiceWriter::writeCollected()
+{
+    // A file that failed is tried again even if nothing is new for it.
+    for (int level = 0; level < LgTypes::NUM_LEVELS; ++level)
+    {
+        const LgServiceLog* const log = lgServiceLogOf(static_cast<LgTypes::Level>(level));
+        if (log && log->isTryDue()) outputOf(static_cast<LgTypes::Level>(level));
+    }
+    prepare();
+    if (_map.isOpen())
+    {
+        fillBatch();
+        _map.commit(++_number, LgMap::Writing);
+    }
+    at(Step::Committed);
+    write();
+    at(Step::Wrote);
+    if (_map.isOpen()) _map.commit(_number, LgMap::Written);
+    at(Step::CommittedAgain);
+    move();
+    if (_map.isOpen()) _map.commit(_number, LgMap::Idle);
+    at(Step::Done);
+}
+
+void LgServiceWriter::prepare()
+{
+    for (std::size_t i = 0; i < _outputCount; ++i)
+    {
+        Output& output = _outputs[i];
+        output._file = LgMap::NONE;
+        output._isReady =
+            output._log && output._log->prepare(output._text.size(), output._lines.size());
+    }
+}
+
+// Written to the batch that does not count yet.
+void LgServiceWriter::fillBatch()
+{
+    LgMap::Batch& batch = _map.batch(_number + 1);
+    batch._fileCount = 0;
+    batch._lineCount = 0;
+    for (std::size_t i = 0; i < _outputCount; ++i)
+    {
+        Output& output = _outputs[i];
+        const auto part = output._isReady ? output._log->getPart() : std::nullopt;
+        if (!part || batch._fileCount == LgMap::MOST_FILES) continue;
+        output._file = static_cast<std::uint16_t>(batch._fileCount++);
+        const std::string& prefix = output._log->getPrefix();
+        batch._files[output._file] = {part->_identity._volume, part->_identity._number,
+                                      part->_offset, prefix.size() + output._text.size()};
+        if (prefix.empty()) continue;
+        batch._lines[batch._lineCount++] = {static_cast<std::uint32_t>(prefix.size()),
+                                            LgMap::hashOf(prefix.data(), prefix.size()),
+                                            LgMap::NONE, output._file, 0};
+    }
+    for (LgMap::BatchLine line : _lines)
+    {
+        if (line._file != LgMap::NONE) line._file = _outputs[line._file]._file;
+        batch._lines[batch._lineCount++] = line;
+    }
+    std::copy(_queues.begin(), _queues.end(), batch._queues);
+    batch._queueCount = static_cast<std::uint32_t>(_queues.size());
+    at(Step::Prepared);
+}
+
+void LgServiceWriter::write()
+{
+    for (std::size_t i = 0; i < _outputCount; ++i)
+    {
+        Output& output = _outputs[i];
+        if (output._log && output._isReady)
+            output._log->write(output._text, output._lines);
+        else if (output._log)
+            output._log->wait(output._text, output._lines);
+        else
+            writeToStream(output);
+    }
+    if (!_echo.empty()) LgReader::writeLine(std::cout, _echo.data(), _echo.size());
+}
+
+// A stream that the application has put in the place of a log gets lines one by one.
+void LgServiceWriter::writeToStream(const Output& output)
+{
+    const char* place = output._text.data();
+    for (const LgServiceLog::Line& line : output._lines)
+    {
+        const bool isWritten = LgReader::writeLine(*output._stream, place, line._length);
+        if (!isWritten && line._isEvent) LgReader::addUnwrittenCount(1);
+        place += line._length;
+    }
+}
+
+void LgServiceWriter::move()
+{
+    for (const Cursor& cursor : _finished)
+    {
+        if (cursor._inBatch == LgMap::NONE) continue;
+        if (cursor._inMap != LgMap::NONE) _map.queueAt(cursor._inMap)._reported += cursor._lost;
+        cursor._queue->removeUpTo(cursor._position);
+        at(Step::MovedOne);
+    }
+}
+
+// The queues of ended threads are the reader's to delete.
+void LgServiceWriter::endQueues()
+{
+    for (LgQueue* const queue : _ended)
+    {
+        LgLog::getRegistry()->deregisterQueue(queue);
+        LgQueue::end(queue);
+    }
+    _ended.clear();
+}
+
+bool LgServiceWriter::finish()
+{
+    bool isAll = true;
+    const LgInterProcessLockGuard guard(LgLog::getInterProcessLock());
+    for (int level = 0; level < LgTypes::NUM_LEVELS; ++level)
+    {
+        LgServiceLog* const log = lgServiceLogOf(static_cast<LgTypes::Level>(level));
+        if (!log || log->writeWaiting()) continue;
+        log->giveUp();
+        isAll = false;
+    }
+    return isAll;
+}
+
+} // namespace Zu

@@ -1,0 +1,139 @@
+/// @file
+/// What the thread of the log service does: writes events in batches. Internal to the application
+/// kit.
+
+#ifndef ZU_APP_LGSERVICEWRITER_H
+#define ZU_APP_LGSERVICEWRITER_H
+
+#include "../base/lgQueue.h"
+#include "../base/lgTypes.h"
+#include "lgServiceLine.h"
+#include "lgServiceLog.h"
+#include "lgServiceMap.h"
+
+#include <cstdint>
+#include <iosfwd>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace Zu
+{
+
+/// Merges the events of all queues by time, and writes each to the log of its level. Before a batch
+/// is written, the map has where it goes and what it consists of; the places of its events are
+/// given back afterwards. So whenever the process ends, the next service can see what is written.
+///
+/// Thread-safety: one thread at a time, which holds LgServiceThreads::reading().
+class LgServiceWriter
+{
+public:
+    /// The steps of a batch, at which a test may end the process.
+    enum class Step
+    {
+        Collected,
+        Prepared,
+        Committed,
+        Wrote,
+        CommittedAgain,
+        MovedOne,
+        Done
+    };
+    static void (*_atStep)(Step step);
+
+    /// The map must outlive the writer.
+    LgServiceWriter(LgServiceMap& map, LgLineForm form = LgLineForm::Ticks, bool isRaw = false);
+
+    /// Opens the logs of all levels, which reports those that can't be.
+    void openLogs();
+
+    /// Writes what is waiting, at most one batch, and what waited for a file that failed. False if
+    /// there was nothing. Raises what a lock between processes raises; the events stay.
+    bool writeBatch();
+
+    /// Whether a file that failed is to be tried again.
+    bool isTryDue() const;
+
+    /// Writes what waits for files that failed, or gives it up. Returns whether all was written.
+    bool finish();
+
+    /// Closes all files; the next lines open them by their names.
+    void reopen();
+
+    /// What dates the lines.
+    const LgLineOrigin& getOrigin() const
+    {
+        return _origin;
+    }
+
+private:
+    // A queue with events, and where the batch stands in it.
+    struct Cursor
+    {
+        LgQueue* _queue;
+        LgQueue::ReadPosition _position;
+        std::uint64_t _time;
+        // The queue's index in the map, and its index in the batch from its first event on.
+        std::uint32_t _inMap;
+        std::uint16_t _inBatch;
+        // How many losses the batch reports.
+        std::uint64_t _lost;
+    };
+
+    // What a batch has for a stream of the logger.
+    struct Output
+    {
+        std::ostream* _stream;
+        // Null if the stream is of another kind.
+        LgServiceLog* _log;
+        std::string _text;
+        std::vector<LgServiceLog::Line> _lines;
+        bool _isReady = false;
+        std::uint16_t _file = LgMap::NONE;
+    };
+
+    bool findQueues();
+    void collect(std::uint64_t until);
+    void addEvent(Cursor& cursor);
+    std::uint32_t lossesOf(const Cursor& cursor, const LgQueue::Entry& entry);
+    void addRestOfLosses(LgQueue& queue);
+    void addLine(std::uint16_t inBatch, const LgLineEvent& event, std::uint32_t lost);
+    std::uint16_t enter(const LgQueue& queue, std::uint32_t inMap);
+    Output* outputOf(LgTypes::Level level);
+    void writeCollected();
+    void prepare();
+    void fillBatch();
+    void write();
+    static void writeToStream(const Output& output);
+    void move();
+    void lookAtClock();
+    void lookAtForm();
+    void endQueues();
+
+    LgServiceMap& _map;
+    // The form while time stamps are enabled, and what writes in the present form.
+    LgLineForm _form;
+    bool _isRaw;
+    LgLineForm _present = LgLineForm::Plain;
+    std::optional<LgLineWriter> _lineWriter;
+    LgLineOrigin _origin;
+    // A heap, the earliest event first; and the queues whose turn is over in this batch.
+    std::vector<Cursor> _cursors;
+    std::vector<Cursor> _finished;
+    // Queues of ended threads.
+    std::vector<LgQueue*> _ended;
+    std::vector<Output> _outputs;
+    std::size_t _outputCount = 0;
+    std::string _echo;
+    // For a text that wraps.
+    std::vector<char> _scratch;
+    std::vector<LgMap::BatchLine> _lines;
+    std::vector<LgMap::BatchQueue> _queues;
+    std::size_t _size = 0;
+    std::uint64_t _number = 0;
+    std::int64_t _dated = 0;
+};
+
+} // namespace Zu
+
+#endif

@@ -1,0 +1,253 @@
+#include "app/lgServiceRecovery.h"
+
+#include "app/lgMapFile.h"
+#include "app/lgServiceMap.h"
+
+#include "support/childProcess.h"
+#include "support/tempDir.h"
+
+#include <algorithm>
+#include <cstdint>
+#include <cstdio>
+#include <fstream>
+#include <gtest/gtest.h>
+#include <iostream>
+#include <map>
+#include <string>
+#include <vector>
+
+namespace
+{
+
+using support::ProgramResult;
+using support::TempDir;
+
+// What the log files of a directory hold of the victim's threads.
+struct Found
+{
+    // For each thread: how often each number is there.
+    std::map<int, std::vector<int>> _numbers;
+    int _lost = 0;
+    int _odd = 0;
+    int _recoveries = 0;
+    int _lines = 0;
+};
+
+class LgServiceRecoveryTest : public testing::Test
+{
+protected:
+    ~LgServiceRecoveryTest() override
+    {
+        for (const std::string& name : maps()) std::remove((Zu::lgMapDirectory() + name).c_str());
+    }
+
+    ProgramResult run(const std::string& way, int threads, int count, int step = 0)
+    {
+        numbersFile = _dir.file("numbers" + std::to_string(++_runs));
+        return support::runProgram("logVictim",
+                                   {way, numbersFile, std::to_string(threads),
+                                    std::to_string(count), std::to_string(step)},
+                                   {{"B7Q_TEST_DIR", _logs.path()}});
+    }
+
+    // A service that has nothing of its own to log.
+    ProgramResult recover()
+    {
+        return run("main", 1, 0);
+    }
+
+    std::vector<std::string> maps() const
+    {
+        return Zu::lgNamesIn(Zu::lgMapDirectory(), Zu::LgServiceMap::prefixFor(_logs.path()));
+    }
+
+    // How many statements of a thread have returned in the last run.
+    std::uint32_t returnedOf(int thread) const
+    {
+        std::ifstream file(numbersFile, std::ios::binary);
+        file.seekg(thread * 4);
+        std::uint32_t number = 0;
+        file.read(reinterpret_cast<char*>(&number), sizeof number);
+        return number;
+    }
+
+    Found find() const
+    {
+        Found found;
+        std::ifstream file(_logs.file("events.log"), std::ios::binary);
+        for (std::string line; std::getline(file, line);)
+        {
+            if (line.rfind("===== Recovered: events", 0) == 0) ++found._recoveries;
+            if (line.empty() || line.rfind("=====", 0) == 0) continue;
+            ++found._lines;
+            int thread = 0;
+            int number = 0;
+            int lost = 0;
+            const auto text = line.find("): ") == std::string::npos ? line.find(": ") : 0;
+            const std::string rest = line.substr(text == std::string::npos ? 0 : text);
+            if (std::sscanf(rest.c_str(), ": Victim t%d n%d end", &thread, &number) == 2 &&
+                line.size() >= 4 && line.substr(line.size() - 4) == " end")
+            {
+                std::vector<int>& numbers = found._numbers[thread];
+                if (numbers.size() <= static_cast<std::size_t>(number))
+                    numbers.resize(static_cast<std::size_t>(number) + 1);
+                ++numbers[static_cast<std::size_t>(number)];
+            }
+            else if (std::sscanf(rest.c_str(), ": Event overflow [%d]", &lost) == 1)
+                found._lost += lost;
+            else
+                ++found._odd;
+        }
+        return found;
+    }
+
+    // Each number up to the last statement that returned is there once, but for the counted losses.
+    void checkAll(int threads, const std::string& what)
+    {
+        const Found found = find();
+        int missing = 0;
+        for (int thread = 0; thread < threads; ++thread)
+        {
+            const auto numbers = found._numbers.find(thread);
+            const std::vector<int> counts =
+                numbers == found._numbers.end() ? std::vector<int>() : numbers->second;
+            const std::uint32_t returned = returnedOf(thread);
+            for (std::size_t i = 0; i < counts.size(); ++i)
+                ASSERT_LE(counts[i], 1) << what << ": thread " << thread << ", number " << i;
+            for (std::size_t i = 0; i < std::max<std::size_t>(returned, counts.size()); ++i)
+                if (i >= counts.size() || counts[i] == 0) ++missing;
+        }
+        // A thread may be killed between the count of a loss and the end of its statement.
+        EXPECT_LE(missing, found._lost) << what;
+        EXPECT_GE(missing + threads, found._lost) << what;
+        EXPECT_LE(found._odd, 1) << what;
+        EXPECT_TRUE(maps().empty()) << what;
+    }
+
+    TempDir _dir;
+    TempDir _logs;
+    std::string numbersFile;
+    int _runs = 0;
+};
+
+const std::vector<std::string> WAYS = {"main",       "living", "outlives", "exit",
+                                       "quick_exit", "_exit",  "abort",    "terminate",
+                                       "uncaught",   "segv",   "kill"};
+
+TEST_F(LgServiceRecoveryTest, WhateverTheEndEachAcceptedEventIsThereOnceAfterTheNextStart)
+{
+    for (const std::string& way : WAYS)
+    {
+        TempDir other;
+        run(way, 1, 400);
+        const std::string numbers = numbersFile;
+        recover();
+        numbersFile = numbers;
+        ASSERT_EQ(returnedOf(0), 400U) << way;
+        const Found found = find();
+        ASSERT_EQ(found._numbers.at(0).size(), 400U) << way;
+        checkAll(1, way);
+        std::remove(_logs.file("events.log").c_str());
+        std::remove(_logs.file("prof.log").c_str());
+    }
+}
+
+// These ends wait until everything is written.
+TEST_F(LgServiceRecoveryTest, AnOrderlyEndNeedsNoRecovery)
+{
+    for (const char* const way : {"main", "living", "outlives", "exit", "terminate", "uncaught"})
+    {
+        run(way, 3, 400);
+        const Found found = find();
+        EXPECT_EQ(found._lines, 1200) << way;
+        EXPECT_EQ(found._recoveries, 0) << way;
+        std::remove(_logs.file("events.log").c_str());
+        recover();
+        EXPECT_EQ(find()._lines, 0) << way;
+    }
+}
+
+TEST_F(LgServiceRecoveryTest, AServiceThatOutlivesTheLoggerEndsWithIt)
+{
+    const ProgramResult result = run("outlives", 3, 400);
+    EXPECT_EQ(result.exitCode, 0);
+    EXPECT_EQ(result.err,
+              "The log service ends with the logger. It has to end before the packages do.\n");
+    EXPECT_EQ(find()._lines, 1200);
+}
+
+// Of three maps of another directory one is kept; only the one with events is worth a line.
+TEST_F(LgServiceRecoveryTest, MapsThatAreTooManyAreDiscardedAndEmptyOnesWithoutAWord)
+{
+    TempDir maps;
+    const TempDir other;
+    const auto leave = [&](const std::string& way, const TempDir& logs, int count)
+    {
+        return support::runProgram(
+            "logVictim",
+            {way, maps.file("numbers" + std::to_string(++_runs)), "1", std::to_string(count)},
+            {{"B7Q_TEST_DIR", logs.path()},
+             {"ZU_LOG_SERVICE_MAPPING_DIRECTORY", maps.path()},
+             {"ZU_LOG_SERVICE_KEPT_MAPPINGS", "1"}});
+    };
+    const auto countMaps = [&] { return Zu::lgNamesIn(maps.file(""), Zu::lgMapPrefix()).size(); };
+    leave("_exit", other, 0);
+    const TempDir third;
+    leave("kill", third, 5);
+    ASSERT_EQ(countMaps(), 2U);
+    const ProgramResult first = leave("main", _logs, 0);
+    EXPECT_EQ(first.err, "");
+    EXPECT_EQ(countMaps(), 1U);
+    const TempDir fourth;
+    leave("kill", fourth, 5);
+    const ProgramResult second = leave("main", _logs, 0);
+    EXPECT_NE(second.err.find("are discarded: there are too many such files"), std::string::npos)
+        << second.err;
+    EXPECT_EQ(countMaps(), 1U);
+}
+
+TEST_F(LgServiceRecoveryTest, AtEveryStepOfABatch)
+{
+    for (int step = 1; step <= 30; ++step)
+    {
+        run("step", 2, 50, step);
+        const std::string numbers = numbersFile;
+        recover();
+        numbersFile = numbers;
+        checkAll(2, "step " + std::to_string(step));
+        if (HasFatalFailure()) return;
+        std::remove(_logs.file("events.log").c_str());
+    }
+}
+
+TEST_F(LgServiceRecoveryTest, AtEveryStepOfARecovery)
+{
+    for (int step = 1; step <= 16; ++step)
+    {
+        run("kill", 3, 60);
+        const std::string numbers = numbersFile;
+        run("recovery step", 1, 0, step);
+        run("recovery step", 1, 0, step / 2 + 1);
+        recover();
+        numbersFile = numbers;
+        checkAll(3, "step " + std::to_string(step));
+        if (HasFatalFailure()) return;
+        std::remove(_logs.file("events.log").c_str());
+    }
+}
+
+TEST_F(LgServiceRecoveryTest, KilledAtFullSpeed)
+{
+    for (int round = 0; round < 10; ++round)
+    {
+        run("other", 4, 100000, 200 + 700 * round);
+        const std::string numbers = numbersFile;
+        recover();
+        numbersFile = numbers;
+        checkAll(4, "round " + std::to_string(round));
+        if (HasFatalFailure()) return;
+        std::remove(_logs.file("events.log").c_str());
+    }
+}
+
+} // namespace
