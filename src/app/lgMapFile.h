@@ -98,9 +98,6 @@ public:
     /// not for this class.
     Outcome open(const std::string& path);
 
-    /// When it was last changed: UTC, in seconds since 1970.
-    std::int64_t getChangeTime() const;
-
     std::uint64_t getSize() const;
 
     /// Reads exactly this part; false if the file is shorter, or the system refuses.

@@ -82,6 +82,22 @@ std::int64_t startOfProcess()
     return lgWallClock() - toNanoseconds(now) + ticks * (NANOSECONDS / perSecond);
 }
 
+// Calls `call`, which reads or writes at an offset, until the whole part is through.
+template <class Call, class Byte>
+bool transfer(Call call, int file, Byte* place, std::size_t size, std::uint64_t offset)
+{
+    while (size > 0)
+    {
+        const ssize_t count = call(file, place, size, static_cast<off_t>(offset));
+        if (count < 0 && errno == EINTR) continue;
+        if (count <= 0) return false;
+        place += count;
+        offset += static_cast<std::uint64_t>(count);
+        size -= static_cast<std::size_t>(count);
+    }
+    return true;
+}
+
 } // namespace
 
 LgMapFile::~LgMapFile()
@@ -199,12 +215,6 @@ LgLeftFile::Outcome LgLeftFile::open(const std::string& path)
     return Outcome::Opened;
 }
 
-std::int64_t LgLeftFile::getChangeTime() const
-{
-    struct stat status = {};
-    return fstat(descriptor(_file), &status) == 0 ? status.st_mtim.tv_sec : 0;
-}
-
 std::uint64_t LgLeftFile::getSize() const
 {
     struct stat status = {};
@@ -213,32 +223,12 @@ std::uint64_t LgLeftFile::getSize() const
 
 bool LgLeftFile::read(std::uint64_t offset, void* to, std::size_t size) const
 {
-    auto* place = static_cast<char*>(to);
-    while (size > 0)
-    {
-        const ssize_t count = pread(descriptor(_file), place, size, static_cast<off_t>(offset));
-        if (count < 0 && errno == EINTR) continue;
-        if (count <= 0) return false;
-        place += count;
-        offset += static_cast<std::uint64_t>(count);
-        size -= static_cast<std::size_t>(count);
-    }
-    return true;
+    return transfer(&pread, descriptor(_file), static_cast<char*>(to), size, offset);
 }
 
 bool LgLeftFile::write(std::uint64_t offset, const void* from, std::size_t size)
 {
-    const auto* place = static_cast<const char*>(from);
-    while (size > 0)
-    {
-        const ssize_t count = pwrite(descriptor(_file), place, size, static_cast<off_t>(offset));
-        if (count < 0 && errno == EINTR) continue;
-        if (count <= 0) return false;
-        place += count;
-        offset += static_cast<std::uint64_t>(count);
-        size -= static_cast<std::size_t>(count);
-    }
-    return true;
+    return transfer(&pwrite, descriptor(_file), static_cast<const char*>(from), size, offset);
 }
 
 void LgLeftFile::remove()

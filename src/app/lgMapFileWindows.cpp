@@ -14,7 +14,6 @@ namespace
 // From 1601, where the system's times begin, to 1970, in units of 100 ns.
 constexpr std::int64_t EPOCH = 116444736000000000;
 constexpr std::int64_t NANOSECONDS_PER_UNIT = 100;
-constexpr std::int64_t UNITS_PER_SECOND = 10000000;
 
 HANDLE handle(std::intptr_t file)
 {
@@ -155,13 +154,6 @@ LgLeftFile::Outcome LgLeftFile::open(const std::string& path)
     _path = path;
     _file = reinterpret_cast<std::intptr_t>(file);
     return Outcome::Opened;
-}
-
-std::int64_t LgLeftFile::getChangeTime() const
-{
-    FILETIME time;
-    if (!GetFileTime(handle(_file), nullptr, nullptr, &time)) return 0;
-    return unitsSince1970(time) / UNITS_PER_SECOND;
 }
 
 std::uint64_t LgLeftFile::getSize() const

@@ -27,11 +27,6 @@ LgServiceLog* lgServiceLogOf(LgTypes::Level level)
     return dynamic_cast<LgServiceLog*>(LgLog::getLevelOutput(level));
 }
 
-bool isLater(std::uint64_t one, std::uint64_t other)
-{
-    return one > other;
-}
-
 std::string overflowText(std::uint64_t count)
 {
     return "Event overflow [" + std::to_string(count) + "]";
@@ -181,7 +176,7 @@ void LgServiceWriter::collect(std::uint64_t until)
     if (_ended.size() > LgMap::MOST_EVENTS) _ended.resize(LgMap::MOST_EVENTS);
     for (LgQueue* const queue : _ended) addRestOfLosses(*queue);
     const auto isLaterCursor = [](const Cursor& one, const Cursor& other)
-    { return isLater(one._time, other._time); };
+    { return one._time > other._time; };
     std::make_heap(_cursors.begin(), _cursors.end(), isLaterCursor);
     while (!_cursors.empty() && _lines.size() < LgMap::MOST_EVENTS && _size < MOST_TEXT)
     {
