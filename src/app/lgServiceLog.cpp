@@ -244,7 +244,8 @@ void LgServiceLog::write(std::string_view text, const std::vector<Line>& lines)
         fail(written._error);
 }
 
-// Keeps the lines that are not wholly in the file; one that was begun is written again.
+// Keeps the lines that are not wholly in the file; one that was begun is written again. One of which
+// only the line feed is missing is not: that comes with what is written next.
 void LgServiceLog::keepFrom(std::size_t written, std::string_view text)
 {
     if (written == _datesSize + text.size())
@@ -257,7 +258,7 @@ void LgServiceLog::keepFrom(std::size_t written, std::string_view text)
     const std::size_t done = written > _datesSize ? written - _datesSize : 0;
     std::size_t begin = 0;
     auto line = _waitingLines.begin();
-    for (; line != _waitingLines.end() && begin + line->_length <= done; ++line)
+    for (; line != _waitingLines.end() && begin + line->_length <= done + 1; ++line)
         begin += line->_length;
     _waitingLines.erase(_waitingLines.begin(), line);
     if (written > 0) _isLineCut = _prefix[written - 1] != '\n';
@@ -295,7 +296,8 @@ bool LgServiceLog::isTryDue() const
 
 bool LgServiceLog::writeWaiting()
 {
-    if (_waiting.empty() && _dropped == 0) return true;
+    const bool isLineFeedMissing = isFailing() && _isLineCut;
+    if (_waiting.empty() && _dropped == 0 && !isLineFeedMissing) return true;
     _nextTry = Clock::time_point::min();
     if (prepare(0)) write({}, {});
     return _waiting.empty();

@@ -42,14 +42,14 @@ bool isEmpty(const LgLeftFile& file)
 }
 
 // The time in the name of a map: behind the prefix of a log directory, "<hash>-".
-std::int64_t secondOf(const std::string& name)
+std::int64_t timeOf(const std::string& name)
 {
     const auto process = name.rfind('-', name.rfind('-') - 1);
     const auto time = process == std::string::npos ? process : name.rfind('-', process - 1);
     std::int64_t nanoseconds = 0;
     if (time != std::string::npos)
         std::from_chars(name.data() + time + 1, name.data() + process, nanoseconds);
-    return nanoseconds / NANOSECONDS;
+    return nanoseconds;
 }
 
 } // namespace
@@ -175,17 +175,19 @@ std::vector<std::vector<char>> LgServiceRecovery::findWrittenLines()
     return ofQueues;
 }
 
-// Whether a line is in a log; the place moves behind it.
+// Whether a line is in a log; the place moves behind it. The file may end before the line feed of
+// the last one: that comes with what is written next.
 bool LgServiceRecovery::isAt(Place& place, const LgMap::BatchLine& line)
 {
     if (!place._log) return false;
     constexpr std::uint32_t LONGEST_LINE = 64U << 20;
-    std::string text(std::min(line._length, LONGEST_LINE), '\0');
+    std::string text(std::min(line._length, LONGEST_LINE), '\n');
     const std::ptrdiff_t size = place._log->file().readAt(place._offset, text.data(), text.size());
-    const bool isThere = size == static_cast<std::ptrdiff_t>(text.size()) &&
+    const bool isWhole = size == static_cast<std::ptrdiff_t>(text.size());
+    const bool isThere = (isWhole || size + 1 == static_cast<std::ptrdiff_t>(text.size())) &&
                          LgMap::hashOf(text.data(), text.size()) == line._hash;
     place._offset += line._length;
-    if (!isThere) place._log = nullptr;
+    if (!isThere || !isWhole) place._log = nullptr;
     return isThere;
 }
 
@@ -386,7 +388,7 @@ std::uint64_t LgServiceRecovery::recoverAll(const std::string& mapDirectory,
     // The oldest first: behind the hash, names have the time.
     std::sort(names.begin(), names.end(),
               [](const std::string& one, const std::string& other)
-              { return secondOf(one) < secondOf(other); });
+              { return timeOf(one) < timeOf(other); });
     std::uint64_t count = 0;
     std::vector<std::string> others;
     // Opening its own file would end the lock that shows that this process lives.
@@ -444,11 +446,11 @@ void LgServiceRecovery::discardOld(const std::string& directory,
                                    const std::vector<std::string>& names, int keptMaps,
                                    int keptDays)
 {
-    const std::int64_t now = lgWallClock() / NANOSECONDS;
+    const std::int64_t now = lgWallClock();
     std::size_t left = names.size();
     for (const std::string& name : names)
     {
-        const bool isOld = now - secondOf(name) > keptDays * SECONDS_PER_DAY;
+        const bool isOld = (now - timeOf(name)) / NANOSECONDS > keptDays * SECONDS_PER_DAY;
         if (!isOld && left <= static_cast<std::size_t>(keptMaps)) return;
         LgLeftFile file;
         if (file.open(directory + name) != LgLeftFile::Outcome::Opened) continue;

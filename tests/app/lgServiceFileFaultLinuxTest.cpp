@@ -2,11 +2,14 @@
 // files, limits, modes; in a separate program.
 
 #include "app/lgServiceFile.h"
+#include "app/lgServiceLog.h"
 
 #include "support/commaLocale.h"
 #include "support/faults.h"
 #include "support/fileTest.h"
 #include "support/platform.h"
+#include "support/runningLogger.h"
+#include "support/streamCapture.h"
 #include "support/tempDir.h"
 #include "support/variableGuard.h"
 
@@ -21,6 +24,7 @@
 #include <fcntl.h>
 #include <filesystem>
 #include <gtest/gtest.h>
+#include <iostream>
 #include <string>
 #include <string_view>
 #include <thread>
@@ -132,6 +136,40 @@ TEST_F(LgServiceFileFaultTest, TheAccountOfAStoppedWriteIsExact)
     expectWritten(log, "89");
     EXPECT_EQ(readFile(file("log")), "0123456789");
     EXPECT_FALSE(log.isTruncated());
+}
+
+// Wherever the system stops, each line is there once; half a line stands on a line of its own.
+TEST_F(LgServiceFileFaultTest, ALogWithPartOfALineHasTheWholeLineOnce)
+{
+    const support::RunningLogger logger;
+    const std::string text = "one\ntwo\n";
+    const std::vector<Zu::LgServiceLog::Line> lines{{4, true}, {4, true}};
+    for (std::size_t taken = 0; taken <= text.size(); ++taken)
+    {
+        const std::string path = file("log" + std::to_string(taken));
+        Zu::LgServiceLog log(path);
+        ASSERT_TRUE(log.prepare(0));
+        log.write({}, {});
+        const std::string dates = readFile(path);
+        {
+            const support::StreamCapture errors(std::cerr);
+            ASSERT_TRUE(log.prepare(text.size(), lines.size()));
+            const TransferLimit limit(taken == 0 ? 1 : taken);
+            const Fault fault(Call::WRITE, ENOSPC, Fault::ALWAYS, taken == 0 ? 0 : 1);
+            log.write(text, lines);
+        }
+        {
+            const support::StreamCapture errors(std::cerr);
+            log.writeWaiting();
+            ASSERT_TRUE(log.prepare(6, 1));
+            log.write("three\n", {{6, true}});
+        }
+        const std::string fragment = text.substr(taken / 4 * 4, taken % 4);
+        const bool isWhole = fragment.size() == 3;
+        const std::string expected = text.substr(0, taken) + (fragment.empty() ? "" : "\n") +
+                                     text.substr((taken + (isWhole ? 1 : 0)) / 4 * 4) + "three\n";
+        EXPECT_EQ(readFile(path), dates + expected) << taken;
+    }
 }
 
 TEST_F(LgServiceFileFaultTest, ASystemThatTakesNothingIsAnError)

@@ -4,11 +4,14 @@
 #include "app/lgServiceMap.h"
 
 #include "support/childProcess.h"
+#include "support/fileTest.h"
 #include "support/tempDir.h"
 
 #include <algorithm>
+#include <cstddef>
 #include <cstdint>
 #include <cstdio>
+#include <filesystem>
 #include <fstream>
 #include <gtest/gtest.h>
 #include <iostream>
@@ -217,6 +220,38 @@ TEST_F(LgServiceRecoveryTest, AtEveryStepOfABatch)
         checkAll(2, "step " + std::to_string(step));
         if (HasFatalFailure()) return;
         std::remove(_logs.file("events.log").c_str());
+    }
+}
+
+// The system may take any part of a text before the process is killed.
+TEST_F(LgServiceRecoveryTest, AFileThatEndsAnywhereInABatch)
+{
+    const std::string log = _logs.file("events.log");
+    // Of the first batch: written, but not yet noted as such.
+    constexpr int WROTE = 4;
+    run("step", 1, 3, WROTE);
+    const std::string numbers = numbersFile;
+    const std::vector<std::string> left = maps();
+    ASSERT_EQ(left.size(), 1U);
+    const std::string map = Zu::lgMapDirectory() + left.front();
+    const std::string mapText = support::readFile(map);
+    const std::string text = support::readFile(log);
+    const std::size_t line = text.size() - text.rfind('\n', text.size() - 2) - 1;
+    ASSERT_GT(line, 20U);
+    for (std::size_t cut = 0; cut <= line + 2; ++cut)
+    {
+        std::filesystem::resize_file(log, text.size() - cut);
+        support::writeFile(map, mapText);
+        std::filesystem::permissions(map, std::filesystem::perms::owner_read |
+                                              std::filesystem::perms::owner_write);
+        recover();
+        numbersFile = numbers;
+        checkAll(1, std::to_string(cut) + " characters are missing");
+        const int fragments = cut <= 1 || cut == line || cut == line + 1 ? 0 : 1;
+        EXPECT_EQ(find()._odd, fragments) << cut;
+        if (HasFailure()) return;
+        // The same file, with what it had.
+        support::writeFile(log, text);
     }
 }
 

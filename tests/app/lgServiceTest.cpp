@@ -536,9 +536,11 @@ TEST(LgServiceProgram, AChildOfAForkEndsAndLogsToStandardOutput)
     if (support::underSanitizer)
         GTEST_SKIP() << "what the sanitizers lock does not survive a fork beside other threads";
     const support::TempDir dir;
-    const support::ProgramResult result = support::runProgram(
-        "serviceProgram", {"fork"},
-        {{"B7Q_TEST_DIR", dir.path()}, {"ZU_LOG_GROUPS", "Test=Informational"}});
+    const support::ProgramResult result =
+        support::runProgram("serviceProgram", {"fork"},
+                            {{"B7Q_TEST_DIR", dir.path()},
+                             {"ZU_LOG_GROUPS", "Test=Informational"},
+                             {"ZU_LOG_SERVICE_MAPPING_DIRECTORY", dir.path()}});
     EXPECT_EQ(result.exitCode, 0);
     EXPECT_EQ(result.err, "");
     EXPECT_EQ(result.out, "Service in the child\nService in a thread of the child\n");
@@ -555,8 +557,9 @@ TEST(LgServiceProgram, WhatWaitedAtAForkIsWrittenOnceAndByTheParent)
     if (support::underSanitizer)
         GTEST_SKIP() << "what the sanitizers lock does not survive a fork beside other threads";
     const support::TempDir dir;
-    const support::ProgramResult result =
-        support::runProgram("serviceProgram", {"forkBetween"}, {{"B7Q_TEST_DIR", dir.path()}});
+    const support::ProgramResult result = support::runProgram(
+        "serviceProgram", {"forkBetween"},
+        {{"B7Q_TEST_DIR", dir.path()}, {"ZU_LOG_SERVICE_MAPPING_DIRECTORY", dir.path()}});
     EXPECT_EQ(result.exitCode, 0);
     EXPECT_EQ(result.err, "");
     EXPECT_EQ(result.out, "in the child: lost 0, queues 1\n");

@@ -52,8 +52,12 @@ TEST(StressFiles, TheDirectoryIsRemoved)
             producer.logInBursts(EVENTS, BURST);
             // The reader is at work meanwhile.
             producer.log(BURST);
+            // By one step: the reader must not find the directory without the file, in which it
+            // would make another one.
+            const std::string other = RoundLogger::dir() + "-removed";
             std::error_code error;
-            std::filesystem::remove_all(RoundLogger::dir(), error);
+            std::filesystem::rename(RoundLogger::dir(), other, error);
+            std::filesystem::remove_all(other, error);
             producer.logInBursts(EVENTS, BURST);
             account = producer.account();
             account._lost = service.getLostCount();

@@ -45,6 +45,8 @@ public:
                                          {"ZU_LOG_WARNING", log},
                                          {"ZU_LOG_INFORMATIONAL", log}};
         if (!_lockName.empty()) environment["ZU_INTERNAL_INTERPROCESS_LOG_LOCK"] = _lockName;
+        // Children that end hard leave maps that no later service looks for.
+        if (mode == "fork") environment["ZU_LOG_SERVICE_MAPPING_DIRECTORY"] = _dir.path();
         environment = support::logEnvironment(environment);
         const std::string id = std::to_string(firstId);
         _results.push_back(
