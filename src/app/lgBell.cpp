@@ -6,29 +6,42 @@
 namespace Zu
 {
 
-LgBell::LgBell(Barrier barrier) : _barrier(barrier), _usesBarrier(barrier != nullptr) {}
+LgBell::LgBell(Barrier barrier) : _barrier(barrier), _state(barrier ? 0 : WITHOUT_BARRIER) {}
+
+void LgBell::setMark(bool isMarked)
+{
+    if (isMarked)
+        _state.fetch_or(MARKED, std::memory_order_acq_rel);
+    else
+        _state.fetch_and(~MARKED, std::memory_order_acq_rel);
+}
 
 // A read-modify-write: either it sees the listener's mark, or the read-modify-write of announce()
 // sees it, with everything done before it.
 bool LgBell::isHeard()
 {
-    return _listening.fetch_add(0, std::memory_order_acq_rel) != 0;
+    return (_state.fetch_add(0, std::memory_order_acq_rel) & LISTENING) != 0;
 }
 
-void LgBell::ringAloud()
+bool LgBell::ringAloud()
 {
-    if (_listening.exchange(0, std::memory_order_acq_rel) == 0) return;
+    const std::uint32_t state = _state.load(std::memory_order_relaxed);
+    const bool isMarked = (state & MARKED) != 0;
+    const bool isHeardNow = (state & WITHOUT_BARRIER) == 0 ? (state & LISTENING) != 0 : isHeard();
+    if (!isHeardNow) return isMarked;
+    if ((_state.fetch_and(~LISTENING, std::memory_order_acq_rel) & LISTENING) == 0) return isMarked;
     {
         const std::lock_guard guard(_bed._mutex);
         ++_bed._round;
     }
     _bed._rung.notify_all();
+    return isMarked;
 }
 
 std::uint64_t LgBell::announce()
 {
     const std::lock_guard guard(_bed._mutex);
-    _listening.exchange(1, std::memory_order_acq_rel);
+    _state.fetch_or(LISTENING, std::memory_order_acq_rel);
     // From here on either a ringing thread sees the mark, or we see what it did before it rang.
     if (usesBarrier() && !_barrier()) giveBarrierUp();
     return _bed._round;
@@ -38,7 +51,7 @@ std::uint64_t LgBell::announce()
 // still be on their way out of its processor. The sleep outlasts both by far; it happens once.
 void LgBell::giveBarrierUp()
 {
-    _usesBarrier.store(false, std::memory_order_seq_cst);
+    _state.fetch_or(WITHOUT_BARRIER, std::memory_order_seq_cst);
     std::this_thread::sleep_for(std::chrono::milliseconds(1));
 }
 

@@ -31,22 +31,31 @@ public:
     /// Whether the listener pays for the barrier.
     bool usesBarrier() const
     {
-        return _usesBarrier.load(std::memory_order_relaxed);
+        return (_state.load(std::memory_order_relaxed) & WITHOUT_BARRIER) == 0;
     }
 
     /// Whether a listener has announced itself and has not been rung since.
     bool isListenedTo() const
     {
-        return _listening.load(std::memory_order_relaxed) != 0;
+        return (_state.load(std::memory_order_relaxed) & LISTENING) != 0;
     }
 
-    /// Wakes all listeners.
-    void ring()
+    /// Whether ring() would do something, for who would rather not call it then.
+    bool isWorthRinging() const
     {
         // The compiler, too, must not move the load before what was done earlier.
         std::atomic_signal_fence(std::memory_order_seq_cst);
-        if (usesBarrier() ? isListenedTo() : isHeard()) ringAloud();
+        return _state.load(std::memory_order_relaxed) != 0;
     }
+
+    /// Wakes all listeners. Returns whether setMark() has left a mark.
+    bool ring()
+    {
+        return isWorthRinging() && ringAloud();
+    }
+
+    /// Leaves a mark for those who ring, or takes it away. They see it at no cost.
+    void setMark(bool isMarked);
 
     /// Sleeps until the bell is rung, or not at all if `happened()` is true; false if the limit
     /// expires first.
@@ -69,16 +78,20 @@ private:
         std::uint64_t _round = 0;
     };
 
+    bool ringAloud();
     bool isHeard();
-    void ringAloud();
     std::uint64_t announce();
     bool sleep(std::uint64_t round, std::chrono::milliseconds limit);
     void giveBarrierUp();
 
+    // From the announcement of a listener until the next ring.
+    static constexpr std::uint32_t LISTENING = 1;
+    static constexpr std::uint32_t WITHOUT_BARRIER = 2;
+    static constexpr std::uint32_t MARKED = 4;
+
     const Barrier _barrier;
-    std::atomic<bool> _usesBarrier;
-    // 1 from the announcement of a listener until the next ring.
-    std::atomic<std::uint32_t> _listening{0};
+    // All that a ring depends on, so that it is one load.
+    std::atomic<std::uint32_t> _state;
     Bed _bed;
 };
 

@@ -189,10 +189,13 @@ LgService::LgService(LgServiceOptions options, bool) : _options(std::move(option
         const LgServiceMap::Settings settings = mapSettings(_options);
         const LgLineForm form = formOf(_options._lineForm);
         threads.setEndLimit(_options._endLimit);
+        threads.setWaiting({_options._waitLevels, _options._flushLevel, _options._waitLimit});
         threads.start(settings);
         setLogs(_options);
         _recovered = recover(settings, _options);
         LgLog::setQueueFunction(&LgServiceThreads::queueOfThread);
+        LgQueue::setRoomFunction(_options._waitLevels == 0 ? nullptr
+                                                           : &LgServiceThreads::waitForRoom);
         _reader = std::make_unique<LgServiceReader>(threads, form, _options._rawText);
     }
     catch (...)
@@ -237,6 +240,16 @@ void LgService::end()
     threads.stop();
     living = nullptr;
     there = 0;
+}
+
+LgServiceHealth LgService::health() const
+{
+    LgServiceHealth health;
+    if (!_reader || !_reader->isOwn()) return health;
+    _reader->addHealth(health);
+    health._lost = getLostCount();
+    health._recovered = _recovered;
+    return health;
 }
 
 void LgService::reopen() const

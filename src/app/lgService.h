@@ -6,6 +6,7 @@
 
 #include "appApi.h"
 #include "lgServiceEnds.h"
+#include "lgServiceHealth.h"
 #include "lgServiceOptions.h"
 
 #include <chrono>
@@ -77,6 +78,11 @@ public:
     ///
     /// If the directory of the options can't be used, that option is shown empty.
     void displaySetup() const;
+
+    /// How the service is doing: what it has written and lost, what is waiting, how full the
+    /// queues were, its files. Cheap enough to ask every second; any thread may call it, and it
+    /// never waits for a file. In the child of a fork all is 0.
+    LgServiceHealth health() const;
 
     /// How many events of processes that had ended this service has written.
     std::uint64_t getRecoveredCount() const

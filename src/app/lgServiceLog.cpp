@@ -169,6 +169,7 @@ bool LgServiceLog::isUsable(std::size_t size)
         _nextRotation = Clock::now() + LONGEST_PAUSE;
         return true;
     }
+    ++_rotations;
     if (!open()) return false;
     collectPrefix();
     return true;
@@ -244,8 +245,8 @@ void LgServiceLog::write(std::string_view text, const std::vector<Line>& lines)
         fail(written._error);
 }
 
-// Keeps the lines that are not wholly in the file; one that was begun is written again. One of which
-// only the line feed is missing is not: that comes with what is written next.
+// Keeps the lines that are not wholly in the file; one that was begun is written again. One of
+// which only the line feed is missing is not: that comes with what is written next.
 void LgServiceLog::keepFrom(std::size_t written, std::string_view text)
 {
     if (written == _datesSize + text.size())

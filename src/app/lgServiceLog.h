@@ -125,6 +125,18 @@ public:
         return _failingSince.has_value();
     }
 
+    /// The bytes that wait because the file fails.
+    std::size_t getPending() const
+    {
+        return _waiting.size();
+    }
+
+    /// How often the file was rotated.
+    std::uint64_t getRotations() const
+    {
+        return _rotations;
+    }
+
     LgServiceFile& file()
     {
         return *_file;
@@ -178,6 +190,7 @@ private:
     Clock::time_point _nextLook;
     std::optional<std::int64_t> _failingSince;
     std::uint64_t _dropped = 0;
+    std::uint64_t _rotations = 0;
     Clock::time_point _nextTry;
     Clock::duration _pause{};
     // After a rotation that failed.

@@ -1,5 +1,7 @@
 #include "app/lgServiceOptions.h"
 
+#include "base/lgTypes.h"
+
 #include <algorithm>
 #include <bit>
 #include <charconv>
@@ -278,6 +280,103 @@ private:
     }
 };
 
+std::string withoutBlanks(Text text)
+{
+    std::string result(text);
+    result.erase(std::remove(result.begin(), result.end(), ' '), result.end());
+    return result;
+}
+
+// The number of the level with this name, with or without its blank; -1 if there is none.
+int levelOf(Text text)
+{
+    const std::string name = withoutBlanks(text);
+    for (int i = 0; i < LgTypes::NUM_LEVELS; ++i)
+    {
+        const auto level = static_cast<LgTypes::Level>(i);
+        if (isSame(name, withoutBlanks(LgTypes::levelToString(level)))) return i;
+    }
+    return -1;
+}
+
+std::string levelName(int level)
+{
+    return LgTypes::levelToString(static_cast<LgTypes::Level>(level));
+}
+
+std::string levelNames()
+{
+    std::string text = levelName(0);
+    for (int i = 1; i < LgTypes::NUM_LEVELS; ++i) text += ", " + levelName(i);
+    return text;
+}
+
+// One level; -1 is none.
+struct Threshold
+{
+    static constexpr Text WHAT = "a level";
+    static constexpr bool IS_TEXT = false;
+
+    static Verdict read(Text text, int& value)
+    {
+        const int level = levelOf(text);
+        if (level < 0 && !isSame(text, NONE)) return Verdict::Malformed;
+        value = level;
+        return Verdict::Taken;
+    }
+
+    static std::string write(int value)
+    {
+        if (value == -1) return std::string(NONE);
+        return value >= 0 && value < LgTypes::NUM_LEVELS ? levelName(value) : std::to_string(value);
+    }
+
+    static std::string expected()
+    {
+        return "one of " + levelNames() + ", or none";
+    }
+};
+
+// Several levels, a bit each.
+struct Levels
+{
+    static constexpr Text WHAT = "a list of levels";
+    static constexpr bool IS_TEXT = false;
+
+    static Verdict read(Text text, std::uint32_t& value)
+    {
+        std::uint32_t levels = 0;
+        while (!isSame(text, NONE))
+        {
+            const std::size_t end = std::min(text.find(','), text.size());
+            const int level = levelOf(text.substr(0, end));
+            if (level < 0) return Verdict::Malformed;
+            levels |= 1U << level;
+            if (end == text.size()) break;
+            text.remove_prefix(end + 1);
+            // "none" is no part of a list.
+            if (isSame(text, NONE)) return Verdict::Malformed;
+        }
+        value = levels;
+        return Verdict::Taken;
+    }
+
+    static std::string write(std::uint32_t value)
+    {
+        if (value == 0) return std::string(NONE);
+        if (value >> LgTypes::NUM_LEVELS != 0) return std::to_string(value);
+        std::string text;
+        for (int i = 0; i < LgTypes::NUM_LEVELS; ++i)
+            if ((value >> i & 1) != 0) text += (text.empty() ? "" : ",") + levelName(i);
+        return text;
+    }
+
+    static std::string expected()
+    {
+        return "names of levels with commas between them, of " + levelNames() + ", or none";
+    }
+};
+
 // For the system's functions, a null character would end it.
 struct AnyText
 {
@@ -361,6 +460,9 @@ constexpr Option OPTIONS[] = {
     option<PowerOf2<Number<64, MI>>, &LgServiceOptions::_entries>("entries"),
     option<PowerOf2<Size<64 * KI, 64 * MI>>, &LgServiceOptions::_characters>("characters"),
     option<Size<MI, 1024 * GI>, &LgServiceOptions::_memoryLimit>("memory-limit"),
+    option<Levels, &LgServiceOptions::_waitLevels>("wait-levels"),
+    option<Threshold, &LgServiceOptions::_flushLevel>("flush-level"),
+    option<TimeSpan<HOUR>, &LgServiceOptions::_waitLimit>("wait-limit"),
     option<TimeSpan<HOUR>, &LgServiceOptions::_endLimit>("end-limit"),
     option<AnyText, &LgServiceOptions::_mappingDirectory>("mapping-directory"),
     option<Number<1, 10000>, &LgServiceOptions::_keptMappings>("kept-mappings"),

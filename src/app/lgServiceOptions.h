@@ -72,6 +72,17 @@ struct LgServiceOptions
     /// characters.
     std::uint64_t _memoryLimit = std::uint64_t{256} << 20;
 
+    /// The levels whose events wait for room while their queue is full, instead of being lost and
+    /// counted: a bit for each, such as `1U << LgTypes::Warning`. Nobody waits while a file fails,
+    /// in the thread that writes, or after a fork.
+    std::uint32_t _waitLevels = 0;
+    /// Statements of this level, as a number of LgTypes::Level, and of the more severe ones return
+    /// when their event is handed to the system; -1 for none.
+    int _flushLevel = -1;
+    /// How long a statement waits at most for either, 0 to one hour. After a wait in vain no
+    /// statement waits until something was written.
+    std::chrono::milliseconds _waitLimit{1000};
+
     /// How long the end of the process waits at most until all is written, 0 to one hour.
     std::chrono::milliseconds _endLimit{5000};
 

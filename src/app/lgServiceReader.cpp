@@ -95,11 +95,14 @@ LgServiceReader::Outcome LgServiceReader::writeSome()
     {
         if (_isReopenDue.exchange(false, std::memory_order_acquire)) _writer.reopen();
         const bool hasWritten = _writer.writeBatch();
+        _threads.setFailing(_writer.isFailing());
+        if (hasWritten) _threads.endVainWaits();
         _threads.endWaitsUntilWritten();
         return hasWritten ? Outcome::Wrote : Outcome::Nothing;
     }
     catch (const std::exception& exception)
     {
+        _threads.setFailing(true);
         report(exception.what());
         return Outcome::Failed;
     }

@@ -40,6 +40,12 @@ public:
         _isReopenDue.store(true, std::memory_order_release);
     }
 
+    /// Fills in what is known of the service. Any thread may call it; never waits for a file.
+    void addHealth(LgServiceHealth& health) const
+    {
+        _writer.addHealth(health, _threads.addHealth(health));
+    }
+
     /// Whether the caller is what this thread runs.
     bool isOnThisThread() const
     {

@@ -26,9 +26,9 @@ class ServiceObserver : public LgQueue::Observer
 public:
     explicit ServiceObserver(LgServiceThreads& threads) : _threads(threads) {}
 
-    void entryAdded(LgQueue&) override
+    void entryAdded(LgQueue& queue) override
     {
-        _threads.news().ring();
+        if (_threads.news().isWorthRinging()) _threads.entryAdded(queue);
     }
 
     void entryRemoved(LgQueue&) override
@@ -185,6 +185,20 @@ void LgServiceThreads::stop()
     _room.ring();
 }
 
+// The threads can't end meanwhile, and so the reader does not delete their queues.
+std::vector<const LgQueue*> LgServiceThreads::addHealth(LgServiceHealth& health)
+{
+    const std::lock_guard guard(_mutex);
+    for (const LgQueue* const queue : _queues)
+    {
+        const std::uint32_t waiting = queue->getWaitingCount();
+        health._waiting += waiting;
+        health._queues.push_back(
+            {queue->getThreadId(), queue->getNumEntries(), waiting, 0, queue->getLostCount()});
+    }
+    return {_queues.begin(), _queues.end()};
+}
+
 std::uint64_t LgServiceThreads::getLostCount()
 {
     const std::lock_guard guard(_mutex);
@@ -231,17 +245,82 @@ void LgServiceThreads::drain() noexcept
 {
     // Processors may read the counter a little before what stands in front of it is done.
     constexpr std::uint64_t MARGIN = 10'000;
-    const bool isWriter = _writer.load(std::memory_order_relaxed) == std::this_thread::get_id();
-    if (isWriter || !isRunning()) return;
+    const std::chrono::milliseconds limit(_endLimit.load(std::memory_order_relaxed));
+    if (isRunning() && !isOnWriter()) tryToWaitUntilWritten(HwCounter::timeStamp() + MARGIN, limit);
+}
+
+// What is not written stays in the map.
+bool LgServiceThreads::tryToWaitUntilWritten(std::uint64_t time,
+                                             std::chrono::milliseconds timeout) noexcept
+{
     try
     {
-        waitUntilWritten(HwCounter::timeStamp() + MARGIN,
-                         std::chrono::milliseconds(_endLimit.load(std::memory_order_relaxed)));
+        return waitUntilWritten(time, timeout);
     }
     catch (const std::exception&)
     {
-        // What is not written stays in the map.
+        return false;
     }
+}
+
+void LgServiceThreads::setWaiting(const Waiting& waiting)
+{
+    _waitLevels.store(waiting._levels, std::memory_order_relaxed);
+    _flushLevel.store(waiting._flushLevel, std::memory_order_relaxed);
+    _waitLimit.store(waiting._limit.count(), std::memory_order_relaxed);
+    _isFailing.store(false, std::memory_order_relaxed);
+    _isWaitVain.store(false, std::memory_order_relaxed);
+    _news.setMark(waiting._flushLevel >= 0);
+}
+
+bool LgServiceThreads::isOnWriter() const
+{
+    return _writer.load(std::memory_order_relaxed) == std::this_thread::get_id();
+}
+
+// Who has waited in vain must not wait again with each event: then a disk that hangs would stop the
+// program.
+bool LgServiceThreads::mayWait() const
+{
+    return isRunning() && !_isFailing.load(std::memory_order_relaxed) &&
+           !_isWaitVain.load(std::memory_order_relaxed) && !isOnWriter();
+}
+
+bool LgServiceThreads::waitForRoom(LgQueue& queue, LgTypes::Level level)
+{
+    // Queues of the application are its own.
+    return ThreadSlot::get(ThreadSlot::Queue) == &queue && instance().waitForRoomIn(queue, level);
+}
+
+bool LgServiceThreads::waitForRoomIn(LgQueue& queue, LgTypes::Level level)
+{
+    using Clock = std::chrono::steady_clock;
+    constexpr std::chrono::microseconds FIRST_PAUSE{20};
+    constexpr std::chrono::microseconds LONGEST_PAUSE{1000};
+    if (((_waitLevels.load(std::memory_order_relaxed) >> level) & 1) == 0) return false;
+    const Clock::time_point end =
+        Clock::now() + std::chrono::milliseconds(_waitLimit.load(std::memory_order_relaxed));
+    for (auto pause = FIRST_PAUSE; mayWait(); pause = std::min(2 * pause, LONGEST_PAUSE))
+    {
+        if (queue.canReserve()) return true;
+        if (Clock::now() >= end)
+        {
+            _isWaitVain.store(true, std::memory_order_relaxed);
+            return false;
+        }
+        std::this_thread::sleep_for(pause);
+    }
+    return queue.canReserve();
+}
+
+void LgServiceThreads::entryAdded(const LgQueue& queue) noexcept
+{
+    if (!_news.ring()) return;
+    const LgQueue::Entry& entry = queue.getAddedEntry();
+    if (entry.getLevel() > _flushLevel.load(std::memory_order_relaxed) || !mayWait()) return;
+    const std::chrono::milliseconds limit(_waitLimit.load(std::memory_order_relaxed));
+    if (!tryToWaitUntilWritten(entry.getTimeStamp(), limit))
+        _isWaitVain.store(true, std::memory_order_relaxed);
 }
 
 void LgServiceThreads::leaveNothing() noexcept

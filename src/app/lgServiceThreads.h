@@ -6,6 +6,7 @@
 
 #include "../base/lgQueue.h"
 #include "lgBell.h"
+#include "lgServiceHealth.h"
 #include "lgServiceMap.h"
 
 #include <atomic>
@@ -14,6 +15,7 @@
 #include <list>
 #include <mutex>
 #include <thread>
+#include <vector>
 
 namespace Zu
 {
@@ -62,6 +64,10 @@ public:
         return _map;
     }
 
+    /// Enters the queues of living threads, and what is waiting in them. Returns which they are;
+    /// they may be deleted afterwards.
+    std::vector<const LgQueue*> addHealth(LgServiceHealth& health);
+
     /// How many events all threads of the process have lost.
     std::uint64_t getLostCount();
 
@@ -101,6 +107,42 @@ public:
     {
         _endLimit.store(limit.count(), std::memory_order_relaxed);
     }
+
+    /// How statements wait.
+    struct Waiting
+    {
+        /// The levels, as bits, whose events wait for room instead of being lost.
+        std::uint32_t _levels = 0;
+        /// Events of this level or a more severe one wait until they are written; -1 for none.
+        int _flushLevel = -1;
+        /// How long a statement waits at most.
+        std::chrono::milliseconds _limit{1000};
+    };
+
+    /// Sets how statements wait while a service runs. For phases without a service.
+    void setWaiting(const Waiting& waiting);
+
+    /// For the reader: whether what it writes is failing. Then no statement waits, or goes on
+    /// waiting.
+    void setFailing(bool isFailing)
+    {
+        _isFailing.store(isFailing, std::memory_order_relaxed);
+    }
+
+    /// For the reader: something was written, so waiting makes sense again after a wait in vain.
+    void endVainWaits()
+    {
+        if (_isWaitVain.load(std::memory_order_relaxed))
+            _isWaitVain.store(false, std::memory_order_relaxed);
+    }
+
+    /// The logger's room function: waits until the queue has room for an event, if events of this
+    /// level wait. Returns whether it has. Only short sleeps and looks at the clock, no locks.
+    static bool waitForRoom(LgQueue& queue, LgTypes::Level level);
+
+    /// For the thread that has published an event: wakes the reader if it sleeps, and waits until
+    /// the event is written if events of its level do.
+    void entryAdded(const LgQueue& queue) noexcept;
 
     /// Waits until all that was logged so far is written, or the end limit is over. Does nothing
     /// without a service, and on the thread that writes.
@@ -155,6 +197,10 @@ private:
     ~LgServiceThreads();
 
     LgQueue* makeQueue();
+    bool isOnWriter() const;
+    bool mayWait() const;
+    bool waitForRoomIn(LgQueue& queue, LgTypes::Level level);
+    bool tryToWaitUntilWritten(std::uint64_t time, std::chrono::milliseconds timeout) noexcept;
     bool writeOne();
     void noteWaits();
     void threadEnded(LgQueue* queue);
@@ -172,6 +218,12 @@ private:
     LgServiceMap _map;
     std::atomic<bool> _running{false};
     std::atomic<std::int64_t> _endLimit{5000};
+    std::atomic<std::uint32_t> _waitLevels{0};
+    std::atomic<int> _flushLevel{-1};
+    std::atomic<std::int64_t> _waitLimit{1000};
+    std::atomic<bool> _isFailing{false};
+    // After a wait whose time was over: nobody waits until something is written.
+    std::atomic<bool> _isWaitVain{false};
     std::atomic<std::thread::id> _writer{};
     std::chrono::milliseconds _patience{PATIENCE};
     std::mutex _reading;

@@ -47,7 +47,8 @@ void at(LgServiceWriter::Step step)
 } // namespace
 
 LgServiceWriter::LgServiceWriter(LgServiceMap& map, LgLineForm form, bool isRaw)
-    : _map(map), _form(form), _isRaw(isRaw), _scratch(LgStream::BufSize)
+    : _map(map), _form(form), _isRaw(isRaw), _scratch(LgStream::BufSize),
+      _unwrittenBefore(LgReader::getUnwrittenCount())
 {
     const LgProcessFacts facts = lgProcessFacts();
     _origin._start = LgLog::getStart();
@@ -74,6 +75,16 @@ void LgServiceWriter::reopen()
     for (int level = 0; level < LgTypes::NUM_LEVELS; ++level)
         if (LgServiceLog* const log = lgServiceLogOf(static_cast<LgTypes::Level>(level)))
             log->reopen();
+}
+
+bool LgServiceWriter::isFailing() const
+{
+    for (int level = 0; level < LgTypes::NUM_LEVELS; ++level)
+    {
+        const LgServiceLog* const log = lgServiceLogOf(static_cast<LgTypes::Level>(level));
+        if (log && log->isFailing()) return true;
+    }
+    return false;
 }
 
 bool LgServiceWriter::isTryDue() const
@@ -118,20 +129,84 @@ bool LgServiceWriter::writeBatch()
     // fall behind one that was looked at late.
     const std::uint64_t until = HwCounter::timeStamp();
     if (!findQueues() && !isTryDue()) return false;
+    noteFills();
     lookAtClock();
     lookAtForm();
     // Before anything is taken: it raises if a holder of the lock has died.
     const LgInterProcessLockGuard guard(LgLog::getInterProcessLock());
     collect(until);
     at(Step::Collected);
-    if (_lines.empty() && !isTryDue())
+    const bool hasWork = !_lines.empty() || isTryDue();
+    if (hasWork)
     {
-        endQueues();
-        return false;
+        writeCollected();
+        noteBatch();
     }
-    writeCollected();
     endQueues();
-    return true;
+    return hasWork;
+}
+
+void LgServiceWriter::noteFills()
+{
+    const std::lock_guard guard(_status._mutex);
+    _status._earliest = 0;
+    for (const Cursor& cursor : _cursors)
+    {
+        std::uint32_t& largest = _status._fills[cursor._queue];
+        largest = std::max(largest, cursor._queue->getWaitingCount());
+        if (_status._earliest == 0 || cursor._time < _status._earliest)
+            _status._earliest = cursor._time;
+    }
+}
+
+void LgServiceWriter::noteBatch()
+{
+    const std::lock_guard guard(_status._mutex);
+    LgServiceHealth& health = _status._health;
+    for (std::size_t i = 0; i < _counts.size(); ++i) health._events[i] += _counts[i];
+    _counts.fill(0);
+    _status._earliest = 0;
+    for (const Cursor& cursor : _finished)
+    {
+        if (!cursor._queue->isWaiting(cursor._position)) continue;
+        const std::uint64_t time = cursor._queue->getEntryAt(cursor._position).getTimeStamp();
+        if (_status._earliest == 0 || time < _status._earliest) _status._earliest = time;
+    }
+    std::size_t count = 0;
+    for (int level = 0; level < LgTypes::NUM_LEVELS; ++level)
+    {
+        const LgServiceLog* const log = lgServiceLogOf(static_cast<LgTypes::Level>(level));
+        const auto begin = health._files.begin();
+        const auto end = begin + static_cast<std::ptrdiff_t>(count);
+        const auto isIt = [log](const LgServiceHealth::File& file)
+        { return file._path == log->getPath(); };
+        if (!log || std::any_of(begin, end, isIt)) continue;
+        if (count == health._files.size()) health._files.emplace_back();
+        LgServiceHealth::File& file = health._files[count++];
+        if (file._path != log->getPath()) file._path = log->getPath();
+        file._isFailing = log->isFailing();
+        file._pending = log->getPending();
+        file._rotations = log->getRotations();
+    }
+    health._files.resize(count);
+}
+
+void LgServiceWriter::addHealth(LgServiceHealth& health,
+                                const std::vector<const LgQueue*>& queues) const
+{
+    const std::lock_guard guard(_status._mutex);
+    health._events = _status._health._events;
+    health._files = _status._health._files;
+    health._unwritten = LgReader::getUnwrittenCount() - _unwrittenBefore;
+    for (std::size_t i = 0; i < queues.size(); ++i)
+    {
+        const auto fill = _status._fills.find(queues[i]);
+        if (fill != _status._fills.end()) health._queues[i]._largest = fill->second;
+    }
+    const std::uint64_t now = HwCounter::timeStamp();
+    if (health._waiting == 0 || _status._earliest == 0 || now <= _status._earliest) return;
+    const double seconds = static_cast<double>(now - _status._earliest) * HwCounter::resolution();
+    health._behind = std::chrono::microseconds(std::llround(seconds * 1e6));
 }
 
 // Whether there is anything to do.
@@ -216,6 +291,7 @@ void LgServiceWriter::addEvent(Cursor& cursor)
     else
     {
         const std::string_view text = queue.getTextAt(cursor._position, _scratch.data());
+        ++_counts[static_cast<std::size_t>(entry.getLevel())];
         addLine(cursor._inBatch, {time, queue.getThreadId(), entry.getLevel(), text}, 0);
     }
     queue.stepEntry(cursor._position);
@@ -403,8 +479,11 @@ void LgServiceWriter::move()
 // The queues of ended threads are the reader's to delete.
 void LgServiceWriter::endQueues()
 {
+    if (_ended.empty()) return;
+    const std::lock_guard guard(_status._mutex);
     for (LgQueue* const queue : _ended)
     {
+        _status._fills.erase(queue);
         LgLog::getRegistry()->deregisterQueue(queue);
         LgQueue::end(queue);
     }

@@ -7,14 +7,18 @@
 
 #include "../base/lgQueue.h"
 #include "../base/lgTypes.h"
+#include "lgServiceHealth.h"
 #include "lgServiceLine.h"
 #include "lgServiceLog.h"
 #include "lgServiceMap.h"
 
+#include <array>
 #include <cstdint>
 #include <iosfwd>
+#include <mutex>
 #include <optional>
 #include <string>
+#include <unordered_map>
 #include <vector>
 
 namespace Zu
@@ -51,8 +55,15 @@ public:
     /// there was nothing. Raises what a lock between processes raises; the events stay.
     bool writeBatch();
 
+    /// Whether a file fails.
+    bool isFailing() const;
+
     /// Whether a file that failed is to be tried again.
     bool isTryDue() const;
+
+    /// Fills in what is known here: events, unwritten ones, the largest fills of queues, files.
+    /// Unlike the other operations for any thread, at any time; never waits for a file.
+    void addHealth(LgServiceHealth& health, const std::vector<const LgQueue*>& queues) const;
 
     /// Writes what waits for files that failed, or gives it up. Returns whether all was written.
     bool finish();
@@ -92,6 +103,19 @@ private:
         std::uint16_t _file = LgMap::NONE;
     };
 
+    // What others may ask for at any time, while the writer is busy with a file.
+    struct Status
+    {
+        mutable std::mutex _mutex;
+        LgServiceHealth _health;
+        // The largest fill of each queue, and the time of the earliest event that waits; 0 for
+        // none.
+        std::unordered_map<const LgQueue*, std::uint32_t> _fills;
+        std::uint64_t _earliest = 0;
+    };
+
+    void noteFills();
+    void noteBatch();
     bool findQueues();
     void collect(std::uint64_t until);
     void addEvent(Cursor& cursor);
@@ -132,6 +156,10 @@ private:
     std::size_t _size = 0;
     std::uint64_t _number = 0;
     std::int64_t _dated = 0;
+    // Of the events of this batch.
+    std::array<std::uint64_t, LgTypes::NUM_LEVELS> _counts{};
+    const std::uint64_t _unwrittenBefore;
+    Status _status;
 };
 
 } // namespace Zu

@@ -4,6 +4,7 @@
 #include "base/hwCounter.h"
 #include "base/internalAssert.h"
 
+#include <atomic>
 #include <limits>
 
 namespace Zu
@@ -13,6 +14,8 @@ namespace
 {
 
 constexpr unsigned int TEXT_INSERTED = 1;
+
+constinit std::atomic<LgQueue::RoomFunction> roomFunction{nullptr};
 
 } // namespace
 
@@ -138,6 +141,11 @@ void LgQueue::end(LgQueue* queue)
     home->queueEnded();
 }
 
+void LgQueue::setRoomFunction(RoomFunction function)
+{
+    roomFunction.store(function, std::memory_order_release);
+}
+
 LgQueue::Places LgQueue::getPlaces() const
 {
     const auto placeOf = [this](const void* member)
@@ -152,7 +160,7 @@ LgQueue::Places LgQueue::getPlaces() const
 bool LgQueue::reserveEntry(LgTypes::Level level)
 {
     if (_suppress != 0 || _inserting) return refuse();
-    if (!hasRoom() || _stream.isFullForWriter()) return countLoss();
+    if (!canReserve() && !awaitRoom(level)) return countLoss();
     Entry& entry = _entries[_end.own()];
     entry.setTimeStamp(HwCounter::timeStamp());
     // The slot may still be marked as an overflow entry from an earlier use.
@@ -162,6 +170,12 @@ bool LgQueue::reserveEntry(LgTypes::Level level)
     _mark = _stream.getMark();
     _reserved = true;
     return true;
+}
+
+bool LgQueue::awaitRoom(LgTypes::Level level)
+{
+    const RoomFunction function = roomFunction.load(std::memory_order_acquire);
+    return function && function(*this, level) && canReserve();
 }
 
 bool LgQueue::isFreeNow()

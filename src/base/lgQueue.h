@@ -194,12 +194,32 @@ public:
     /// Where the positions stand.
     Places getPlaces() const;
 
+    /// Called by a producer whose event finds no room: it may wait until the reader has made some.
+    /// The event is lost unless the function returns true and there is room then.
+    using RoomFunction = bool (*)(LgQueue& queue, LgTypes::Level level);
+
+    /// Sets the function for the queues of all threads; null, the default, for none: then events
+    /// without room are lost. Any thread may call it.
+    static void setRoomFunction(RoomFunction function);
+
     // For the producer.
 
     /// Starts an event. If it returns true, the text goes into getStream() and addEntry() publishes
     /// the event. If it returns false, the event is lost and counted as such, unless events are
     /// suppressed.
     bool reserveEntry(LgTypes::Level level);
+
+    /// Whether the next event will find room.
+    bool canReserve()
+    {
+        return hasRoom() && !_stream.isFullForWriter();
+    }
+
+    /// The entry that was published last. For an observer, in entryAdded().
+    const Entry& getAddedEntry() const
+    {
+        return _entries[_end.minus(1)];
+    }
 
     /// Publishes the reserved event; does nothing if there is none. An event without text is
     /// dropped. A text that has not been ended is ended here.
@@ -296,6 +316,18 @@ public:
 
     // For both.
 
+    /// How many entries are waiting; any thread may ask for it.
+    std::uint32_t getWaitingCount() const
+    {
+        return (_end.get() - _beg.get()) & (_beg.size() - 1);
+    }
+
+    /// How many entries the ring has.
+    std::uint32_t getNumEntries() const
+    {
+        return _beg.size();
+    }
+
     /// Whether no entry is waiting.
     bool isEmpty() const
     {
@@ -353,6 +385,7 @@ private:
     bool isFreeNow();
     bool hasGrown();
     void fetchAhead();
+    bool awaitRoom(LgTypes::Level level);
     bool refuse();
     bool countLoss();
 

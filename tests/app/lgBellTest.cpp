@@ -83,6 +83,27 @@ TEST_P(LgBellTest, IsListenedToFromTheAnnouncementToTheRing)
     EXPECT_TRUE(bell.listen(ringOnce, NEVER));
 }
 
+TEST_P(LgBellTest, WhoRingsSeesTheMarkWhetherOrNotAnybodyListens)
+{
+    LgBell bell(barrier());
+    EXPECT_FALSE(bell.ring());
+    const auto ringMarked = [&bell](bool isMarked)
+    {
+        bell.setMark(isMarked);
+        EXPECT_EQ(bell.ring(), isMarked);
+        EXPECT_FALSE(bell.isListenedTo());
+        const auto ring = [&]
+        {
+            EXPECT_TRUE(bell.isListenedTo());
+            EXPECT_EQ(bell.ring(), isMarked);
+            EXPECT_FALSE(bell.isListenedTo());
+            return false;
+        };
+        EXPECT_TRUE(bell.listen(ring, NEVER));
+    };
+    for (const bool isMarked : {true, false, true, true, false, false}) ringMarked(isMarked);
+}
+
 TEST_P(LgBellTest, ARingBetweenTheLookAndTheSleepIsHeard)
 {
     LgBell bell(barrier());

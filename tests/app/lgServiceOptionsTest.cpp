@@ -72,6 +72,15 @@ const Known KNOWN[] = {
     {"memory-limit", "ZU_LOG_SERVICE_MEMORY_LIMIT",
      "a number of bytes from 1M to 1024G, with K, M or G behind it if wanted, e.g. 64M", "3G",
      "3221225472", "268435456"},
+    {"wait-levels", "ZU_LOG_SERVICE_WAIT_LEVELS",
+     "names of levels with commas between them, of Internal Error, Fatal Error, Error, Warning, "
+     "Informational, Tracing, Profiling, or none",
+     "warning, InternalError", "Internal Error,Warning", "none"},
+    {"flush-level", "ZU_LOG_SERVICE_FLUSH_LEVEL",
+     "one of Internal Error, Fatal Error, Error, Warning, Informational, Tracing, Profiling, or "
+     "none",
+     "Error", "Error", "none"},
+    {"wait-limit", "ZU_LOG_SERVICE_WAIT_LIMIT", TIME_SPAN, "3s", "3000ms", "1000ms"},
     {"end-limit", "ZU_LOG_SERVICE_END_LIMIT", TIME_SPAN, "30s", "30000ms", "5000ms"},
     {"mapping-directory", "ZU_LOG_SERVICE_MAPPING_DIRECTORY", ANY_TEXT, "C:\\Mappings",
      "\"C:\\Mappings\"", "\"\""},
@@ -272,6 +281,17 @@ TEST(LgServiceOptions, TakesEachFormOfAValueAndTheEndsOfItsRange)
         {"memory-limit", "1M", "1048576"},
         {"memory-limit", "1048577", "1048577"},
         {"memory-limit", "1024G", "1099511627776"},
+        {"wait-levels", "none", "none"},
+        {"wait-levels", "NONE", "none"},
+        {"wait-levels", "Profiling", "Profiling"},
+        {"wait-levels", "Error,Error", "Error"},
+        {"wait-levels", "tracing,fatalerror,Internal Error", "Internal Error,Fatal Error,Tracing"},
+        {"flush-level", "None", "none"},
+        {"flush-level", "internal error", "Internal Error"},
+        {"flush-level", "FatalError", "Fatal Error"},
+        {"flush-level", "Profiling", "Profiling"},
+        {"wait-limit", "0", "0ms"},
+        {"wait-limit", "3600s", "3600000ms"},
         {"end-limit", "0s", "0ms"},
         {"end-limit", "1ms", "1ms"},
         {"end-limit", "2MS", "2ms"},
@@ -342,6 +362,13 @@ TEST(LgServiceOptions, RefusesWhatIsMalformedOrOutOfRangeAndLeavesTheValue)
         {"characters", {"0", "65535", "63K", "67108865", "65M", "4G"}, "is out of range"},
         {"memory-limit", notSizes, "is not a size"},
         {"memory-limit", {"0", "1048575", "1023K", "1025G", "1099511627777"}, "is out of range"},
+        {"wait-levels",
+         {"", " ", "3", "Error,", ",Error", "Error,,Warning", "none,Error", "Error,none", "Errors",
+          "Error Warning", "Error;Warning", "all", "Error\0"s},
+         "is not a list of levels"},
+        {"flush-level", {"", "0", "-1", "Warn", "Error,Warning", "Warning\0"s}, "is not a level"},
+        {"wait-limit", notSpans, "is not a time span"},
+        {"wait-limit", {"-1", "3600001", "3601s"}, "is out of range"},
         {"end-limit", notSpans, "is not a time span"},
         {"end-limit",
          {"-1", "-1s", "3600001", "3600001ms", "3601s", "9223372036854775807s"},
@@ -435,6 +462,9 @@ TEST(LgServiceOptions, DisplaysEveryOptionInTheOrderOfTheStruct)
                                     "entries: 4096 (ZU_LOG_SERVICE_ENTRIES)\n"
                                     "characters: 262144 (ZU_LOG_SERVICE_CHARACTERS)\n"
                                     "memory-limit: 268435456 (ZU_LOG_SERVICE_MEMORY_LIMIT)\n"
+                                    "wait-levels: none (ZU_LOG_SERVICE_WAIT_LEVELS)\n"
+                                    "flush-level: none (ZU_LOG_SERVICE_FLUSH_LEVEL)\n"
+                                    "wait-limit: 1000ms (ZU_LOG_SERVICE_WAIT_LIMIT)\n"
                                     "end-limit: 5000ms (ZU_LOG_SERVICE_END_LIMIT)\n"
                                     "mapping-directory: \"\" (ZU_LOG_SERVICE_MAPPING_DIRECTORY)\n"
                                     "kept-mappings: 100 (ZU_LOG_SERVICE_KEPT_MAPPINGS)\n"

@@ -14,6 +14,7 @@
 #include <algorithm>
 #include <atomic>
 #include <chrono>
+#include <filesystem>
 #include <fstream>
 #include <future>
 #include <gtest/gtest.h>
@@ -247,6 +248,113 @@ TEST_F(LgServiceTest, AFlushOnTheWritingThreadDoesNotWaitForItself)
     }
     std::cout.rdbuf(former);
     EXPECT_NE(buffer.str().find("Kit text"), std::string::npos);
+}
+
+TEST_F(LgServiceTest, AStatementOfTheFlushLevelReturnsWhenItsEventIsInTheFile)
+{
+    Zu::LgServiceOptions options;
+    options._flushLevel = LgTypes::Warning;
+    options._waitLimit = std::chrono::hours(1);
+    const LgService service(options);
+    Texts expected;
+    for (int i = 0; i < 50; ++i)
+    {
+        ZU_LOG_INFORMATIONAL(Kit, "not waited for, but before " << i);
+        ZU_LOG(Kit, i % 2 == 0 ? LgTypes::Warning : LgTypes::InternalError, "waited for " << i);
+        expected.push_back("Kit waited for " + std::to_string(i));
+        Texts written = texts();
+        EXPECT_EQ(written, expected);
+    }
+}
+
+TEST_F(LgServiceTest, LosesNothingOfALevelThatWaitsForRoom)
+{
+    constexpr int EVENTS = 20000;
+    Zu::LgServiceOptions options;
+    options._entries = 64;
+    options._waitLevels = 1U << LgTypes::Warning;
+    options._waitLimit = std::chrono::hours(1);
+    std::vector<std::thread> threads;
+    {
+        const LgService service(options);
+        for (int thread = 0; thread < FEW_THREADS; ++thread)
+            threads.emplace_back(
+                [thread]
+                {
+                    for (int i = 0; i < EVENTS; ++i) ZU_LOG_WARNING(Kit, thread << ' ' << i);
+                });
+        for (std::thread& thread : threads) thread.join();
+        EXPECT_EQ(service.getLostCount(), 0U);
+    }
+    EXPECT_EQ(texts().size(), std::size_t{FEW_THREADS} * EVENTS);
+}
+
+// Without that, this would take a day.
+TEST_F(LgServiceTest, NobodyWaitsWhileAFileFails)
+{
+    Zu::LgServiceOptions options;
+    options._entries = 64;
+    options._waitLevels = 1U << LgTypes::Warning;
+    options._flushLevel = LgTypes::Error;
+    options._waitLimit = std::chrono::hours(1);
+    const support::TempDir dir;
+    options._directory = dir.file("logs");
+    std::filesystem::create_directories(dir.file("logs/events.log"));
+    support::StreamCapture errors(std::cerr);
+    const LgService service(options);
+    for (int i = 0; i < 1000; ++i) ZU_LOG_WARNING(Kit, "one of many");
+    ZU_LOG_ERROR(Kit, "one that would wait");
+    EXPECT_TRUE(service.health()._files.front()._isFailing);
+    std::filesystem::remove(dir.file("logs/events.log"));
+}
+
+TEST_F(LgServiceTest, ItsHealthIsThatOfQueuesAndFiles)
+{
+    const LgService service;
+    for (int i = 0; i < 10; ++i) ZU_LOG_WARNING(Kit, "warning");
+    ZU_LOG_ERROR(Kit, "error");
+    std::thread([] { ZU_LOG_INTERNAL_ERROR(Kit, "of another thread"); }).join();
+    ASSERT_TRUE(service.flush(std::chrono::hours(1)));
+    // One more batch: the counts of the last one may still be on their way.
+    ZU_LOG_WARNING(Kit, "last");
+    ASSERT_TRUE(service.flush(std::chrono::hours(1)));
+    const Zu::LgServiceHealth health = service.health();
+    EXPECT_GE(health._events[LgTypes::Warning], 10U);
+    EXPECT_LE(health._events[LgTypes::Warning], 11U);
+    EXPECT_EQ(health._events[LgTypes::Error], 1U);
+    EXPECT_EQ(health._events[LgTypes::InternalError], 1U);
+    EXPECT_EQ(health._events[LgTypes::Informational], 0U);
+    EXPECT_EQ(health._lost, 0U);
+    EXPECT_EQ(health._unwritten, 0U);
+    EXPECT_EQ(health._waiting, 0U);
+    EXPECT_EQ(health._behind.count(), 0);
+    EXPECT_EQ(health._recovered, 0U);
+    const auto isMine = [](const Zu::LgServiceHealth::Queue& queue)
+    { return queue._thread == support::threadId(); };
+    const auto mine = std::find_if(health._queues.begin(), health._queues.end(), isMine);
+    ASSERT_NE(mine, health._queues.end());
+    EXPECT_EQ(mine->_entries, 4096U);
+    EXPECT_EQ(mine->_waiting, 0U);
+    EXPECT_GE(mine->_largest, 1U);
+    EXPECT_LE(mine->_largest, 11U);
+    ASSERT_GE(health._files.size(), 1U);
+    EXPECT_EQ(health._files.front()._path.substr(health._files.front()._path.size() - 10),
+              "events.log");
+    EXPECT_FALSE(health._files.front()._isFailing);
+    EXPECT_EQ(health._files.front()._pending, 0U);
+    EXPECT_EQ(health._files.front()._rotations, 0U);
+}
+
+TEST_F(LgServiceTest, ItsHealthSaysHowLongEventsHaveWaited)
+{
+    const std::unique_ptr<Zu::LgInterProcessLock> lock = startWithLock();
+    const LgService service;
+    const Zu::LgInterProcessLockGuard guard(lock.get());
+    ZU_LOG_WARNING(Kit, "waits for the lock");
+    EXPECT_EQ(service.health()._waiting, 1U);
+    std::chrono::microseconds behind{0};
+    while (behind.count() == 0) behind = service.health()._behind;
+    while (service.health()._behind <= behind) std::this_thread::yield();
 }
 
 TEST_F(LgServiceTest, DeletesTheQueueOfAThreadThatHasEnded)

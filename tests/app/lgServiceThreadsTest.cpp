@@ -12,6 +12,7 @@
 #include <atomic>
 #include <chrono>
 #include <cstdlib>
+#include <future>
 #include <gtest/gtest.h>
 #include <mutex>
 #include <string>
@@ -25,6 +26,14 @@ using Zu::LgQueue;
 using Zu::LgServiceThreads;
 namespace LgTypes = Zu::LgTypes;
 
+bool add(LgQueue& queue, const std::string& text)
+{
+    if (!queue.reserveEntry(LgTypes::Warning)) return false;
+    queue.getStream() << text << Zu::ends;
+    queue.addEntry();
+    return true;
+}
+
 class LgServiceThreadsTest : public testing::Test
 {
 protected:
@@ -32,14 +41,6 @@ protected:
     {
         _threads.stop();
         Zu::LgReader().flushAll();
-    }
-
-    static bool add(LgQueue& queue, const std::string& text)
-    {
-        if (!queue.reserveEntry(LgTypes::Warning)) return false;
-        queue.getStream() << text << Zu::ends;
-        queue.addEntry();
-        return true;
     }
 
     static std::size_t registered(const LgQueue* queue)
@@ -222,6 +223,115 @@ TEST_F(LgServiceThreadsTest, AWaitIsOverWhenThereIsRoomOrNobodyMakesIt)
     EXPECT_TRUE(_threads.isWaitOver(queue, 1));
     Zu::LgReader().flushAll();
     EXPECT_TRUE(_threads.isWaitOver(queue, room));
+}
+
+// A producer that waits for room for a warning, or has been refused it.
+class WaitingProducer
+{
+public:
+    // Fills the queue of a thread of its own, and adds one more event as soon as it may.
+    explicit WaitingProducer(LgServiceThreads& threads) : _threads(threads)
+    {
+        LgQueue::setRoomFunction(&LgServiceThreads::waitForRoom);
+        _threads.setWaiting({});
+        _thread = std::thread([this] { run(); });
+        while (!_isFull) std::this_thread::yield();
+    }
+
+    ~WaitingProducer()
+    {
+        LgQueue::setRoomFunction(nullptr);
+        _threads.setWaiting({});
+    }
+
+    // Whether the event was accepted.
+    bool isAccepted()
+    {
+        _thread.join();
+        return _isAccepted;
+    }
+
+private:
+    void run()
+    {
+        LgQueue& queue = *LgServiceThreads::queueOfThread();
+        while (add(queue, "kept")) continue;
+        _threads.setWaiting({1U << LgTypes::Warning, -1, std::chrono::hours(24)});
+        _isFull = true;
+        _isAccepted = add(queue, "waited");
+    }
+
+    LgServiceThreads& _threads;
+    std::thread _thread;
+    std::atomic<bool> _isFull{false};
+    bool _isAccepted = false;
+};
+
+TEST_F(LgServiceThreadsTest, AnEventOfALevelThatWaitsIsAcceptedWhenThereIsRoom)
+{
+    _threads.start();
+    WaitingProducer producer(_threads);
+    Zu::LgReader().flushAll();
+    EXPECT_TRUE(producer.isAccepted());
+    Zu::LgReader().flushAll();
+    EXPECT_EQ(_logger.textsOf("events.log").back(), "waited");
+}
+
+TEST_F(LgServiceThreadsTest, AWaitForRoomEndsWhenFilesFailOrTheServiceEnds)
+{
+    _threads.start();
+    {
+        WaitingProducer producer(_threads);
+        _threads.setFailing(true);
+        EXPECT_FALSE(producer.isAccepted());
+    }
+    {
+        WaitingProducer producer(_threads);
+        _threads.stop();
+        EXPECT_FALSE(producer.isAccepted());
+    }
+    Zu::LgReader().flushAll();
+}
+
+TEST_F(LgServiceThreadsTest, OnlyTheLevelsThatWaitDo)
+{
+    _threads.start();
+    LgQueue::setRoomFunction(&LgServiceThreads::waitForRoom);
+    _threads.setWaiting({1U << LgTypes::Error, -1, std::chrono::hours(24)});
+    LgQueue& queue = *LgServiceThreads::queueOfThread();
+    while (add(queue, "kept")) continue;
+    EXPECT_FALSE(LgServiceThreads::waitForRoom(queue, LgTypes::Warning));
+    // The queue of another thread, or of the application.
+    EXPECT_FALSE(std::async(std::launch::async, [&queue]
+                            { return LgServiceThreads::waitForRoom(queue, LgTypes::Error); })
+                     .get());
+    // The thread that writes.
+    _threads.setWriter(std::this_thread::get_id());
+    EXPECT_FALSE(LgServiceThreads::waitForRoom(queue, LgTypes::Error));
+    _threads.setWriter({});
+    Zu::LgReader().flushAll();
+    EXPECT_TRUE(LgServiceThreads::waitForRoom(queue, LgTypes::Error));
+    LgQueue::setRoomFunction(nullptr);
+    _threads.setWaiting({});
+}
+
+// If each of these waited, that would take more than an hour.
+TEST_F(LgServiceThreadsTest, AfterAWaitInVainNobodyWaitsUntilSomethingIsWritten)
+{
+    _threads.start();
+    LgQueue::setRoomFunction(&LgServiceThreads::waitForRoom);
+    LgQueue& queue = *LgServiceThreads::queueOfThread();
+    while (add(queue, "kept")) continue;
+    _threads.setWaiting({1U << LgTypes::Warning, -1, std::chrono::milliseconds(50)});
+    const auto begin = std::chrono::steady_clock::now();
+    for (int i = 0; i < 100'000; ++i) EXPECT_FALSE(add(queue, "lost"));
+    EXPECT_GE(std::chrono::steady_clock::now() - begin, std::chrono::milliseconds(50));
+    _threads.endVainWaits();
+    const auto middle = std::chrono::steady_clock::now();
+    EXPECT_FALSE(add(queue, "lost"));
+    EXPECT_GE(std::chrono::steady_clock::now() - middle, std::chrono::milliseconds(50));
+    LgQueue::setRoomFunction(nullptr);
+    _threads.setWaiting({});
 }
 
 // Many producers wait for room at the same time, and only the rings wake them.

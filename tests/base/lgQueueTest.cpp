@@ -350,6 +350,93 @@ TEST_F(LgQueueTest, TheObserverIsToldAndAsked)
     EXPECT_EQ(notes, (std::vector<std::string>{"added 3", "removed 3", "wait 3 9"}));
 }
 
+// What the room function of the test below was asked, and what it does.
+struct Asked
+{
+    int _calls = 0;
+    LgTypes::Level _level = LgTypes::Tracing;
+    bool _makesRoom = false;
+    bool _result = false;
+};
+Asked asked;
+
+TEST_F(LgQueueTest, TheRoomFunctionIsAskedBeforeAnEventIsLost)
+{
+    LgQueue queue;
+    asked = {};
+    LgQueue::setRoomFunction(
+        [](LgQueue& full, LgTypes::Level level)
+        {
+            ++asked._calls;
+            asked._level = level;
+            if (asked._makesRoom) take(full);
+            return asked._result;
+        });
+    for (int i = 0; i < 1022; ++i) ASSERT_TRUE(add(queue, std::to_string(i))) << i;
+    EXPECT_EQ(asked._calls, 0);
+    EXPECT_FALSE(queue.canReserve());
+    // There is room only if it says so, and it is true.
+    EXPECT_FALSE(add(queue, "lost", LgTypes::Error));
+    EXPECT_EQ(asked._calls, 1);
+    EXPECT_EQ(asked._level, LgTypes::Error);
+    asked._result = true;
+    EXPECT_FALSE(add(queue, "lost"));
+    EXPECT_EQ(asked._level, LgTypes::Warning);
+    asked = {0, LgTypes::Tracing, true, false};
+    EXPECT_FALSE(add(queue, "lost"));
+    EXPECT_EQ(queue.getLostCount(), 3U);
+    // The overflow entry is in the way of two.
+    take(queue);
+    ASSERT_TRUE(add(queue, "room"));
+    asked = {0, LgTypes::Tracing, true, true};
+    EXPECT_TRUE(add(queue, "waited", LgTypes::Profiling));
+    EXPECT_EQ(asked._calls, 1);
+    EXPECT_EQ(queue.getLostCount(), 3U);
+    // What is refused or suppressed asks nobody.
+    {
+        const LgQueue::SuppressGuard guard(queue);
+        EXPECT_FALSE(add(queue, "suppressed"));
+    }
+    EXPECT_EQ(asked._calls, 1);
+    LgQueue::setRoomFunction(nullptr);
+    while (add(queue, "full")) continue;
+    EXPECT_EQ(asked._calls, 1);
+    drain(queue);
+}
+
+TEST_F(LgQueueTest, CountsWhatIsWaitingAcrossTheEndOfTheRing)
+{
+    LgQueue queue;
+    EXPECT_EQ(queue.getNumEntries(), 1024U);
+    for (int round = 0; round < 3; ++round)
+    {
+        for (std::uint32_t i = 0; i < 700; ++i)
+        {
+            EXPECT_EQ(queue.getWaitingCount(), i);
+            ASSERT_TRUE(add(queue, "text"));
+        }
+        for (std::uint32_t i = 700; i > 0; --i)
+        {
+            EXPECT_EQ(queue.getWaitingCount(), i);
+            take(queue);
+        }
+    }
+    EXPECT_EQ(queue.getWaitingCount(), 0U);
+}
+
+TEST_F(LgQueueTest, TheObserverCanLookAtTheEntryThatWasAdded)
+{
+    LgQueue queue;
+    for (int i = 0; i < 2000; ++i)
+    {
+        const auto level = static_cast<LgTypes::Level>(i % LgTypes::NUM_LEVELS);
+        ASSERT_TRUE(add(queue, "text", level));
+        EXPECT_EQ(queue.getAddedEntry().getLevel(), level);
+        EXPECT_EQ(queue.getAddedEntry().getTimeStamp(), queue.readEntry().getTimeStamp());
+        take(queue);
+    }
+}
+
 TEST_F(LgQueueTest, TheCreatorsEndIsNoted)
 {
     LgQueue queue;
