@@ -109,7 +109,8 @@ LgLineForm formOf(LgServiceOptions::LineForm form)
 std::string withProcess(std::string name)
 {
     const std::size_t place = std::min(name.rfind('.'), name.size());
-    return name.insert(place, "." + std::to_string(lgProcessFacts()._process));
+    const std::string process = std::to_string(lgProcessFacts()._process);
+    return name.insert(place, process).insert(place, 1, '.');
 }
 
 std::string pathIn(const std::string& directory, const std::string& name)

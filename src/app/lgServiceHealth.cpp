@@ -41,50 +41,84 @@ std::string quoted(std::string_view text)
         json += DIGITS[control >> 4];
         json += DIGITS[control & 15];
     }
-    return json + "\"";
+    return json += '"';
 }
 
-std::string member(std::string_view name, std::uint64_t value)
+// The members of an object, one after the other.
+class Members
 {
-    return quoted(name) + ":" + std::to_string(value);
-}
+public:
+    Members& add(std::string_view name, std::string_view json)
+    {
+        if (!_text.empty()) _text += ',';
+        _text.append(quoted(name)).append(":").append(json);
+        return *this;
+    }
+
+    Members& add(std::string_view name, std::uint64_t value)
+    {
+        return add(name, std::to_string(value));
+    }
+
+    std::string object() const
+    {
+        return std::string("{").append(_text).append("}");
+    }
+
+private:
+    std::string _text;
+};
 
 std::string textOf(const LgServiceHealth::Queue& queue)
 {
-    return "{" + member("thread", queue._thread) + "," + member("entries", queue._entries) + "," +
-           member("waiting", queue._waiting) + "," + member("largest", queue._largest) + "," +
-           member("lost", queue._lost) + "}";
+    return Members()
+        .add("thread", queue._thread)
+        .add("entries", queue._entries)
+        .add("waiting", queue._waiting)
+        .add("largest", queue._largest)
+        .add("lost", queue._lost)
+        .object();
 }
 
 std::string textOf(const LgServiceHealth::File& file)
 {
-    return "{\"path\":" + quoted(file._path) +
-           ",\"failing\":" + (file._isFailing ? "true," : "false,") +
-           member("pending", file._pending) + "," + member("rotations", file._rotations) + "}";
+    return Members()
+        .add("path", quoted(file._path))
+        .add("failing", file._isFailing ? "true" : "false")
+        .add("pending", file._pending)
+        .add("rotations", file._rotations)
+        .object();
 }
 
 template <class Part> std::string listOf(const std::vector<Part>& parts)
 {
-    std::string text;
-    for (const Part& part : parts) text += (text.empty() ? "" : ",") + textOf(part);
-    return "[" + text + "]";
+    std::string text = "[";
+    for (const Part& part : parts)
+    {
+        if (text.size() > 1) text += ',';
+        text += textOf(part);
+    }
+    return text += ']';
 }
 
 } // namespace
 
 std::string LgServiceHealth::toJson() const
 {
-    std::string events;
+    Members events;
     for (int i = 0; i < LgTypes::NUM_LEVELS; ++i)
-    {
-        const char* const name = LgTypes::levelToString(static_cast<LgTypes::Level>(i));
-        events += (i == 0 ? "" : ",") + member(name, _events[static_cast<std::size_t>(i)]);
-    }
-    return "{\"events\":{" + events + "}," + member("lost", _lost) + "," +
-           member("unwritten", _unwritten) + "," + member("waiting", _waiting) + "," +
-           member("behindMicroseconds", static_cast<std::uint64_t>(_behind.count())) + "," +
-           member("recovered", _recovered) + ",\"queues\":" + listOf(_queues) +
-           ",\"files\":" + listOf(_files) + "}";
+        events.add(LgTypes::levelToString(static_cast<LgTypes::Level>(i)),
+                   _events[static_cast<std::size_t>(i)]);
+    return Members()
+        .add("events", events.object())
+        .add("lost", _lost)
+        .add("unwritten", _unwritten)
+        .add("waiting", _waiting)
+        .add("behindMicroseconds", static_cast<std::uint64_t>(_behind.count()))
+        .add("recovered", _recovered)
+        .add("queues", listOf(_queues))
+        .add("files", listOf(_files))
+        .object();
 }
 
 } // namespace Zu

@@ -307,7 +307,7 @@ std::string levelName(int level)
 std::string levelNames()
 {
     std::string text = levelName(0);
-    for (int i = 1; i < LgTypes::NUM_LEVELS; ++i) text += ", " + levelName(i);
+    for (int i = 1; i < LgTypes::NUM_LEVELS; ++i) text.append(", ").append(levelName(i));
     return text;
 }
 
@@ -367,7 +367,7 @@ struct Levels
         if (value >> LgTypes::NUM_LEVELS != 0) return std::to_string(value);
         std::string text;
         for (int i = 0; i < LgTypes::NUM_LEVELS; ++i)
-            if ((value >> i & 1) != 0) text += (text.empty() ? "" : ",") + levelName(i);
+            if ((value >> i & 1) != 0) text.append(text.empty() ? "" : ",").append(levelName(i));
         return text;
     }
 
@@ -496,7 +496,7 @@ std::string shown(Text text)
 
 std::string quoted(Text text)
 {
-    return "\"" + shown(text) + "\"";
+    return std::string("\"").append(shown(text)).append("\"");
 }
 
 // Whatever the format of the stream, and in one piece.
