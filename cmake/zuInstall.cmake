@@ -9,15 +9,34 @@ function(zu_install target directory)
   if(NOT ZU_INSTALL)
     return()
   endif()
+  zu_install_as(ZUbaseTargets "" ${target} ${directory} ${ARGN})
+endfunction()
+
+# The same for a library that need not be built. Its package file is read by those who ask for the
+# component of the CMake package that is called like its directory.
+function(zu_install_optional target directory)
+  if(NOT ZU_INSTALL)
+    return()
+  endif()
+  zu_install_as(ZU${directory}Targets OPTIONAL ${target} ${directory} ${ARGN})
+  install(
+    EXPORT ZU${directory}Targets
+    NAMESPACE ZU::
+    DESTINATION "${CMAKE_INSTALL_LIBDIR}/cmake/ZUbase"
+    COMPONENT development)
+endfunction()
+
+function(zu_install_as export optional target directory)
   install(
     TARGETS ${target}
-    EXPORT ZUbaseTargets
-    RUNTIME DESTINATION "${CMAKE_INSTALL_BINDIR}" COMPONENT runtime
+    EXPORT ${export}
+    RUNTIME DESTINATION "${CMAKE_INSTALL_BINDIR}" COMPONENT runtime ${optional}
     LIBRARY
       DESTINATION "${CMAKE_INSTALL_LIBDIR}"
       COMPONENT runtime
       NAMELINK_COMPONENT development
-    ARCHIVE DESTINATION "${CMAKE_INSTALL_LIBDIR}" COMPONENT development)
+      ${optional}
+    ARCHIVE DESTINATION "${CMAKE_INSTALL_LIBDIR}" COMPONENT development ${optional})
   install(
     FILES ${ARGN}
     DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}/ZU/${directory}"

@@ -1,6 +1,8 @@
 #include "app/lgService.h"
 
+#include "app/lgServiceCompressor.h"
 #include "app/lgServiceEx.h"
+#include "app/lgServiceFatal.h"
 #include "app/lgServiceLog.h"
 #include "app/lgServicePlatform.h"
 #include "app/lgServiceReader.h"
@@ -82,6 +84,16 @@ void makeDirectory(LgServiceOptions& options)
     }
 }
 
+// Without a compressor, rotated files stay as they are.
+void findCompressor(LgServiceOptions& options)
+{
+    if (!options._compress || LgServiceCompressor::getFactory()) return;
+    std::cerr << "compress: \"true\" can't be used, and rotated files stay as they are: expected a "
+                 "program that includes \"appZlib/lgServiceGzip.h\" or has a compressor"
+              << std::endl;
+    options._compress = false;
+}
+
 std::string logDirectory(const LgServiceOptions& options)
 {
     return options._directory.empty() ? LgLog::getDirectory() : options._directory;
@@ -141,6 +153,7 @@ void setLogs(const LgServiceOptions& options)
     settings._rotation._minuteOfDay = options._rotateMinute;
     settings._rotation._kept = options._keptFiles;
     settings._pendingLimit = options._pendingLimit;
+    settings._isStored = options._sync;
     LgServiceLog::setSettings(settings);
     for (int i = 0; i < LgTypes::NUM_LEVELS; ++i)
         if (LgServiceLog* const log = logOf(static_cast<LgTypes::Level>(i)))
@@ -186,6 +199,7 @@ LgService::LgService(LgServiceOptions options, bool) : _options(std::move(option
     try
     {
         makeDirectory(_options);
+        findCompressor(_options);
         _lostBefore = threads.getLostCount();
         const LgServiceMap::Settings settings = mapSettings(_options);
         const LgLineForm form = formOf(_options._lineForm);
@@ -197,7 +211,9 @@ LgService::LgService(LgServiceOptions options, bool) : _options(std::move(option
         LgLog::setQueueFunction(&LgServiceThreads::queueOfThread);
         LgQueue::setRoomFunction(_options._waitLevels == 0 ? nullptr
                                                            : &LgServiceThreads::waitForRoom);
-        _reader = std::make_unique<LgServiceReader>(threads, form, _options._rawText);
+        _reader = std::make_unique<LgServiceReader>(
+            threads, form, _options._rawText,
+            _options._compress ? LgServiceCompressor::getFactory() : nullptr);
     }
     catch (...)
     {
@@ -208,6 +224,7 @@ LgService::LgService(LgServiceOptions options, bool) : _options(std::move(option
     living = this;
     LgLog::setEndFunction(&endWithLogger);
     if (_options._reopenOnHangup) LgServicePlatform::onHangup(&LgServiceReader::reopen);
+    if (_options._drainOnFatalSignals) LgServiceFatal::begin(LgServiceThreads::instance());
     LgLog::setLoggerActivation(true);
 }
 
@@ -236,6 +253,7 @@ void LgService::end()
         return;
     }
     LgServicePlatform::onHangup(nullptr);
+    LgServiceFatal::end();
     LgLog::setLoggerActivation(false);
     _reader.reset();
     threads.stop();
@@ -275,7 +293,12 @@ bool LgService::flush(std::chrono::milliseconds timeout) const
     if (_reader && _reader->isOnThisThread()) return false;
     // Processors may read the counter a little before what stands in front of it is done.
     constexpr std::uint64_t MARGIN = 10'000;
-    return LgServiceThreads::instance().waitUntilWritten(HwCounter::timeStamp() + MARGIN, timeout);
+    const std::uint64_t time = HwCounter::timeStamp() + MARGIN;
+    const bool isStored = _options._sync && _reader && _reader->isOwn();
+    const std::uint64_t failures = isStored ? _reader->sync().getFailures() : 0;
+    const LgServiceSync::Clock::time_point end = LgServiceThreads::endOf(timeout);
+    if (!LgServiceThreads::instance().waitUntilWritten(time, timeout)) return false;
+    return !isStored || _reader->sync().store(failures, end);
 }
 
 std::uint64_t LgService::getLostCount() const

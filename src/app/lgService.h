@@ -33,7 +33,8 @@ class LgServiceReader;
 /// that outlives the process, in memory that processes share. exit(), quick_exit(), the end of
 /// main and std::terminate() wait until everything is written, for a limited time. After a kill, an
 /// abort() or a crash, the next service with the same log directory writes what was left, once,
-/// between two lines that name the process. docs/log-service.md has the exceptions.
+/// between two lines that name the process. docs/log-service.md has the exceptions, and an option
+/// that has a crash wait, too.
 ///
 /// A program that includes this header has its log files opened by the kit: files that exist are
 /// appended to, never emptied. A file that fails is tried again, and standard error has one line
@@ -101,8 +102,10 @@ public:
     /// Waits until every event that any thread has logged before the call is handed to the system,
     /// or could not be written; events that come later do not prolong the wait. Returns false if
     /// the time is over first, which is how it ends while a lock between processes fails. Nothing
-    /// is forced to the disk. A `timeout` of 0 or less asks without waiting; the answer may then be
-    /// false although all is written, while the thread that writes is busy.
+    /// is forced to the disk unless the option `sync` says so: then this thread waits for the disk,
+    /// for as long as that takes, and the result is also false if a file can't be forced to it or
+    /// can't be written at present. A `timeout` of 0 or less asks without waiting; the answer may
+    /// then be false although all is written, while the thread that writes is busy.
     ///
     /// Any thread may call it. On the thread that writes the events, in a stream of the
     /// application's own, it returns false at once. In the child of a fork nothing is waiting.

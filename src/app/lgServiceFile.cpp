@@ -82,6 +82,7 @@ int LgServiceFile::open()
     _isPlain = status && status->_isPlain;
     _known = _isPlain ? status->_size : 0;
     _since = status ? status->_modified : 0;
+    _isUnstored = false;
     return 0;
 }
 
@@ -118,6 +119,7 @@ LgServiceFile::Written LgServiceFile::write(std::string_view text)
             written._size += static_cast<std::size_t>(taken);
     }
     if (_isPlain) _known += written._size;
+    if (_isPlain && written._size > 0) _isUnstored = true;
     if (isFirst && _known != 0) _since = present();
     return written;
 }
@@ -162,7 +164,23 @@ int LgServiceFile::rotate()
 
 bool LgServiceFile::sync()
 {
-    return isOpen() && (!_isPlain || Platform::sync(_file));
+    if (!isOpen()) return false;
+    if (_isPlain && !Platform::sync(_file)) return false;
+    _isUnstored = false;
+    return true;
+}
+
+int LgServiceFile::copyToStore(std::unique_ptr<LgServiceFile>& copy)
+{
+    copy.reset();
+    if (!isOpen() || !_isPlain) return 0;
+    auto other = std::make_unique<LgServiceFile>(_path, _rotation);
+    other->_file = Platform::duplicate(_file);
+    if (!other->isOpen()) return Platform::lastError();
+    other->_isPlain = true;
+    copy = std::move(other);
+    _isUnstored = false;
+    return 0;
 }
 
 std::ptrdiff_t LgServiceFile::readAt(std::uint64_t offset, char* buffer, std::size_t size) const

@@ -8,6 +8,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <functional>
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -119,6 +120,17 @@ public:
     /// fails, or if the file is closed.
     bool sync();
 
+    /// Whether something was written here since the last sync() or copyToStore().
+    bool isUnstored() const
+    {
+        return _isUnstored;
+    }
+
+    /// Makes another object of the open file, for a thread that calls sync() on it while this one
+    /// goes on, be it with another file. Null if the file is closed or no plain one. Returns the
+    /// error; then there is no copy.
+    int copyToStore(std::unique_ptr<LgServiceFile>& copy);
+
     /// Reads back what stands in the open file, up to so many bytes from this offset. Returns how
     /// many it read, fewer only at the end of the file; -1 if it fails, as it does if the file can
     /// only be written.
@@ -153,6 +165,7 @@ private:
     const Rotation _rotation;
     std::intptr_t _file;
     bool _isPlain = false;
+    bool _isUnstored = false;
     std::optional<Identity> _identity;
     // The largest size that is known of the file, since it was last found to be shorter.
     std::uint64_t _known = 0;
@@ -212,6 +225,19 @@ std::ptrdiff_t readAt(File file, std::uint64_t offset, char* buffer, std::size_t
 bool rename(const std::string& from, const std::string& to);
 
 void remove(const std::string& name);
+
+/// Opens a plain file for reading; not one that a link leads to. NO_FILE if that fails.
+File openToRead(const std::string& path);
+
+/// Makes an empty file that only this open file can write to, with the access rights of another
+/// one, or takes one of its own user that a process has left. NO_FILE if that fails: isInUse() of
+/// the last error if another process writes to it. It can be renamed and removed while it is open.
+File createAlone(const std::string& path, File like);
+bool isInUse(int error);
+
+/// Another descriptor or handle of the same open file; NO_FILE if the system refuses.
+File duplicate(File file);
+
 bool sync(File file);
 void close(File file);
 

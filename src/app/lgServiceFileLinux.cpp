@@ -7,6 +7,7 @@
 #include <ctime>
 #include <fcntl.h>
 #include <linux/fs.h>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <sys/syscall.h>
 #include <unistd.h>
@@ -42,6 +43,31 @@ Status statusOf(const struct stat& status)
     const bool isPlain = S_ISREG(status.st_mode);
     return {identityOf(status), isPlain ? static_cast<std::uint64_t>(status.st_size) : 0,
             status.st_mtim.tv_sec, isPlain};
+}
+
+// What is written to a standard stream must not end in a file.
+int aboveStandardStreams(int number)
+{
+    if (number < 0 || number > STDERR_FILENO) return number;
+    const int other = fcntl(number, F_DUPFD_CLOEXEC, STDERR_FILENO + 1);
+    const int error = errno;
+    ::close(number);
+    errno = error;
+    return other;
+}
+
+// Whether the file is a plain one of this user, has this name alone, and is nobody else's to write.
+// Another process may have renamed it before it was locked here.
+bool takeAlone(int number, const std::string& path)
+{
+    struct stat status = {};
+    struct stat named = {};
+    if (flock(number, LOCK_EX | LOCK_NB) != 0 || fstat(number, &status) != 0) return false;
+    const bool isNamed =
+        lstat(path.c_str(), &named) == 0 && identityOf(named) == identityOf(status);
+    errno = isNamed ? EPERM : EWOULDBLOCK;
+    if (!isNamed) return false;
+    return S_ISREG(status.st_mode) && status.st_uid == geteuid() && status.st_nlink == 1;
 }
 
 } // namespace
@@ -121,6 +147,40 @@ bool rename(const std::string& from, const std::string& to)
 void remove(const std::string& name)
 {
     unlink(name.c_str());
+}
+
+File openToRead(const std::string& path)
+{
+    const int flags = O_RDONLY | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY;
+    return aboveStandardStreams(::open(path.c_str(), flags));
+}
+
+File createAlone(const std::string& path, File like)
+{
+    constexpr mode_t OWNER_ALONE = 0600;
+    constexpr mode_t RIGHTS = 0777;
+    const int flags = O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY;
+    const int number = aboveStandardStreams(::open(path.c_str(), flags, OWNER_ALONE));
+    if (number < 0) return NO_FILE;
+    struct stat status = {};
+    if (takeAlone(number, path) && ftruncate(number, 0) == 0 &&
+        fstat(numberOf(like), &status) == 0 && fchmod(number, status.st_mode & RIGHTS) == 0)
+        return number;
+    const int error = errno;
+    ::close(number);
+    errno = error;
+    return NO_FILE;
+}
+
+bool isInUse(int error)
+{
+    return error == EWOULDBLOCK;
+}
+
+File duplicate(File file)
+{
+    // Behind the standard streams, as the file itself.
+    return fcntl(numberOf(file), F_DUPFD_CLOEXEC, STDERR_FILENO + 1);
 }
 
 bool sync(File file)

@@ -157,6 +157,36 @@ void remove(const std::string& name)
     DeleteFileA(name.c_str());
 }
 
+File openToRead(const std::string& path)
+{
+    constexpr DWORD SHARING = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
+    return reinterpret_cast<File>(CreateFileA(path.c_str(), GENERIC_READ, SHARING, nullptr,
+                                              OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
+}
+
+// The access rights are those of the directory, as for the other file.
+File createAlone(const std::string& path, File)
+{
+    constexpr DWORD SHARING = FILE_SHARE_READ | FILE_SHARE_DELETE;
+    constexpr DWORD ACCESS = GENERIC_READ | GENERIC_WRITE | DELETE;
+    return reinterpret_cast<File>(CreateFileA(path.c_str(), ACCESS, SHARING, nullptr, CREATE_ALWAYS,
+                                              FILE_ATTRIBUTE_NORMAL, nullptr));
+}
+
+bool isInUse(int error)
+{
+    return error == ERROR_SHARING_VIOLATION;
+}
+
+File duplicate(File file)
+{
+    const HANDLE process = GetCurrentProcess();
+    HANDLE other = INVALID_HANDLE_VALUE;
+    if (!DuplicateHandle(process, handleOf(file), process, &other, 0, FALSE, DUPLICATE_SAME_ACCESS))
+        return NO_FILE;
+    return reinterpret_cast<File>(other);
+}
+
 bool sync(File file)
 {
     return FlushFileBuffers(handleOf(file));

@@ -28,6 +28,8 @@ LgServiceLog::Settings& settings()
 
 LgServiceLog::Clock::time_point (*LgServiceLog::_now)() = &LgServiceLog::Clock::now;
 
+constinit std::atomic<bool> LgServiceLog::_hasRotated{false};
+
 // Takes what others insert into the stream: the logger its banners, an LgReader its lines.
 class LgServiceLog::Buffer : public std::streambuf
 {
@@ -90,6 +92,7 @@ void LgServiceLog::setPath(const std::string& path)
         _failingSince.reset();
         _dropped = 0;
     }
+    storeBeforeClose();
     _file = std::make_unique<LgServiceFile>(path, settings()._rotation);
     _isBannerDue = true;
 }
@@ -163,6 +166,7 @@ bool LgServiceLog::isUsable(std::size_t size)
     collectPrefix();
     if (!_file->isRotationDue(_prefix.size() + size, lgWallClock() / NANOSECONDS)) return true;
     if (Clock::now() < _nextRotation) return true;
+    storeBeforeClose();
     const int error = _file->rotate();
     if (error != 0)
     {
@@ -170,6 +174,7 @@ bool LgServiceLog::isUsable(std::size_t size)
         return true;
     }
     ++_rotations;
+    _hasRotated = true;
     if (!open()) return false;
     collectPrefix();
     return true;
@@ -184,6 +189,7 @@ void LgServiceLog::openAnew()
     if (error == 0)
     {
         next->close();
+        storeBeforeClose();
         _file = std::move(next);
         _isRemovalReported = false;
         return;
@@ -193,6 +199,24 @@ void LgServiceLog::openAnew()
     std::cerr << "The log file \"" << _file->getPath()
               << "\" was removed, and another one can't be opened: "
               << LgServiceFile::errorText(error) << std::endl;
+}
+
+// A later flush finds the file closed.
+void LgServiceLog::storeBeforeClose()
+{
+    if (!settings()._isStored || !_file->isUnstored()) return;
+    const bool isStored = _file->sync();
+    noteStoring(isStored, LgServiceFilePlatform::lastError());
+    if (!isStored) _isStoringLost = true;
+}
+
+void LgServiceLog::noteStoring(bool isStored, int error)
+{
+    if (!isStored && !_isStoringReported)
+        std::cerr << "The log file \"" << _file->getPath()
+                  << "\" can't be forced to the disk: " << LgServiceFile::errorText(error)
+                  << std::endl;
+    _isStoringReported = !isStored;
 }
 
 std::string LgServiceLog::dates() const
@@ -322,6 +346,7 @@ void LgServiceLog::forget()
 
 void LgServiceLog::reopen()
 {
+    storeBeforeClose();
     _file->close();
 }
 

@@ -8,6 +8,7 @@
 #include "lgServiceFile.h"
 #include "lgServiceLine.h"
 
+#include <atomic>
 #include <chrono>
 #include <cstdint>
 #include <iosfwd>
@@ -16,6 +17,7 @@
 #include <ostream>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace Zu
@@ -42,6 +44,8 @@ public:
     {
         LgServiceFile::Rotation _rotation;
         std::uint64_t _pendingLimit = 1ULL << 20;
+        /// Whether a file is forced to the disk before it is closed.
+        bool _isStored = false;
     };
 
     /// What is known of a line that is handed over.
@@ -67,6 +71,12 @@ public:
 
     /// The settings of all logs; for phases with a single thread.
     static void setSettings(const Settings& settings);
+
+    /// Whether a file was rotated since the last call. Any thread may ask.
+    static bool takeRotated()
+    {
+        return _hasRotated.exchange(false);
+    }
 
     /// Whether it is what the stream writes to: an application can put a buffer of its own between,
     /// which then gets the lines one by one.
@@ -120,6 +130,16 @@ public:
     /// Closes the file; the next line opens it by its name.
     void reopen();
 
+    /// Remembers whether the file could be forced to the disk, and reports the platform's error on
+    /// standard error if it is the first of several.
+    void noteStoring(bool isStored, int error);
+
+    /// Whether a file was closed that could not be forced to the disk; true once each time.
+    bool takeStoringLost()
+    {
+        return std::exchange(_isStoringLost, false);
+    }
+
     bool isFailing() const
     {
         return _failingSince.has_value();
@@ -165,12 +185,15 @@ private:
     bool open();
     void insert(std::string_view text);
     void openAnew();
+    void storeBeforeClose();
     void collectPrefix();
     std::string dates() const;
     void keepFrom(std::size_t written, std::string_view text);
     void enforceLimit();
     void fail(int error);
     void work();
+
+    static std::atomic<bool> _hasRotated;
 
     const std::string _givenPath;
     std::unique_ptr<LgServiceFile> _file;
@@ -186,6 +209,8 @@ private:
     bool _isOriginDue = true;
     bool _isLineCut = false;
     bool _isRemovalReported = false;
+    bool _isStoringReported = false;
+    bool _isStoringLost = false;
     bool _isInserting = false;
     Clock::time_point _nextLook;
     std::optional<std::int64_t> _failingSince;

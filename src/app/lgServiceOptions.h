@@ -60,6 +60,8 @@ struct LgServiceOptions
     int _rotateMinute = -1;
     /// How many rotated files are kept of each file, 1 to 1000.
     int _keptFiles = 10;
+    /// Whether rotated files are compressed. Takes a compressor, see lgServiceCompressor.h.
+    bool _compress = false;
     /// Whether SIGHUP has the files opened again. There is no such signal on Windows.
     bool _reopenOnHangup = false;
 
@@ -85,6 +87,10 @@ struct LgServiceOptions
 
     /// How long the end of the process waits at most until all is written, 0 to one hour.
     std::chrono::milliseconds _endLimit{5000};
+    /// Whether a crash waits until what was logged is written, at most a second.
+    bool _drainOnFatalSignals = false;
+    /// Whether LgService::flush() also forces the files to the disk.
+    bool _sync = false;
 
     /// Where the queues are kept that outlive the process; empty for shared memory (Linux), or the
     /// directory for temporary files (Windows).

@@ -19,6 +19,9 @@ bool barrier();
 /// Sleeps for a tenth of a millisecond; where a sleep takes much longer, returns false at once.
 bool nap();
 
+/// Has the calling thread run only when others leave it a processor, as far as the system allows.
+void lowerPriority();
+
 /// Has `prepare` called before a fork, and `parent` and `child` after it in the two processes. Does
 /// nothing where there is no fork. Raises std::system_error if the system refuses.
 void onFork(void (*prepare)(), void (*parent)(), void (*child)());
@@ -32,6 +35,16 @@ void onQuickExit(void (*function)());
 /// child of a fork begins without it. Does nothing on Windows, which has no such signal. One thread
 /// at a time.
 void onHangup(void (*function)());
+
+/// Has a function called when a thread of the process crashes, in that thread, before what would
+/// have happened without it: on SIGSEGV, SIGBUS, SIGFPE, SIGILL and SIGABRT, on Windows by the
+/// filter of exceptions that nobody handles and on SIGABRT. Then the handler that was there is
+/// restored, and on Linux gets the same signal with the same information again; on Windows the
+/// filter that was there is called. So the end of the process is as it would have been. Null ends
+/// this and restores what was there, unless another handler was installed since. The function runs
+/// on the alternate stack of a thread that has one; none is installed. It is not called in the
+/// child of a fork. One thread at a time.
+void onFatalSignals(void (*function)());
 
 /// Whether the process is ending and its other threads are gone, which happens on Windows.
 bool isEnding();

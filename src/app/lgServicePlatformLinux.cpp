@@ -9,6 +9,7 @@
 #include <ctime>
 #include <linux/membarrier.h>
 #include <pthread.h>
+#include <sys/resource.h>
 #include <sys/syscall.h>
 #include <system_error>
 #include <unistd.h>
@@ -98,6 +99,76 @@ void removeHangup()
     isHangupHandled = false;
 }
 
+std::atomic<void (*)()> fatalFunction{nullptr};
+std::atomic<pid_t> fatalProcess{0};
+
+// A signal, what was there before the handler, and whether the handler may still be called by what
+// was installed since.
+struct FatalSignal
+{
+    int _number;
+    struct sigaction _before;
+    std::atomic<bool> _isHandled{false};
+};
+
+FatalSignal fatalSignals[] = {
+    {SIGSEGV, {}}, {SIGBUS, {}}, {SIGFPE, {}}, {SIGILL, {}}, {SIGABRT, {}}};
+
+// To this thread, which gets it when the handler returns: in the place where it was. What a fault
+// was about stays known.
+void sendAgain(int signal, siginfo_t* info)
+{
+    if (syscall(SYS_rt_tgsigqueueinfo, getpid(), syscall(SYS_gettid), signal, info) != 0)
+        raise(signal);
+}
+
+void handleFatal(int signal, siginfo_t* info, void*)
+{
+    const int error = errno;
+    void (*const function)() = fatalFunction.load();
+    if (function && fatalProcess == getpid()) function();
+    for (FatalSignal& fatal : fatalSignals)
+    {
+        if (fatal._number != signal) continue;
+        sigaction(signal, &fatal._before, nullptr);
+        fatal._isHandled = false;
+    }
+    sendAgain(signal, info);
+    errno = error;
+}
+
+struct sigaction presentAction(int signal)
+{
+    struct sigaction present;
+    sigaction(signal, nullptr, &present);
+    return present;
+}
+
+bool isHandleFatal(const struct sigaction& action)
+{
+    return action.sa_sigaction == &handleFatal;
+}
+
+void installFatal(FatalSignal& fatal)
+{
+    const struct sigaction present = presentAction(fatal._number);
+    // In the second case what was installed since calls it: it must not be called in turn.
+    if (isHandleFatal(present) || (fatal._isHandled && isFunction(present))) return;
+    fatal._before = present;
+    struct sigaction handler = {};
+    handler.sa_sigaction = &handleFatal;
+    handler.sa_flags = SA_SIGINFO | SA_ONSTACK;
+    fatal._isHandled = true;
+    sigaction(fatal._number, &handler, nullptr);
+}
+
+void removeFatal(FatalSignal& fatal)
+{
+    if (!isHandleFatal(presentAction(fatal._number))) return;
+    sigaction(fatal._number, &fatal._before, nullptr);
+    fatal._isHandled = false;
+}
+
 } // namespace
 
 bool prepareBarrier()
@@ -122,6 +193,13 @@ bool nap()
     return true;
 }
 
+// Not at the lowest one: the thread holds a lock for the time of a few renames.
+void lowerPriority()
+{
+    constexpr int NICE = 10;
+    setpriority(PRIO_PROCESS, static_cast<id_t>(syscall(SYS_gettid)), NICE);
+}
+
 void onFork(void (*prepare)(), void (*parent)(), void (*child)())
 {
     const int code = pthread_atfork(prepare, parent, child);
@@ -141,6 +219,13 @@ void onHangup(void (*function)())
         pthread_atfork(nullptr, nullptr, &removeHangup) == 0;
     hangupFunction = function;
     installHangup();
+}
+
+void onFatalSignals(void (*function)())
+{
+    fatalProcess = getpid();
+    fatalFunction = function;
+    for (FatalSignal& fatal : fatalSignals) function ? installFatal(fatal) : removeFatal(fatal);
 }
 
 bool isEnding()

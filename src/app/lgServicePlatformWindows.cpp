@@ -1,9 +1,60 @@
 #include "app/lgServicePlatform.h"
 
+#include <atomic>
+#include <csignal>
 #include <windows.h>
 
 namespace Zu::LgServicePlatform
 {
+
+namespace
+{
+
+std::atomic<void (*)()> fatalFunction{nullptr};
+
+using AbortHandler = void (*)(int);
+
+// What was there before.
+LPTOP_LEVEL_EXCEPTION_FILTER filterBefore = nullptr;
+AbortHandler abortBefore = SIG_DFL;
+
+void callFatalFunction()
+{
+    void (*const function)() = fatalFunction.load();
+    if (function) function();
+}
+
+LONG WINAPI filterFatal(EXCEPTION_POINTERS* exception)
+{
+    callFatalFunction();
+    return filterBefore ? filterBefore(exception) : EXCEPTION_CONTINUE_SEARCH;
+}
+
+void handleAbort(int signal)
+{
+    callFatalFunction();
+    std::signal(signal, abortBefore);
+    std::raise(signal);
+}
+
+void installFatal()
+{
+    const LPTOP_LEVEL_EXCEPTION_FILTER filter = SetUnhandledExceptionFilter(&filterFatal);
+    if (filter != &filterFatal) filterBefore = filter;
+    const AbortHandler handler = std::signal(SIGABRT, &handleAbort);
+    if (handler != &handleAbort) abortBefore = handler == SIG_ERR ? SIG_DFL : handler;
+}
+
+// What was installed since stays, and may call what is here.
+void removeFatal()
+{
+    const LPTOP_LEVEL_EXCEPTION_FILTER filter = SetUnhandledExceptionFilter(filterBefore);
+    if (filter != &filterFatal) SetUnhandledExceptionFilter(filter);
+    const AbortHandler handler = std::signal(SIGABRT, abortBefore);
+    if (handler != &handleAbort) std::signal(SIGABRT, handler);
+}
+
+} // namespace
 
 bool prepareBarrier()
 {
@@ -21,11 +72,25 @@ bool nap()
     return false;
 }
 
+void lowerPriority()
+{
+    SetThreadPriority(GetCurrentThread(), THREAD_PRIORITY_LOWEST);
+}
+
 void onFork(void (*)(), void (*)(), void (*)()) {}
 
 void onQuickExit(void (*)()) {}
 
 void onHangup(void (*)()) {}
+
+void onFatalSignals(void (*function)())
+{
+    fatalFunction = function;
+    if (function)
+        installFatal();
+    else
+        removeFatal();
+}
 
 bool isEnding()
 {

@@ -1,5 +1,6 @@
 #include "app/lgServiceReader.h"
 
+#include "app/lgServiceFatal.h"
 #include "app/lgServicePlatform.h"
 
 #include <chrono>
@@ -21,12 +22,16 @@ constexpr int NAPS = 5;
 
 constinit std::atomic<bool> LgServiceReader::_isReopenDue{false};
 
-LgServiceReader::LgServiceReader(LgServiceThreads& threads, LgLineForm form, bool isRaw)
-    : _threads(threads), _writer(threads.map(), form, isRaw), _forks(threads.getForks())
+LgServiceReader::LgServiceReader(LgServiceThreads& threads, LgLineForm form, bool isRaw,
+                                 LgServiceCompressor::Factory compressor)
+    : _threads(threads), _writer(threads.map(), form, isRaw), _sync(threads.reading()),
+      _forks(threads.getForks())
 {
     const LgServicePlatform::SignalBlock block;
     // Not in this thread, which a signal of a file that can't get longer would end.
     std::thread([this] { openLogs(); }).join();
+    if (compressor)
+        _compression = std::make_unique<LgServiceCompression>(threads.reading(), compressor);
     _thread = std::thread([this] { run(); });
 }
 
@@ -35,6 +40,8 @@ LgServiceReader::~LgServiceReader()
     _stop.store(true, std::memory_order_release);
     _threads.news().ring();
     _thread.join();
+    // A thread to come may get the same id.
+    _threads.setWriter({});
 }
 
 // Sleeps until there is something to do: first in naps, so that a steady stream need not wake the
@@ -46,7 +53,14 @@ void LgServiceReader::rest(int& naps)
         ++naps;
         return;
     }
-    _threads.news().listen([this] { return _stop || isWorkWaiting(); }, _threads.getPatience());
+    const auto isNeeded = [this]
+    {
+        const bool isIdle = !_stop && !isWorkWaiting();
+        LgServiceFatal::noteIdle(isIdle);
+        return !isIdle;
+    };
+    _threads.news().listen(isNeeded, _threads.getPatience());
+    LgServiceFatal::noteIdle(false);
 }
 
 // A query that fails counts as work: reading then meets the same failure, reports it and tries
@@ -98,6 +112,8 @@ LgServiceReader::Outcome LgServiceReader::writeSome()
         _threads.setFailing(_writer.isFailing());
         if (hasWritten) _threads.endVainWaits();
         _threads.endWaitsUntilWritten();
+        LgServiceFatal::noteWritten();
+        if (_compression && LgServiceLog::takeRotated()) _compression->ask();
         return hasWritten ? Outcome::Wrote : Outcome::Nothing;
     }
     catch (const std::exception& exception)

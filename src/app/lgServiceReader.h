@@ -4,10 +4,13 @@
 #ifndef ZU_APP_LGSERVICEREADER_H
 #define ZU_APP_LGSERVICEREADER_H
 
+#include "lgServiceCompression.h"
+#include "lgServiceSync.h"
 #include "lgServiceThreads.h"
 #include "lgServiceWriter.h"
 
 #include <atomic>
+#include <memory>
 #include <thread>
 
 namespace Zu
@@ -18,9 +21,10 @@ namespace Zu
 class LgServiceReader
 {
 public:
-    /// Starts the thread. Raises std::system_error if the platform refuses one.
+    /// Starts the thread, and another one if rotated files are to be compressed by what a function
+    /// makes. Raises std::system_error if the platform refuses one.
     explicit LgServiceReader(LgServiceThreads& threads, LgLineForm form = LgLineForm::Ticks,
-                             bool isRaw = false);
+                             bool isRaw = false, LgServiceCompressor::Factory compressor = nullptr);
     LgServiceReader(const LgServiceReader&) = delete;
     LgServiceReader& operator=(const LgServiceReader&) = delete;
 
@@ -52,6 +56,12 @@ public:
         return std::this_thread::get_id() == _thread.get_id();
     }
 
+    /// What forces to the disk what this thread has written.
+    LgServiceSync& sync()
+    {
+        return _sync;
+    }
+
 private:
     enum class Outcome
     {
@@ -74,6 +84,8 @@ private:
 
     LgServiceThreads& _threads;
     LgServiceWriter _writer;
+    LgServiceSync _sync;
+    std::unique_ptr<LgServiceCompression> _compression;
     const int _forks;
     std::atomic<bool> _stop{false};
     bool _reported = false;

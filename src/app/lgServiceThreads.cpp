@@ -64,15 +64,6 @@ bool hasSpace(const LgQueue& queue, int size)
     return !queue.isFull() && queue.getStream().getNumCharacters() >= static_cast<unsigned>(size);
 }
 
-// Whether no event of this time or an earlier one is waiting. For a thread that holds reading().
-bool isWrittenUpTo(std::uint64_t time)
-{
-    const List<LgQueue*> queues = LgLog::getRegistry()->getQueueList();
-    return std::none_of(queues.begin(), queues.end(),
-                        [time](const LgQueue* queue)
-                        { return !queue->isEmpty() && queue->readEntry().getTimeStamp() <= time; });
-}
-
 // The logger's registry if a service has installed it. The default one must not get queues while a
 // reader runs.
 LgServiceRegistry* serviceRegistry()
@@ -207,6 +198,14 @@ std::uint64_t LgServiceThreads::getLostCount()
     return count;
 }
 
+bool LgServiceThreads::isWrittenUpTo(std::uint64_t time)
+{
+    const List<LgQueue*> queues = LgLog::getRegistry()->getQueueList();
+    return std::none_of(queues.begin(), queues.end(),
+                        [time](const LgQueue* queue)
+                        { return !queue->isEmpty() && queue->readEntry().getTimeStamp() <= time; });
+}
+
 bool LgServiceThreads::isWorkWaiting()
 {
     if (_hasWaits.load(std::memory_order_acquire)) return true;
@@ -217,17 +216,22 @@ bool LgServiceThreads::isWorkWaiting()
                        { return !queue->isEmpty() || !queue->isCreatorAlive(); });
 }
 
+std::chrono::steady_clock::time_point LgServiceThreads::endOf(std::chrono::milliseconds timeout)
+{
+    constexpr std::chrono::milliseconds LONGEST = std::chrono::hours(24 * 365);
+    return std::chrono::steady_clock::now() +
+           std::clamp(timeout, std::chrono::milliseconds(0), LONGEST);
+}
+
 bool LgServiceThreads::waitUntilWritten(std::uint64_t time, std::chrono::milliseconds timeout)
 {
     using Clock = std::chrono::steady_clock;
-    constexpr std::chrono::milliseconds LONGEST = std::chrono::hours(24 * 365);
     {
         // The reader may be busy for long, and so it is asked, further down. Nobody may be reading.
         const std::unique_lock free(_reading, std::try_to_lock);
         if (free && isWrittenUpTo(time)) return true;
     }
-    const Clock::time_point end =
-        Clock::now() + std::clamp(timeout, std::chrono::milliseconds(0), LONGEST);
+    const Clock::time_point end = endOf(timeout);
     Wait wait{time};
     const auto isOver = [&wait] { return wait._isOver.load(std::memory_order_acquire); };
     const WaitEntry entry(*this, wait);
@@ -246,7 +250,7 @@ void LgServiceThreads::drain() noexcept
     // Processors may read the counter a little before what stands in front of it is done.
     constexpr std::uint64_t MARGIN = 10'000;
     const std::chrono::milliseconds limit(_endLimit.load(std::memory_order_relaxed));
-    if (isRunning() && !isOnWriter()) tryToWaitUntilWritten(HwCounter::timeStamp() + MARGIN, limit);
+    if (isRunning() && !isWriter()) tryToWaitUntilWritten(HwCounter::timeStamp() + MARGIN, limit);
 }
 
 // What is not written stays in the map.
@@ -273,17 +277,12 @@ void LgServiceThreads::setWaiting(const Waiting& waiting)
     _news.setMark(waiting._flushLevel >= 0);
 }
 
-bool LgServiceThreads::isOnWriter() const
-{
-    return _writer.load(std::memory_order_relaxed) == std::this_thread::get_id();
-}
-
 // Who has waited in vain must not wait again with each event: then a disk that hangs would stop the
 // program.
 bool LgServiceThreads::mayWait() const
 {
     return isRunning() && !_isFailing.load(std::memory_order_relaxed) &&
-           !_isWaitVain.load(std::memory_order_relaxed) && !isOnWriter();
+           !_isWaitVain.load(std::memory_order_relaxed) && !isWriter();
 }
 
 bool LgServiceThreads::waitForRoom(LgQueue& queue, LgTypes::Level level)

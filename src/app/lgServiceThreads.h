@@ -94,6 +94,13 @@ public:
     /// that has ended. Locks reading(). Raises what the registry raises.
     bool isWorkWaiting();
 
+    /// Whether no event of this time or an earlier one is waiting. For a thread that holds
+    /// reading(). Raises what the registry raises.
+    static bool isWrittenUpTo(std::uint64_t time);
+
+    /// When a wait ends that begins now; a timeout below 0 counts as 0, an endless one as a year.
+    static std::chrono::steady_clock::time_point endOf(std::chrono::milliseconds timeout);
+
     /// Waits until no event of this time or an earlier one is waiting, in ticks of
     /// HwCounter::timeStamp(); false if the timeout expires first. Raises what the registry raises.
     bool waitUntilWritten(std::uint64_t time, std::chrono::milliseconds timeout);
@@ -158,6 +165,12 @@ public:
         _writer.store(id, std::memory_order_relaxed);
     }
 
+    /// Whether the calling thread is the one that writes. May be called in a signal handler.
+    bool isWriter() const noexcept
+    {
+        return _writer.load(std::memory_order_relaxed) == std::this_thread::get_id();
+    }
+
     /// Waits until the queue has room for `size` characters; called by the producer.
     void waitForSpace(const LgQueue& queue, int size);
 
@@ -197,7 +210,6 @@ private:
     ~LgServiceThreads();
 
     LgQueue* makeQueue();
-    bool isOnWriter() const;
     bool mayWait() const;
     bool waitForRoomIn(LgQueue& queue, LgTypes::Level level);
     bool tryToWaitUntilWritten(std::uint64_t time, std::chrono::milliseconds timeout) noexcept;

@@ -2,8 +2,9 @@
 // files, limits, modes; in a separate program.
 
 #include "app/lgServiceFile.h"
-#include "app/lgServiceLog.h"
 
+#include "app/lgServiceLog.h"
+#include "stress/hardEnd.h"
 #include "support/commaLocale.h"
 #include "support/faults.h"
 #include "support/fileTest.h"
@@ -25,6 +26,7 @@
 #include <filesystem>
 #include <gtest/gtest.h>
 #include <iostream>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <thread>
@@ -534,6 +536,58 @@ TEST_F(LgServiceFileFaultTest, StoringIsTriedAgainIfInterrupted)
     }
     const Fault fault(Call::FSYNC, EIO);
     EXPECT_FALSE(log.sync());
+}
+
+TEST_F(LgServiceFileFaultTest, WithoutADescriptorThereIsNoCopyToStore)
+{
+    LgServiceFile log(file("log"), {});
+    ASSERT_EQ(log.open(), 0);
+    expectWritten(log, "text");
+    const stress::ResourceLimit limit(stress::Resource::DESCRIPTORS, 0);
+    std::unique_ptr<LgServiceFile> copy;
+    EXPECT_NE(log.copyToStore(copy), 0);
+    EXPECT_EQ(copy, nullptr);
+    EXPECT_TRUE(log.isUnstored());
+}
+
+// What is closed while the disk fails can't be stored any more.
+TEST(LgServiceLogFault, AFileIsForcedToTheDiskBeforeItIsRotatedIfThatIsWanted)
+{
+    const support::RunningLogger logger;
+    const support::TempDir dir;
+    for (const bool isStored : {false, true})
+    {
+        Zu::LgServiceLog::Settings settings;
+        settings._isStored = isStored;
+        Zu::LgServiceLog::setSettings(settings);
+        Zu::LgServiceLog log(dir.file("events.log"));
+        const support::StreamCapture errors(std::cerr);
+        const auto callsOf = [&log](auto close)
+        {
+            log << "text\n";
+            const Fault fault(Call::FSYNC, EIO, 1);
+            close();
+            return fault.failures();
+        };
+        const int expected = isStored ? 1 : 0;
+        EXPECT_EQ(callsOf([&] { log.reopen(); }), expected);
+        EXPECT_EQ(log.takeStoringLost(), isStored);
+        EXPECT_FALSE(log.takeStoringLost());
+        EXPECT_EQ(callsOf([&] { log.setPath(dir.file("another.log")); }), expected);
+        EXPECT_EQ(log.takeStoringLost(), isStored);
+        const std::string report = "The log file \"" + dir.file("events.log") +
+                                   "\" can't be forced to the disk: Input/output error\n";
+        EXPECT_EQ(errors.text(), isStored ? report : "");
+        // Without a fault: once for each, and nothing without something to store.
+        int calls = 0;
+        const support::Before count(Call::FSYNC, [&calls] { ++calls; });
+        log << "text\n";
+        log.reopen();
+        log.reopen();
+        EXPECT_EQ(calls, expected);
+        EXPECT_FALSE(log.takeStoringLost());
+    }
+    Zu::LgServiceLog::setSettings({});
 }
 
 TEST_F(LgServiceFileFaultTest, ALinkCanBeRetargetedAndIsItselfRenamed)

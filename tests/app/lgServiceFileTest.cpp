@@ -13,6 +13,7 @@
 #include <fstream>
 #include <gtest/gtest.h>
 #include <map>
+#include <memory>
 #include <optional>
 #include <set>
 #include <string>
@@ -687,6 +688,42 @@ TEST_F(LgServiceFileTest, NothingStaysOpen)
         EXPECT_NE(none.open(), 0);
     }
     EXPECT_LT(support::openHandles(), before + ROUNDS / 2);
+}
+
+TEST_F(LgServiceFileTest, ACopyStoresWhatWasWrittenThoughTheFileGoesOn)
+{
+    LgServiceFile log(file("log"), {});
+    std::unique_ptr<LgServiceFile> copy;
+    EXPECT_EQ(log.copyToStore(copy), 0);
+    EXPECT_EQ(copy, nullptr);
+    ASSERT_EQ(log.open(), 0);
+    EXPECT_FALSE(log.isUnstored());
+    expectWritten(log, "text");
+    EXPECT_TRUE(log.isUnstored());
+    ASSERT_EQ(log.copyToStore(copy), 0);
+    EXPECT_FALSE(log.isUnstored());
+    ASSERT_NE(copy, nullptr);
+    EXPECT_EQ(copy->getPath(), log.getPath());
+    EXPECT_EQ(log.rotate(), 0);
+    EXPECT_FALSE(log.isOpen());
+    EXPECT_TRUE(copy->sync());
+    EXPECT_EQ(copy->getSize(), 4U);
+    ASSERT_EQ(log.open(), 0);
+    expectWritten(log, "more");
+    EXPECT_TRUE(log.sync());
+    EXPECT_FALSE(log.isUnstored());
+}
+
+TEST_F(LgServiceFileTest, WhatIsNoPlainFileHasNothingToStore)
+{
+    LgServiceFile log(onWindows ? "NUL" : "/dev/null", {});
+    ASSERT_EQ(log.open(), 0);
+    expectWritten(log, "text");
+    EXPECT_FALSE(log.isUnstored());
+    std::unique_ptr<LgServiceFile> copy;
+    EXPECT_EQ(log.copyToStore(copy), 0);
+    EXPECT_EQ(copy, nullptr);
+    EXPECT_TRUE(log.sync());
 }
 
 TEST_F(LgServiceFileTest, ErrorsHaveTheSystemsWords)

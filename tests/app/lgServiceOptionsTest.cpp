@@ -62,6 +62,7 @@ const Known KNOWN[] = {
     {"rotate-time", "ZU_LOG_SERVICE_ROTATE_TIME", "HH:MM from 00:00 to 23:59, or none", "03:07",
      "03:07", "none"},
     {"kept-files", "ZU_LOG_SERVICE_KEPT_FILES", "a whole number from 1 to 1000", "7", "7", "10"},
+    {"compress", "ZU_LOG_SERVICE_COMPRESS", TRUTH, "true", "true", "false"},
     {"reopen-on-hangup", "ZU_LOG_SERVICE_REOPEN_ON_HANGUP", TRUTH, "on", "true", "false"},
     {"entries", "ZU_LOG_SERVICE_ENTRIES",
      "a whole number from 64 to 1048576; rounded up to a power of two", "5000", "8192", "4096"},
@@ -82,6 +83,9 @@ const Known KNOWN[] = {
      "Error", "Error", "none"},
     {"wait-limit", "ZU_LOG_SERVICE_WAIT_LIMIT", TIME_SPAN, "3s", "3000ms", "1000ms"},
     {"end-limit", "ZU_LOG_SERVICE_END_LIMIT", TIME_SPAN, "30s", "30000ms", "5000ms"},
+    {"drain-on-fatal-signals", "ZU_LOG_SERVICE_DRAIN_ON_FATAL_SIGNALS", TRUTH, "1", "true",
+     "false"},
+    {"sync", "ZU_LOG_SERVICE_SYNC", TRUTH, "yes", "true", "false"},
     {"mapping-directory", "ZU_LOG_SERVICE_MAPPING_DIRECTORY", ANY_TEXT, "C:\\Mappings",
      "\"C:\\Mappings\"", "\"\""},
     {"kept-mappings", "ZU_LOG_SERVICE_KEPT_MAPPINGS", "a whole number from 1 to 10000", "9", "9",
@@ -174,11 +178,14 @@ TEST(LgServiceOptions, DefaultsSuitALongRunningServer)
     EXPECT_EQ(options._rotateSize, 0U);
     EXPECT_EQ(options._rotateMinute, -1);
     EXPECT_EQ(options._keptFiles, 10);
+    EXPECT_FALSE(options._compress);
     EXPECT_FALSE(options._reopenOnHangup);
     EXPECT_EQ(options._entries, 4096U);
     EXPECT_EQ(options._characters, 256U * 1024);
     EXPECT_EQ(options._memoryLimit, 256U * 1024 * 1024);
     EXPECT_EQ(options._endLimit, 5s);
+    EXPECT_FALSE(options._drainOnFatalSignals);
+    EXPECT_FALSE(options._sync);
     EXPECT_EQ(options._mappingDirectory, "");
     EXPECT_EQ(options._keptMappings, 100);
     EXPECT_EQ(options._keptMappingDays, 30);
@@ -197,11 +204,14 @@ TEST(LgServiceOptions, EachNameSetsItsOwnField)
     EXPECT_EQ(options._rotateSize, 64U * 1024 * 1024);
     EXPECT_EQ(options._rotateMinute, 3 * 60 + 7);
     EXPECT_EQ(options._keptFiles, 7);
+    EXPECT_TRUE(options._compress);
     EXPECT_TRUE(options._reopenOnHangup);
     EXPECT_EQ(options._entries, 8192U);
     EXPECT_EQ(options._characters, 1024U * 1024);
     EXPECT_EQ(options._memoryLimit, std::uint64_t{3} * 1024 * 1024 * 1024);
     EXPECT_EQ(options._endLimit, 30s);
+    EXPECT_TRUE(options._drainOnFatalSignals);
+    EXPECT_TRUE(options._sync);
     EXPECT_EQ(options._mappingDirectory, "C:\\Mappings");
     EXPECT_EQ(options._keptMappings, 9);
     EXPECT_EQ(options._keptMappingDays, 365);
@@ -341,7 +351,10 @@ TEST(LgServiceOptions, RefusesWhatIsMalformedOrOutOfRangeAndLeavesTheValue)
         {"profiles-name", notNames, "is not the name of a file"},
         {"process-in-names", notTruths, "is not a truth value"},
         {"raw-text", notTruths, "is not a truth value"},
+        {"compress", notTruths, "is not a truth value"},
         {"reopen-on-hangup", notTruths, "is not a truth value"},
+        {"drain-on-fatal-signals", notTruths, "is not a truth value"},
+        {"sync", notTruths, "is not a truth value"},
         {"line-form", {"", "tick", "gmt", "utc ", "0", "none"}, "is not a form of lines"},
         {"rotate-size", notSizes, "is not a size"},
         {"rotate-size",
@@ -458,6 +471,7 @@ TEST(LgServiceOptions, DisplaysEveryOptionInTheOrderOfTheStruct)
                                     "rotate-size: 0 (ZU_LOG_SERVICE_ROTATE_SIZE)\n"
                                     "rotate-time: none (ZU_LOG_SERVICE_ROTATE_TIME)\n"
                                     "kept-files: 10 (ZU_LOG_SERVICE_KEPT_FILES)\n"
+                                    "compress: false (ZU_LOG_SERVICE_COMPRESS)\n"
                                     "reopen-on-hangup: false (ZU_LOG_SERVICE_REOPEN_ON_HANGUP)\n"
                                     "entries: 4096 (ZU_LOG_SERVICE_ENTRIES)\n"
                                     "characters: 262144 (ZU_LOG_SERVICE_CHARACTERS)\n"
@@ -466,6 +480,9 @@ TEST(LgServiceOptions, DisplaysEveryOptionInTheOrderOfTheStruct)
                                     "flush-level: none (ZU_LOG_SERVICE_FLUSH_LEVEL)\n"
                                     "wait-limit: 1000ms (ZU_LOG_SERVICE_WAIT_LIMIT)\n"
                                     "end-limit: 5000ms (ZU_LOG_SERVICE_END_LIMIT)\n"
+                                    "drain-on-fatal-signals: false "
+                                    "(ZU_LOG_SERVICE_DRAIN_ON_FATAL_SIGNALS)\n"
+                                    "sync: false (ZU_LOG_SERVICE_SYNC)\n"
                                     "mapping-directory: \"\" (ZU_LOG_SERVICE_MAPPING_DIRECTORY)\n"
                                     "kept-mappings: 100 (ZU_LOG_SERVICE_KEPT_MAPPINGS)\n"
                                     "kept-mapping-days: 30 (ZU_LOG_SERVICE_KEPT_MAPPING_DAYS)\n"

@@ -52,7 +52,7 @@ def unpacked(build, place):
     return place / "root" / "usr"
 
 
-def run(program, prefix, emulator):
+def run(program, prefix, emulator, expected):
     """Checks what a program writes, with the libraries of the prefix."""
     environment = dict(os.environ)
     environment["LD_LIBRARY_PATH"] = str(prefix / "lib")
@@ -62,7 +62,7 @@ def run(program, prefix, emulator):
         shutil.copy(library, program.parent)
     words = [emulator, program] if emulator else [program]
     lines = call(*words, env=environment).splitlines()
-    for line in EXPECTED:
+    for line in expected:
         if line not in lines:
             sys.exit(f"{program} does not say '{line}':\n" + "\n".join(lines))
 
@@ -74,7 +74,11 @@ def checkPackage(source, place, prefix, toolchain, emulator, suffix):
     call("cmake", "-S", source, "-B", place / "byPackage", "-G", "Ninja",
          f"-DCMAKE_PREFIX_PATH={prefix}", *(words if toolchain else []))
     call("cmake", "--build", place / "byPackage")
-    run(place / "byPackage" / f"consumer{suffix}", prefix, emulator)
+    run(place / "byPackage" / f"consumer{suffix}", prefix, emulator, EXPECTED)
+    optional = place / "byPackage" / f"compressing{suffix}"
+    if optional.exists():
+        run(optional, prefix, emulator, ["compressed to a file of gzip"])
+    return optional.exists()
 
 
 def checkPkgConfig(source, place, prefix, compiler, emulator, suffix):
@@ -87,7 +91,7 @@ def checkPkgConfig(source, place, prefix, compiler, emulator, suffix):
     program.parent.mkdir()
     call(compiler, "-std=c++17", f"-I{source / 'own'}", *sorted(source.glob("*.cpp")),
          "-o", program, *flags, "-pthread")
-    run(program, prefix, emulator)
+    run(program, prefix, emulator, EXPECTED)
 
 
 def main():
@@ -98,9 +102,11 @@ def main():
             place = pathlib.Path(name) / kind
             place.mkdir()
             prefix = made(pathlib.Path(build), place)
-            checkPackage(pathlib.Path(source), place, prefix, toolchain, emulator, suffix)
+            hasOptional = checkPackage(pathlib.Path(source), place, prefix, toolchain, emulator,
+                                       suffix)
             checkPkgConfig(pathlib.Path(source), place, prefix, compiler, emulator, suffix)
-            print(f"{kind}: by the CMake package and by pkg-config")
+            print(f"{kind}: by the CMake package and by pkg-config, "
+                  f"{'with' if hasOptional else 'without'} libZUappZlib")
 
 
 if __name__ == "__main__":

@@ -17,6 +17,8 @@ struct ProgramResult
     int exitCode = -1;
     // Whether the program was ended by abort() or a similar fatal signal.
     bool aborted = false;
+    // On Linux the signal that ended it; 0 if none did.
+    int signal = 0;
     // What it wrote, with line endings reduced to line feeds.
     std::string out;
     std::string err;

@@ -68,6 +68,7 @@ void runToFiles(const std::string& path, const std::vector<std::string>& argumen
     int status = 0;
     while (waitpid(child, &status, 0) < 0 && errno == EINTR) continue;
     result.aborted = WIFSIGNALED(status);
+    result.signal = WIFSIGNALED(status) ? WTERMSIG(status) : 0;
     result.exitCode = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
 }
 
