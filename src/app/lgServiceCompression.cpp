@@ -281,7 +281,9 @@ LgServiceCompression::Outcome LgServiceCompression::replace(const std::string& p
     const std::lock_guard reading(_reading);
     const LgInterProcessLockGuard guard(LgLog::getInterProcessLock());
     const std::optional<Platform::Status> read = Platform::statusOf(files._original);
-    if (!read || read->_size != size) return Outcome::Moved;
+    if (!read || !read->_identity || read->_size != size) return Outcome::Moved;
+    // Otherwise it stays open: no other file can have its identity meanwhile.
+    if (Platform::keepsNamesOfOpenFiles()) files.closeOriginal();
     for (const int number : numbersOf(path))
     {
         const std::string original = numbered(path, number);

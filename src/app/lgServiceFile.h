@@ -235,6 +235,10 @@ File openToRead(const std::string& path);
 File createAlone(const std::string& path, File like);
 bool isInUse(int error);
 
+/// Whether a file that somebody removes has its name until everybody has closed it. Where that is
+/// so, the identity of a file is not given to another one.
+bool keepsNamesOfOpenFiles();
+
 /// Another descriptor or handle of the same open file; NO_FILE if the system refuses.
 File duplicate(File file);
 

@@ -177,6 +177,11 @@ bool isInUse(int error)
     return error == EWOULDBLOCK;
 }
 
+bool keepsNamesOfOpenFiles()
+{
+    return false;
+}
+
 File duplicate(File file)
 {
     // Behind the standard streams, as the file itself.

@@ -178,6 +178,11 @@ bool isInUse(int error)
     return error == ERROR_SHARING_VIOLATION;
 }
 
+bool keepsNamesOfOpenFiles()
+{
+    return true;
+}
+
 File duplicate(File file)
 {
     const HANDLE process = GetCurrentProcess();

@@ -27,6 +27,8 @@ LgServiceReader::LgServiceReader(LgServiceThreads& threads, LgLineForm form, boo
     : _threads(threads), _writer(threads.map(), form, isRaw), _sync(threads.reading()),
       _forks(threads.getForks())
 {
+    // In the child of a fork, the parent's thread may have been asleep.
+    LgServiceFatal::noteIdle(false);
     const LgServicePlatform::SignalBlock block;
     // Not in this thread, which a signal of a file that can't get longer would end.
     std::thread([this] { openLogs(); }).join();

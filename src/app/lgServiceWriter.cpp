@@ -64,10 +64,17 @@ LgServiceWriter::LgServiceWriter(LgServiceMap& map, LgLineForm form, bool isRaw)
 
 void LgServiceWriter::openLogs()
 {
+    const auto note = [this]
+    {
+        const std::lock_guard guard(_status._mutex);
+        noteFiles();
+    };
+    note();
     const LgInterProcessLockGuard guard(LgLog::getInterProcessLock());
     for (int level = 0; level < LgTypes::NUM_LEVELS; ++level)
         if (LgServiceLog* const log = lgServiceLogOf(static_cast<LgTypes::Level>(level)))
             if (log->prepare(0, 0)) log->write({}, {});
+    note();
 }
 
 void LgServiceWriter::reopen()
@@ -172,23 +179,30 @@ void LgServiceWriter::noteBatch()
         const std::uint64_t time = cursor._queue->getEntryAt(cursor._position).getTimeStamp();
         if (_status._earliest == 0 || time < _status._earliest) _status._earliest = time;
     }
+    noteFiles();
+}
+
+// With the status locked.
+void LgServiceWriter::noteFiles()
+{
+    std::vector<LgServiceHealth::File>& files = _status._health._files;
     std::size_t count = 0;
     for (int level = 0; level < LgTypes::NUM_LEVELS; ++level)
     {
         const LgServiceLog* const log = lgServiceLogOf(static_cast<LgTypes::Level>(level));
-        const auto begin = health._files.begin();
+        const auto begin = files.begin();
         const auto end = begin + static_cast<std::ptrdiff_t>(count);
         const auto isIt = [log](const LgServiceHealth::File& file)
         { return file._path == log->getPath(); };
         if (!log || std::any_of(begin, end, isIt)) continue;
-        if (count == health._files.size()) health._files.emplace_back();
-        LgServiceHealth::File& file = health._files[count++];
+        if (count == files.size()) files.emplace_back();
+        LgServiceHealth::File& file = files[count++];
         if (file._path != log->getPath()) file._path = log->getPath();
         file._isFailing = log->isFailing();
         file._pending = log->getPending();
         file._rotations = log->getRotations();
     }
-    health._files.resize(count);
+    files.resize(count);
 }
 
 void LgServiceWriter::addHealth(LgServiceHealth& health,

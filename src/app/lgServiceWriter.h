@@ -116,6 +116,7 @@ private:
 
     void noteFills();
     void noteBatch();
+    void noteFiles();
     bool findQueues();
     void collect(std::uint64_t until);
     void addEvent(Cursor& cursor);

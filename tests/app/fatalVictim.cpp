@@ -33,6 +33,7 @@ namespace
 {
 
 std::string way;
+std::atomic<bool> hasLogged{false};
 
 // Not optimised away, and not what a compiler knows.
 volatile int zero = 0;
@@ -74,6 +75,7 @@ void stay(Zu::LgServiceWriter::Step)
 
 void crashAtStep(Zu::LgServiceWriter::Step)
 {
+    while (!hasLogged) std::this_thread::yield();
     crash();
 }
 
@@ -110,6 +112,7 @@ int main(int argc, char** argv)
     }
     if (way != "none")
         for (int i = 0; i < 400; ++i) ZU_LOG_WARNING(Fatal, "number " << i);
+    hasLogged = true;
     if (has("writer")) service->flush(std::chrono::minutes(10));
     if (has("ended")) service.reset();
     if (has("child"))

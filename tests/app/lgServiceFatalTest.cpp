@@ -1,18 +1,27 @@
 #include "app/lgServiceFatal.h"
 
+#include "app/lgService.h"
+#include "base/lgEvent.h"
 #include "support/childProcess.h"
 #include "support/platform.h"
+#include "support/runningLogger.h"
 #include "support/tempDir.h"
 
+#include <chrono>
 #include <csignal>
 #include <cstddef>
 #include <fstream>
 #include <gtest/gtest.h>
 #include <string>
+#include <utility>
 #include <vector>
+
+ZU_DEFINE_LOG_GROUP(Fatal);
 
 namespace
 {
+
+using namespace std::chrono_literals;
 
 using support::onWindows;
 using support::ProgramResult;
@@ -102,6 +111,34 @@ protected:
     support::TempDir _logs;
     support::TempDir _maps;
 };
+
+// What a crash calls, without one.
+TEST(LgServiceFatal, AWaitEndsWhenWhatWasLoggedIsWritten)
+{
+    const support::RunningLogger logger;
+    ZU_START_LOG_GROUP("Fatal", Fatal);
+    const std::chrono::milliseconds limit = std::exchange(Zu::LgServiceFatal::_limit, 10min);
+    for (const bool isDrained : {false, true})
+    {
+        Zu::LgServiceOptions options;
+        options._drainOnFatalSignals = isDrained;
+        const Zu::LgService service(options);
+        Zu::LgServiceFatal::waitUntilWritten();
+        EXPECT_EQ(Zu::LgServiceFatal::isAsked(), isDrained);
+        for (int i = 0; i < EVENTS && isDrained; ++i)
+        {
+            ZU_LOG_WARNING(Fatal, "number " << i);
+            // Sometimes the writing thread is asleep.
+            if (i % 100 == 0) service.flush(10min);
+            Zu::LgServiceFatal::waitUntilWritten();
+            ASSERT_EQ(logger.textsOf("events.log").back(), "Fatal number " + std::to_string(i));
+        }
+    }
+    // Without a service nobody would write.
+    Zu::LgServiceFatal::waitUntilWritten();
+    Zu::LgServiceFatal::_limit = limit;
+    ZU_STOP_LOG_GROUP(Fatal);
+}
 
 // The writing thread is held until the crash waits.
 TEST_F(LgServiceFatalTest, ACrashWaitsUntilWhatWasLoggedIsWrittenAndEndsAsItWouldHave)
