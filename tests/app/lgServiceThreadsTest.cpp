@@ -7,6 +7,7 @@
 #include "base/lgLog.h"
 #include "base/lgReader.h"
 #include "support/platform.h"
+#include "support/privateMember.h"
 #include "support/runningLogger.h"
 
 #include <atomic>
@@ -18,6 +19,18 @@
 #include <string>
 #include <thread>
 #include <vector>
+
+namespace support
+{
+
+struct WrittenBell
+{
+    using Member = Zu::LgBell Zu::LgServiceThreads::*;
+    friend Member memberOf(WrittenBell);
+};
+template struct PrivateMember<WrittenBell, &Zu::LgServiceThreads::_written>;
+
+} // namespace support
 
 namespace
 {
@@ -50,6 +63,22 @@ protected:
             if (entry == queue) ++count;
         return count;
     }
+
+    // Rung for those who wait until events are written.
+    Zu::LgBell& written()
+    {
+        return _threads.*memberOf(support::WrittenBell());
+    }
+
+    // Like the thread of a service.
+    void writeAll()
+    {
+        const std::lock_guard guard(_threads.reading());
+        Zu::LgReader().flushAll();
+        _threads.endWaitsUntilWritten();
+    }
+
+    bool writesWhatIsWaitedFor();
 
     support::RunningLogger _logger;
     LgServiceThreads& _threads = LgServiceThreads::instance();
@@ -196,6 +225,37 @@ TEST_F(LgServiceThreadsTest, AProducerThatMakesRoomTriesAgainWhatFails)
     while (add(queue, "kept")) continue;
     EXPECT_THROW(queue.waitForSpace(100), Zu::ExInternalError);
     EXPECT_EQ(HesitantRegistry::_refusals, 0);
+}
+
+// Fails until a moment, however often it is asked.
+class LateRegistry : public Zu::LgServiceRegistry
+{
+public:
+    using Clock = std::chrono::steady_clock;
+
+    Zu::List<LgQueue*> getQueueList() const override
+    {
+        if (Clock::now() >= _end) return LgServiceRegistry::getQueueList();
+        throw Zu::ExInternalError(__FILE__, __LINE__, "no list yet");
+    }
+
+    static inline Clock::time_point _end;
+};
+
+// The tries are worth something because time passes between them.
+TEST_F(LgServiceThreadsTest, AProducerThatMakesRoomOutlastsWhatFailsForAWhile)
+{
+    constexpr std::chrono::milliseconds WHILE(200);
+    static_assert((LgServiceThreads::LAST_TRIES - 1) * LgServiceThreads::PAUSE > 2 * WHILE);
+    Zu::LgLog::setRegistry(Zu::ObjPtr<Zu::LgRegistry>(new LateRegistry));
+    _threads.start();
+    LgQueue& queue = *LgServiceThreads::queueOfThread();
+    while (add(queue, "kept")) continue;
+    _threads.stop();
+    LateRegistry::_end = LateRegistry::Clock::now() + WHILE;
+    EXPECT_NO_THROW(queue.waitForSpace(100));
+    LateRegistry::_end = {};
+    EXPECT_FALSE(queue.isFull());
 }
 
 TEST_F(LgServiceThreadsTest, AProducerThatWaitsForRoomGoesOnWhenAnEventIsTaken)
@@ -396,6 +456,103 @@ TEST_F(LgServiceThreadsTest, NoServiceRunsInAChild)
     EXPECT_EQ(stateOfChild(), 1);
     EXPECT_TRUE(_threads.isRunning());
     EXPECT_FALSE(_threads.isForked());
+}
+
+// In the child of a fork: a thread waits in turn with the one that writes.
+bool LgServiceThreadsTest::writesWhatIsWaitedFor()
+{
+    _threads.start();
+    // The mark of a thread of the parent may be left.
+    written().ring();
+    for (int i = 0; i < 3; ++i)
+    {
+        add(*LgServiceThreads::queueOfThread(), "of a child");
+        const std::uint64_t behind = Zu::HwCounter::timeStamp() + 1;
+        bool isWritten = false;
+        std::thread waiting(
+            [&] { isWritten = _threads.waitUntilWritten(behind, std::chrono::hours(24)); });
+        while (!written().isListenedTo()) std::this_thread::yield();
+        writeAll();
+        waiting.join();
+        if (!isWritten) return false;
+    }
+    // Its process ends without the ends of the kit's objects.
+    _threads.stop();
+    _threads.leaveNothing();
+    return true;
+}
+
+TEST_F(LgServiceThreadsTest, AChildWaitsUntilItsOwnEventsAreWrittenWhoeverWaitedInTheParent)
+{
+    if (support::onWindows) GTEST_SKIP() << "Windows has no fork";
+    if (support::underSanitizer)
+        GTEST_SKIP() << "what the sanitizers lock does not survive a fork beside other threads";
+    _threads.setPatience(std::chrono::hours(24));
+    _threads.start();
+    add(*LgServiceThreads::queueOfThread(), "of the parent");
+    const std::uint64_t behind = Zu::HwCounter::timeStamp() + 1;
+    std::thread waiting(
+        [this, behind] { EXPECT_TRUE(_threads.waitUntilWritten(behind, std::chrono::hours(24))); });
+    while (!written().isListenedTo()) std::this_thread::yield();
+    for (int i = 0; i < 3 && !HasFailure(); ++i)
+    {
+        if (support::forkProcess() == support::Side::CHILD)
+            std::_Exit(writesWhatIsWaitedFor() ? 0 : 1);
+        EXPECT_EQ(support::awaitForkedChild(), 0);
+    }
+    writeAll();
+    waiting.join();
+    _threads.setPatience(LgServiceThreads::PATIENCE);
+    std::vector<std::string> texts(9, "of a child");
+    texts.emplace_back("of the parent");
+    EXPECT_EQ(_logger.textsOf("events.log"), texts);
+}
+
+// The thread has its queue in hand at that moment.
+TEST_F(LgServiceThreadsTest, AStatementInWhichAForkHappensIsCompletedByBothProcesses)
+{
+    if (support::onWindows) GTEST_SKIP() << "Windows has no fork";
+    _threads.start();
+    LgQueue& queue = *LgServiceThreads::queueOfThread();
+    const auto complete = [&queue](const char* text)
+    {
+        queue.getStream() << text << Zu::ends;
+        queue.endInsertion();
+        Zu::LgReader().flushAll();
+    };
+    ASSERT_TRUE(queue.reserveEntry(LgTypes::Warning));
+    queue.beginInsertion();
+    queue.getStream() << "completed by ";
+    if (support::forkProcess() == support::Side::CHILD)
+    {
+        // Its reader must not take the queue for that of a thread that has ended.
+        const bool isKept = LgServiceThreads::queueOfThread() == &queue && queue.isCreatorAlive() &&
+                            registered(&queue) == 1;
+        complete("the child");
+        add(queue, "and another one of the child");
+        Zu::LgReader().flushAll();
+        std::_Exit(isKept ? 0 : 1);
+    }
+    EXPECT_EQ(support::awaitForkedChild(), 0);
+    complete("the parent");
+    EXPECT_EQ(_logger.textsOf("events.log"),
+              (std::vector<std::string>{"completed by the child", "and another one of the child",
+                                        "completed by the parent"}));
+}
+
+// Outside a statement the thread's queue is left to the next reader like those of others.
+TEST_F(LgServiceThreadsTest, AChildsNextStatementGetsANewQueue)
+{
+    if (support::onWindows) GTEST_SKIP() << "Windows has no fork";
+    _threads.start();
+    const LgQueue* const queue = LgServiceThreads::queueOfThread();
+    if (support::forkProcess() == support::Side::CHILD)
+    {
+        const bool isLeft = !queue->isCreatorAlive() && registered(queue) == 1;
+        std::_Exit(isLeft && LgServiceThreads::queueOfThread() != queue ? 0 : 1);
+    }
+    EXPECT_EQ(support::awaitForkedChild(), 0);
+    EXPECT_EQ(LgServiceThreads::queueOfThread(), queue);
 }
 
 // Without the barrier everything works as well, but more slowly.

@@ -6,6 +6,7 @@
 #include "base/rnVanDerCorputRng.h"
 
 #include "support/histogramReference.h"
+#include "support/platform.h"
 
 #include <cmath>
 #include <cstddef>
@@ -13,6 +14,7 @@
 #include <gtest/gtest.h>
 #include <iomanip>
 #include <limits>
+#include <map>
 #include <memory>
 #include <sstream>
 #include <string>
@@ -491,6 +493,37 @@ TYPED_TEST(RnHistogramTest, SamplesOfTheLibrarysSourcesAreAddedAsSingleDraws)
             expectSamples<T, Zu::RnVanDerCorputRng<T>>(nBins, n, 2U);
             expectSamples<T, Zu::RnVanDerCorputRng<T>>(nBins, n, 3U);
         }
+}
+
+// Beyond 2^23 bins a uniform histogram asks for each bin singly, which is that of the closed form,
+// too. Here the search would find another one for almost every value. The range is so narrow that
+// of the many samples only each 1,024th is in it.
+TEST(RnUniformHistogram, SamplesAreAddedToTheBinsOfTheClosedFormHoweverManyThereAre)
+{
+    if (support::underSanitizer && !support::underAddressSanitizer)
+        GTEST_SKIP() << "ThreadSanitizer needs several times the memory of a large histogram";
+    constexpr unsigned int BINS = (1U << 23) + 1;
+    constexpr unsigned int SAMPLES = 4 * BINS;
+    constexpr float MIN = 0.5F;
+    constexpr float MAX = 0.5F + 0x1p-10F;
+    RnUniformHistogram<float> histogram(BINS, MIN, MAX);
+    Zu::RnVanDerCorputRng<float> source;
+    histogram.addSamples(&source, SAMPLES);
+    std::map<int, float> counts;
+    float total = 0;
+    for (unsigned int i = 0; i < SAMPLES; i += 1024)
+    {
+        source.restart(i);
+        const float value = source();
+        // One of them is rounded to the end of the range.
+        if (value >= MAX) continue;
+        ++counts[toldUniformBin(BINS, MIN, MAX, value)];
+        ++total;
+    }
+    EXPECT_GT(counts.size(), 10000U);
+    for (const auto& [bin, count] : counts) ASSERT_EQ(histogram.getBin(bin), count) << bin;
+    // So nothing is in another bin.
+    EXPECT_EQ(histogram.getTotal(), total);
 }
 
 TYPED_TEST(RnHistogramTest, SamplesOfAShapedSourceAreAddedAsSingleDraws)
