@@ -427,25 +427,42 @@ void LgServiceMap::removeFileIfEmpty()
     _file->remove();
 }
 
+void LgServiceMap::keepForChild(const LgQueue& own)
+{
+    for (const Block* const block : _blocks)
+    {
+        const char* const place = block->_space._place;
+        if (block->_index == LgMap::NONE || place != reinterpret_cast<const char*>(&own)) continue;
+        const char* const entries = place + LgMap::PAGE;
+        _kept._place = place;
+        _kept._head.assign(place, LgMap::PAGE + bytesOf(block->_entries.getUsable()));
+        _kept._text.assign(entries + bytesOf(block->_entries.getSize()),
+                           block->_characters.getUsable());
+    }
+}
+
+void LgServiceMap::forgetKept()
+{
+    _kept = {};
+}
+
 // Other threads are not here, and what the parent's do meanwhile goes on in the shared memory until
 // it is replaced: their queues are copied as they are at this moment, and will be emptied.
-void LgServiceMap::leaveInChild(const LgQueue* own)
+void LgServiceMap::leaveInChild()
 {
     if (!isOpen()) return;
     for (Block* const block : _blocks)
     {
         char* const place = block->_space._place;
-        const bool isOwn = place == reinterpret_cast<const char*>(own);
+        const bool isKept = place == _kept._place;
         if (block->_index == LgMap::NONE) continue;
         block->_index = LgMap::NONE;
         const std::uint64_t entries = bytesOf(block->_entries.getSize());
-        const std::uint64_t used = isOwn ? bytesOf(block->_entries.getUsable()) : 0;
-        const std::string head(place, LgMap::PAGE + used);
-        const std::string text(place + LgMap::PAGE + entries,
-                               isOwn ? block->_characters.getUsable() : 0);
+        const std::string head = isKept ? _kept._head : std::string(place, LgMap::PAGE);
         if (!LgMapFile::replaceByPrivate(place, block->_space._size)) continue;
         std::memcpy(place, head.data(), head.size());
-        std::memcpy(place + LgMap::PAGE + entries, text.data(), text.size());
+        if (isKept)
+            std::memcpy(place + LgMap::PAGE + entries, _kept._text.data(), _kept._text.size());
     }
     for (const Space& space : _free) LgMapFile::unmap(space._place, space._size);
     LgMapFile::unmap(_header, LgMap::BLOCKS_AT);

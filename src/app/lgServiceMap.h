@@ -98,10 +98,17 @@ public:
         return _mutex;
     }
 
+    /// For a thread that is about to fork, with the mutex locked: keeps a copy of its queue for
+    /// leaveInChild(). The parent goes on in the queue itself as soon as the fork has happened.
+    void keepForChild(const LgQueue& own);
+
+    /// Forgets the copy.
+    void forgetKept();
+
     /// For the child of a fork, with the mutex locked: the queues get memory of the child's own, so
-    /// that nothing of the parent's is touched. Only `own` keeps its texts. From here on there is
-    /// no file.
-    void leaveInChild(const LgQueue* own);
+    /// that nothing of the parent's is touched. Only the queue that was kept keeps its texts. From
+    /// here on there is no file.
+    void leaveInChild();
 
     /// What the names of the maps for a log directory begin with.
     static std::string prefixFor(const std::string& logDirectory);
@@ -116,6 +123,14 @@ private:
         char* _place;
         std::uint64_t _offset;
         std::uint64_t _size;
+    };
+
+    // The beginning of a queue's memory, up to its last entry, and its texts.
+    struct Copy
+    {
+        const char* _place = nullptr;
+        std::string _head;
+        std::string _text;
     };
 
     bool open(const Settings& settings);
@@ -147,6 +162,7 @@ private:
     std::list<Space> _free;
     std::list<Block*> _blocks;
     std::vector<std::uint32_t> _freeIndices;
+    Copy _kept;
     // How many entries of the table of queues have room.
     std::uint32_t _tableRoom = 0;
     bool _hasReported = false;

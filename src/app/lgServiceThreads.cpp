@@ -393,10 +393,16 @@ void LgServiceThreads::lockForFork()
     _waitMutex.lock();
     LgServiceRegistry::mutex().lock();
     _map.mutex().lock();
+    // The child completes the statement, too. It can't look for itself: the parent goes on in
+    // memory that both see until the child has replaced it.
+    const auto* const own = static_cast<const LgQueue*>(ThreadSlot::get(ThreadSlot::Queue));
+    _kept = own && own->isInserting() ? own : nullptr;
+    if (_kept) _map.keepForChild(*_kept);
 }
 
 void LgServiceThreads::unlockAfterFork()
 {
+    _map.forgetKept();
     _map.mutex().unlock();
     LgServiceRegistry::mutex().unlock();
     _waitMutex.unlock();
@@ -411,7 +417,7 @@ void LgServiceThreads::goOnInChild()
     _isForked = _isForked || isRunning();
     ++_forks;
     // First of all: what the parent's threads do must not be seen from here on.
-    _map.leaveInChild(static_cast<const LgQueue*>(ThreadSlot::get(ThreadSlot::Queue)));
+    _map.leaveInChild();
     // What waits for a file that fails is the parent's to write.
     for (int level = 0; level < LgTypes::NUM_LEVELS; ++level)
     {
@@ -437,18 +443,13 @@ void LgServiceThreads::leaveEventsToParent()
 {
     const List<LgQueue*> registered = LgServiceRegistry::queues();
     for (LgQueue* const queue : registered) dropEvents(*queue);
-    const auto* own = static_cast<const LgQueue*>(ThreadSlot::get(ThreadSlot::Queue));
     // Unless it is in the middle of a statement, the thread gets a new queue with its next event.
-    if (own && !own->isInserting())
-    {
-        ThreadSlot::set(ThreadSlot::Queue, nullptr);
-        own = nullptr;
-    }
+    if (!_kept && ThreadSlot::get(ThreadSlot::Queue)) ThreadSlot::set(ThreadSlot::Queue, nullptr);
     _queues.remove_if(
-        [this, own](LgQueue* queue)
+        [this](LgQueue* queue)
         {
             dropEvents(*queue);
-            if (queue == own) return false;
+            if (queue == _kept) return false;
             _lostOfEnded += queue->getLostCount();
             queue->creatorExit();
             return true;

@@ -227,6 +227,8 @@ private:
     std::uint64_t _lostOfEnded = 0;
     bool _isForked = false;
     int _forks = 0;
+    // The queue of the thread that forks, if it is in the middle of a statement.
+    const LgQueue* _kept = nullptr;
     LgServiceMap _map;
     std::atomic<bool> _running{false};
     std::atomic<std::int64_t> _endLimit{5000};

@@ -659,6 +659,29 @@ TEST(LgServiceProgram, AChildOfAForkEndsAndLogsToStandardOutput)
                              "Service by a service of its own", "Service child ended with 3"}));
 }
 
+// Each process writes the line that it completed, once; the child by a service of its own, as the
+// logger was active when the statement began.
+TEST(LgServiceProgram, AStatementWhoseOperandForksIsCompletedByBothProcesses)
+{
+    if (support::onWindows) GTEST_SKIP() << "Windows has no fork";
+    if (support::underSanitizer)
+        GTEST_SKIP() << "what the sanitizers lock does not survive a fork beside other threads";
+    const support::TempDir dir;
+    const support::ProgramResult result =
+        support::runProgram("serviceProgram", {"forkInside"}, {{"B7Q_TEST_DIR", dir.path()}});
+    EXPECT_EQ(result.exitCode, 0);
+    EXPECT_EQ(result.err, "");
+    EXPECT_EQ(result.out, "Service next of the child\n");
+    Texts events = fileTexts(dir.file("events.log"));
+    // The parent may write its line at any time.
+    const auto ofTheParent =
+        std::find(events.begin(), events.end(), "Service completed by the parent, once");
+    ASSERT_NE(ofTheParent, events.end());
+    events.erase(ofTheParent);
+    EXPECT_EQ(events, (Texts{"Service completed by the child, once",
+                             "Service by a service of its own", "Service child ended with 3"}));
+}
+
 TEST(LgServiceProgram, WhatWaitedAtAForkIsWrittenOnceAndByTheParent)
 {
     if (support::onWindows) GTEST_SKIP() << "Windows has no fork";

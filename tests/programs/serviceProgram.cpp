@@ -125,6 +125,37 @@ int forkInTheMiddle()
     return 0;
 }
 
+// A value whose insertion forks the process.
+struct ForkingValue
+{
+    support::Side& _side;
+};
+
+Zu::LgStream& operator<<(Zu::LgStream& stream, const ForkingValue& value)
+{
+    value._side = support::forkProcess();
+    return stream << (value._side == support::Side::CHILD ? "child" : "parent");
+}
+
+// The fork happens in the middle of a statement, which both processes complete.
+int forkInAStatement()
+{
+    const Zu::LgService service;
+    support::Side side = support::Side::NEITHER;
+    const ForkingValue value{side};
+    ZU_LOG_WARNING(Service, "completed by the " << value << ", once");
+    if (side == support::Side::CHILD)
+    {
+        ZU_LOG_WARNING(Service, "next of the child");
+        const Zu::LgService own;
+        ZU_LOG_WARNING(Service, "by a service of its own");
+        return 3;
+    }
+    const int child = support::awaitForkedChild();
+    ZU_LOG_WARNING(Service, "child ended with " << child);
+    return 0;
+}
+
 // Like a thread that found the logger active just before the end of the service.
 void addLate(const char* text)
 {
@@ -197,6 +228,7 @@ int run(const std::string& what, char** words)
     if (what == "exit") exitInTheMiddle();
     if (what == "lock") tellLock();
     if (what == "fork") result = forkInTheMiddle();
+    if (what == "forkInside") result = forkInAStatement();
     if (what == "forkBetween") result = forkBetweenServices();
     ZU_STOP_LOG_GROUP(Service);
     return result;
