@@ -238,6 +238,137 @@ QUEUE_OPERATIONS = {
     "longText": b"\x1c\0" + (b"\0\x0a\xff\1" * 4 + b"\2\2") * 2,
 }
 
+ADD_QUEUE, COMMIT_AGAIN, END_BATCH = b"\0", b"\7", b"\x0a"
+
+
+def queue(sizes=0, entry=0, characters=0):
+    return ADD_QUEUE + bytes([sizes, entry, characters])
+
+
+def logged(number, piece, ticks=5, level=3):
+    return b"\1" + bytes([number, level, ticks]) + piece + b"\n"
+
+
+def logged_long(number, piece, dots=0, back=0, ticks=5, level=3):
+    return b"\3" + bytes([number, level, ticks, back]) + piece + b"\n" + bytes([dots])
+
+
+def lost(number, count):
+    return b"\4" + bytes([number, count - 1])
+
+
+def lost_without_entry(number, count):
+    return b"\5" + bytes([number, count - 1])
+
+
+def batch(most):
+    return b"\6" + bytes([most])
+
+
+def moved(number):
+    return b"\x08" + bytes([number])
+
+
+def spoiled(area, word, number):
+    return b"\x0e" + bytes([area, word]) + struct.pack("<Q", number)
+
+
+# The areas of a map: the header, the batches, the table of queues, the first queue's positions and
+# its entries. With WIDE, eight bytes are written there and not four.
+HEADER, BATCH_0, BATCH_1, TABLE, POSITIONS, ENTRIES, WIDE = 0, 1, 5, 2, 3, 7, 128
+STATE, QUEUE_COUNT = 18, 24
+
+TWO_QUEUES = (queue() + queue(1, 3, 4) + logged(0, b"a") + logged(1, b"bcd") + logged(0, b"") +
+              logged(1, b"e") + lost(0, 7) + logged(0, b"f"))
+
+LEFT_MAP = {
+    "noQueue": b"",
+    "oneEvent": queue() + logged(0, b"text"),
+    "twoQueues": TWO_QUEUES,
+    "longTexts": queue() + logged_long(0, b"x", 252) + queue(4, 0, 9) + logged_long(1, b"y", 200),
+    "wraps": queue(0, 2, 5) + b"".join(logged(0, b"abc%d" % i) for i in range(9)),
+    "timeGoesBack": queue() + queue() + logged(1, b"a") + logged_long(0, b"b", 0, 90) +
+                    logged(1, b"c"),
+    "losses": queue() + lost(0, 3) + lost(0, 200) + logged(0, b"a") + lost_without_entry(0, 9),
+    "lossesAlone": queue() + lost_without_entry(0, 1),
+    "levels": queue() + b"".join(logged(0, b"l", 1, i) for i in range(7)),
+    "batch": TWO_QUEUES + batch(2),
+    "batchOfAll": TWO_QUEUES + batch(99) + logged(0, b"later") + logged(1, b"later"),
+    "batchWritten": TWO_QUEUES + batch(2) + COMMIT_AGAIN,
+    "reportedMoved": TWO_QUEUES + batch(3) + COMMIT_AGAIN + moved(0),
+    "textMoved": TWO_QUEUES + batch(3) + COMMIT_AGAIN + moved(0) * 2,
+    "oneMoved": TWO_QUEUES + batch(2) + COMMIT_AGAIN + moved(0) * 3 + logged(0, b"new"),
+    "allMoved": TWO_QUEUES + batch(2) + COMMIT_AGAIN + moved(0) * 3 + moved(1) * 3,
+    "secondBatch": TWO_QUEUES + batch(2) + COMMIT_AGAIN + moved(0) * 3 + moved(1) * 3 + END_BATCH +
+                   logged(1, b"g") + batch(1),
+    "batchOfLosses": queue() + lost(0, 4) + logged(0, b"a") + batch(1) + COMMIT_AGAIN +
+                     moved(0) * 3,
+    "badMagic": TWO_QUEUES + spoiled(HEADER, 0, 0),
+    "otherVersion": TWO_QUEUES + spoiled(HEADER, 2, 2),
+    "badState": TWO_QUEUES + spoiled(HEADER | WIDE, STATE, 7),
+    "tooManyQueues": TWO_QUEUES + spoiled(HEADER, QUEUE_COUNT, 16385),
+    "mostQueues": TWO_QUEUES + spoiled(HEADER, QUEUE_COUNT, 16384),
+    "badCounts": TWO_QUEUES + batch(2) + spoiled(BATCH_1, 0, 9) + spoiled(BATCH_1, 1, 1025),
+    "badPositions": TWO_QUEUES + batch(2) + spoiled(BATCH_1, 69, 0xFFFFFFFF),
+    "sameQueueTwice": TWO_QUEUES + batch(2) + spoiled(BATCH_1, 74, 0),
+    "batchThatIsNone": TWO_QUEUES + spoiled(HEADER | WIDE, STATE, 5),
+    "manyLines": TWO_QUEUES + batch(2) + b"\x0b\1" + spoiled(BATCH_1, 2, 992),
+    "tooManyLines": TWO_QUEUES + batch(2) + b"\x0b\1" + spoiled(BATCH_1, 2, 993),
+    "blockBeyond": TWO_QUEUES + spoiled(TABLE | WIDE, 0, 1 << 47),
+    "ringIsLarge": TWO_QUEUES + spoiled(TABLE, 4, 1 << 26) + spoiled(TABLE, 6, 1 << 26),
+    "ringIsNone": TWO_QUEUES + spoiled(TABLE, 3, 0),
+    "notUsable": TWO_QUEUES + spoiled(TABLE, 5, 2),
+    "endBeyond": TWO_QUEUES + spoiled(POSITIONS, 32, 64),
+    "textBeyond": TWO_QUEUES + spoiled(POSITIONS, 64, 32767),
+    "badEntry": TWO_QUEUES + spoiled(ENTRIES, 5, 99),
+    "oneQueueOften": TWO_QUEUES + b"\x0c\xff",
+    "oneQueueOftenInABatch": TWO_QUEUES + batch(2) + b"\x0c\xff",
+    "cut": TWO_QUEUES + b"\x0d\xf8\0",
+    "cutInTheTable": TWO_QUEUES + b"\x0d\x20\0",
+    "raw": b"\x0fZULOGMAP" + little(1),
+}
+
+
+def origin_line(wall="2026-11-22T22:00:00.000000000Z", host="name", boot="3f2b", rate="1000000000"):
+    return ("===== Clock Origin: 0000000000 0000012345 is %s, %s ticks per second, process 4711 "
+            "started 2026-11-22T21:59:59.000000000Z, host %s, boot %s =====" %
+            (wall, rate, host, boot)).encode()
+
+
+def origin_parts(start, tick, wall, rate, names, process=4711, time=99):
+    return b"\2" + struct.pack("<QQqQQqQ", start, tick, wall, rate, process, wall, time) + names
+
+
+LINE_TEXT = {
+    "plainText": b"\0an ordinary text",
+    "backslashes": b"\0C:\\temp\\x41 \\\\ \\u202e\\",
+    "controls": b"\0\1\x1b[31m\r\x7f\0end",
+    "lineFeeds": b"\0one\ntwo\n\n\tthree\n",
+    "tabs": b"\0\tfirst\tsecond",
+    "banner": b"\0===== Clock Origin: 1",
+    "bannerBehindLineFeed": b"\0a\n===== Clock Origin: 1",
+    "bidirectional": "\0a\u202eb\u2066c\u061cd\u200f".encode(),
+    "separators": "\0a\u2028b\u2029c\u0085d".encode(),
+    "utf8": "\0\u00e9\u20ac\U0001f600\\\u00e9".encode(),
+    "notUtf8": b"\0\xc0\x80\xed\xa0\x80\xf5\x80\x80\x80\xe2\x80 \xff\\\xff",
+    "long": b"\0" + b"0123456" * 20 + b"\\" + b"\x80" * 9,
+    "escapes": b"\1\\x1b\\u202e\\\\\\xZZ\\u\\x\\ud800\n\tmore\nraw",
+    "originLine": b"\1" + origin_line() + b"\n",
+    "originOfNobody": b"\1" + origin_line(host="-", boot="\\x2d"),
+    "originEscapes": b"\1" + origin_line(host="a\\x2c b\\x0a", boot=" ====="),
+    "originBefore1970": b"\1" + origin_line(wall="1677-09-21T00:12:43.145224192Z"),
+    "originWithoutRate": b"\1" + origin_line(rate="0"),
+    "originBadDate": b"\1" + origin_line(wall="2026-13-40T25:00:00.000000000Z"),
+    "originLeadingZero": b"\1" + origin_line(rate="01000000000"),
+    "originParts": origin_parts(5, 12345, 1795384800000000000, 1000000000, b"host\0boot"),
+    "originExtremes": origin_parts(9, 3, -(1 << 63), 1000000000000000000, b"-\0"),
+    "originLatest": origin_parts(0, 1 << 63, (1 << 63) - 1, 1, b", boot =====\0a, boot b ====="),
+    "timeBefore": origin_parts(0, 1 << 63, 0, 1, b"", time=0),
+    "timeFarBefore": origin_parts(0, (1 << 63) + 1, -(1 << 63), 1000, b"", time=5),
+    "timeFarBehind": origin_parts(0, 0, 1795384800000000000, 1, b"", time=1 << 62),
+    "originBytes": origin_parts(1, 2, -1, 3, b"\xff\\\n\t,\0\xe2\x80\xae\0"),
+}
+
 NUMBERS = {
     name: (line.encode("latin-1") + b"\n" + struct.pack("<Q", bits))
     for name, line, bits in [
@@ -324,6 +455,8 @@ ALL = {
     "filePath": FILE_PATH,
     "groupLevels": GROUP_LEVELS,
     "knownLeaks": KNOWN_LEAKS,
+    "leftMap": LEFT_MAP,
+    "lineText": LINE_TEXT,
     "logSetup": LOG_SETUP,
     "logStream": LOG_STREAM,
     "mapLines": MAP_LINES,

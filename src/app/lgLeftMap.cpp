@@ -52,8 +52,9 @@ bool readRing(const LgLeftMap::Read& read, std::uint64_t at, std::uint32_t size,
 
 } // namespace
 
-bool LgLeftMap::load(const Read& read)
+bool LgLeftMap::load(const Read& read, std::uint64_t most)
 {
+    _most = most;
     if (!loadHeader(read)) return false;
     loadBatch(read);
     for (std::uint32_t i = 0; i < _header._queueCount; ++i) loadQueue(read, i);
@@ -192,9 +193,10 @@ void LgLeftMap::loadEvents(const Read& read, const Queue& queue, std::uint32_t e
     const std::uint32_t count = (end - queue._entry) & (facts._entries - 1);
     // The text begins behind the end of the one before.
     const std::uint32_t size = (textEnd - queue._text) & (facts._characters - 1);
-    _size += size + std::uint64_t(count) * sizeof(LgMap::Entry);
+    // An event takes more than its entry, and events without text can be many.
+    _size += size + std::uint64_t(count) * sizeof(Event);
     if (count == 0) return;
-    if (_size > MOST_TEXT)
+    if (_size > _most)
     {
         _damaged += count;
         return;

@@ -54,8 +54,12 @@ public:
         std::uint32_t _inBatch;
     };
 
-    /// Reads it; false, with a reason, if it is not a map of this version.
-    bool load(const Read& read);
+    /// The most memory that events may take, in bytes, unless load() is given another bound.
+    static constexpr std::uint64_t MOST_TEXT = 1ULL << 30;
+
+    /// Reads it; false, with a reason, if it is not a map of this version. Queues that would need
+    /// more memory for their events than allowed are left out.
+    bool load(const Read& read, std::uint64_t most = MOST_TEXT);
 
     const std::string& getReason() const
     {
@@ -107,9 +111,6 @@ public:
         return _damaged;
     }
 
-    /// The most memory that texts may take, in bytes.
-    static constexpr std::uint64_t MOST_TEXT = 1ULL << 30;
-
 private:
     bool loadHeader(const Read& read);
     void loadBatch(const Read& read);
@@ -129,6 +130,7 @@ private:
     std::size_t _batchEvents = 0;
     std::uint64_t _damaged = 0;
     std::uint64_t _size = 0;
+    std::uint64_t _most = MOST_TEXT;
     std::string _reason;
 };
 

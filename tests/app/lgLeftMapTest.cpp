@@ -728,6 +728,24 @@ TEST_F(LgLeftMapHostile, ManyQueuesInOnePlaceTakeNoMoreMemoryThanAllowed)
     EXPECT_GT(map.getDamaged(), COUNT / 2);
 }
 
+// Entries of lost events have no text, and an event takes more memory than an entry.
+TEST_F(LgLeftMapHostile, ManyEventsWithoutTextTakeNoMoreMemoryThanAllowed)
+{
+    constexpr std::uint32_t COUNT = 50;
+    constexpr std::uint32_t EVENTS = LgMap::LEAST_ENTRIES - 1;
+    MapText text;
+    const std::uint32_t index = text.addQueue(1);
+    for (std::uint32_t i = 0; i < EVENTS; ++i) text.addLost(index, i, 1);
+    const LgMap::Queue queue = text.queue(index);
+    for (std::uint32_t i = 0; i < COUNT; ++i) text.put(MapText::placeOf(i), queue);
+    text.put(offsetof(LgMap::Header, _queueCount), COUNT);
+    constexpr std::uint64_t MOST = 10 * EVENTS * sizeof(LgLeftMap::Event);
+    LgLeftMap map;
+    ASSERT_TRUE(map.load(readerOf(text._bytes), MOST));
+    EXPECT_EQ(map.getEvents().size(), 10 * EVENTS);
+    EXPECT_EQ(map.getDamaged(), (COUNT - 10) * EVENTS);
+}
+
 TEST_F(LgLeftMapHostile, AnySingleByteMayBeWrong)
 {
     for (const std::uint32_t state : {LgMap::Writing, LgMap::Written})
