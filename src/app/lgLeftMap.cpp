@@ -131,7 +131,25 @@ void LgLeftMap::loadQueue(const Read& read, std::uint32_t index)
     _queues.push_back(queue);
     const std::size_t first = _events.size();
     loadEvents(read, queue, end, textEnd);
+    takeLossesOfBatch(queue, first);
     addRestOfLosses(queue, first);
+}
+
+// What the batch reports of an entry of lost events: the producer may have counted more there
+// since.
+void LgLeftMap::takeLossesOfBatch(const Queue& queue, std::size_t first)
+{
+    std::size_t place = first;
+    const std::size_t end = std::min(_events.size(), first + queue._inBatch);
+    for (std::uint32_t i = 0; i < _batch._lineCount && place < end; ++i)
+    {
+        const LgMap::BatchLine& line = _batch._lines[i];
+        if (line._queue >= _batch._queueCount || _batch._queues[line._queue]._queue != queue._index)
+            continue;
+        Event& event = _events[place++];
+        if (event._isOverflow && line._lost < static_cast<std::uint32_t>(event._value))
+            event._value = static_cast<std::int32_t>(line._lost);
+    }
 }
 
 // Losses that raced with the writing of their entry are in no entry. Without a count of losses, the

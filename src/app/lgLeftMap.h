@@ -117,6 +117,7 @@ private:
     void loadQueue(const Read& read, std::uint32_t index);
     void goBack(Queue& queue, std::uint32_t inBatch) const;
     void loadEvents(const Read& read, const Queue& queue, std::uint32_t end, std::uint32_t textEnd);
+    void takeLossesOfBatch(const Queue& queue, std::size_t first);
     void addRestOfLosses(const Queue& queue, std::size_t first);
     void order();
 

@@ -200,7 +200,8 @@ void checkBounds(const LgLeftMap& map)
         ASSERT_LT(event._nextText, facts._characters);
         ASSERT_LE(event._text.size(), LONGEST_TEXT);
         ASSERT_EQ(event._text.find('\0'), std::string::npos);
-        ASSERT_GE(event._value, event._isOverflow ? 1 : 0);
+        // 0 for lost events that the batch has found to be reported before.
+        ASSERT_GE(event._value, 0);
         ASSERT_TRUE(event._isOverflow || event._value < LEVELS);
     }
 }
@@ -471,13 +472,32 @@ TEST_F(LgLeftMapBatch, OfLostEventsAloneIsFoundToBeMovedByTheEntries)
     _text.addLost(queue, 50, 7);
     _text.add(queue, 60, "f");
     _batch._queues[_batch._queueCount++] = {queue, 0, 0, 0, 0};
-    _batch._lines[_batch._lineCount++] = lineOf(2);
+    _batch._lines[_batch._lineCount] = lineOf(2);
+    _batch._lines[_batch._lineCount++]._lost = 7;
     _text.setBatch(5, LgMap::Written, _batch);
     EXPECT_EQ(load(), (Texts{"a", "b", "c", "lost 7", "e", "d", "f"}));
     EXPECT_EQ(_map.getBatchEvents(), 4U);
     _text.moveEntry(queue, 1);
     EXPECT_EQ(load(), (Texts{"a", "b", "c", "e", "d", "f"}));
     EXPECT_EQ(_map.getBatchEvents(), 3U);
+}
+
+// The batch was made when the entry counted fewer losses; the others are reported behind it.
+TEST_F(LgLeftMapBatch, ReportsTheLossesThatItCountedAndNotThoseThatCameSince)
+{
+    const std::uint32_t queue = _text.addQueue(3);
+    _text.addLost(queue, 50, 7);
+    _text.add(queue, 60, "f");
+    _text.put(_text.queue(queue)._block + LOST, std::uint64_t{7});
+    _batch._queues[_batch._queueCount++] = {queue, 0, 0, 0, 0};
+    _batch._lines[_batch._lineCount] = lineOf(2);
+    _batch._lines[_batch._lineCount++]._lost = 5;
+    for (const auto state : {LgMap::Writing, LgMap::Written})
+    {
+        _text.setBatch(5, state, _batch);
+        EXPECT_EQ(load(), (Texts{"a", "b", "c", "lost 5", "e", "d", "f", "lost 2"}));
+        EXPECT_EQ(_map.getBatchEvents(), 4U);
+    }
 }
 
 TEST_F(LgLeftMapBatch, ThatMakesNoSenseIsNone)
