@@ -89,6 +89,8 @@ protected:
 
     support::VariableGuard _lockVariable;
     std::string _lockName;
+    // Removed when the logger has closed its files.
+    support::TempDir _elsewhere;
     std::optional<support::RunningLogger> _logger;
 };
 
@@ -297,15 +299,14 @@ TEST_F(LgServiceTest, NobodyWaitsWhileAFileFails)
     options._waitLevels = 1U << LgTypes::Warning;
     options._flushLevel = LgTypes::Error;
     options._waitLimit = std::chrono::hours(1);
-    const support::TempDir dir;
-    options._directory = dir.file("logs");
-    std::filesystem::create_directories(dir.file("logs/events.log"));
+    options._directory = _elsewhere.file("logs");
+    std::filesystem::create_directories(_elsewhere.file("logs/events.log"));
     support::StreamCapture errors(std::cerr);
     const LgService service(options);
     for (int i = 0; i < 1000; ++i) ZU_LOG_WARNING(Kit, "one of many");
     ZU_LOG_ERROR(Kit, "one that would wait");
     EXPECT_TRUE(service.health()._files.front()._isFailing);
-    std::filesystem::remove(dir.file("logs/events.log"));
+    std::filesystem::remove(_elsewhere.file("logs/events.log"));
 }
 
 TEST_F(LgServiceTest, ItsHealthIsThatOfQueuesAndFiles)

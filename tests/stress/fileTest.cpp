@@ -34,6 +34,21 @@ constexpr unsigned THREADS = 3;
 constexpr unsigned BURST = 100;
 constexpr unsigned EVENTS = 20 * BURST;
 
+// Removes the log directory, as far as the system does that while files in it are open. Where it
+// does, by one step: the reader must not find the directory without the file, in which it would
+// make another one.
+void removeDirectory()
+{
+    std::string directory = RoundLogger::dir();
+    std::error_code error;
+    if (!support::onWindows)
+    {
+        directory += "-removed";
+        std::filesystem::rename(RoundLogger::dir(), directory, error);
+    }
+    std::filesystem::remove_all(directory, error);
+}
+
 // On Linux the file remains without a name, on Windows the directory remains as long as the file is
 // open. Either way no line of it is missing, and the next logger has a directory again.
 TEST(StressFiles, TheDirectoryIsRemoved)
@@ -52,12 +67,7 @@ TEST(StressFiles, TheDirectoryIsRemoved)
             producer.logInBursts(EVENTS, BURST);
             // The reader is at work meanwhile.
             producer.log(BURST);
-            // By one step: the reader must not find the directory without the file, in which it
-            // would make another one.
-            const std::string other = RoundLogger::dir() + "-removed";
-            std::error_code error;
-            std::filesystem::rename(RoundLogger::dir(), other, error);
-            std::filesystem::remove_all(other, error);
+            removeDirectory();
             producer.logInBursts(EVENTS, BURST);
             account = producer.account();
             account._lost = service.getLostCount();

@@ -2,6 +2,7 @@
 
 #include <cstdlib>
 #include <malloc.h>
+#include <string>
 #include <windows.h>
 
 namespace stress
@@ -12,6 +13,9 @@ void killSelf()
     // The runtime's exit value of an abort, so that a killed process looks the same on both
     // platforms.
     constexpr UINT KILLED = 3;
+    // For the process that waits for this one, see tests/support/childProcessWindows.cpp.
+    const std::string name = "zuEndsHard" + std::to_string(GetCurrentProcessId());
+    CreateEventA(nullptr, TRUE, TRUE, name.c_str());
     TerminateProcess(GetCurrentProcess(), KILLED);
     while (true) Sleep(INFINITE);
 }

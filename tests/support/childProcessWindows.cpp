@@ -61,6 +61,15 @@ HANDLE openInheritable(const char* file, DWORD access, DWORD creation)
                        FILE_ATTRIBUTE_NORMAL, nullptr);
 }
 
+// Whether the process has announced that it terminates itself, see stress::killSelf().
+bool endsHard(DWORD process)
+{
+    const std::string name = "zuEndsHard" + std::to_string(process);
+    const HANDLE event = OpenEventA(SYNCHRONIZE, FALSE, name.c_str());
+    if (event) CloseHandle(event);
+    return event != nullptr;
+}
+
 } // namespace
 
 void runToFiles(const std::string& path, const std::vector<std::string>& arguments,
@@ -94,7 +103,10 @@ void runToFiles(const std::string& path, const std::vector<std::string>& argumen
     if (!started)
         throw std::runtime_error("can't start " + path + ": error " + std::to_string(error));
 
-    WaitForSingleObject(process.hProcess, INFINITE);
+    // A process that terminates itself sometimes hangs in Wine: that is then completed here.
+    constexpr DWORD PATIENCE = 2000;
+    while (WaitForSingleObject(process.hProcess, PATIENCE) == WAIT_TIMEOUT)
+        if (endsHard(process.dwProcessId)) TerminateProcess(process.hProcess, 3);
     DWORD exitCode = 0;
     GetExitCodeProcess(process.hProcess, &exitCode);
     CloseHandle(process.hThread);
