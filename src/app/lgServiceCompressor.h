@@ -36,6 +36,8 @@ public:
     /// Sets what compresses the files of services that begin from now on. The result has to be in
     /// the format of gzip, RFC 1952, since the files are named so. Null, the default, is none.
     static void setFactory(Factory factory) noexcept;
+
+    /// The function that setFactory() has set; null if none.
     static Factory getFactory() noexcept;
 
 protected:
