@@ -1,5 +1,6 @@
 #include "app/lgServiceCompression.h"
 
+#include "app/brackets.h"
 #include "support/fileTest.h"
 #include "support/platform.h"
 #include "support/streamCapture.h"
@@ -23,6 +24,7 @@ namespace
 
 namespace fs = std::filesystem;
 namespace Platform = Zu::LgServiceFilePlatform;
+using support::Brackets;
 using support::readFile;
 using support::writeFile;
 using Zu::LgServiceCompression;
@@ -30,37 +32,12 @@ using Zu::LgServiceCompressor;
 using Zu::LgServiceFile;
 using Tree = std::map<std::string, std::string>;
 
-// What happens while a file is compressed; returns whether the compressor goes on.
-std::function<bool()> meanwhile;
-
-// Puts brackets around a file.
-class Brackets : public LgServiceCompressor
-{
-public:
-    bool add(const char* data, std::size_t size, bool isLast, std::string& out) override
-    {
-        if (!_hasBegun) out += '[';
-        _hasBegun = true;
-        out.append(data, size);
-        if (isLast) out += ']';
-        return !isLast || !meanwhile || meanwhile();
-    }
-
-    static std::unique_ptr<LgServiceCompressor> make()
-    {
-        return std::make_unique<Brackets>();
-    }
-
-private:
-    bool _hasBegun = false;
-};
-
 class LgServiceCompressionTest : public testing::Test
 {
 protected:
     ~LgServiceCompressionTest() override
     {
-        meanwhile = nullptr;
+        Brackets::meanwhile = nullptr;
     }
 
     void put(const Tree& tree) const
@@ -81,7 +58,7 @@ protected:
     // Does this once, the first time that a file is compressed.
     static void once(std::function<void()> act)
     {
-        meanwhile = [act = std::move(act), isDone = false]() mutable
+        Brackets::meanwhile = [act = std::move(act), isDone = false]() mutable
         {
             if (!isDone) act();
             isDone = true;
@@ -235,7 +212,7 @@ TEST_F(LgServiceCompressionTest, AFileThatGrowsMeanwhileIsCompressedAnew)
 TEST_F(LgServiceCompressionTest, AFileThatGrowsEachTimeIsLeftForLater)
 {
     put({{"log.1", "a"}});
-    meanwhile = [this]
+    Brackets::meanwhile = [this]
     {
         std::ofstream(_path + ".1", std::ios::binary | std::ios::app) << "b";
         return true;
@@ -285,17 +262,17 @@ TEST_F(LgServiceCompressionTest, WhatCanNotBeCompressedIsReportedOnceAndStays)
 {
     const support::StreamCapture errors(std::cerr);
     put({{"log.1", "a"}});
-    meanwhile = [] { return false; };
+    Brackets::meanwhile = [] { return false; };
     EXPECT_FALSE(compressAll());
     EXPECT_FALSE(compressAll());
     EXPECT_EQ(found(), (Tree{{"log.1", "a"}}));
     const std::string head =
         "The rotated log file \"" + _path + ".1\" can't be compressed, and stays as it is: ";
     EXPECT_EQ(errors.text(), head + "the compressor fails\n");
-    meanwhile = nullptr;
+    Brackets::meanwhile = nullptr;
     EXPECT_TRUE(compressAll());
     put({{"log.1", "b"}});
-    meanwhile = [] { return false; };
+    Brackets::meanwhile = [] { return false; };
     EXPECT_FALSE(compressAll());
     EXPECT_EQ(errors.text(), head + "the compressor fails\n" + head + "the compressor fails\n");
 }

@@ -1,5 +1,6 @@
 #include "app/lgServiceCompressor.h"
 
+#include "app/brackets.h"
 #include "app/lgService.h"
 #include "base/lgEvent.h"
 #include "support/fileTest.h"
@@ -23,30 +24,9 @@ namespace
 {
 
 namespace fs = std::filesystem;
+using support::Brackets;
 using Zu::LgService;
 using Zu::LgServiceCompressor;
-
-// Puts brackets around a file.
-class Brackets : public LgServiceCompressor
-{
-public:
-    bool add(const char* data, std::size_t size, bool isLast, std::string& out) override
-    {
-        if (!_hasBegun) out += '[';
-        _hasBegun = true;
-        out.append(data, size);
-        if (isLast) out += ']';
-        return true;
-    }
-
-    static std::unique_ptr<LgServiceCompressor> make()
-    {
-        return std::make_unique<Brackets>();
-    }
-
-private:
-    bool _hasBegun = false;
-};
 
 class LgServiceCompressorTest : public testing::Test
 {
