@@ -4,12 +4,16 @@ usage: summary.py <build tree>
 
 CTest counts its entries, each a program of many cases. This reads what the programs report, and
 CTest's own report for entries that report nothing; such an entry counts as one case. The last line
-is `N passed, N failed, N skipped`. The reasons of skipped cases are in <build tree>/skipped.txt.
+is `N passed, N failed, N skipped`. In front of it are the failed cases with the beginning of what
+they printed. The reasons of skipped cases are in <build tree>/skipped.txt.
 """
 
 import sys
 import xml.etree.ElementTree as ElementTree
 from pathlib import Path
+
+# As many lines of a failure are enough to know what it is about.
+LINES_OF_FAILURE = 30
 
 
 def casesOf(report):
@@ -21,7 +25,7 @@ def casesOf(report):
         name = f"{case.get('classname')}.{case.get('name')}"
         skipped = case.find("skipped")
         if case.find("failure") is not None:
-            yield name, "failed", ""
+            yield name, "failed", case.find("failure").get("message", "")
         elif skipped is not None or case.get("result") == "skipped":
             reason = skipped.get("message", "") if skipped is not None else ""
             # Behind the place in the source.
@@ -58,6 +62,9 @@ def main():
     skips = []
     for entry, name, kind, reason in allCases(tree):
         counts[kind] += 1
+        if kind == "failed":
+            lines = reason.split("\n")[:LINES_OF_FAILURE]
+            print("\n    ".join([f"Failed: {entry}: {name}", *(line[:200] for line in lines)]))
         if kind == "skipped":
             skips.append(f"{entry}: {name}: {reason or 'no reason is given'}\n")
     (tree / "skipped.txt").write_text("".join(skips), encoding="utf-8")

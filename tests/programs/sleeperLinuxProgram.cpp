@@ -4,10 +4,12 @@
 #include "base/base.h"
 #include "base/sleeper.h"
 
-#include <csignal>
+#include <cerrno>
+#include <ctime>
 #include <iostream>
 #include <sys/prctl.h>
-#include <sys/time.h>
+#include <sys/syscall.h>
+#include <unistd.h>
 
 namespace
 {
@@ -15,41 +17,27 @@ namespace
 // Neither what the system gives to a new process nor what a sleep may want.
 constexpr int OWN = 70001;
 
-volatile std::sig_atomic_t during = OWN;
+int during = OWN;
 
 int slack()
 {
     return prctl(PR_GET_TIMERSLACK);
 }
 
-// On the thread that sleeps, there is no other. It may come before the sleep, or behind it.
-void look(int)
-{
-    const int now = slack();
-    if (now != OWN) during = now;
-}
-
-void lookEveryMillisecond()
-{
-    struct sigaction action = {};
-    action.sa_handler = look;
-    action.sa_flags = SA_RESTART;
-    sigaction(SIGALRM, &action, nullptr);
-    const itimerval millisecond = {{0, 1000}, {0, 1000}};
-    setitimer(ITIMER_REAL, &millisecond, nullptr);
-}
-
 } // namespace
+
+// Stands before the C library's function for the whole program, so it sees what a sleep has set.
+extern "C" int clock_nanosleep(clockid_t clock, int flags, const timespec* time, timespec* rest)
+{
+    during = slack();
+    return syscall(SYS_clock_nanosleep, clock, flags, time, rest) == 0 ? 0 : errno;
+}
 
 int main(int count, char** words)
 {
-    constexpr int TRIES = 100;
     const Zu::InInitGuard guard(count, words);
     prctl(PR_SET_TIMERSLACK, static_cast<unsigned long>(OWN));
     std::cout << "before " << slack() << '\n';
-    lookEveryMillisecond();
-    for (int i = 0; i < TRIES && during == OWN; ++i) Zu::Sleeper::getInstance().sleep(0.02);
-    const itimerval never = {};
-    setitimer(ITIMER_REAL, &never, nullptr);
+    Zu::Sleeper::getInstance().sleep(0.02);
     std::cout << "during " << during << '\n' << "after " << slack() << std::endl;
 }
