@@ -230,7 +230,7 @@ public:
         if (_state != LgMap::Idle) return;
         LgMap::Batch batch = {};
         batch._fileCount = 1;
-        batch._files[0] = {1, 2, 3, 4};
+        batch._files[0] = {1, 2, 3, 4, LgMap::NONE, 1, 0, 0};
         batch._lines[batch._lineCount++] = {5, 6, LgMap::NONE, 0, 0};
         for (Producer& queue : _queues)
         {
@@ -286,6 +286,26 @@ public:
             queue._inBatch = 0;
         }
         commit(LgMap::Idle, _number);
+    }
+
+    // Stores lines that wait for a log: some more of them, or others.
+    void wait(fuzz::Input& input)
+    {
+        const std::uint32_t number = input.takeByte() % LgMap::MOST_FILES;
+        const bool isContinued = input.takeByte() % 2 == 0;
+        std::string& text = _waiting[number];
+        if (!isContinued) text.clear();
+        text += input.takeLine() + '\n';
+        const std::uint64_t slot =
+            offsetof(LgMap::Header, _waiting) + number * sizeof(LgMap::WaitingLog);
+        LgMap::WaitingLog log = {};
+        if (!_file.read(slot, &log, sizeof log)) return;
+        log._current = 1 - (log._current & 1);
+        log._waiting[log._current] = {
+            _file._size, text.size(), LgMap::hashBytes(text.data(), text.size()), _number, 1, 2};
+        _file._size += text.size();
+        _file.write(log._waiting[log._current]._place, text.data(), text.size());
+        _file.put(slot, log);
     }
 
     // Writes a number to a place near one that means something.
@@ -422,6 +442,7 @@ private:
     {
         FUZZ_REQUIRE(map.getQueues().size() <= LgMap::MOST_QUEUES);
         FUZZ_REQUIRE(map.getState() <= LgMap::Written);
+        FUZZ_REQUIRE(map.getWaiting().size() == LgMap::MOST_FILES);
         FUZZ_REQUIRE(map.getBatchEvents() <= map.getEvents().size());
         FUZZ_REQUIRE(map.getBatchEvents() <= LgMap::MOST_EVENTS);
         FUZZ_REQUIRE(map.getState() != LgMap::Idle || map.getBatchEvents() == 0);
@@ -510,6 +531,8 @@ private:
         FUZZ_REQUIRE(map.getNumber() == _number);
         FUZZ_REQUIRE(map.getDamaged() == 0);
         FUZZ_REQUIRE(map.getQueues().size() == _queues.size());
+        for (std::size_t i = 0; i < _waiting.size(); ++i)
+            FUZZ_REQUIRE(map.getWaiting()[i]._text == _waiting[i]);
         FUZZ_REQUIRE(map.getBatchEvents() == inBatch);
         FUZZ_REQUIRE(map.getEvents().size() == rows.size());
         for (std::size_t i = 0; i < rows.size(); ++i)
@@ -554,6 +577,7 @@ private:
 
     SparseFile _file;
     std::vector<Producer> _queues;
+    std::array<std::string, LgMap::MOST_FILES> _waiting;
     LgMap::State _state = LgMap::Idle;
     std::uint64_t _number = 0;
     std::uint64_t _time = 100;
@@ -562,7 +586,7 @@ private:
 
 void run(fuzz::Input input)
 {
-    constexpr std::uint8_t ACTIONS = 16;
+    constexpr std::uint8_t ACTIONS = 17;
     Map map;
     while (!input.isEmpty())
     {
@@ -608,6 +632,9 @@ void run(fuzz::Input input)
             break;
         case 14:
             map.spoil(input);
+            break;
+        case 16:
+            map.wait(input);
             break;
         default:
             map.overwrite(input.takeRest());

@@ -57,6 +57,7 @@ bool LgLeftMap::load(const Read& read, std::uint64_t most)
     _most = most;
     if (!loadHeader(read)) return false;
     loadBatch(read);
+    loadWaiting(read);
     for (std::uint32_t i = 0; i < _header._queueCount; ++i) loadQueue(read, i);
     order();
     return true;
@@ -102,6 +103,46 @@ void LgLeftMap::loadBatch(const Read& read)
     }
     if (events > LgMap::MOST_EVENTS) return;
     _state = static_cast<LgMap::State>(state);
+}
+
+// Lines that are damaged are left out, since their bytes would go into the log as they are. Then
+// the log file shows which lines of the batch are written.
+void LgLeftMap::loadWaiting(const Read& read)
+{
+    for (std::uint32_t i = 0; i < LgMap::MOST_FILES; ++i)
+    {
+        const LgMap::WaitingLog& log = _header._waiting[i];
+        const LgMap::Waiting& stored = log._waiting[log._current & 1];
+        Waiting& waiting = _waiting[i];
+        bool isWhole = stored._size <= LgMap::MOST_WAITING && stored._place < LONGEST_FILE &&
+                       stored._size <= _most - std::min(_most, _size);
+        if (isWhole)
+        {
+            _size += stored._size;
+            waiting._text.resize(stored._size);
+        }
+        isWhole =
+            isWhole && (stored._size == 0 ||
+                        (read(stored._place, waiting._text.data(), stored._size) &&
+                         LgMap::hashBytes(waiting._text.data(), stored._size) == stored._hash));
+        if (!isWhole)
+        {
+            waiting = {};
+            ++_damaged;
+            continue;
+        }
+        waiting._batch = stored._batch;
+        waiting._dropped = stored._dropped;
+        waiting._failingSince = stored._failingSince;
+    }
+}
+
+bool LgLeftMap::isEmpty() const
+{
+    const auto hasNothing = [](const Waiting& waiting)
+    { return waiting._text.empty() && waiting._dropped == 0; };
+    return _events.empty() && _damaged == 0 &&
+           std::all_of(_waiting.begin(), _waiting.end(), hasNothing);
 }
 
 void LgLeftMap::loadQueue(const Read& read, std::uint32_t index)

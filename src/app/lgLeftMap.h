@@ -54,6 +54,16 @@ public:
         std::uint32_t _inBatch;
     };
 
+    /// What waits for a log file that fails.
+    struct Waiting
+    {
+        /// See LgMap::Waiting; no number of a batch, 0, if nothing was ever stored.
+        std::string _text;
+        std::uint64_t _batch = 0;
+        std::uint64_t _dropped = 0;
+        std::int64_t _failingSince = 0;
+    };
+
     /// The most memory that events may take, in bytes, unless load() is given another bound.
     static constexpr std::uint64_t MOST_TEXT = 1ULL << 30;
 
@@ -105,7 +115,16 @@ public:
         return _batchEvents;
     }
 
-    /// How many entries had to be left out.
+    /// By the first level whose events go to the log file.
+    const std::vector<Waiting>& getWaiting() const
+    {
+        return _waiting;
+    }
+
+    /// Whether there is neither an event nor anything else to write.
+    bool isEmpty() const;
+
+    /// How many entries, and texts that wait for log files, had to be left out.
     std::uint64_t getDamaged() const
     {
         return _damaged;
@@ -114,6 +133,7 @@ public:
 private:
     bool loadHeader(const Read& read);
     void loadBatch(const Read& read);
+    void loadWaiting(const Read& read);
     void loadQueue(const Read& read, std::uint32_t index);
     void goBack(Queue& queue, std::uint32_t inBatch) const;
     void loadEvents(const Read& read, const Queue& queue, std::uint32_t end, std::uint32_t textEnd);
@@ -126,6 +146,7 @@ private:
     LgMap::State _state = LgMap::Idle;
     // How many lines of the batch are of each of its queues.
     std::uint32_t _batchLines[LgMap::MOST_LINES] = {};
+    std::vector<Waiting> _waiting = std::vector<Waiting>(LgMap::MOST_FILES);
     std::vector<Queue> _queues;
     std::vector<Event> _events;
     std::size_t _batchEvents = 0;

@@ -18,7 +18,8 @@
 /// 1. the header, in a page of its own,
 /// 2. two batches, used in turn: what the writing thread is about to write,
 /// 3. the table of queues,
-/// 4. blocks, each with one queue: its positions, its entries, its characters.
+/// 4. blocks, each with one queue: its positions, its entries, its characters. Among them are
+///    buffers with the lines that wait for log files that fail.
 ///
 /// The file may be shorter than its tables say, and it may have holes, which read as zeros: room is
 /// taken from the system only when it is needed.
@@ -31,7 +32,7 @@ namespace Zu::LgMap
 inline constexpr char MAGIC[8] = {'Z', 'U', 'L', 'O', 'G', 'M', 'A', 'P'};
 
 /// Changes with every change of the layout.
-inline constexpr std::uint32_t VERSION = 1;
+inline constexpr std::uint32_t VERSION = 2;
 
 inline constexpr std::uint64_t PAGE = 4096;
 inline constexpr std::size_t NAME_SIZE = 64;
@@ -66,6 +67,35 @@ enum State : std::uint32_t
 
 /// The word that commits a batch: its number, and its state in the two lowest bits.
 inline constexpr std::uint32_t STATE_BITS = 2;
+
+/// The longest text that is kept for a log file that fails.
+inline constexpr std::uint64_t MOST_WAITING = 32ULL << 20;
+
+/// What waits for a log file that fails: lines as they will be in the file, and the number of
+/// events that are not among them because there were too many.
+struct Waiting
+{
+    /// Where the lines are, and how many bytes they have.
+    std::uint64_t _place;
+    std::uint64_t _size;
+    /// See hashBytes().
+    std::uint64_t _hash;
+    /// The number of the batch after whose attempt they waited: its lines are in the file or here.
+    std::uint64_t _batch;
+    std::uint64_t _dropped;
+    /// When the file began to fail: UTC, in nanoseconds since 1970.
+    std::int64_t _failingSince;
+};
+
+/// The two of them that are used in turn for a log file. What is stored in the one that counts is
+/// only ever continued behind its end; anything else is stored in the other one.
+struct WaitingLog
+{
+    Waiting _waiting[2];
+    /// Which one counts, 0 or 1. Stored last.
+    std::uint32_t _current;
+    std::uint32_t _reserved;
+};
 
 /// Who made the map, and how times can be read.
 struct Header
@@ -102,6 +132,8 @@ struct Header
     char _host[NAME_SIZE];
     char _boot[NAME_SIZE];
     char _directory[DIRECTORY_SIZE];
+    /// By the first level whose events go to the log file.
+    WaitingLog _waiting[MOST_FILES];
 };
 static_assert(sizeof(Header) <= PAGE && offsetof(Header, _state) % 8 == 0);
 
@@ -112,6 +144,14 @@ struct BatchFile
     std::uint64_t _number;
     std::uint64_t _offset;
     std::uint64_t _length;
+    /// Whose WaitingLog belongs to it: an index, or NONE.
+    std::uint32_t _log;
+    /// 0 if the file fails: then nothing is written to it, and the lines are about to wait.
+    std::uint32_t _isOpen;
+    /// Where the lines that waited begin in the part, and which bytes of them are left out because
+    /// they were there before.
+    std::uint64_t _waitingAt;
+    std::uint64_t _waitingFrom;
 };
 
 /// A queue that a batch takes events from, and its positions before.
@@ -204,6 +244,15 @@ inline constexpr std::uint64_t QUEUES_AT = BATCHES_AT + 2 * BATCH_SPACE;
 inline constexpr std::uint64_t BLOCKS_AT =
     (QUEUES_AT + MOST_QUEUES * sizeof(Queue) + 0xFFFF) / 0x10000 * 0x10000;
 /// @}
+
+/// The hash of bytes, continued from that of the bytes before them: FNV-1a.
+inline std::uint64_t hashBytes(const char* text, std::size_t length,
+                               std::uint64_t hash = 0xCBF29CE484222325)
+{
+    for (std::size_t i = 0; i < length; ++i)
+        hash = (hash ^ static_cast<unsigned char>(text[i])) * 0x100000001B3;
+    return hash;
+}
 
 /// The hash of a line in a batch.
 inline std::uint32_t hashOf(const char* text, std::size_t length)

@@ -205,9 +205,10 @@ LgService::LgService(LgServiceOptions options, bool) : _options(std::move(option
         const LgLineForm form = formOf(_options._lineForm);
         threads.setEndLimit(_options._endLimit);
         threads.setWaiting({_options._waitLevels, _options._flushLevel, _options._waitLimit});
-        threads.start(settings);
         setLogs(_options);
+        // First: it frees the room that this process may need.
         _recovered = recover(settings, _options);
+        threads.start(settings);
         LgLog::setQueueFunction(&LgServiceThreads::queueOfThread);
         LgQueue::setRoomFunction(_options._waitLevels == 0 ? nullptr
                                                            : &LgServiceThreads::waitForRoom);

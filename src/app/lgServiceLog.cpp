@@ -225,10 +225,14 @@ std::string LgServiceLog::dates() const
     if (_isLineCut) text += '\n';
     if (_isBannerDue) text += LgLog::getBanner();
     if (_origin && (_isBannerDue || _isOriginDue)) text += lgOriginLine(*_origin);
-    if (_dropped > 0)
-        text += "===== Not Written: " + std::to_string(_dropped) + " events since " +
-                lgIsoTime(_failingSince.value_or(0), 6) + " =====\n";
+    if (_dropped > 0) text += notWrittenLine(_dropped, getFailingSince());
     return text;
+}
+
+std::string LgServiceLog::notWrittenLine(std::uint64_t count, std::int64_t since)
+{
+    return "===== Not Written: " + std::to_string(count) + " events since " + lgIsoTime(since, 6) +
+           " =====\n";
 }
 
 void LgServiceLog::collectPrefix()
@@ -276,6 +280,7 @@ void LgServiceLog::keepFrom(std::size_t written, std::string_view text)
     if (written == _datesSize + text.size())
     {
         _isLineCut = false;
+        if (!_waiting.empty()) ++_changes;
         _waiting.clear();
         _waitingLines.clear();
         return;
@@ -287,19 +292,23 @@ void LgServiceLog::keepFrom(std::size_t written, std::string_view text)
         begin += line->_length;
     _waitingLines.erase(_waitingLines.begin(), line);
     if (written > 0) _isLineCut = _prefix[written - 1] != '\n';
+    if (begin > 0) ++_changes;
+    const std::size_t before = begin > 0 ? 0 : _waiting.size();
     _waiting.assign(text.substr(begin));
-    enforceLimit();
+    enforceLimit(before);
 }
 
 void LgServiceLog::wait(std::string_view text, const std::vector<Line>& lines)
 {
+    const std::size_t before = _waiting.size();
     _waiting += text;
     _waitingLines.insert(_waitingLines.end(), lines.begin(), lines.end());
-    enforceLimit();
+    enforceLimit(before);
 }
 
-// The latest lines are dropped, so that those before the failure are complete.
-void LgServiceLog::enforceLimit()
+// The latest lines are dropped, so that those before the failure are complete. So many bytes waited
+// before.
+void LgServiceLog::enforceLimit(std::size_t before)
 {
     std::size_t size = _waiting.size();
     std::uint64_t dropped = 0;
@@ -309,6 +318,7 @@ void LgServiceLog::enforceLimit()
         if (_waitingLines.back()._isEvent) ++dropped;
         _waitingLines.pop_back();
     }
+    if (size < before) ++_changes;
     _waiting.resize(size);
     _dropped += dropped;
     if (dropped > 0) LgReader::addUnwrittenCount(dropped);
@@ -319,29 +329,30 @@ bool LgServiceLog::isTryDue() const
     return isFailing() && _now() >= _nextTry;
 }
 
-bool LgServiceLog::writeWaiting()
-{
-    const bool isLineFeedMissing = isFailing() && _isLineCut;
-    if (_waiting.empty() && _dropped == 0 && !isLineFeedMissing) return true;
-    _nextTry = Clock::time_point::min();
-    if (prepare(0)) write({}, {});
-    return _waiting.empty();
-}
-
 void LgServiceLog::giveUp()
 {
     std::uint64_t dropped = 0;
-    for (const Line& line : _waitingLines)
+    const Waiting waiting = takeWaiting();
+    for (const Line& line : waiting._lines)
         if (line._isEvent) ++dropped;
-    _waiting.clear();
-    _waitingLines.clear();
     if (dropped > 0) LgReader::addUnwrittenCount(dropped);
 }
 
-void LgServiceLog::forget()
+LgServiceLog::Waiting LgServiceLog::takeWaiting()
 {
-    _waiting.clear();
-    _waitingLines.clear();
+    if (!_waiting.empty()) ++_changes;
+    return {std::exchange(_waiting, {}), std::exchange(_waitingLines, {}),
+            std::exchange(_dropped, 0), getFailingSince()};
+}
+
+void LgServiceLog::setWaiting(Waiting waiting)
+{
+    ++_changes;
+    _waiting = std::move(waiting._text);
+    _waitingLines = std::move(waiting._lines);
+    _dropped = waiting._dropped;
+    _failingSince = waiting._since;
+    tryNow();
 }
 
 void LgServiceLog::reopen()

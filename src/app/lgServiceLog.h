@@ -56,6 +56,16 @@ public:
         bool _isEvent;
     };
 
+    /// What waits because the file fails.
+    struct Waiting
+    {
+        std::string _text;
+        std::vector<Line> _lines;
+        /// How many events were dropped, and since when: UTC, in nanoseconds since 1970.
+        std::uint64_t _dropped;
+        std::int64_t _since;
+    };
+
     /// A part of a file that a batch is about to be written to.
     struct Part
     {
@@ -117,15 +127,51 @@ public:
     /// Whether something waits whose next try is due.
     bool isTryDue() const;
 
-    /// Writes what waits, as far as possible, whether or not a try is due. For the end of the
-    /// service. Returns whether nothing is left.
-    bool writeWaiting();
+    /// Makes a try due if it fails. For the end of the service.
+    void tryNow()
+    {
+        _nextTry = Clock::time_point::min();
+    }
+
+    /// The lines that wait because the file fails; the next write begins with them, behind the
+    /// dates.
+    std::string_view getWaiting() const
+    {
+        return _waiting;
+    }
+
+    /// How many events were dropped because more than these would have waited, and since when the
+    /// file fails: UTC, in nanoseconds since 1970.
+    std::uint64_t getDropped() const
+    {
+        return _dropped;
+    }
+
+    std::int64_t getFailingSince() const
+    {
+        return _failingSince.value_or(0);
+    }
+
+    /// Changes when the lines that wait do otherwise than by further ones at the end.
+    std::uint64_t getChanges() const
+    {
+        return _changes;
+    }
+
+    /// How many bytes of getPrefix() are the dates.
+    std::size_t getDatesSize() const
+    {
+        return _datesSize;
+    }
+
+    /// Takes what waits out of the log: it is kept elsewhere.
+    Waiting takeWaiting();
+
+    /// Has it back; it is tried with the next batch.
+    void setWaiting(Waiting waiting);
 
     /// Drops what waits and counts it; for the end of the service.
     void giveUp();
-
-    /// Drops what waits without counting it, since it is kept elsewhere.
-    void forget();
 
     /// Closes the file; the next line opens it by its name.
     void reopen();
@@ -157,7 +203,15 @@ public:
         return _rotations;
     }
 
+    /// The line that says how many events are not in a file, since when it failed.
+    static std::string notWrittenLine(std::uint64_t count, std::int64_t since);
+
     LgServiceFile& file()
+    {
+        return *_file;
+    }
+
+    const LgServiceFile& getFile() const
     {
         return *_file;
     }
@@ -189,7 +243,7 @@ private:
     void collectPrefix();
     std::string dates() const;
     void keepFrom(std::size_t written, std::string_view text);
-    void enforceLimit();
+    void enforceLimit(std::size_t before);
     void fail(int error);
     void work();
 
@@ -204,6 +258,7 @@ private:
     std::size_t _datesSize = 0;
     std::string _waiting;
     std::vector<Line> _waitingLines;
+    std::uint64_t _changes = 0;
     // Whether the file must begin, or go on, with the banner or the origin.
     bool _isBannerDue = true;
     bool _isOriginDue = true;

@@ -25,6 +25,8 @@ constexpr std::uint32_t SMALL_ENTRIES = 1024;
 constexpr std::uint32_t SMALL_CHARACTERS = LgStream::BufSize;
 constexpr std::uint32_t QUEUES_PER_PAGE = LgMap::PAGE / sizeof(LgMap::Queue);
 
+constexpr const char* SOME_NOT_KEPT = "Some events are not kept in case the process is killed";
+
 static_assert(sizeof(LgQueue) <= LgMap::PAGE);
 static_assert(sizeof(LgQueue::Entry) == sizeof(LgMap::Entry));
 
@@ -69,7 +71,7 @@ private:
 class LgServiceMap::Block : public LgQueue::Home
 {
 public:
-    Block(LgServiceMap& map, const Space& space, std::uint32_t index, std::uint32_t entries,
+    Block(LgServiceMap& map, const Room& space, std::uint32_t index, std::uint32_t entries,
           std::uint32_t characters)
         : _map(map), _space(space), _index(index),
           _entries(*this, _space._place + LgMap::PAGE, entries, usable(entries, FIRST_ENTRIES / 16),
@@ -95,9 +97,9 @@ public:
     }
 
     LgServiceMap& _map;
-    Space _space;
+    Room _space;
     // The same, for the list of free spaces: giving it back must not need memory.
-    std::list<Space> _spaces;
+    std::list<Room> _spaces;
     std::uint32_t _index;
     Ring _entries;
     Ring _characters;
@@ -134,8 +136,7 @@ std::uint32_t LgServiceMap::Ring::grow(std::uint32_t needed)
             (_bytesEach == 1 ? slot._usableCharacters : slot._usableEntries) = getUsable();
             return getUsable();
         }
-        map.reportOnce("Some events are not kept in case the process is killed",
-                       map._file->getError());
+        map.reportOnce(SOME_NOT_KEPT, map._file->getError());
     }
     if (!LgMapFile::replaceByPrivate(_block._space._place + _at + from, whole - from))
         return getUsable();
@@ -247,7 +248,7 @@ LgQueue* LgServiceMap::makeInFile(std::uint32_t threadId, const LgQueue::Observe
         characters = std::min(characters, SMALL_CHARACTERS);
     }
     const std::uint64_t size = roundUp(LgMap::PAGE + bytesOf(entries) + characters, GRANULE);
-    std::list<Space> spaces;
+    std::list<Room> spaces;
     if (!findSpace(size, spaces)) return nullptr;
     const std::optional<std::uint32_t> index = findIndex();
     if (!index || !reserveFirst(spaces.front(), entries, characters))
@@ -271,7 +272,7 @@ LgQueue* LgServiceMap::makeInFile(std::uint32_t threadId, const LgQueue::Observe
 }
 
 // Takes the space out of the list when nothing can fail any more.
-LgQueue* LgServiceMap::makeInSpace(std::uint32_t threadId, std::list<Space>& spaces,
+LgQueue* LgServiceMap::makeInSpace(std::uint32_t threadId, std::list<Room>& spaces,
                                    std::uint32_t index, std::uint32_t entries,
                                    std::uint32_t characters)
 {
@@ -286,10 +287,10 @@ LgQueue* LgServiceMap::makeInSpace(std::uint32_t threadId, std::list<Space>& spa
     return queue;
 }
 
-bool LgServiceMap::findSpace(std::uint64_t size, std::list<Space>& found)
+bool LgServiceMap::findSpace(std::uint64_t size, std::list<Room>& found)
 {
     const auto same = std::find_if(_free.begin(), _free.end(),
-                                   [size](const Space& space) { return space._size == size; });
+                                   [size](const Room& space) { return space._size == size; });
     if (same != _free.end())
     {
         found.splice(found.end(), _free, same);
@@ -330,7 +331,7 @@ bool LgServiceMap::hasTableRoom(std::uint32_t index)
     return true;
 }
 
-bool LgServiceMap::reserveFirst(const Space& space, std::uint32_t entries, std::uint32_t characters)
+bool LgServiceMap::reserveFirst(const Room& space, std::uint32_t entries, std::uint32_t characters)
 {
     const std::uint64_t firstEntries = std::min(bytesOf(entries), FIRST_ENTRIES);
     const std::uint64_t firstCharacters = std::min<std::uint64_t>(characters, FIRST_CHARACTERS);
@@ -387,7 +388,7 @@ void LgServiceMap::giveBack(Block& block) noexcept
 // Gives back the room of what was used.
 void LgServiceMap::clear(const Block& block)
 {
-    const Space& space = block._space;
+    const Room& space = block._space;
     const std::uint64_t entries = bytesOf(block._entries.getSize());
     const std::uint64_t parts[][2] = {
         {0, LgMap::PAGE + bytesOf(queueAt(block._index)._usableEntries)},
@@ -409,6 +410,40 @@ std::uint32_t LgServiceMap::indexOf(const LgQueue& queue) const
     return block && &block->_map == this ? block->_index : LgMap::NONE;
 }
 
+LgServiceMap::Room LgServiceMap::makeRoom(std::uint64_t size)
+{
+    const std::lock_guard guard(_mutex);
+    std::list<Room> found;
+    if (!isOpen() || !findSpace(roundUp(size, GRANULE), found)) return {};
+    _used += found.front()._size;
+    _rooms.splice(_rooms.end(), found);
+    return _rooms.back();
+}
+
+bool LgServiceMap::reserve(const Room& room, std::uint64_t from, std::uint64_t to)
+{
+    const std::lock_guard guard(_mutex);
+    const std::uint64_t begin = from / LgMap::PAGE * LgMap::PAGE;
+    return isOpen() && _file->reserve(room._offset + begin, roundUp(to, LgMap::PAGE) - begin);
+}
+
+void LgServiceMap::giveBack(const Room& room)
+{
+    const std::lock_guard guard(_mutex);
+    const auto isIt = [&room](const Room& other) { return other._offset == room._offset; };
+    const auto place = std::find_if(_rooms.begin(), _rooms.end(), isIt);
+    if (!room._place || place == _rooms.end()) return;
+    _used -= room._size;
+    _file->clear(room._place, room._offset, room._size);
+    _free.splice(_free.end(), _rooms, place);
+}
+
+void LgServiceMap::reportNotKept(const std::string& reason)
+{
+    const std::lock_guard guard(_mutex);
+    reportOnce(SOME_NOT_KEPT, reason.empty() && isOpen() ? _file->getError() : reason);
+}
+
 void LgServiceMap::commit(std::uint64_t number, LgMap::State state)
 {
     const std::uint64_t word = (number << LgMap::STATE_BITS) | state;
@@ -424,6 +459,8 @@ void LgServiceMap::removeFileIfEmpty()
         const auto* const queue = reinterpret_cast<const LgQueue*>(block->_space._place);
         if (!queue->isEmpty()) return;
     }
+    for (const LgMap::WaitingLog& log : _header->_waiting)
+        if (log._waiting[log._current]._size > 0) return;
     _file->remove();
 }
 
@@ -464,9 +501,11 @@ void LgServiceMap::leaveInChild()
         if (isKept)
             std::memcpy(place + LgMap::PAGE + entries, _kept._text.data(), _kept._text.size());
     }
-    for (const Space& space : _free) LgMapFile::unmap(space._place, space._size);
+    for (const std::list<Room>* const rooms : {&_free, &_rooms})
+        for (const Room& room : *rooms) LgMapFile::unmap(room._place, room._size);
     LgMapFile::unmap(_header, LgMap::BLOCKS_AT);
     _free.clear();
+    _rooms.clear();
     _freeIndices.clear();
     _header = nullptr;
     _queues = nullptr;

@@ -42,6 +42,14 @@ public:
         std::uint64_t _limit = 256ULL << 20;
     };
 
+    /// A part of the file that is mapped.
+    struct Room
+    {
+        char* _place = nullptr;
+        std::uint64_t _offset = 0;
+        std::uint64_t _size = 0;
+    };
+
     LgServiceMap() = default;
     LgServiceMap(const LgServiceMap&) = delete;
     LgServiceMap& operator=(const LgServiceMap&) = delete;
@@ -81,6 +89,21 @@ public:
         return *_batches[number & 1];
     }
 
+    /// A part of the file for what is not a queue, at least this long; one without a place if the
+    /// system refuses. It is not taken from the system yet.
+    Room makeRoom(std::uint64_t size);
+
+    /// Takes a part of it from the system: whole pages, from the beginning of the room. False if
+    /// that is refused.
+    bool reserve(const Room& room, std::uint64_t from, std::uint64_t to);
+
+    /// Gives it back, empty. One without a place is none.
+    void giveBack(const Room& room);
+
+    /// Reports on standard error why some events will not outlive the process; the first such
+    /// report is the only one. Without a reason, it is what the system has said.
+    void reportNotKept(const std::string& reason = {});
+
     /// Commits a batch by one store: all stores before it count from here on.
     void commit(std::uint64_t number, LgMap::State state);
 
@@ -117,14 +140,6 @@ private:
     class Ring;
     class Block;
 
-    // Room for a queue. Blocks that were given back are used again by queues of the same size.
-    struct Space
-    {
-        char* _place;
-        std::uint64_t _offset;
-        std::uint64_t _size;
-    };
-
     // The beginning of a queue's memory, up to its last entry, and its texts.
     struct Copy
     {
@@ -136,11 +151,11 @@ private:
     bool open(const Settings& settings);
     bool makeHeader(LgMapFile& file);
     static std::string newPath(const Settings& settings);
-    bool findSpace(std::uint64_t size, std::list<Space>& found);
+    bool findSpace(std::uint64_t size, std::list<Room>& found);
     LgQueue* makeInFile(std::uint32_t threadId, const LgQueue::Observer* observer);
-    LgQueue* makeInSpace(std::uint32_t threadId, std::list<Space>& spaces, std::uint32_t index,
+    LgQueue* makeInSpace(std::uint32_t threadId, std::list<Room>& spaces, std::uint32_t index,
                          std::uint32_t entries, std::uint32_t characters);
-    bool reserveFirst(const Space& space, std::uint32_t entries, std::uint32_t characters);
+    bool reserveFirst(const Room& space, std::uint32_t entries, std::uint32_t characters);
     bool hasTableRoom(std::uint32_t index);
     void enter(const Block& block, const LgQueue& queue, std::uint32_t entries,
                std::uint32_t characters);
@@ -159,7 +174,10 @@ private:
     // Where the next block begins, and how much memory the blocks have.
     std::uint64_t _end = LgMap::BLOCKS_AT;
     std::uint64_t _used = 0;
-    std::list<Space> _free;
+    // What was given back is used again for the same size.
+    std::list<Room> _free;
+    // Those that are no queues.
+    std::list<Room> _rooms;
     std::list<Block*> _blocks;
     std::vector<std::uint32_t> _freeIndices;
     Copy _kept;

@@ -24,8 +24,8 @@ constinit std::atomic<bool> LgServiceReader::_isReopenDue{false};
 
 LgServiceReader::LgServiceReader(LgServiceThreads& threads, LgLineForm form, bool isRaw,
                                  LgServiceCompressor::Factory compressor)
-    : _threads(threads), _writer(threads.map(), form, isRaw), _sync(threads.reading()),
-      _forks(threads.getForks())
+    : _threads(threads), _writer(threads.map(), threads.waiting(), form, isRaw),
+      _sync(threads.reading()), _forks(threads.getForks())
 {
     // In the child of a fork, the parent's thread may have been asleep.
     LgServiceFatal::noteIdle(false);
@@ -142,15 +142,21 @@ void LgServiceReader::openLogs()
 void LgServiceReader::finish()
 {
     const std::lock_guard guard(_threads.reading());
+    auto rest = LgServiceWriter::Rest::Lost;
     try
     {
-        if (_writer.finish()) return;
+        rest = _writer.finish();
     }
     catch (const std::exception& exception)
     {
         report(exception.what());
     }
-    std::cerr << "The log service ends with events that it could not write." << std::endl;
+    if (rest == LgServiceWriter::Rest::Lost)
+        std::cerr << "The log service ends with events that it could not write." << std::endl;
+    if (rest == LgServiceWriter::Rest::Kept)
+        std::cerr << "The log service ends with events that it could not write. The next one "
+                     "writes them."
+                  << std::endl;
 }
 
 void LgServiceReader::report(const char* reason)

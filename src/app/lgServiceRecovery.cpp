@@ -11,6 +11,8 @@
 #include <cstddef>
 #include <exception>
 #include <iostream>
+#include <string_view>
+#include <utility>
 
 namespace Zu
 {
@@ -38,7 +40,34 @@ bool isEmpty(const LgLeftFile& file)
     LgLeftMap map;
     const auto read = [&file](std::uint64_t offset, void* to, std::size_t size)
     { return file.read(offset, to, size); };
-    return map.load(read) && map.getEvents().empty() && map.getDamaged() == 0;
+    return map.load(read) && map.isEmpty();
+}
+
+// How many of these bytes a file has at a place; whether it ends behind them.
+std::pair<std::size_t, bool> countSame(const LgServiceFile& file, std::uint64_t offset,
+                                       std::string_view text)
+{
+    constexpr std::size_t PIECE = 65536;
+    std::string piece;
+    std::size_t count = 0;
+    while (count < text.size())
+    {
+        piece.resize(std::min(PIECE, text.size() - count));
+        const std::ptrdiff_t size = file.readAt(offset + count, piece.data(), piece.size());
+        if (size <= 0) return {count, size == 0};
+        piece.resize(static_cast<std::size_t>(size));
+        const auto place = std::mismatch(piece.begin(), piece.end(), text.begin() + count).first;
+        count += static_cast<std::size_t>(place - piece.begin());
+        if (place != piece.end()) return {count, false};
+    }
+    return {count, false};
+}
+
+// Whether a line ends here, with those that continue it.
+bool isLineEnd(std::string_view text, std::size_t place)
+{
+    if (place == 0) return true;
+    return text[place - 1] == '\n' && (place == text.size() || text[place] != '\t');
 }
 
 // The time in the name of a map: behind the prefix of a log directory, "<hash>-".
@@ -79,12 +108,14 @@ LgServiceRecovery::Outcome LgServiceRecovery::run()
     for (const LgLeftMap::Queue& queue : _map.getQueues())
         _positions.push_back({queue._index, queue._entry, queue._text, 0, queue._reported});
     const std::vector<char> isWritten = findWritten();
+    findWaiting();
     const std::size_t count = _map.getEvents().size();
-    if (count > 0 && !hasAllLogs()) return Outcome::Unfinished;
-    // First the events of the batch that was being written: what is known of them counts for all.
+    if ((count > 0 || isWaitingLeft()) && !hasAllLogs()) return Outcome::Unfinished;
+    // First the events of the batch that was being written, and what waited before: what is known
+    // of them counts for all.
     std::size_t begin = 0;
     std::size_t end = _map.getBatchEvents();
-    while (begin < count)
+    while (begin < count || isWaitingLeft())
     {
         if (end <= begin)
         {
@@ -93,7 +124,7 @@ LgServiceRecovery::Outcome LgServiceRecovery::run()
                  ++end)
                 size += _map.getEvents()[end]._text.size();
         }
-        if (!writeChunk(begin, end, isWritten, end == count)) return Outcome::Unfinished;
+        if (!writeChunk(begin, end, isWritten)) return Outcome::Unfinished;
         begin = end;
     }
     if (_map.getDamaged() > 0)
@@ -121,6 +152,9 @@ void LgServiceRecovery::findLogs()
 bool LgServiceRecovery::hasAllLogs() const
 {
     if (_outputs.empty()) return false;
+    for (std::uint32_t i = 0; i < LgTypes::NUM_LEVELS; ++i)
+        if (!_waiting[i]._isDone && LgLog::isFileMissing(static_cast<LgTypes::Level>(i)))
+            return false;
     const std::vector<LgLeftMap::Event>& events = _map.getEvents();
     return std::none_of(events.begin(), events.end(),
                         [](const LgLeftMap::Event& event)
@@ -157,22 +191,80 @@ std::vector<std::vector<char>> LgServiceRecovery::findWrittenLines()
 {
     const LgMap::Batch& batch = _map.getBatch();
     Place places[LgMap::MOST_FILES] = {};
+    // Whether what is not in the file is among the lines that wait for it.
+    bool isKept[LgMap::MOST_FILES] = {};
     for (std::uint32_t i = 0; i < batch._fileCount; ++i)
     {
-        const LgServiceFile::Identity identity{batch._files[i]._volume, batch._files[i]._number};
-        places[i]._offset = batch._files[i]._offset;
-        for (const Output& output : _outputs)
-            if (output._log->file().getIdentity() == identity) places[i]._log = output._log;
+        const LgMap::BatchFile& file = batch._files[i];
+        places[i] = {logOf(file), file._offset};
+        isKept[i] = file._log < LgMap::MOST_FILES &&
+                    _map.getWaiting()[file._log]._batch == _map.getNumber();
     }
     std::vector<std::vector<char>> ofQueues(batch._queueCount);
     for (std::uint32_t i = 0; i < batch._lineCount; ++i)
     {
         const LgMap::BatchLine& line = batch._lines[i];
         bool isThere = _map.getState() == LgMap::Written || line._file == LgMap::NONE;
-        if (!isThere && line._file < batch._fileCount) isThere = isAt(places[line._file], line);
+        if (!isThere && line._file < batch._fileCount)
+            isThere = isKept[line._file] || isAt(places[line._file], line);
         if (line._queue < batch._queueCount) ofQueues[line._queue].push_back(isThere ? 1 : 0);
     }
     return ofQueues;
+}
+
+// The log that a batch was written to; null if it is none of these.
+LgServiceLog* LgServiceRecovery::logOf(const LgMap::BatchFile& file) const
+{
+    const LgServiceFile::Identity identity{file._volume, file._number};
+    for (const Output& output : _outputs)
+        if (file._isOpen != 0 && output._log->file().getIdentity() == identity) return output._log;
+    return nullptr;
+}
+
+// Before anything is written.
+void LgServiceRecovery::findWaiting()
+{
+    for (std::uint32_t i = 0; i < LgTypes::NUM_LEVELS; ++i)
+    {
+        const LgLeftMap::Waiting& waiting = _map.getWaiting()[i];
+        const bool isNothing = waiting._text.empty() && waiting._dropped == 0;
+        const bool hasOutput = outputOf(static_cast<LgTypes::Level>(i)) ||
+                               LgLog::isFileMissing(static_cast<LgTypes::Level>(i));
+        _waiting[i] = {0, waiting._dropped, isNothing || !hasOutput};
+    }
+    if (_map.getState() != LgMap::Writing) return;
+    const LgMap::Batch& batch = _map.getBatch();
+    for (std::uint32_t i = 0; i < batch._fileCount; ++i)
+    {
+        const std::uint32_t log = batch._files[i]._log;
+        if (log < LgTypes::NUM_LEVELS && _map.getWaiting()[log]._batch != _map.getNumber())
+            findInFile(batch._files[i], log);
+    }
+}
+
+// Which part of the lines that waited the last batch has written. Only the line feed may be missing
+// behind the last one: that comes with what is written next.
+void LgServiceRecovery::findInFile(const LgMap::BatchFile& file, std::uint32_t log)
+{
+    const LgServiceLog* const target = logOf(file);
+    if (!target) return;
+    Waiting& waiting = _waiting[log];
+    const std::string& all = _map.getWaiting()[log]._text;
+    const std::size_t from = std::min<std::uint64_t>(file._waitingFrom, all.size());
+    const std::uint64_t place = file._offset + file._waitingAt;
+    const std::string_view text = std::string_view(all).substr(from);
+    const auto [same, isEnd] = countSame(target->getFile(), place, text);
+    std::size_t end = isEnd && same + 1 <= text.size() ? same + 1 : same;
+    while (!isLineEnd(text, end)) --end;
+    waiting._from = from + end;
+    if (target->getFile().getSize() >= place) waiting._dropped = 0;
+    waiting._isDone = waiting._from == all.size() && waiting._dropped == 0;
+}
+
+bool LgServiceRecovery::isWaitingLeft() const
+{
+    return std::any_of(_waiting.begin(), _waiting.end(),
+                       [](const Waiting& waiting) { return !waiting._isDone; });
 }
 
 // Whether a line is in a log; the place moves behind it. The file may end before the line feed of
@@ -191,15 +283,19 @@ bool LgServiceRecovery::isAt(Place& place, const LgMap::BatchLine& line)
     return isThere;
 }
 
-LgServiceRecovery::Output* LgServiceRecovery::outputOf(const LgLeftMap::Event& event)
+LgServiceRecovery::Output* LgServiceRecovery::outputOf(LgTypes::Level level)
 {
-    if (event._isOverflow && event._value == 0) return nullptr;
-    const LgTypes::Level level =
-        event._isOverflow ? LgTypes::Informational : static_cast<LgTypes::Level>(event._value);
     auto* const log = dynamic_cast<LgServiceLog*>(LgLog::getLevelOutput(level));
     for (Output& output : _outputs)
         if (log && output._log == log) return &output;
     return nullptr;
+}
+
+LgServiceRecovery::Output* LgServiceRecovery::outputOf(const LgLeftMap::Event& event)
+{
+    if (event._isOverflow && event._value == 0) return nullptr;
+    return outputOf(event._isOverflow ? LgTypes::Informational
+                                      : static_cast<LgTypes::Level>(event._value));
 }
 
 std::string LgServiceRecovery::beginLines() const
@@ -208,6 +304,14 @@ std::string LgServiceRecovery::beginLines() const
                        ", started " + lgIsoTime(_origin._processStart, 6) + ", host ";
     lgAppendEscaped(text, _origin._host.empty() ? "-" : _origin._host);
     return text + " =====\n" + lgOriginLine(_origin);
+}
+
+// What the process itself would have written.
+std::string LgServiceRecovery::droppedLine(std::uint32_t log) const
+{
+    const std::uint64_t dropped = _waiting[log]._dropped;
+    if (dropped == 0) return {};
+    return LgServiceLog::notWrittenLine(dropped, _map.getWaiting()[log]._failingSince);
 }
 
 std::string LgServiceRecovery::endLine() const
@@ -227,9 +331,10 @@ void LgServiceRecovery::addService(Output& output, const std::string& text)
 
 // Writes some events as the process itself would have done.
 bool LgServiceRecovery::writeChunk(std::size_t begin, std::size_t end,
-                                   const std::vector<char>& isWritten, bool isLast)
+                                   const std::vector<char>& isWritten)
 {
     beginBatch();
+    const bool isLast = chooseWaiting() && end == _map.getEvents().size();
     for (std::size_t i = begin; i < end; ++i)
     {
         Output* const output = isWritten[i] ? nullptr : outputOf(_map.getEvents()[i]);
@@ -246,7 +351,7 @@ bool LgServiceRecovery::writeChunk(std::size_t begin, std::size_t end,
     const std::uint64_t number = _nextNumber++;
     if (!store(number, LgMap::Writing) || !writeOutputs(isLast)) return false;
     at();
-    if (!store(number, LgMap::Written)) return false;
+    if (!storeWaitingDone(number) || !store(number, LgMap::Written)) return false;
     for (std::size_t i = 0; i < lastOf.size(); ++i)
         if (lastOf[i] != end && !moveQueue(_map.getQueues()[i], _map.getEvents()[lastOf[i]]))
             return false;
@@ -260,10 +365,63 @@ void LgServiceRecovery::beginBatch()
     _batch._lineCount = 0;
     for (Output& output : _outputs)
     {
+        _batch._files[&output - _outputs.data()] = {};
         output._text.clear();
         output._lines.clear();
         output._isUsed = false;
+        output._waiting = LgMap::NONE;
     }
+}
+
+// One for each output. Returns whether no further ones are left.
+bool LgServiceRecovery::chooseWaiting()
+{
+    bool isAll = true;
+    for (std::uint32_t i = 0; i < LgTypes::NUM_LEVELS; ++i)
+    {
+        if (_waiting[i]._isDone) continue;
+        Output* const output = outputOf(static_cast<LgTypes::Level>(i));
+        if (output && output->_waiting == LgMap::NONE)
+            output->_waiting = i;
+        else
+            isAll = false;
+        if (output) output->_isUsed = true;
+    }
+    return isAll;
+}
+
+// Enters which part of the file has them.
+void LgServiceRecovery::addWaiting(Output& output, LgMap::BatchFile& file)
+{
+    if (output._waiting == LgMap::NONE) return;
+    const std::string_view all = _map.getWaiting()[output._waiting]._text;
+    const std::size_t from = _waiting[output._waiting]._from;
+    file._log = output._waiting;
+    file._waitingAt = output._log->getPrefix().size() + output._text.size();
+    file._waitingFrom = from;
+    for (std::size_t i = from + 1; i <= all.size(); ++i)
+        if (isLineEnd(all, i)) ++_count;
+    if (from < all.size()) addService(output, std::string(all.substr(from)));
+}
+
+// They are not to be written again.
+bool LgServiceRecovery::storeWaitingDone(std::uint64_t number)
+{
+    for (const Output& output : _outputs)
+    {
+        if (output._waiting == LgMap::NONE) continue;
+        const std::uint64_t place =
+            offsetof(LgMap::Header, _waiting) + output._waiting * sizeof(LgMap::WaitingLog);
+        const std::uint32_t other = 1 - (_map.getHeader()._waiting[output._waiting]._current & 1);
+        const LgMap::Waiting nothing = {0, 0, LgMap::hashBytes("", 0), number, 0, 0};
+        if (!_file.write(place + other * sizeof nothing, &nothing, sizeof nothing)) return false;
+        at();
+        if (!_file.write(place + offsetof(LgMap::WaitingLog, _current), &other, sizeof other))
+            return false;
+        at();
+        _waiting[output._waiting]._isDone = true;
+    }
+    return true;
 }
 
 // Enters where a log's part begins, and what stands there before the first event.
@@ -271,15 +429,28 @@ bool LgServiceRecovery::beginOutput(Output& output)
 {
     if (!output._log->prepare(0)) return false;
     const auto part = output._log->getPart();
-    if (!part) return true;
     const auto index = static_cast<std::uint16_t>(&output - _outputs.data());
-    _batch._files[index] = {part->_identity._volume, part->_identity._number, part->_offset, 0};
+    LgMap::BatchFile& file = _batch._files[index];
+    file._log = LgMap::NONE;
+    if (part)
+        file = {part->_identity._volume,
+                part->_identity._number,
+                part->_offset,
+                0,
+                LgMap::NONE,
+                1,
+                0,
+                0};
     const std::string& prefix = output._log->getPrefix();
     if (!prefix.empty())
         _batch._lines[_batch._lineCount++] = {static_cast<std::uint32_t>(prefix.size()),
                                               LgMap::hashOf(prefix.data(), prefix.size()),
                                               LgMap::NONE, index, 0};
-    if (output._isUsed && !output._hasBegun) addService(output, beginLines());
+    if (!output._isUsed) return true;
+    std::string text = output._hasBegun ? std::string() : beginLines();
+    if (output._waiting != LgMap::NONE) text += droppedLine(output._waiting);
+    if (!text.empty()) addService(output, text);
+    addWaiting(output, file);
     output._hasBegun = true;
     return true;
 }
@@ -312,7 +483,7 @@ bool LgServiceRecovery::writeOutputs(bool isLast)
         output._log->write(output._text, output._lines);
         if (output._log->isFailing())
         {
-            output._log->forget();
+            output._log->takeWaiting();
             return false;
         }
         if (isLast) output._log->dateAgain();

@@ -4,11 +4,14 @@
 #ifndef ZU_APP_LGSERVICERECOVERY_H
 #define ZU_APP_LGSERVICERECOVERY_H
 
+#include "../base/lgTypes.h"
 #include "lgLeftMap.h"
 #include "lgMapFile.h"
 #include "lgServiceLine.h"
 #include "lgServiceLog.h"
 
+#include <array>
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <vector>
@@ -16,8 +19,9 @@
 namespace Zu
 {
 
-/// Writes the events of a map that a process has left into the logs of this process, in order of
-/// time, between two lines that name that process. What it is about to write, and what it has
+/// Writes what a process has left in a map into the logs of this process, between two lines that
+/// name that process: first the lines that waited for files that failed, then the events in order
+/// of time. What it is about to write, and what it has
 /// written, it stores in the map as that process did, so it may itself be ended at any step: each
 /// event is written once.
 ///
@@ -69,6 +73,8 @@ private:
         std::vector<LgServiceLog::Line> _lines;
         bool _hasBegun = false;
         bool _isUsed = false;
+        // Whose lines that waited are written with this chunk; LgMap::NONE for none.
+        std::uint32_t _waiting = LgMap::NONE;
     };
 
     // Where the next line of a batch is looked for; no log if there is none more.
@@ -78,8 +84,24 @@ private:
         std::uint64_t _offset;
     };
 
+    // What is left to write of the lines that waited for a log.
+    struct Waiting
+    {
+        std::size_t _from = 0;
+        std::uint64_t _dropped = 0;
+        bool _isDone = true;
+    };
+
     void findLogs();
+    Output* outputOf(LgTypes::Level level);
     Output* outputOf(const LgLeftMap::Event& event);
+    LgServiceLog* logOf(const LgMap::BatchFile& file) const;
+    void findWaiting();
+    void findInFile(const LgMap::BatchFile& file, std::uint32_t log);
+    bool isWaitingLeft() const;
+    bool chooseWaiting();
+    void addWaiting(Output& output, LgMap::BatchFile& file);
+    bool storeWaitingDone(std::uint64_t number);
     std::vector<char> findWritten();
     std::vector<std::vector<char>> findWrittenLines();
     static bool isAt(Place& place, const LgMap::BatchLine& line);
@@ -88,10 +110,10 @@ private:
     std::vector<std::size_t> addEvents(std::size_t begin, std::size_t end,
                                        const std::vector<char>& isWritten);
     bool writeOutputs(bool isLast);
-    bool writeChunk(std::size_t begin, std::size_t end, const std::vector<char>& isWritten,
-                    bool isLast);
+    bool writeChunk(std::size_t begin, std::size_t end, const std::vector<char>& isWritten);
     void addService(Output& output, const std::string& text);
     std::string beginLines() const;
+    std::string droppedLine(std::uint32_t log) const;
     std::string endLine() const;
     void enter(std::uint32_t number);
     void addEvent(const LgLeftMap::Event& event, std::uint32_t inBatch, Output* output);
@@ -107,6 +129,7 @@ private:
     LgLineWriter _lineWriter;
     LgLineOrigin _origin;
     std::vector<Output> _outputs;
+    std::array<Waiting, LgMap::MOST_FILES> _waiting;
     LgMap::Batch _batch{};
     std::uint64_t _nextNumber = 0;
     // Of all queues: where the next chunk begins.

@@ -418,11 +418,12 @@ void LgServiceThreads::goOnInChild()
     ++_forks;
     // First of all: what the parent's threads do must not be seen from here on.
     _map.leaveInChild();
+    _waiting.leaveInChild();
     // What waits for a file that fails is the parent's to write.
     for (int level = 0; level < LgTypes::NUM_LEVELS; ++level)
     {
         std::ostream* const stream = LgLog::getLevelOutput(static_cast<LgTypes::Level>(level));
-        if (auto* const log = dynamic_cast<LgServiceLog*>(stream)) log->forget();
+        if (auto* const log = dynamic_cast<LgServiceLog*>(stream)) log->takeWaiting();
     }
     if (_isForked) LgLog::setLoggerActivation(false);
     _running.store(false, std::memory_order_release);

@@ -8,6 +8,7 @@
 #include "lgBell.h"
 #include "lgServiceHealth.h"
 #include "lgServiceMap.h"
+#include "lgServiceWaiting.h"
 
 #include <atomic>
 #include <chrono>
@@ -62,6 +63,12 @@ public:
     LgServiceMap& map()
     {
         return _map;
+    }
+
+    /// What keeps there the lines that wait for files that fail.
+    LgServiceWaiting& waiting()
+    {
+        return _waiting;
     }
 
     /// Enters the queues of living threads, and what is waiting in them. Returns which they are;
@@ -230,6 +237,7 @@ private:
     // The queue of the thread that forks, if it is in the middle of a statement.
     const LgQueue* _kept = nullptr;
     LgServiceMap _map;
+    LgServiceWaiting _waiting{_map};
     std::atomic<bool> _running{false};
     std::atomic<std::int64_t> _endLimit{5000};
     std::atomic<std::uint32_t> _waitLevels{0};

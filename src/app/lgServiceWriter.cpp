@@ -27,6 +27,27 @@ LgServiceLog* lgServiceLogOf(LgTypes::Level level)
     return dynamic_cast<LgServiceLog*>(LgLog::getLevelOutput(level));
 }
 
+// Calls a function with each log and the first level that it is of.
+template <class Function> void forEachLog(Function function)
+{
+    std::array<const LgServiceLog*, LgTypes::NUM_LEVELS> known{};
+    for (int level = 0; level < LgTypes::NUM_LEVELS; ++level)
+    {
+        LgServiceLog* const log = lgServiceLogOf(static_cast<LgTypes::Level>(level));
+        const bool isKnown = std::find(known.begin(), known.end(), log) != known.end();
+        if (!log || isKnown) continue;
+        known[static_cast<std::size_t>(level)] = log;
+        function(static_cast<std::uint32_t>(level), *log);
+    }
+}
+
+std::uint32_t firstLevelOf(const std::ostream* stream)
+{
+    int level = 0;
+    while (LgLog::getLevelOutput(static_cast<LgTypes::Level>(level)) != stream) ++level;
+    return static_cast<std::uint32_t>(level);
+}
+
 std::string overflowText(std::uint64_t count)
 {
     return "Event overflow [" + std::to_string(count) + "]";
@@ -46,8 +67,9 @@ void at(LgServiceWriter::Step step)
 
 } // namespace
 
-LgServiceWriter::LgServiceWriter(LgServiceMap& map, LgLineForm form, bool isRaw)
-    : _map(map), _form(form), _isRaw(isRaw), _scratch(LgStream::BufSize),
+LgServiceWriter::LgServiceWriter(LgServiceMap& map, LgServiceWaiting& waiting, LgLineForm form,
+                                 bool isRaw)
+    : _map(map), _waiting(waiting), _form(form), _isRaw(isRaw), _scratch(LgStream::BufSize),
       _unwrittenBefore(LgReader::getUnwrittenCount())
 {
     const LgProcessFacts facts = lgProcessFacts();
@@ -74,6 +96,7 @@ void LgServiceWriter::openLogs()
     for (int level = 0; level < LgTypes::NUM_LEVELS; ++level)
         if (LgServiceLog* const log = lgServiceLogOf(static_cast<LgTypes::Level>(level)))
             if (log->prepare(0, 0)) log->write({}, {});
+    forEachLog([this](std::uint32_t level, LgServiceLog& log) { _waiting.giveBack(level, log); });
     note();
 }
 
@@ -254,13 +277,18 @@ bool LgServiceWriter::findQueues()
     return !_cursors.empty() || !_ended.empty();
 }
 
-void LgServiceWriter::collect(std::uint64_t until)
+void LgServiceWriter::beginBatch()
 {
     _lines.clear();
     _queues.clear();
     _echo.clear();
     _size = 0;
     _outputCount = 0;
+}
+
+void LgServiceWriter::collect(std::uint64_t until)
+{
+    beginBatch();
     // The others have their turn with a later batch.
     if (_ended.size() > LgMap::MOST_EVENTS) _ended.resize(LgMap::MOST_EVENTS);
     for (LgQueue* const queue : _ended) addRestOfLosses(*queue);
@@ -380,6 +408,7 @@ LgServiceWriter::Output* LgServiceWriter::outputOf(LgTypes::Level level)
     if (_outputCount == _outputs.size()) _outputs.emplace_back();
     Output& output = _outputs[_outputCount++];
     output._stream = stream;
+    output._level = firstLevelOf(stream);
     output._log = dynamic_cast<LgServiceLog*>(stream);
     if (output._log && !output._log->isDirect()) output._log = nullptr;
     output._text.clear();
@@ -417,6 +446,7 @@ void LgServiceWriter::prepare()
     {
         Output& output = _outputs[i];
         output._file = LgMap::NONE;
+        output._hasWaited = output._log && output._log->getPending() > 0;
         output._isReady =
             output._log && output._log->prepare(output._text.size(), output._lines.size());
     }
@@ -432,11 +462,22 @@ void LgServiceWriter::fillBatch()
     {
         Output& output = _outputs[i];
         const auto part = output._isReady ? output._log->getPart() : std::nullopt;
-        if (!part || batch._fileCount == LgMap::MOST_FILES) continue;
+        const bool isWaiting = output._log && !output._isReady;
+        if ((!part && !isWaiting) || batch._fileCount == LgMap::MOST_FILES) continue;
         output._file = static_cast<std::uint16_t>(batch._fileCount++);
+        LgMap::BatchFile& file = batch._files[output._file];
+        file = {};
+        file._log = output._level;
+        if (!part) continue;
         const std::string& prefix = output._log->getPrefix();
-        batch._files[output._file] = {part->_identity._volume, part->_identity._number,
-                                      part->_offset, prefix.size() + output._text.size()};
+        file = {part->_identity._volume,
+                part->_identity._number,
+                part->_offset,
+                prefix.size() + output._text.size(),
+                output._level,
+                1,
+                output._log->getDatesSize(),
+                0};
         if (prefix.empty()) continue;
         batch._lines[batch._lineCount++] = {static_cast<std::uint32_t>(prefix.size()),
                                             LgMap::hashOf(prefix.data(), prefix.size()),
@@ -463,6 +504,9 @@ void LgServiceWriter::write()
             output._log->wait(output._text, output._lines);
         else
             writeToStream(output);
+        if (!output._log) continue;
+        if (output._hasWaited || output._log->getPending() > 0) at(Step::Tried);
+        _waiting.store(output._level, *output._log, _number);
     }
     if (!_echo.empty()) LgReader::writeLine(std::cout, _echo.data(), _echo.size());
 }
@@ -504,18 +548,23 @@ void LgServiceWriter::endQueues()
     _ended.clear();
 }
 
-bool LgServiceWriter::finish()
+LgServiceWriter::Rest LgServiceWriter::finish()
 {
-    bool isAll = true;
     const LgInterProcessLockGuard guard(LgLog::getInterProcessLock());
-    for (int level = 0; level < LgTypes::NUM_LEVELS; ++level)
-    {
-        LgServiceLog* const log = lgServiceLogOf(static_cast<LgTypes::Level>(level));
-        if (!log || log->writeWaiting()) continue;
-        log->giveUp();
-        isAll = false;
-    }
-    return isAll;
+    forEachLog([](std::uint32_t, LgServiceLog& log) { log.tryNow(); });
+    beginBatch();
+    _finished.clear();
+    if (isFailing()) writeCollected();
+    Rest rest = Rest::None;
+    forEachLog(
+        [&](std::uint32_t level, LgServiceLog& log)
+        {
+            if (log.getPending() == 0 && log.getDropped() == 0) return;
+            const bool isKept = _waiting.keep(level, log);
+            if (!isKept) log.giveUp();
+            rest = std::max(rest, isKept ? Rest::Kept : Rest::Lost);
+        });
+    return rest;
 }
 
 } // namespace Zu

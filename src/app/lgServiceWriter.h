@@ -11,6 +11,7 @@
 #include "lgServiceLine.h"
 #include "lgServiceLog.h"
 #include "lgServiceMap.h"
+#include "lgServiceWaiting.h"
 
 #include <array>
 #include <cstdint>
@@ -38,6 +39,8 @@ public:
         Collected,
         Prepared,
         Committed,
+        /// For each log for which lines wait, or waited.
+        Tried,
         Wrote,
         CommittedAgain,
         MovedOne,
@@ -45,10 +48,22 @@ public:
     };
     static void (*_atStep)(Step step);
 
-    /// The map must outlive the writer.
-    LgServiceWriter(LgServiceMap& map, LgLineForm form = LgLineForm::Ticks, bool isRaw = false);
+    /// The map, and what keeps lines in it, must outlive the writer.
+    LgServiceWriter(LgServiceMap& map, LgServiceWaiting& waiting,
+                    LgLineForm form = LgLineForm::Ticks, bool isRaw = false);
 
-    /// Opens the logs of all levels, which reports those that can't be.
+    /// What is left at the end of a service.
+    enum class Rest
+    {
+        None,
+        /// Lines for files that fail, which the next service writes.
+        Kept,
+        /// Lines that are counted as not written.
+        Lost
+    };
+
+    /// Opens the logs of all levels, which reports those that can't be, and takes back what the
+    /// last service of this process has left for them.
     void openLogs();
 
     /// Writes what is waiting, at most one batch, and what waited for a file that failed. False if
@@ -65,8 +80,9 @@ public:
     /// Unlike the other operations for any thread, at any time; never waits for a file.
     void addHealth(LgServiceHealth& health, const std::vector<const LgQueue*>& queues) const;
 
-    /// Writes what waits for files that failed, or gives it up. Returns whether all was written.
-    bool finish();
+    /// Tries files that fail once more. What waits for them is kept for the next service of this
+    /// process or of another one, or given up if the map has no room for it.
+    Rest finish();
 
     /// Closes all files; the next lines open them by their names.
     void reopen();
@@ -99,6 +115,9 @@ private:
         LgServiceLog* _log;
         std::string _text;
         std::vector<LgServiceLog::Line> _lines;
+        // The first level that it is of.
+        std::uint32_t _level = LgMap::NONE;
+        bool _hasWaited = false;
         bool _isReady = false;
         std::uint16_t _file = LgMap::NONE;
     };
@@ -118,6 +137,7 @@ private:
     void noteBatch();
     void noteFiles();
     bool findQueues();
+    void beginBatch();
     void collect(std::uint64_t until);
     void addEvent(Cursor& cursor);
     std::uint32_t lossesOf(const Cursor& cursor, const LgQueue::Entry& entry);
@@ -136,6 +156,7 @@ private:
     void endQueues();
 
     LgServiceMap& _map;
+    LgServiceWaiting& _waiting;
     // The form while time stamps are enabled, and what writes in the present form.
     LgLineForm _form;
     bool _isRaw;

@@ -45,7 +45,7 @@ public:
     {
         LgMap::Header header = {};
         std::memcpy(header._magic, LgMap::MAGIC, sizeof header._magic);
-        header._version = 1;
+        header._version = 2;
         header._headerSize = sizeof(LgMap::Header);
         header._batchSize = sizeof(LgMap::Batch);
         header._queueSize = sizeof(LgMap::Queue);
@@ -164,6 +164,28 @@ public:
     {
         put(placeOfBatch(number), batch);
         setState(number, state);
+    }
+
+    // What waits for a log, at the end of the file.
+    LgMap::WaitingLog addWaiting(std::uint32_t log, const std::string& text, std::uint64_t batch)
+    {
+        LgMap::WaitingLog slot = {};
+        slot._current = 1;
+        slot._waiting[1] = {_bytes.size(), text.size(), LgMap::hashBytes(text.data(), text.size()),
+                            batch,         5,           6};
+        _bytes += text;
+        setWaiting(log, slot);
+        return slot;
+    }
+
+    void setWaiting(std::uint32_t log, const LgMap::WaitingLog& slot)
+    {
+        put(placeOfWaiting(log), slot);
+    }
+
+    static std::uint64_t placeOfWaiting(std::uint32_t log)
+    {
+        return offsetof(LgMap::Header, _waiting) + log * sizeof(LgMap::WaitingLog);
     }
 
     std::string _bytes;
@@ -348,6 +370,90 @@ TEST(LgLeftMap, EventsInMemoryThatTheProcessAloneHadAreCounted)
         EXPECT_EQ(textsOf(map), row._isRead ? (Texts{"ab", "ab", "ab", "other"}) : Texts{"other"});
         EXPECT_EQ(map.getDamaged(), row._isRead ? 0U : 3U) << row._usableEntries;
     }
+}
+
+// FNV-1a, with the values of its authors.
+TEST(LgLeftMap, TheHashOfBytesIsAPublishedOne)
+{
+    EXPECT_EQ(LgMap::hashBytes("", 0), 0xCBF29CE484222325U);
+    EXPECT_EQ(LgMap::hashBytes("a", 1), 0xAF63DC4C8601EC8CU);
+    EXPECT_EQ(LgMap::hashBytes("foobar", 6), 0x85944171F73967E8U);
+    EXPECT_EQ(LgMap::hashBytes("bar", 3, LgMap::hashBytes("foo", 3)), 0x85944171F73967E8U);
+}
+
+TEST(LgLeftMap, WhatWaitsForLogsIsReadAsItIs)
+{
+    MapText text;
+    LgLeftMap none;
+    ASSERT_TRUE(none.load(readerOf(text._bytes)));
+    EXPECT_TRUE(none.isEmpty());
+    text.addWaiting(0, "zero\n", 3);
+    text.addWaiting(7, "seven\nand\teight\n", 4);
+    LgLeftMap map;
+    ASSERT_TRUE(map.load(readerOf(text._bytes)));
+    EXPECT_FALSE(map.isEmpty());
+    ASSERT_EQ(map.getWaiting().size(), 8U);
+    EXPECT_EQ(map.getWaiting()[0]._text, "zero\n");
+    EXPECT_EQ(map.getWaiting()[0]._batch, 3U);
+    EXPECT_EQ(map.getWaiting()[0]._dropped, 5U);
+    EXPECT_EQ(map.getWaiting()[0]._failingSince, 6);
+    EXPECT_EQ(map.getWaiting()[1]._text, "");
+    EXPECT_EQ(map.getWaiting()[1]._batch, 0U);
+    EXPECT_EQ(map.getWaiting()[7]._text, "seven\nand\teight\n");
+    EXPECT_EQ(map.getDamaged(), 0U);
+}
+
+TEST(LgLeftMap, LostCountsAloneAreNotEmpty)
+{
+    MapText text;
+    text.addWaiting(2, "", 3);
+    LgLeftMap map;
+    ASSERT_TRUE(map.load(readerOf(text._bytes)));
+    EXPECT_EQ(map.getWaiting()[2]._dropped, 5U);
+    EXPECT_FALSE(map.isEmpty());
+}
+
+TEST(LgLeftMap, WhatWaitsAndMakesNoSenseIsLeftOutAndCounted)
+{
+    struct Row
+    {
+        const char* _what;
+        void (*_change)(LgMap::Waiting&);
+    };
+    for (const Row& row :
+         {Row{"hash", [](LgMap::Waiting& waiting) { ++waiting._hash; }},
+          Row{"longer", [](LgMap::Waiting& waiting) { ++waiting._size; }},
+          Row{"shorter", [](LgMap::Waiting& waiting) { --waiting._size; }},
+          Row{"too long", [](LgMap::Waiting& waiting) { waiting._size = LgMap::MOST_WAITING + 1; }},
+          Row{"endless", [](LgMap::Waiting& waiting) { waiting._size = ~std::uint64_t(0); }},
+          Row{"elsewhere", [](LgMap::Waiting& waiting) { --waiting._place; }},
+          Row{"nowhere", [](LgMap::Waiting& waiting) { waiting._place = ~std::uint64_t(0); }}})
+    {
+        MapText text;
+        LgMap::WaitingLog slot = text.addWaiting(1, "damaged\n", 3);
+        row._change(slot._waiting[1]);
+        text.setWaiting(1, slot);
+        text.addWaiting(2, "good\n", 4);
+        LgLeftMap map;
+        ASSERT_TRUE(map.load(readerOf(text._bytes)));
+        EXPECT_EQ(map.getWaiting()[1]._text, "") << row._what;
+        EXPECT_EQ(map.getWaiting()[1]._batch, 0U) << row._what;
+        EXPECT_EQ(map.getWaiting()[2]._text, "good\n") << row._what;
+        EXPECT_EQ(map.getDamaged(), 1U) << row._what;
+        EXPECT_FALSE(map.isEmpty()) << row._what;
+    }
+}
+
+TEST(LgLeftMap, WhatWaitsTakesNoMoreMemoryThanAllowed)
+{
+    MapText text;
+    const std::string line(1000, 'x');
+    for (std::uint32_t i = 0; i < 3; ++i) text.addWaiting(i, line, 1);
+    LgLeftMap map;
+    ASSERT_TRUE(map.load(readerOf(text._bytes), 2500));
+    EXPECT_EQ(map.getWaiting()[1]._text, line);
+    EXPECT_EQ(map.getWaiting()[2]._text, "");
+    EXPECT_EQ(map.getDamaged(), 1U);
 }
 
 class LgLeftMapBatch : public testing::Test
@@ -603,7 +709,7 @@ TEST_F(LgLeftMapHostile, AnotherKindOfFileOrVersionIsRefused)
     EXPECT_EQ(reasonAfter([](LgMap::Header& header) { header._magic[7] = 'p'; }),
               "it is not a map of events");
     EXPECT_EQ(reasonAfter([](LgMap::Header& header) { header._version = 0; }), another);
-    EXPECT_EQ(reasonAfter([](LgMap::Header& header) { header._version = 2; }), another);
+    EXPECT_EQ(reasonAfter([](LgMap::Header& header) { header._version = 3; }), another);
     EXPECT_EQ(reasonAfter([](LgMap::Header& header) { ++header._headerSize; }), another);
     EXPECT_EQ(reasonAfter([](LgMap::Header& header) { --header._batchSize; }), another);
     EXPECT_EQ(reasonAfter([](LgMap::Header& header) { header._queueSize = 0; }), another);
@@ -771,11 +877,14 @@ TEST_F(LgLeftMapHostile, AnySingleByteMayBeWrong)
     for (const std::uint32_t state : {LgMap::Writing, LgMap::Written})
     {
         _text.setBatch(5, state, _batch);
+        const std::uint64_t waiting = _text.addWaiting(1, "waits\n", 4)._waiting[1]._place;
         std::string bytes = _text._bytes;
         const LgMap::Queue one = _text.queue(_one);
         const std::uint64_t batch = MapText::placeOfBatch(5);
         const std::uint64_t parts[][2] = {
             {0, offsetof(LgMap::Header, _directory)},
+            {MapText::placeOfWaiting(1), MapText::placeOfWaiting(2)},
+            {waiting, waiting + 6},
             {batch, batch + offsetof(LgMap::Batch, _queues) + 3 * sizeof(LgMap::BatchQueue)},
             {batch + offsetof(LgMap::Batch, _lines),
              batch + offsetof(LgMap::Batch, _lines) + 6 * sizeof(LgMap::BatchLine)},
@@ -808,12 +917,14 @@ TEST_F(LgLeftMapHostile, AnyNumbersMayBeWrong)
     std::mt19937_64 random(20260207);
     const LgMap::Queue one = _text.queue(_one);
     _text.setBatch(5, LgMap::Written, _batch);
+    _text.addWaiting(1, "waits\n", 4);
     const std::string good = _text._bytes;
     std::string bytes = good;
     const std::uint64_t batch = MapText::placeOfBatch(5);
     const std::uint64_t parts[][2] = {
         {offsetof(LgMap::Header, _state), 8},
         {offsetof(LgMap::Header, _queueCount), 4},
+        {MapText::placeOfWaiting(1), sizeof(LgMap::WaitingLog)},
         {batch, 16},
         {batch + offsetof(LgMap::Batch, _queues), 2 * sizeof(LgMap::BatchQueue)},
         {batch + offsetof(LgMap::Batch, _lines), 6 * sizeof(LgMap::BatchLine)},

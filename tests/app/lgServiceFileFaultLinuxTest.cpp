@@ -162,7 +162,8 @@ TEST_F(LgServiceFileFaultTest, ALogWithPartOfALineHasTheWholeLineOnce)
         }
         {
             const support::StreamCapture errors(std::cerr);
-            log.writeWaiting();
+            log.tryNow();
+            if (log.prepare(0)) log.write({}, {});
             ASSERT_TRUE(log.prepare(6, 1));
             log.write("three\n", {{6, true}});
         }
@@ -172,6 +173,33 @@ TEST_F(LgServiceFileFaultTest, ALogWithPartOfALineHasTheWholeLineOnce)
                                      text.substr((taken + (isWhole ? 1 : 0)) / 4 * 4) + "three\n";
         EXPECT_EQ(readFile(path), dates + expected) << taken;
     }
+}
+
+// Whoever has copied what waits has to copy all of it when its beginning is written.
+TEST_F(LgServiceFileFaultTest, ALogOfWhichAPartIsWrittenHasChanged)
+{
+    const support::RunningLogger logger;
+    const support::StreamCapture errors(std::cerr);
+    Zu::LgServiceLog log(file("log"));
+    ASSERT_TRUE(log.prepare(0));
+    log.write({}, {});
+    const auto write = [&log](const std::string& text, std::size_t taken)
+    {
+        log.tryNow();
+        ASSERT_TRUE(log.prepare(text.size(), 1));
+        const TransferLimit limit(taken == 0 ? 1 : taken);
+        const Fault fault(Call::WRITE, ENOSPC, Fault::ALWAYS, taken == 0 ? 0 : 1);
+        log.write(text, {{static_cast<std::uint32_t>(text.size()), true}});
+    };
+    write("one\n", 0);
+    const std::uint64_t first = log.getChanges();
+    write("two\n", 0);
+    EXPECT_EQ(log.getWaiting(), "one\ntwo\n");
+    EXPECT_EQ(log.getChanges(), first);
+    write("three\n", 4);
+    EXPECT_EQ(log.getWaiting(), "two\nthree\n");
+    EXPECT_NE(log.getChanges(), first);
+    log.takeWaiting();
 }
 
 TEST_F(LgServiceFileFaultTest, ASystemThatTakesNothingIsAnError)

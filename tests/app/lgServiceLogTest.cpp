@@ -95,6 +95,14 @@ protected:
         fs::remove(_path);
     }
 
+    // As at the end of a service. Returns whether nothing is left.
+    bool writeWaiting()
+    {
+        _log->tryNow();
+        if (_log->prepare(0)) _log->write({}, {});
+        return _log->getPending() == 0;
+    }
+
     static void setLimit(std::uint64_t limit)
     {
         LgServiceLog::Settings settings;
@@ -247,7 +255,7 @@ TEST_F(LgServiceLogTest, PausesGrowUpToTenSeconds)
     EXPECT_FALSE(_log->isTryDue());
     pass(100);
     EXPECT_TRUE(_log->isTryDue());
-    _log->forget();
+    _log->takeWaiting();
 }
 
 TEST_F(LgServiceLogTest, WhatWaitsIsBoundedAndWhatIsDroppedIsCounted)
@@ -291,15 +299,15 @@ TEST_F(LgServiceLogTest, TheEndDoesNotWaitForThePause)
     open();
     const StreamCapture errors(std::cerr);
     log("one\n");
-    EXPECT_FALSE(_log->writeWaiting());
+    EXPECT_FALSE(writeWaiting());
     unblock();
-    EXPECT_TRUE(_log->writeWaiting());
+    EXPECT_TRUE(writeWaiting());
     EXPECT_EQ(read(), _dates + "one\n");
-    EXPECT_TRUE(_log->writeWaiting());
+    EXPECT_TRUE(writeWaiting());
     EXPECT_EQ(read(), _dates + "one\n");
 }
 
-TEST_F(LgServiceLogTest, WhatIsGivenUpIsCountedAndWhatIsForgottenIsNot)
+TEST_F(LgServiceLogTest, WhatIsGivenUpIsCountedAndWhatIsTakenIsNot)
 {
     block();
     const StreamCapture errors(std::cerr);
@@ -308,7 +316,7 @@ TEST_F(LgServiceLogTest, WhatIsGivenUpIsCountedAndWhatIsForgottenIsNot)
     log("one\n");
     log("two\n");
     log("three\n", false);
-    _log->forget();
+    _log->takeWaiting();
     EXPECT_EQ(Zu::LgReader::getUnwrittenCount(), before);
     log("four\n");
     log("five\n", false);
@@ -317,6 +325,58 @@ TEST_F(LgServiceLogTest, WhatIsGivenUpIsCountedAndWhatIsForgottenIsNot)
     log("six\n");
     _log.reset();
     EXPECT_EQ(Zu::LgReader::getUnwrittenCount(), before + 2);
+}
+
+TEST_F(LgServiceLogTest, WhatIsTakenCanBeGivenBack)
+{
+    setLimit(10);
+    block();
+    open();
+    const StreamCapture errors(std::cerr);
+    log("one\n");
+    log("two\n");
+    log("dropped\n");
+    const std::int64_t since = _log->getFailingSince();
+    const LgServiceLog::Waiting taken = _log->takeWaiting();
+    EXPECT_EQ(taken._text, "one\ntwo\n");
+    ASSERT_EQ(taken._lines.size(), 2U);
+    EXPECT_EQ(taken._dropped, 1U);
+    EXPECT_EQ(taken._since, since);
+    EXPECT_EQ(_log->getPending(), 0U);
+    EXPECT_EQ(_log->getDropped(), 0U);
+    unblock();
+    open();
+    _log->setWaiting(taken);
+    EXPECT_EQ(_log->getFailingSince(), since);
+    EXPECT_TRUE(_log->isTryDue());
+    log("three\n");
+    EXPECT_EQ(read(), _dates + LgServiceLog::notWrittenLine(1, since) + "one\ntwo\nthree\n");
+}
+
+// Whoever has copied what waits needs to copy only what is new, as long as this stays the same.
+TEST_F(LgServiceLogTest, ChangesAreThoseThatAreNotAtTheEnd)
+{
+    setLimit(10);
+    block();
+    open();
+    const StreamCapture errors(std::cerr);
+    const std::uint64_t first = _log->getChanges();
+    log("one\n");
+    log("two\n");
+    log("dropped\n");
+    EXPECT_EQ(_log->getWaiting(), "one\ntwo\n");
+    EXPECT_EQ(_log->getChanges(), first);
+    setLimit(5);
+    log("dropped\n");
+    EXPECT_EQ(_log->getWaiting(), "one\n");
+    EXPECT_NE(_log->getChanges(), first);
+    const std::uint64_t second = _log->getChanges();
+    unblock();
+    EXPECT_TRUE(writeWaiting());
+    EXPECT_NE(_log->getChanges(), second);
+    const std::uint64_t third = _log->getChanges();
+    log("written\n");
+    EXPECT_EQ(_log->getChanges(), third);
 }
 
 // The disk is full, and not even the dates fit.
@@ -336,7 +396,7 @@ TEST_F(LgServiceLogTest, AFullDeviceFailsAtOnce)
         log("two\n");
         EXPECT_EQ(errors.text(), "The log file \"/dev/full\" can't be written, and is tried again: "
                                  "No space left on device\n");
-        EXPECT_FALSE(_log->writeWaiting());
+        EXPECT_FALSE(writeWaiting());
     }
     _log->giveUp();
     EXPECT_EQ(Zu::LgReader::getUnwrittenCount(), before + 2);

@@ -7,6 +7,7 @@
 #include "support/fileTest.h"
 #include "support/platform.h"
 #include "support/tempDir.h"
+#include "support/variableGuard.h"
 
 #include <algorithm>
 #include <cstddef>
@@ -126,6 +127,32 @@ protected:
         EXPECT_GE(missing + threads, found._lost) << what;
         EXPECT_LE(found._odd, 1) << what;
         EXPECT_TRUE(maps().empty()) << what;
+    }
+
+    std::string logPath() const
+    {
+        return _logs.file("events.log");
+    }
+
+    // As it was when a process left it.
+    static void putMap(const std::string& path, const std::string& text)
+    {
+        support::writeFile(path, text);
+        std::filesystem::permissions(path, std::filesystem::perms::owner_read |
+                                               std::filesystem::perms::owner_write);
+    }
+
+    // Places at which something may go wrong: about each line's end, and some others.
+    static std::vector<std::size_t> cutsOf(const std::string& text)
+    {
+        std::vector<std::size_t> cuts;
+        for (std::size_t size = 0; size <= text.size(); ++size)
+        {
+            const std::size_t end = text.find('\n', size < 2 ? 0 : size - 2);
+            if (size % 29 == 0 || (end != std::string::npos && end <= size + 1))
+                cuts.push_back(size);
+        }
+        return cuts;
     }
 
     TempDir _dir;
@@ -254,6 +281,201 @@ TEST_F(LgServiceRecoveryTest, AFileThatEndsAnywhereInABatch)
         // The same file, with what it had.
         support::writeFile(log, text);
     }
+}
+
+// What waits for a file that fails outlives the process, too, even one that ends in order.
+TEST_F(LgServiceRecoveryTest, WhateverTheEndWhatWaitsForAFileIsThereOnceWhenItWorksAgain)
+{
+    for (const std::string& way : WAYS)
+    {
+        run("blocked " + way, 2, 100);
+        const std::string numbers = numbersFile;
+        ASSERT_EQ(maps().size(), 1U) << way;
+        // The file still fails.
+        recover();
+        ASSERT_EQ(maps().size(), 1U) << way;
+        std::filesystem::remove(logPath());
+        recover();
+        numbersFile = numbers;
+        ASSERT_EQ(returnedOf(0), 100U) << way;
+        ASSERT_EQ(find()._lines, 200) << way;
+        EXPECT_EQ(find()._recoveries, 1) << way;
+        checkAll(2, way);
+        std::remove(logPath().c_str());
+        std::remove(_logs.file("prof.log").c_str());
+    }
+}
+
+// At most 64 KiB wait; the others are counted, and the count is as safe as the lines.
+TEST_F(LgServiceRecoveryTest, WhatWasDroppedIsSaidOnce)
+{
+    const support::VariableGuard limit("ZU_LOG_SERVICE_PENDING_LIMIT");
+    limit.set("64K");
+    for (const std::string way : {"blocked kill", "blocked main", "unblocked write"})
+    {
+        run(way, 1, 2000);
+        std::filesystem::remove(way[0] == 'b' ? logPath() : std::string());
+        recover();
+        const std::string text = support::readFile(logPath());
+        unsigned long long dropped = 0;
+        const std::string note = "===== Not Written: ";
+        const std::size_t place = text.find(note);
+        ASSERT_NE(place, std::string::npos) << way;
+        std::sscanf(text.c_str() + place + note.size(), "%llu events since ", &dropped);
+        EXPECT_GT(dropped, 100U) << way;
+        EXPECT_EQ(text.find(note, place + 1), std::string::npos) << way;
+        const unsigned long long all = way[0] == 'b' ? 2000 : 4000;
+        EXPECT_EQ(static_cast<unsigned long long>(find()._lines) + dropped, all) << way;
+        EXPECT_TRUE(maps().empty()) << way;
+        std::remove(logPath().c_str());
+    }
+}
+
+TEST_F(LgServiceRecoveryTest, AtEveryStepWhileWhatWaitedIsWritten)
+{
+    for (int step = 1; step <= 30; ++step)
+    {
+        run("unblocked step", 2, 20, step);
+        const std::string numbers = numbersFile;
+        recover();
+        numbersFile = numbers;
+        checkAll(2, "step " + std::to_string(step));
+        if (HasFatalFailure()) return;
+        std::remove(logPath().c_str());
+    }
+}
+
+TEST_F(LgServiceRecoveryTest, AFileThatEndsAnywhereInWhatWaited)
+{
+    run("unblocked write", 1, 3);
+    const std::string numbers = numbersFile;
+    const std::vector<std::string> left = maps();
+    ASSERT_EQ(left.size(), 1U);
+    const std::string map = Zu::lgMapDirectory() + left.front();
+    const std::string mapText = support::readFile(map);
+    const std::string text = support::readFile(logPath());
+    for (const std::size_t size : cutsOf(text))
+    {
+        support::writeFile(logPath(), text.substr(0, size));
+        putMap(map, mapText);
+        recover();
+        numbersFile = numbers;
+        checkAll(1, std::to_string(size) + " characters are there");
+        if (HasFailure()) return;
+    }
+}
+
+// One that is itself killed while it writes what waited, and the one after it, too.
+TEST_F(LgServiceRecoveryTest, AFileThatEndsAnywhereInARecoveryOfWhatWaited)
+{
+    // After the batch is stored, committed, and written.
+    constexpr int WROTE = 3;
+    run("blocked kill", 1, 3);
+    const std::string numbers = numbersFile;
+    const std::vector<std::string> left = maps();
+    ASSERT_EQ(left.size(), 1U);
+    std::filesystem::remove(logPath());
+    run("recovery step", 1, 0, WROTE);
+    const std::string map = Zu::lgMapDirectory() + left.front();
+    const std::string mapText = support::readFile(map);
+    const std::string text = support::readFile(logPath());
+    const std::vector<std::size_t> cuts = cutsOf(text);
+    for (std::size_t i = 0; i < cuts.size(); ++i)
+    {
+        support::writeFile(logPath(), text.substr(0, cuts[i]));
+        putMap(map, mapText);
+        run("recovery step", 1, 0, WROTE);
+        const std::string second = support::readFile(logPath());
+        const std::vector<std::size_t> others = cutsOf(second);
+        support::writeFile(logPath(),
+                           second.substr(0, std::max(cuts[i], others[i * 7 % others.size()])));
+        recover();
+        numbersFile = numbers;
+        const Found found = find();
+        ASSERT_EQ(found._numbers.count(0), 1U) << cuts[i];
+        ASSERT_EQ(found._numbers.at(0), (std::vector<int>{1, 1, 1})) << cuts[i];
+        EXPECT_EQ(found._lost, 0);
+        EXPECT_TRUE(maps().empty());
+        if (HasFailure()) return;
+    }
+}
+
+TEST_F(LgServiceRecoveryTest, AtEveryStepOfARecoveryOfWhatWaited)
+{
+    for (int step = 1; step <= 12; ++step)
+    {
+        run("blocked kill", 2, 30);
+        const std::string numbers = numbersFile;
+        std::filesystem::remove(logPath());
+        run("recovery step", 1, 0, step);
+        run("recovery step", 1, 0, step / 2 + 1);
+        recover();
+        numbersFile = numbers;
+        checkAll(2, "step " + std::to_string(step));
+        if (HasFatalFailure()) return;
+        std::remove(logPath().c_str());
+    }
+}
+
+// An event of several lines is written again as a whole.
+TEST_F(LgServiceRecoveryTest, AnEventOfWhichALineIsMissingIsWrittenAgain)
+{
+    constexpr int WROTE = 3;
+    run("blocked kill", 1, 3);
+    const std::vector<std::string> left = maps();
+    ASSERT_EQ(left.size(), 1U);
+    std::filesystem::remove(logPath());
+    run("recovery step", 1, 0, WROTE);
+    // As if the text of the second event had a line feed.
+    const auto fold = [](std::string text)
+    {
+        const std::size_t place = text.find(": Victim t0 n1 end\n");
+        return text.replace(place, 18, ": Victim t0\n\t1 end");
+    };
+    const std::string map = Zu::lgMapDirectory() + left.front();
+    std::string mapText = fold(support::readFile(map));
+    auto* const header = reinterpret_cast<Zu::LgMap::Header*>(mapText.data());
+    for (Zu::LgMap::WaitingLog& log : header->_waiting)
+    {
+        Zu::LgMap::Waiting& waiting = log._waiting[log._current];
+        waiting._hash = Zu::LgMap::hashBytes(mapText.data() + waiting._place, waiting._size);
+    }
+    const std::string text = fold(support::readFile(logPath()));
+    const std::size_t continuation = text.find("\n\t1 end");
+    ASSERT_NE(continuation, std::string::npos);
+    for (const std::size_t size : {continuation + 1, continuation + 5, continuation + 7})
+    {
+        support::writeFile(logPath(), text.substr(0, size));
+        putMap(map, mapText);
+        recover();
+        const std::string result = support::readFile(logPath());
+        const std::string whole = ": Victim t0\n\t1 end\n";
+        const std::size_t place = result.find(whole);
+        ASSERT_NE(place, std::string::npos) << result;
+        EXPECT_EQ(result.find(whole, place + 1), std::string::npos) << result;
+        EXPECT_EQ(find()._numbers.at(0), (std::vector<int>{1, 0, 1})) << result;
+    }
+}
+
+// Its bytes would go into the log as they are.
+TEST_F(LgServiceRecoveryTest, WhatWaitedAndIsDamagedIsReportedAndNotWritten)
+{
+    run("blocked kill", 1, 5);
+    std::filesystem::remove(logPath());
+    const std::vector<std::string> left = maps();
+    ASSERT_EQ(left.size(), 1U);
+    const std::string map = Zu::lgMapDirectory() + left.front();
+    std::string text = support::readFile(map);
+    const std::size_t place = text.find("Warning: Victim t0 n2 end\n");
+    ASSERT_NE(place, std::string::npos);
+    text[place] = '\x1b';
+    putMap(map, text);
+    const ProgramResult result = recover();
+    EXPECT_NE(result.err.find("are recovered: 1 of them could not be read"), std::string::npos)
+        << result.err;
+    EXPECT_EQ(find()._lines, 0);
+    EXPECT_EQ(support::readFile(logPath()).find('\x1b'), std::string::npos);
+    EXPECT_TRUE(maps().empty());
 }
 
 TEST_F(LgServiceRecoveryTest, AtEveryStepOfARecovery)

@@ -704,4 +704,24 @@ TEST(LgServiceProgram, WhatWaitedAtAForkIsWrittenOnceAndByTheParent)
     EXPECT_EQ(fileTexts(dir.file("events.log")), expected);
 }
 
+// Each process keeps what it has logged itself.
+TEST(LgServiceProgram, WhatWaitsForAFileAtAForkIsWrittenOnceAndByTheParent)
+{
+    if (support::onWindows) GTEST_SKIP() << "Windows has no fork";
+    if (support::underSanitizer)
+        GTEST_SKIP() << "what the sanitizers lock does not survive a fork beside other threads";
+    const support::TempDir dir;
+    const support::TempDir maps;
+    const std::string log = dir.file("events.log");
+    std::filesystem::create_directory(log);
+    const support::Environment environment{{"B7Q_TEST_DIR", dir.path()},
+                                           {"ZU_LOG_SERVICE_MAPPING_DIRECTORY", maps.path()}};
+    const support::ProgramResult result =
+        support::runProgram("serviceProgram", {"forkFailing"}, environment);
+    EXPECT_EQ(result.exitCode, 3) << result.err;
+    EXPECT_EQ(fileTexts(log), Texts{"Service in the parent"});
+    support::runProgram("serviceProgram", {"service"}, environment);
+    EXPECT_EQ(fileTexts(log), (Texts{"Service in the parent", "Service in the child"}));
+}
+
 } // namespace

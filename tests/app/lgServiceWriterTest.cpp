@@ -13,6 +13,7 @@
 
 #include <algorithm>
 #include <atomic>
+#include <chrono>
 #include <cstdint>
 #include <cstdio>
 #include <filesystem>
@@ -24,6 +25,7 @@
 #include <numeric>
 #include <optional>
 #include <string>
+#include <system_error>
 #include <thread>
 #include <utility>
 #include <vector>
@@ -84,7 +86,7 @@ protected:
         LgLog::setRegistry(Zu::ObjPtr<Zu::LgRegistry>(new Zu::LgServiceRegistry));
         _map.begin(_settings);
         ASSERT_TRUE(_map.isOpen());
-        _writer.emplace(_map);
+        _writer.emplace(_map, _waiting);
     }
 
     LgQueue& makeQueue()
@@ -135,6 +137,7 @@ protected:
     support::TempDir _other;
     LgServiceMap::Settings _settings;
     LgServiceMap _map;
+    Zu::LgServiceWaiting _waiting{_map};
     std::optional<support::RunningLogger> _logger;
     std::optional<LgServiceWriter> _writer;
     std::vector<LgQueue*> _queues;
@@ -458,6 +461,114 @@ TEST_F(LgServiceWriterTest, ALockThatFailsRaisesAndKeepsTheEvents)
     EXPECT_TRUE(_writer->writeBatch());
     EXPECT_EQ(texts(), Texts{"kept"});
     EXPECT_TRUE(queue.isEmpty());
+}
+
+// Blocks the log of warnings while it lives, and stops the clock of its tries.
+class BlockedLog
+{
+public:
+    explicit BlockedLog(std::string path) : _path(std::move(path))
+    {
+        std::filesystem::remove(_path);
+        std::filesystem::create_directory(_path);
+        LgServiceLog::_now = [] { return LgServiceLog::Clock::time_point(std::chrono::hours(1)); };
+    }
+
+    ~BlockedLog()
+    {
+        unblock();
+        LgServiceLog::_now = &LgServiceLog::Clock::now;
+    }
+
+    BlockedLog(const BlockedLog&) = delete;
+    BlockedLog& operator=(const BlockedLog&) = delete;
+
+    void unblock() const
+    {
+        std::error_code error;
+        if (std::filesystem::is_directory(_path, error)) std::filesystem::remove(_path, error);
+    }
+
+private:
+    const std::string _path;
+    StreamCapture _errors{std::cerr};
+};
+
+LgServiceLog& logOfWarnings()
+{
+    return dynamic_cast<LgServiceLog&>(*LgLog::getLevelOutput(LgTypes::Warning));
+}
+
+TEST_F(LgServiceWriterTest, TheEndTriesOnceMore)
+{
+    start();
+    const BlockedLog blocked(logOfWarnings().getPath());
+    add(makeQueue(), "waits");
+    EXPECT_TRUE(_writer->writeBatch());
+    EXPECT_GT(logOfWarnings().getPending(), 0U);
+    EXPECT_FALSE(_writer->writeBatch());
+    blocked.unblock();
+    EXPECT_EQ(_writer->finish(), LgServiceWriter::Rest::None);
+    EXPECT_EQ(texts(), Texts{"waits"});
+}
+
+TEST_F(LgServiceWriterTest, WhatWaitsAtTheEndIsKeptForTheNextService)
+{
+    start();
+    const std::uint64_t before = Zu::LgReader::getUnwrittenCount();
+    const BlockedLog blocked(logOfWarnings().getPath());
+    add(makeQueue(), "waits");
+    EXPECT_TRUE(_writer->writeBatch());
+    EXPECT_EQ(_writer->finish(), LgServiceWriter::Rest::Kept);
+    EXPECT_EQ(logOfWarnings().getPending(), 0U);
+    EXPECT_EQ(Zu::LgReader::getUnwrittenCount(), before);
+    blocked.unblock();
+    _writer.emplace(_map, _waiting);
+    _writer->openLogs();
+    add(makeQueue(), "later");
+    EXPECT_TRUE(_writer->writeBatch());
+    EXPECT_EQ(_writer->finish(), LgServiceWriter::Rest::None);
+    EXPECT_EQ(texts(), (Texts{"waits", "later"}));
+}
+
+TEST_F(LgServiceWriterTest, WithoutAMapWhatWaitsAtTheEndIsCounted)
+{
+    start();
+    const std::uint64_t before = Zu::LgReader::getUnwrittenCount();
+    const BlockedLog blocked(logOfWarnings().getPath());
+    LgServiceMap none;
+    Zu::LgServiceWaiting nowhere(none);
+    _writer.emplace(none, nowhere);
+    add(makeQueue(), "waits");
+    EXPECT_TRUE(_writer->writeBatch());
+    EXPECT_EQ(_writer->finish(), LgServiceWriter::Rest::Lost);
+    EXPECT_EQ(Zu::LgReader::getUnwrittenCount(), before + 1);
+    _writer.emplace(_map, _waiting);
+}
+
+// The intent of a batch names the log that fails, so that its lines are not taken for written ones.
+TEST_F(LgServiceWriterTest, AFileThatFailsIsInTheBatch)
+{
+    start();
+    const BlockedLog blocked(logOfWarnings().getPath());
+    add(makeQueue(), "waits");
+    std::vector<std::uint64_t> batches;
+    atSteps(
+        [&](Step at)
+        {
+            if (at != Step::Tried && at != Step::Wrote) return;
+            const LgMap::Batch& batch = _map.batch(1);
+            ASSERT_EQ(batch._fileCount, 1U);
+            EXPECT_EQ(batch._files[0]._isOpen, 0U);
+            ASSERT_EQ(batch._lineCount, 1U);
+            EXPECT_EQ(batch._lines[0]._file, 0);
+            const LgMap::WaitingLog& log = _map.header()._waiting[batch._files[0]._log];
+            batches.push_back(log._waiting[log._current]._batch);
+        });
+    EXPECT_TRUE(_writer->writeBatch());
+    EXPECT_EQ(batches, (std::vector<std::uint64_t>{0, 1}));
+    blocked.unblock();
+    _writer->finish();
 }
 
 TEST_F(LgServiceWriterTest, QueuesOnTheHeapAreWrittenToo)

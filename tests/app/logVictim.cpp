@@ -15,11 +15,13 @@
 #include <csignal>
 #include <cstdint>
 #include <cstdlib>
+#include <filesystem>
 #include <iostream>
 #include <memory>
 #include <optional>
 #include <stdexcept>
 #include <string>
+#include <system_error>
 #include <thread>
 #include <vector>
 
@@ -43,21 +45,42 @@ void endAtStepOfRecovery()
     if (--stepsLeft == 0) stress::killSelf();
 }
 
-void logNumbers(int thread, int count)
+void logNumbers(int thread, int first, int count)
 {
-    for (int i = 0; i < count; ++i)
+    for (int i = first; i < first + count; ++i)
     {
         ZU_LOG_WARNING(Victim, "t" << thread << " n" << i << " end");
         __atomic_store_n(&returned[thread], static_cast<std::uint32_t>(i + 1), __ATOMIC_RELAXED);
     }
 }
 
-void logFromThreads(int threads, int count)
+void logFromThreads(int threads, int first, int count)
 {
     std::vector<std::thread> others;
-    for (int i = 1; i < threads; ++i) others.emplace_back(logNumbers, i, count);
-    logNumbers(0, count);
+    for (int i = 1; i < threads; ++i) others.emplace_back(logNumbers, i, first, count);
+    logNumbers(0, first, count);
     for (std::thread& other : others) other.join();
+}
+
+std::filesystem::path logPath()
+{
+    return std::filesystem::path(std::getenv("B7Q_TEST_DIR")) / "events.log";
+}
+
+// When what waited is in the file, but not yet noted as such.
+void endAfterWrite(Zu::LgServiceWriter::Step step)
+{
+    std::error_code error;
+    if (step == Zu::LgServiceWriter::Step::Tried &&
+        std::filesystem::file_size(logPath(), error) > 0 && !error)
+        stress::killSelf();
+}
+
+// All of it waits.
+void logWhileBlocked(Zu::LgService& service, int threads, int count)
+{
+    logFromThreads(threads, 0, count);
+    service.flush(std::chrono::seconds(30));
 }
 
 void endBy(const std::string& way)
@@ -84,7 +107,11 @@ int main(int argc, char** argv)
     }
     // <way> <file of numbers> <threads> <events of each> [<step>]
     if (argc < 5) return 2;
-    const std::string way = argv[1];
+    std::string way = argv[1];
+    // "blocked <way>": the file fails until the end. "unblocked <way>": until the step counts.
+    const bool isUnblocked = way.rfind("unblocked ", 0) == 0;
+    const bool isBlocked = isUnblocked || way.rfind("blocked ", 0) == 0;
+    if (isBlocked) way.erase(0, way.find(' ') + 1);
     const int threads = std::atoi(argv[3]);
     const int count = std::atoi(argv[4]);
     if (argc > 5) stepsLeft = std::atoi(argv[5]);
@@ -104,7 +131,12 @@ int main(int argc, char** argv)
     {
         // One that is never destroyed lives when main returns.
         static auto* const living = new std::optional<Zu::LgService>;
+        // The log file can't be opened as long as its name is a directory's.
+        if (isBlocked) std::filesystem::create_directory(logPath());
         living->emplace();
+        if (isBlocked) logWhileBlocked(**living, threads, count);
+        if (isUnblocked) std::filesystem::remove(logPath());
+        if (way == "write") Zu::LgServiceWriter::_atStep = &endAfterWrite;
         if (way == "step") Zu::LgServiceWriter::_atStep = &endAtStep;
         if (way == "other")
         {
@@ -116,14 +148,15 @@ int main(int argc, char** argv)
                 })
                 .detach();
         }
-        logFromThreads(threads, count);
+        if (!isBlocked || isUnblocked) logFromThreads(threads, isUnblocked ? count : 0, count);
         endBy(way);
         if (way == "main")
         {
             living->reset();
             delete living;
         }
-        if (way == "recovery step" || way == "step" || way == "other") living->reset();
+        if (way == "recovery step" || way == "step" || way == "write" || way == "other")
+            living->reset();
     }
     if (way == "main" || way == "outlives") ZU_STOP_LOG_GROUP(Victim);
     if (way == "living") std::exit(0);

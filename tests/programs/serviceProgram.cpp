@@ -8,8 +8,10 @@
 #include "support/platform.h"
 
 #include <atomic>
+#include <chrono>
 #include <cstdint>
 #include <cstdlib>
+#include <filesystem>
 #include <future>
 #include <iostream>
 #include <memory>
@@ -167,6 +169,25 @@ void addLate(const char* text)
 
 // A child of a fork between two services, with events that came too late for the first one: of the
 // forking thread, of a living thread, and of an ended one.
+// The log file can't be opened until the child has ended.
+int forkWhileAFileFails()
+{
+    constexpr std::chrono::seconds LIMIT(30);
+    const Zu::LgService service;
+    ZU_LOG_WARNING(Service, "in the parent");
+    service.flush(LIMIT);
+    if (support::forkProcess() == support::Side::CHILD)
+    {
+        const Zu::LgService own;
+        ZU_LOG_WARNING(Service, "in the child");
+        own.flush(LIMIT);
+        return 3;
+    }
+    const int child = support::awaitForkedChild();
+    std::filesystem::remove(std::filesystem::path(std::getenv("B7Q_TEST_DIR")) / "events.log");
+    return child;
+}
+
 int forkBetweenServices()
 {
     {
@@ -223,6 +244,7 @@ int run(const std::string& what, char** words)
     const Zu::InInitGuard guard(count, words);
     ZU_START_LOG_GROUP("Test", Service);
     int result = 0;
+    if (what == "service") const Zu::LgService service;
     if (what == "threads") logFromThreads();
     if (what == "leave") leaveAnEvent();
     if (what == "exit") exitInTheMiddle();
@@ -230,6 +252,7 @@ int run(const std::string& what, char** words)
     if (what == "fork") result = forkInTheMiddle();
     if (what == "forkInside") result = forkInAStatement();
     if (what == "forkBetween") result = forkBetweenServices();
+    if (what == "forkFailing") result = forkWhileAFileFails();
     ZU_STOP_LOG_GROUP(Service);
     return result;
 }
