@@ -464,42 +464,53 @@ void LgServiceMap::removeFileIfEmpty()
     _file->remove();
 }
 
-void LgServiceMap::keepForChild(const LgQueue& own)
+void LgServiceMap::keepForChild(const LgQueue* own)
 {
     for (const Block* const block : _blocks)
     {
-        const char* const place = block->_space._place;
-        if (block->_index == LgMap::NONE || place != reinterpret_cast<const char*>(&own)) continue;
-        const char* const entries = place + LgMap::PAGE;
-        _kept._place = place;
-        _kept._head.assign(place, LgMap::PAGE + bytesOf(block->_entries.getUsable()));
-        _kept._text.assign(entries + bytesOf(block->_entries.getSize()),
-                           block->_characters.getUsable());
+        if (block->_index == LgMap::NONE) continue;
+        Copy& copy = _kept.emplace_back();
+        copy._place = block->_space._place;
+        copy._hasEvents = copy._place == reinterpret_cast<const char*>(own);
+        if (!copy._hasEvents)
+        {
+            copy._head.assign(copy._place, sizeof(LgQueue));
+            continue;
+        }
+        const char* const entries = copy._place + LgMap::PAGE;
+        copy._head.assign(copy._place, LgMap::PAGE + bytesOf(block->_entries.getUsable()));
+        copy._text.assign(entries + bytesOf(block->_entries.getSize()),
+                          block->_characters.getUsable());
     }
 }
 
 void LgServiceMap::forgetKept()
 {
-    _kept = {};
+    _kept.clear();
+}
+
+void LgServiceMap::replace(const Block& block, const Copy& copy)
+{
+    char* const place = block._space._place;
+    if (!LgMapFile::replaceByPrivate(place, block._space._size)) return;
+    std::memcpy(place, copy._head.data(), copy._head.size());
+    const std::uint64_t entries = bytesOf(block._entries.getSize());
+    if (copy._hasEvents)
+        std::memcpy(place + LgMap::PAGE + entries, copy._text.data(), copy._text.size());
 }
 
 // Other threads are not here, and what the parent's do meanwhile goes on in the shared memory until
-// it is replaced: their queues are copied as they are at this moment, and will be emptied.
+// it is replaced: their queues are as they were before the fork, and will be emptied.
 void LgServiceMap::leaveInChild()
 {
     if (!isOpen()) return;
     for (Block* const block : _blocks)
     {
-        char* const place = block->_space._place;
-        const bool isKept = place == _kept._place;
         if (block->_index == LgMap::NONE) continue;
         block->_index = LgMap::NONE;
-        const std::uint64_t entries = bytesOf(block->_entries.getSize());
-        const std::string head = isKept ? _kept._head : std::string(place, LgMap::PAGE);
-        if (!LgMapFile::replaceByPrivate(place, block->_space._size)) continue;
-        std::memcpy(place, head.data(), head.size());
-        if (isKept)
-            std::memcpy(place + LgMap::PAGE + entries, _kept._text.data(), _kept._text.size());
+        const auto isIt = [block](const Copy& copy) { return copy._place == block->_space._place; };
+        const auto copy = std::find_if(_kept.begin(), _kept.end(), isIt);
+        if (copy != _kept.end()) replace(*block, *copy);
     }
     for (const std::list<Room>* const rooms : {&_free, &_rooms})
         for (const Room& room : *rooms) LgMapFile::unmap(room._place, room._size);

@@ -121,16 +121,17 @@ public:
         return _mutex;
     }
 
-    /// For a thread that is about to fork, with the mutex locked: keeps a copy of its queue for
-    /// leaveInChild(). The parent goes on in the queue itself as soon as the fork has happened.
-    void keepForChild(const LgQueue& own);
+    /// For a thread that is about to fork, with the mutex locked: keeps copies of the queues for
+    /// leaveInChild(). The parent goes on in the queues themselves, and ends some, as soon as the
+    /// fork has happened. `own` is copied with its events; null for none.
+    void keepForChild(const LgQueue* own);
 
-    /// Forgets the copy.
+    /// Forgets the copies.
     void forgetKept();
 
     /// For the child of a fork, with the mutex locked: the queues get memory of the child's own, so
-    /// that nothing of the parent's is touched. Only the queue that was kept keeps its texts. From
-    /// here on there is no file.
+    /// that nothing of the parent's is touched. Only the queue that was kept with its events keeps
+    /// its texts. From here on there is no file.
     void leaveInChild();
 
     /// What the names of the maps for a log directory begin with.
@@ -140,10 +141,12 @@ private:
     class Ring;
     class Block;
 
-    // The beginning of a queue's memory, up to its last entry, and its texts.
+    // The beginning of a queue's memory: the queue itself and, if it is kept with its events, all up
+    // to the last entry, and the texts.
     struct Copy
     {
         const char* _place = nullptr;
+        bool _hasEvents = false;
         std::string _head;
         std::string _text;
     };
@@ -162,6 +165,7 @@ private:
     std::optional<std::uint32_t> findIndex();
     void giveBack(Block& block) noexcept;
     void clear(const Block& block);
+    static void replace(const Block& block, const Copy& copy);
     void reportOnce(const char* what, const std::string& reason);
 
     std::mutex _mutex;
@@ -180,7 +184,7 @@ private:
     std::list<Room> _rooms;
     std::list<Block*> _blocks;
     std::vector<std::uint32_t> _freeIndices;
-    Copy _kept;
+    std::vector<Copy> _kept;
     // How many entries of the table of queues have room.
     std::uint32_t _tableRoom = 0;
     bool _hasReported = false;

@@ -397,7 +397,7 @@ void LgServiceThreads::lockForFork()
     // memory that both see until the child has replaced it.
     const auto* const own = static_cast<const LgQueue*>(ThreadSlot::get(ThreadSlot::Queue));
     _kept = own && own->isInserting() ? own : nullptr;
-    if (_kept) _map.keepForChild(*_kept);
+    _map.keepForChild(_kept);
 }
 
 void LgServiceThreads::unlockAfterFork()

@@ -10,6 +10,7 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <cstdlib>
 #include <cstring>
 #include <filesystem>
 #include <fstream>
@@ -18,6 +19,7 @@
 #include <iterator>
 #include <optional>
 #include <string>
+#include <thread>
 #include <vector>
 
 namespace
@@ -321,6 +323,32 @@ TEST_F(LgServiceMapTest, TheStateOfABatchIsOneWord)
     EXPECT_EQ(map.getBatch()._lineCount, 3U);
     EXPECT_NE(&_map.batch(5), &_map.batch(6));
     EXPECT_EQ(&_map.batch(5), &_map.batch(7));
+}
+
+// The parent may end a queue before the child has left it.
+TEST_F(LgServiceMapTest, AChildHasTheQueuesAsTheyWereBeforeTheFork)
+{
+    if (support::onWindows) GTEST_SKIP() << "Windows has no fork.";
+    _map.begin(_settings);
+    LgQueue* const queue = _map.makeQueue(1);
+    const LgQueue::Home* const home = queue->getHome();
+    const std::string ended = _dir.file("ended");
+    _map.mutex().lock();
+    _map.keepForChild(nullptr);
+    const support::Side side = support::forkProcess();
+    if (side == support::Side::CHILD)
+    {
+        while (!fs::exists(ended)) std::this_thread::yield();
+        _map.leaveInChild();
+        _map.mutex().unlock();
+        const bool isWhole = queue->getHome() == home && queue->getThreadId() == 1;
+        std::_Exit(isWhole && add(*queue, "later") && take(*queue) == Texts{"later"} ? 0 : 1);
+    }
+    _map.forgetKept();
+    _map.mutex().unlock();
+    end(queue);
+    std::ofstream(ended) << "it is";
+    EXPECT_EQ(support::awaitForkedChild(), 0);
 }
 
 class LgServiceMapRefused : public LgServiceMapTest
