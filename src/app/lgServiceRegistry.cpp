@@ -3,6 +3,9 @@
 namespace Zu
 {
 
+// Not 0, so that nobody has seen the first one.
+constinit std::atomic<std::uint64_t> LgServiceRegistry::_generation{1};
+
 std::mutex& LgServiceRegistry::mutex()
 {
     static std::mutex* const theMutex = new std::mutex;
@@ -19,12 +22,14 @@ void LgServiceRegistry::registerQueue(LgQueue* queue)
 {
     const std::lock_guard guard(mutex());
     queues().push_back(queue);
+    _generation.fetch_add(1, std::memory_order_release);
 }
 
 void LgServiceRegistry::deregisterQueue(LgQueue* queue)
 {
     const std::lock_guard guard(mutex());
     queues().remove(queue);
+    _generation.fetch_add(1, std::memory_order_release);
 }
 
 List<LgQueue*> LgServiceRegistry::getQueueList() const

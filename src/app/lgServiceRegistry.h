@@ -7,6 +7,8 @@
 #include "../base/containers.h"
 #include "../base/lgRegistry.h"
 
+#include <atomic>
+#include <cstdint>
 #include <mutex>
 
 namespace Zu
@@ -22,12 +24,22 @@ public:
     void deregisterQueue(LgQueue* queue) override;
     List<LgQueue*> getQueueList() const override;
 
+    /// Changes whenever the list does. Whoever has seen a list keeps it as long as this stays the
+    /// same; read it first.
+    static std::uint64_t getGeneration()
+    {
+        return _generation.load(std::memory_order_acquire);
+    }
+
     /// The mutex of all objects of this class; a fork locks it first, so that the child finds it
     /// usable. It lives as long as the process.
     static std::mutex& mutex();
 
     /// The shared list; the caller must hold mutex().
     static List<LgQueue*>& queues();
+
+private:
+    static std::atomic<std::uint64_t> _generation;
 };
 
 } // namespace Zu

@@ -1,6 +1,7 @@
 #include "app/lgServiceWriter.h"
 
 #include "app/lgMapFile.h"
+#include "app/lgServiceRegistry.h"
 #include "base/hwCounter.h"
 #include "base/lgInterProcessLock.h"
 #include "base/lgLog.h"
@@ -246,13 +247,30 @@ void LgServiceWriter::addHealth(LgServiceHealth& health,
     health._behind = std::chrono::microseconds(std::llround(seconds * 1e6));
 }
 
+// Threads come and go far less often than batches. In another registry than the service's own, the
+// list may change at any time.
+void LgServiceWriter::lookAtRegistry()
+{
+    const LgRegistry& registry = *LgLog::getRegistry();
+    const bool isOwn = dynamic_cast<const LgServiceRegistry*>(&registry) != nullptr;
+    const std::uint64_t generation = isOwn ? LgServiceRegistry::getGeneration() : 0;
+    if (isOwn && generation == _generation) return;
+    const List<LgQueue*> queues = registry.getQueueList();
+    _known.assign(queues.begin(), queues.end());
+    _generation = generation;
+    // A queue may be in the list twice.
+    std::sort(_known.begin(), _known.end(), std::less<>());
+    _known.erase(std::unique(_known.begin(), _known.end()), _known.end());
+}
+
 // Whether there is anything to do.
 bool LgServiceWriter::findQueues()
 {
     _cursors.clear();
     _finished.clear();
     _ended.clear();
-    for (LgQueue* const queue : LgLog::getRegistry()->getQueueList())
+    lookAtRegistry();
+    for (LgQueue* const queue : _known)
     {
         // Asked first: the last event may come just before the thread ends.
         const bool isEnded = !queue->isCreatorAlive();
@@ -265,15 +283,6 @@ bool LgServiceWriter::findQueues()
         else if (isEnded)
             _ended.push_back(queue);
     }
-    // A queue may be in the list twice.
-    const auto byQueue = [](const Cursor& one, const Cursor& other)
-    { return std::less<>()(one._queue, other._queue); };
-    const auto isSame = [](const Cursor& one, const Cursor& other)
-    { return one._queue == other._queue; };
-    std::sort(_cursors.begin(), _cursors.end(), byQueue);
-    _cursors.erase(std::unique(_cursors.begin(), _cursors.end(), isSame), _cursors.end());
-    std::sort(_ended.begin(), _ended.end());
-    _ended.erase(std::unique(_ended.begin(), _ended.end()), _ended.end());
     return !_cursors.empty() || !_ended.empty();
 }
 

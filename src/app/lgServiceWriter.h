@@ -136,6 +136,7 @@ private:
     void noteFills();
     void noteBatch();
     void noteFiles();
+    void lookAtRegistry();
     bool findQueues();
     void beginBatch();
     void collect(std::uint64_t until);
@@ -163,6 +164,9 @@ private:
     LgLineForm _present = LgLineForm::Plain;
     std::optional<LgLineWriter> _lineWriter;
     LgLineOrigin _origin;
+    // The registered queues, and which state of the registry they are of.
+    std::vector<LgQueue*> _known;
+    std::uint64_t _generation = 0;
     // A heap, the earliest event first; and the queues whose turn is over in this batch.
     std::vector<Cursor> _cursors;
     std::vector<Cursor> _finished;

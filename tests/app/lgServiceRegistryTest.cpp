@@ -3,6 +3,8 @@
 #include "base/lgQueue.h"
 
 #include <algorithm>
+#include <cstddef>
+#include <cstdint>
 #include <gtest/gtest.h>
 #include <thread>
 #include <vector>
@@ -50,6 +52,22 @@ TEST(LgServiceRegistry, TakesOutEveryEntryOfAQueue)
     EXPECT_EQ(among(registry, {&queue}), (Queues{&queue, &queue}));
     registry.deregisterQueue(&queue);
     EXPECT_EQ(among(registry, {&queue}), Queues());
+}
+
+// Whoever has seen no list has seen generation 0.
+TEST(LgServiceRegistry, EachChangeBeginsAGeneration)
+{
+    LgQueue queue;
+    LgServiceRegistry registry;
+    std::vector<std::uint64_t> generations{0, LgServiceRegistry::getGeneration()};
+    registry.registerQueue(&queue);
+    generations.push_back(LgServiceRegistry::getGeneration());
+    EXPECT_EQ(among(registry, {&queue}), Queues{&queue});
+    EXPECT_EQ(LgServiceRegistry::getGeneration(), generations.back());
+    LgServiceRegistry().deregisterQueue(&queue);
+    generations.push_back(LgServiceRegistry::getGeneration());
+    for (std::size_t i = 1; i < generations.size(); ++i)
+        EXPECT_GT(generations[i], generations[i - 1]) << i;
 }
 
 TEST(LgServiceRegistry, AllObjectsHaveOneList)

@@ -233,6 +233,25 @@ TEST_F(LgServiceWriterTest, ThePartOfTheFileIsInTheMapBeforeItIsWritten)
     EXPECT_EQ(batch->_queueCount, 1U);
 }
 
+// The writer keeps the list of the queues; threads come and go all the same.
+TEST_F(LgServiceWriterTest, QueuesAreSeenFromTheirFirstEventToTheirEnd)
+{
+    start();
+    Texts expected;
+    for (int i = 0; i < 20; ++i)
+    {
+        LgQueue& queue = makeQueue();
+        expected.push_back(std::to_string(i));
+        add(queue, expected.back());
+        if (i % 3 == 0) endQueues();
+        EXPECT_TRUE(_writer->writeBatch());
+        EXPECT_EQ(texts(), expected);
+        // Takes the ended ones out of the registry.
+        writeAll();
+    }
+    EXPECT_EQ(LgLog::getRegistry()->getQueueList().size(), 0U + _queues.size());
+}
+
 TEST_F(LgServiceWriterTest, BatchesAreBounded)
 {
     start();

@@ -19,6 +19,7 @@
 #include <functional>
 #include <future>
 #include <gtest/gtest.h>
+#include <iostream>
 #include <map>
 #include <optional>
 #include <set>
@@ -198,6 +199,11 @@ private:
     std::string _input;
 };
 
+std::string logIn(const support::TempDir& dir)
+{
+    return support::bytesOf(dir.file("logs") + "/events.log");
+}
+
 class ServerTest : public testing::Test
 {
 protected:
@@ -208,7 +214,7 @@ protected:
 
     std::string log() const
     {
-        return support::bytesOf(_dir.file("logs") + "/events.log");
+        return logIn(_dir);
     }
 
     support::TempDir _dir;
@@ -389,31 +395,30 @@ std::map<std::string, int> loggedIds(const std::string& log)
     return ids;
 }
 
-TEST_F(ServerTest, WhatIsAnsweredIsLoggedOnceWhateverClientsAndAKillDo)
+// A server is killed after so many requests of the load; the next one ends in order after more.
+void runServers(const support::TempDir& dir, int middle, int rest)
 {
     constexpr int ENDLESS = 1 << 30;
-    constexpr int MIDDLE = 600;
-    constexpr int REST = 300;
     std::atomic<int> count{0};
     std::vector<std::string> answered;
     {
-        Server first(_dir.path());
+        Server first(dir.path());
         ASSERT_NE(first.port(), 0);
         auto loads = startLoad(first.port(), "load first ", ENDLESS, count);
-        while (count < MIDDLE) std::this_thread::yield();
+        while (count < middle) std::this_thread::yield();
         const ProgramResult result = first.kill();
         EXPECT_NE(result.exitCode, 0);
         finish(loads, answered);
     }
-    EXPECT_GE(answered.size(), static_cast<std::size_t>(MIDDLE));
+    EXPECT_GE(answered.size(), static_cast<std::size_t>(middle));
     {
-        Server second(_dir.path());
+        Server second(dir.path());
         ASSERT_NE(second.port(), 0);
         Client neverReading(second.port());
         std::atomic<bool> isStalled{false};
         std::atomic<bool> isOver{false};
         std::thread never([&] { neverReading.sendAndNeverRead(isStalled, isOver); });
-        auto loads = startLoad(second.port(), "load second ", REST, count);
+        auto loads = startLoad(second.port(), "load second ", rest, count);
         sendOverlongLine(second.port());
         sendBinary(second.port());
         sendAndHalfClose(second.port());
@@ -428,7 +433,7 @@ TEST_F(ServerTest, WhatIsAnsweredIsLoggedOnceWhateverClientsAndAKillDo)
         EXPECT_EQ(result.exitCode, 0);
         EXPECT_EQ(result.err, "");
     }
-    const std::string text = log();
+    const std::string text = logIn(dir);
     std::map<std::string, int> logged = loggedIds(text);
     for (const std::string& id : answered) ASSERT_EQ(logged[id], 1) << id;
     // One request of each client was on its way when the first server was killed.
@@ -441,6 +446,23 @@ TEST_F(ServerTest, WhatIsAnsweredIsLoggedOnceWhateverClientsAndAKillDo)
     EXPECT_EQ(support::countOf(text, "ECHO x\\x0d===== Message Logger Stopped =====\\x1b[2J"), 1U);
     EXPECT_EQ(support::countOf(text, "ECHO half\n"), 1U);
     EXPECT_EQ(support::countOf(text, "not ended"), 0U);
+}
+
+// Once, or for as many seconds as ZU_STRESS_SECONDS says: each round with more requests.
+TEST_F(ServerTest, WhatIsAnsweredIsLoggedOnceWhateverClientsAndAKillDo)
+{
+    constexpr int REQUESTS = 300;
+    const char* const seconds = std::getenv("ZU_STRESS_SECONDS");
+    const auto end =
+        std::chrono::steady_clock::now() + std::chrono::seconds(seconds ? std::atoi(seconds) : 0);
+    int round = 0;
+    do
+    {
+        ++round;
+        const support::TempDir dir;
+        runServers(dir, 2 * REQUESTS + 17 * round, round * REQUESTS);
+    } while (std::chrono::steady_clock::now() < end && !HasFailure());
+    std::cout << round << (round == 1 ? " round" : " rounds") << std::endl;
 }
 
 } // namespace
