@@ -3,10 +3,12 @@
 #include "base/compiler.h"
 
 #include <algorithm>
+#include <array>
 #include <bit>
 #include <charconv>
 #include <cmath>
 #include <cstdint>
+#include <cstring>
 #include <string_view>
 
 namespace Zu
@@ -44,18 +46,59 @@ Micros roundedMicros(std::uint64_t mantissa, int shift)
     return millionths < MICRO ? Micros{whole, millionths} : Micros{whole + 1, 0};
 }
 
+// The same for a shift from 1 to 63: there the fraction is a number of 2^-64, and the millionths
+// are the upper half of a product whose lower half is the exact rest.
+Micros roundedMicrosOfUsual(std::uint64_t mantissa, int shift)
+{
+    constexpr std::uint64_t HALF = std::uint64_t{1} << 63;
+    const std::uint64_t whole = mantissa >> shift;
+    const Wide scaled = Wide{mantissa << (64 - shift)} * MICRO;
+    const auto rest = static_cast<std::uint64_t>(scaled);
+    auto millionths = static_cast<std::uint64_t>(scaled >> 64);
+    // An odd number is rounded up from the half itself on, an even one from just above it.
+    if (rest > HALF - (millionths & 1)) ++millionths;
+    return millionths < MICRO ? Micros{whole, millionths} : Micros{whole + 1, 0};
+}
+
+// The decimal digits of 0 to 99, two for each number.
+constexpr std::array<char, 200> PAIRS = []
+{
+    std::array<char, 200> pairs{};
+    for (std::size_t i = 0; i < 100; ++i)
+    {
+        pairs[2 * i] = static_cast<char>('0' + i / 10);
+        pairs[2 * i + 1] = static_cast<char>('0' + i % 10);
+    }
+    return pairs;
+}();
+
+void writePair(char* to, std::uint32_t number)
+{
+    std::memcpy(to, &PAIRS[std::size_t{2} * number], 2);
+}
+
+char* writeWhole(char* to, std::uint64_t whole)
+{
+    if (whole >= 100) return std::to_chars(to, to + 20, whole).ptr;
+    const auto number = static_cast<std::uint32_t>(whole);
+    if (number < 10)
+    {
+        *to = static_cast<char>('0' + number);
+        return to + 1;
+    }
+    writePair(to, number);
+    return to + 2;
+}
+
 char* writeMicros(char* to, const Micros& micros)
 {
-    constexpr int digits = 6;
-    to = std::to_chars(to, to + 20, micros._whole).ptr;
-    *to = '.';
-    std::uint64_t left = micros._millionths;
-    for (int i = digits; i > 0; --i)
-    {
-        to[i] = static_cast<char>('0' + left % 10);
-        left /= 10;
-    }
-    return to + 1 + digits;
+    to = writeWhole(to, micros._whole);
+    *to++ = '.';
+    const auto millionths = static_cast<std::uint32_t>(micros._millionths);
+    writePair(to, millionths / 10'000);
+    writePair(to + 2, millionths / 100 % 100);
+    writePair(to + 4, millionths % 100);
+    return to + 6;
 }
 
 char* writeText(char* to, std::string_view text)
@@ -64,6 +107,22 @@ char* writeText(char* to, std::string_view text)
 }
 
 } // namespace
+
+char* lgWriteUsualDouble(char* buffer, double value)
+{
+    const auto bits = std::bit_cast<std::uint64_t>(value);
+    const std::uint64_t magnitude = bits & ~(std::uint64_t{1} << 63);
+    const int shift = EXPONENT_BIAS - static_cast<int>(magnitude >> MANTISSA_BITS);
+    const bool isUsual = shift > 0 && shift < 64;
+    if (!isUsual && magnitude != 0) return nullptr;
+    // The place of the sign is written in any case, which costs less than to decide.
+    *buffer = '-';
+    buffer += bits >> 63;
+    if (!isUsual) return writeMicros(buffer, {0, 0});
+    constexpr std::uint64_t HIDDEN_BIT = std::uint64_t{1} << MANTISSA_BITS;
+    const std::uint64_t mantissa = (magnitude & (HIDDEN_BIT - 1)) | HIDDEN_BIT;
+    return writeMicros(buffer, roundedMicrosOfUsual(mantissa, shift));
+}
 
 char* lgWriteDouble(char* buffer, double value)
 {

@@ -166,6 +166,18 @@ LgStream& LgStream::operator<<(float value)
 
 LgStream& LgStream::operator<<(double value)
 {
+    // The text goes straight into the ring if it is sure to fit.
+    const std::uint32_t position = _writePos.own();
+    if (position + LG_USUAL_DOUBLE_TEXT_SIZE < _straightEnd)
+    {
+        char* const place = _buffer.get() + position;
+        if (const char* const end = lgWriteUsualDouble(place, value))
+        {
+            _outputFlags |= TEXT_INSERTED;
+            _writePos = position + static_cast<std::uint32_t>(end - place);
+            return *this;
+        }
+    }
     char text[LG_DOUBLE_TEXT_SIZE];
     const char* const end = lgWriteDouble(text, value);
     return insert(text, static_cast<std::size_t>(end - text));

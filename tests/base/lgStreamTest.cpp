@@ -7,6 +7,7 @@
 #include <cstdio>
 #include <deque>
 #include <gtest/gtest.h>
+#include <iterator>
 #include <limits>
 #include <random>
 #include <string>
@@ -145,6 +146,37 @@ TEST(LgStream, FloatingPointNumbersAreThoseOfPrintf)
     checkFloats<float>("%f");
     checkFloats<double>("%f");
     checkFloats<long double>("%Lf");
+}
+
+TEST(LgStream, ANumberHasTheSameFormWhereverTheRingEnds)
+{
+    const struct
+    {
+        double _value;
+        const char* _text;
+    } cases[] = {{-4567.65, "-4567.650000"},
+                 {0.0, "0.000000"},
+                 {0.0001, "0.000100"},
+                 {9007199254740993.0, "9007199254740992.000000"}};
+    SmallStream stream(64);
+    for (std::size_t i = 0; i < 500; ++i)
+    {
+        const std::string before(i % 11, 'x');
+        const auto& row = cases[i % std::size(cases)];
+        stream.resetOutputFlags();
+        stream << row._value;
+        ASSERT_EQ(stream.getOutputFlags(), TEXT_INSERTED);
+        stream << before << row._value << Zu::ends;
+        ASSERT_EQ(take(stream), row._text + before + row._text) << i;
+    }
+    EXPECT_FALSE(stream.hasOverflowed());
+}
+
+TEST(LgStream, ANumberThatDoesNotFitBecomesAMark)
+{
+    SmallStream stream(16);
+    stream << "12345678" << -4567.65 << Zu::ends;
+    EXPECT_EQ(take(stream), "12345678#");
 }
 
 TEST(LgStream, ANulIsNoText)
