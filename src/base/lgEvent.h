@@ -191,7 +191,7 @@ private:
 
     template <class Parts> void insertInto(LgStream& stream, const Parts& parts) const
     {
-        stream << _minor->getName() << ' ';
+        _minor->insertName(stream);
         parts.insertInto(stream);
     }
 

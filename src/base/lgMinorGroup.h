@@ -6,7 +6,10 @@
 
 #include "baseApi.h"
 #include "lgMajorGroup.h"
+#include "lgStream.h"
 #include "lgTypes.h"
+
+#include <cstdint>
 
 namespace Zu
 {
@@ -16,8 +19,8 @@ namespace Zu
 class ZU_BASE_API LgMinorGroup
 {
 public:
-    /// Both arguments must outlive the handle; the name is stored as a pointer. Raises
-    /// ExInternalError "Assertion 'n' failed." for a null name.
+    /// Both arguments must outlive the handle; the name is stored as a pointer, and its text must
+    /// stay as it is. Raises ExInternalError "Assertion 'n' failed." for a null name.
     LgMinorGroup(const LgMajorGroup& group, const char* n);
 
     /// Whether events of this level are produced at all; `level` is not checked. It costs one load,
@@ -33,9 +36,22 @@ public:
         return _name;
     }
 
+    /// Inserts what precedes each message: the name and a blank.
+    void insertName(LgStream& stream) const
+    {
+        if (_prefixLength == 0 || !stream.insertPadded(_prefix, _prefixLength))
+            insertNameInPieces(stream);
+    }
+
 private:
+    void insertNameInPieces(LgStream& stream) const;
+
     const LgMajorGroup* _group;
     const char* _name;
+    // The name and the blank, so that no event measures them. Without text and of length 0 if the
+    // name is too long.
+    char _prefix[LgStream::PADDED_SIZE] = {};
+    std::uint32_t _prefixLength = 0;
 };
 
 } // namespace Zu

@@ -179,6 +179,77 @@ TEST(LgStream, ANumberThatDoesNotFitBecomesAMark)
     EXPECT_EQ(take(stream), "12345678#");
 }
 
+TEST(LgStream, APaddedTextIsInsertedWithoutItsPadding)
+{
+    std::string padded = "0123456789abcdefghijklmnopqrstuv";
+    ASSERT_EQ(padded.size(), LgStream::PADDED_SIZE);
+    LgStream stream;
+    // A fresh stream has not looked for room yet.
+    stream << "first" << Zu::ends;
+    ASSERT_EQ(take(stream), "first");
+    for (std::uint32_t length = 1; length <= padded.size(); ++length)
+    {
+        stream.resetOutputFlags();
+        ASSERT_TRUE(stream.insertPadded(padded.data(), length));
+        EXPECT_EQ(stream.getOutputFlags(), TEXT_INSERTED);
+        stream << "|";
+        ASSERT_TRUE(stream.insertPadded(padded.data(), 2));
+        stream << Zu::ends;
+        EXPECT_EQ(take(stream), padded.substr(0, length) + "|01");
+    }
+}
+
+TEST(LgStream, APaddedTextIsRefusedWhereTheRingHasNoRoomForItsPadding)
+{
+    const std::string padded(LgStream::PADDED_SIZE, 'p');
+    SmallStream stream(64);
+    std::size_t refused = 0;
+    std::size_t inserted = 0;
+    for (std::size_t i = 0; i < 1000; ++i)
+    {
+        const std::string before(i % 41, 'x');
+        stream << before;
+        const unsigned int room = stream.getNumCharacters();
+        const bool isIn = stream.insertPadded(padded.data(), 3);
+        ASSERT_EQ(stream.getNumCharacters(), isIn ? room - 3 : room);
+        ++(isIn ? inserted : refused);
+        if (room < LgStream::PADDED_SIZE)
+        {
+            ASSERT_FALSE(isIn) << i;
+        }
+        stream << "." << Zu::ends;
+        ASSERT_EQ(take(stream), before + (isIn ? "ppp." : "."));
+    }
+    EXPECT_GT(inserted, 100U);
+    EXPECT_GT(refused, 100U);
+}
+
+// What waits for the reader is not touched by the padding.
+TEST(LgStream, ThePaddingDoesNotReachWhatTheReaderHasNotTaken)
+{
+    const std::string padded(LgStream::PADDED_SIZE, 'p');
+    SmallStream stream(128);
+    std::deque<std::string> expected;
+    for (std::size_t i = 0; i < 5000; ++i)
+    {
+        const std::string text = std::to_string(i);
+        const bool isIn = stream.insertPadded(padded.data(), 1);
+        if (stream.getNumCharacters() < 12)
+        {
+            stream << Zu::ends;
+            expected.push_back(isIn ? "p" : "");
+            while (!expected.empty())
+            {
+                ASSERT_EQ(take(stream), expected.front());
+                expected.pop_front();
+            }
+            continue;
+        }
+        stream << text << Zu::ends;
+        expected.push_back((isIn ? "p" : "") + text);
+    }
+}
+
 TEST(LgStream, ANulIsNoText)
 {
     LgStream stream;
