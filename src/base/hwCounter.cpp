@@ -1,7 +1,9 @@
 #include "base/hwCounter.h"
 
 #include "base/exRaise.h"
+#include "base/hwCounterIA32.h"
 #include "base/internalAssert.h"
+#include "base/osCpuInfo.h"
 #include "base/osCpuPlatform.h"
 
 #include <cerrno>
@@ -13,14 +15,32 @@ namespace Zu
 namespace
 {
 
+// How far the engine shifts the platform's counter; negative until it is known. Every event reads
+// the counter, which takes no call of the engine once the shift is here. It is the same for each
+// engine of the platform, and nothing else is read after it, so it needs no order.
+constinit std::atomic<int> engineShift{-1};
+
 // Asks the platform and not OsCpuInfo, which has the frequency only once its package has started;
 // static objects come earlier.
-std::unique_ptr<HwCounterEng> makeEngine()
+std::uint64_t counterFrequency()
 {
     std::uint64_t frequency = 0;
     if (!osCounterFrequency(frequency)) ZU_RAISE_ERRNO(errno);
     ZU_INTERNAL_ASSERT(frequency != 0);
-    return std::unique_ptr<HwCounterEng>(HwCounterEng::create(frequency));
+    return frequency;
+}
+
+std::unique_ptr<HwCounterEng> makeEngine()
+{
+    return std::unique_ptr<HwCounterEng>(HwCounterEng::create(counterFrequency()));
+}
+
+int findEngineShift()
+{
+    HwCounter::init();
+    const auto shift = static_cast<int>(hwCounterRate(counterFrequency())._shift);
+    engineShift.store(shift, std::memory_order_relaxed);
+    return shift;
 }
 
 } // namespace
@@ -41,10 +61,10 @@ void HwCounter::init()
 
 std::uint64_t HwCounter::timeStamp()
 {
-    // The test is repeated here, so that a read usually makes no call but the engine's.
-    if (!engine()) [[unlikely]]
-        init();
-    return timeStampInline();
+    int shift = engineShift.load(std::memory_order_relaxed);
+    if (shift < 0) [[unlikely]]
+        shift = findEngineShift();
+    return OsCpuInfo::getHwCounterValue() >> shift;
 }
 
 double HwCounter::seconds()

@@ -22,7 +22,8 @@ namespace Zu
 /// Thread-safety: any thread may make any call, including the first one. The engine lives until the
 /// end of the process.
 ///
-/// Cost: a pointer load, a virtual call and a shift in addition to the platform's own call.
+/// Cost of timeStamp(): a load and a shift in addition to the platform's own call. The others make
+/// a virtual call.
 class ZU_BASE_API HwCounter
 {
     friend class InInit<ZuInit::profiling>;
