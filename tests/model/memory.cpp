@@ -34,7 +34,7 @@ std::uint64_t valueAt(std::uintptr_t address, unsigned size)
 
 void Memory::reset()
 {
-    _bytes.clear();
+    _words.clear();
     _objects.clear();
     _used = 0;
     _number = 0;
@@ -42,41 +42,62 @@ void Memory::reset()
     _countSequential = _countHeavy = _countLight = 0;
 }
 
-const char* Memory::read(const View& view, std::uintptr_t address, std::size_t size)
+// Calls the function with each byte until it returns a problem.
+template <class Function>
+const char* Memory::forEachByte(std::uintptr_t address, std::size_t size, Function function)
 {
-    const auto thread = static_cast<std::size_t>(view._thread);
-    for (std::size_t i = 0; i < size; ++i)
+    constexpr std::uintptr_t UNIT = sizeof(std::uint64_t);
+    Word* word = nullptr;
+    for (std::uintptr_t place = address; place < address + size; ++place)
     {
-        Byte& byte = _bytes[address + i];
-        if (byte._isReleased) return USE_AFTER_RELEASE;
-        byte._reads[thread] = view.time();
-        const Times& before = view._now._before;
-        if (!isKnown(byte._writes, before) || !isKnown(byte._atomicWrites, before)) return RACE;
+        if (!word || place % UNIT == 0) word = &_words[place / UNIT];
+        if (const char* const problem = function(word->_bytes[place % UNIT])) return problem;
     }
     return nullptr;
+}
+
+const char* Memory::read(const View& view, std::uintptr_t address, std::size_t size)
+{
+    const Times& before = view._now._before;
+    const auto thread = static_cast<std::size_t>(view._thread);
+    return forEachByte(address, size,
+                       [&](Byte& byte) -> const char*
+                       {
+                           if (byte._isReleased) return USE_AFTER_RELEASE;
+                           byte._reads[thread] = view.time();
+                           if (byte._writeTime > before[byte._writer]) return RACE;
+                           return isKnown(byte._atomicWrites, before) ? nullptr : RACE;
+                       });
 }
 
 const char* Memory::write(const View& view, std::uintptr_t address, std::size_t size)
 {
-    const auto thread = static_cast<std::size_t>(view._thread);
-    for (std::size_t i = 0; i < size; ++i)
-    {
-        Byte& byte = _bytes[address + i];
-        if (byte._isReleased) return USE_AFTER_RELEASE;
-        byte._writes[thread] = view.time();
-        byte._isChanged = true;
-        const Times& before = view._now._before;
-        if (!isKnown(byte._writes, before) || !isKnown(byte._atomicWrites, before)) return RACE;
-        if (!isKnown(byte._reads, before) || !isKnown(byte._atomicReads, before)) return RACE;
-    }
-    return nullptr;
+    const Times& before = view._now._before;
+    return forEachByte(
+        address, size,
+        [&](Byte& byte) -> const char*
+        {
+            if (byte._isReleased) return USE_AFTER_RELEASE;
+            if (byte._writeTime > before[byte._writer] || !isKnown(byte._reads, before))
+                return RACE;
+            if (!isKnown(byte._atomicReads, before) || !isKnown(byte._atomicWrites, before))
+                return RACE;
+            byte._writeTime = view.time();
+            byte._writer = static_cast<std::uint8_t>(view._thread);
+            byte._isChanged = true;
+            return nullptr;
+        });
 }
 
 const char* Memory::release(const View& view, std::uintptr_t address, std::size_t size)
 {
-    const char* const problem = write(view, address, size);
-    for (std::size_t i = 0; i < size; ++i) _bytes[address + i]._isReleased = true;
-    return problem;
+    if (const char* const problem = write(view, address, size)) return problem;
+    return forEachByte(address, size,
+                       [](Byte& byte)
+                       {
+                           byte._isReleased = true;
+                           return nullptr;
+                       });
 }
 
 const char* Memory::prepare(const View& view, const Operation& operation)
@@ -84,17 +105,20 @@ const char* Memory::prepare(const View& view, const Operation& operation)
     const auto thread = static_cast<std::size_t>(view._thread);
     const Times& before = view._now._before;
     bool isChanged = false;
-    for (unsigned i = 0; i < operation._size; ++i)
-    {
-        Byte& byte = _bytes[operation._address + i];
-        if (byte._isReleased) return USE_AFTER_RELEASE;
-        if (!isKnown(byte._writes, before)) return RACE;
-        if (mayWrite(operation._kind) && !isKnown(byte._reads, before)) return RACE;
-        isChanged = isChanged || byte._isChanged;
-        byte._isChanged = false;
-        if (mayRead(operation._kind)) byte._atomicReads[thread] = view.time();
-        if (mayWrite(operation._kind)) byte._atomicWrites[thread] = view.time();
-    }
+    const char* const problem =
+        forEachByte(operation._address, operation._size,
+                    [&](Byte& byte) -> const char*
+                    {
+                        if (byte._isReleased) return USE_AFTER_RELEASE;
+                        if (byte._writeTime > before[byte._writer]) return RACE;
+                        if (mayWrite(operation._kind) && !isKnown(byte._reads, before)) return RACE;
+                        isChanged = isChanged || byte._isChanged;
+                        byte._isChanged = false;
+                        if (mayRead(operation._kind)) byte._atomicReads[thread] = view.time();
+                        if (mayWrite(operation._kind)) byte._atomicWrites[thread] = view.time();
+                        return nullptr;
+                    });
+    if (problem) return problem;
     Object& object = _objects[operation._address];
     if (!isChanged && !object._stores.empty()) return nullptr;
     // The initial value, which all threads know that may read it at all.

@@ -7,7 +7,9 @@
 #include "clocks.h"
 #include "operation.h"
 
+#include <array>
 #include <cstdint>
+#include <memory>
 #include <vector>
 
 namespace model
@@ -107,21 +109,31 @@ private:
         }
     };
 
+    // Plain writes are ordered, or else a race was found: the last one stands for all.
     struct Byte
     {
         Times _reads;
-        Times _writes;
         Times _atomicReads;
         Times _atomicWrites;
+        Time _writeTime;
+        std::uint8_t _writer;
         bool _isReleased;
         // Something was written to it not atomically since the object was made from it.
         bool _isChanged;
+    };
+
+    struct Word
+    {
+        std::array<Byte, 8> _bytes;
         void reset()
         {
             *this = {};
-            _isChanged = true;
+            for (Byte& byte : _bytes) byte._isChanged = true;
         }
     };
+
+    template <class Function>
+    const char* forEachByte(std::uintptr_t address, std::size_t size, Function function);
 
     static bool isVisible(const Store& store, const View& view, bool isInOrder,
                           const Times& fences);
@@ -131,7 +143,7 @@ private:
     Store& makeStore(View& view, const Operation& operation, std::uint64_t value);
     void note(Store& store, const View& view, const Operation& operation);
 
-    AddressTable<Byte> _bytes;
+    AddressTable<Word> _words;
     AddressTable<Object> _objects;
     std::vector<std::unique_ptr<Store>> _pool;
     std::size_t _used = 0;

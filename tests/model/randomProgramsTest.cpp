@@ -101,15 +101,24 @@ void carryOut(const Instruction& instruction, int value, Shared& shared, std::st
     int got = 0;
     switch (instruction._act)
     {
-    case Load: got = object.load(instruction._order); break;
-    case Store: return object.store(value, instruction._order);
-    case Add: got = object.fetch_add(10, instruction._order); break;
+    case Load:
+        got = object.load(instruction._order);
+        break;
+    case Store:
+        return object.store(value, instruction._order);
+    case Add:
+        got = object.fetch_add(10, instruction._order);
+        break;
     case Compare:
         object.compare_exchange_strong(got, value, instruction._order, std::memory_order_relaxed);
         break;
-    case Fence: return std::atomic_thread_fence(instruction._order);
-    case Light: return std::atomic_signal_fence(std::memory_order_seq_cst);
-    case Heavy: model::heavyBarrier(); return;
+    case Fence:
+        return std::atomic_thread_fence(instruction._order);
+    case Light:
+        return std::atomic_signal_fence(std::memory_order_seq_cst);
+    case Heavy:
+        model::heavyBarrier();
+        return;
     default:
     {
         const std::lock_guard guard(shared._mutex);
@@ -160,7 +169,7 @@ std::string textOf(const Program& program)
 TEST(ModelCheckerReduction, FindsAllResultsOfRandomPrograms)
 {
     const bool isLong = std::getenv("ZU_MODEL_LONG") != nullptr;
-    const std::uint32_t programs = isLong ? 20000 : 400;
+    const std::uint32_t programs = isLong ? 1000 : 100;
     std::uint64_t reducedCount = 0;
     std::uint64_t allCount = 0;
     for (std::uint32_t seed = 1; seed <= programs; ++seed)
@@ -171,7 +180,7 @@ TEST(ModelCheckerReduction, FindsAllResultsOfRandomPrograms)
         options._putsAllOff = true;
         const model::Result putOff = model::explore(running(program), options);
         options._everyTurn = true;
-        options._limit = 30000;
+        options._limit = isLong ? 100'000 : 5'000;
         const model::Result all = model::explore(running(program), options);
         EXPECT_EQ(reduced._violation + putOff._violation + all._violation, "");
         EXPECT_EQ(reduced._executions, putOff._executions) << seed << '\n' << textOf(program);
