@@ -363,6 +363,7 @@ void Explorer::access(Thread& thread, Operation& operation)
         return;
     }
     Store& source = *_sources[static_cast<std::size_t>(_choice)];
+    if (operation._site != 0) _memory.noteSites(thread._view, operation, source, _result._sites);
     operation._isDone = _memory.readFrom(thread._view, operation, source);
 }
 
@@ -426,7 +427,8 @@ void Explorer::noteSite(Operation& operation)
     const int strength = (reads && isAcquire(operation._order) ? WithoutAcquire : 0) |
                          (writes && isRelease(operation._order) ? WithoutRelease : 0);
     if (strength == 0) return;
-    _result._sites[operation._site] |= strength;
+    _result._allSites[operation._site] |= strength;
+    if (isFence) _result._sites[operation._site] |= strength;
     const auto found = _options._weakened.find(operation._site);
     if (found == _options._weakened.end()) return;
     const int left = strength & ~found->second;

@@ -224,6 +224,25 @@ bool Memory::readFrom(View& view, Operation& operation, Store& source)
     return true;
 }
 
+void Memory::noteSites(const View& view, const Operation& operation, const Store& source,
+                       std::map<Site, int>& sites) const
+{
+    if (!isAcquire(operation._order)) return;
+    const std::vector<Store*>& stores = _objects[operation._address]._stores;
+    auto place = std::find(stores.begin(), stores.end(), &source);
+    // The release sequence backwards.
+    for (;; --place)
+    {
+        const Store& store = **place;
+        if (store._thread != view._thread && store._site != 0)
+        {
+            sites[store._site] |= WithoutRelease;
+            sites[operation._site] |= WithoutAcquire;
+        }
+        if (!store._isModification) return;
+    }
+}
+
 void Memory::writeTo(View& view, const Operation& operation, std::size_t place)
 {
     std::vector<Store*>& stores = _objects[operation._address]._stores;
@@ -243,6 +262,8 @@ Store& Memory::makeStore(View& view, const Operation& operation, std::uint64_t v
     store._message = isRelease(operation._order) ? view._now : view._fenced;
     store._cause = view._cause;
     store._number = ++_number;
+    store._thread = view._thread;
+    store._site = isRelease(operation._order) ? operation._site : 0;
     note(store, view, operation);
     return store;
 }

@@ -9,6 +9,7 @@
 
 #include <array>
 #include <cstdint>
+#include <map>
 #include <memory>
 #include <vector>
 
@@ -55,6 +56,8 @@ struct Store
     Times _cause{};
     // In the order of the execution; 0 for the initial value.
     std::uint64_t _number = 0;
+    int _thread = -1;
+    Site _site = 0;
     // By a read-modify-write of the store before it.
     bool _isModification = false;
     // When each thread first stored or read it, and did so sequentially consistently.
@@ -87,6 +90,10 @@ public:
     bool readFrom(View& view, Operation& operation, Store& source);
     void writeTo(View& view, const Operation& operation, std::size_t place);
     void fence(View& view, const Operation& operation);
+
+    // Has the sites noted that order something: where a thread acquired what another one released.
+    void noteSites(const View& view, const Operation& operation, const Store& source,
+                   std::map<Site, int>& sites) const;
 
     // How many stores there were.
     std::uint64_t getStoreCount() const
@@ -144,7 +151,7 @@ private:
     void note(Store& store, const View& view, const Operation& operation);
 
     AddressTable<Word> _words;
-    AddressTable<Object> _objects;
+    mutable AddressTable<Object> _objects;
     std::vector<std::unique_ptr<Store>> _pool;
     std::size_t _used = 0;
     std::uint64_t _number = 0;

@@ -97,7 +97,9 @@ struct Result
     std::string _violation;
     // What the executions gave to outcome().
     std::set<std::string> _outcomes;
-    // All operations that acquired or released, as bits of Weakening.
+    // All operations that are written as an acquire or a release, as bits of Weakening.
+    std::map<Site, int> _allSites;
+    // Those of them by which something was passed from a thread to another, and fences.
     std::map<Site, int> _sites;
 };
 
