@@ -34,6 +34,8 @@ struct Case
     int _listeners;
     // How often each ringer makes something happen; each listener waits for all of it.
     int _times;
+    // Whether a listener looks once more between its announcement and its sleep.
+    bool _looksAgain = true;
 };
 
 // What has happened is a relaxed counter: nothing but the bell orders it.
@@ -50,7 +52,8 @@ inline std::function<void()> ringing(const Case& c)
                     const int all = c._ringers * c._times;
                     const auto isAll = [&]
                     { return happened.load(std::memory_order_relaxed) == all; };
-                    while (!isAll()) bell.listen(isAll, NEVER);
+                    const auto look = [&] { return c._looksAgain && isAll(); };
+                    while (!isAll()) bell.listen(look, NEVER);
                 });
         for (int i = 0; i < c._ringers; ++i)
             model::thread(
@@ -77,10 +80,33 @@ inline const Case CASES[] = {
     {"no barrier, two listeners", nullptr, 1, 2, 1},
 };
 
+// For the long run.
+inline const Case LONG_CASES[] = {
+    {"barrier, two ringers, two listeners", &model::heavyBarrier, 2, 2, 1},
+    {"barrier, three rings", &model::heavyBarrier, 1, 1, 3},
+    {"no barrier, three rings", nullptr, 1, 1, 3},
+};
+
+inline std::vector<Scenario> forLongRun()
+{
+    std::vector<Scenario> scenarios;
+    for (const Case& c : LONG_CASES) scenarios.push_back({c._name, ringing(c)});
+    return scenarios;
+}
+
 inline std::vector<Scenario> all()
 {
     std::vector<Scenario> scenarios;
     for (const Case& c : CASES) scenarios.push_back({c._name, ringing(c)});
+    return scenarios;
+}
+
+// Those that take little time.
+inline std::vector<Scenario> small()
+{
+    std::vector<Scenario> scenarios;
+    for (const Case& c : CASES)
+        if (c._barrier || c._ringers == 1) scenarios.push_back({c._name, ringing(c)});
     return scenarios;
 }
 

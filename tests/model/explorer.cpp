@@ -24,6 +24,16 @@ bool dependInOrder(Kind a, Kind b)
     return isHeavy || !isLight;
 }
 
+// What could be taken away from it.
+int strengthOf(const Operation& operation)
+{
+    if (operation._kind == Kind::LightFence) return WithoutLightFence;
+    const bool isFence = operation._kind == Kind::Fence;
+    const bool acquires = (isFence || mayRead(operation._kind)) && isAcquire(operation._order);
+    const bool releases = (isFence || mayWrite(operation._kind)) && isRelease(operation._order);
+    return (acquires ? WithoutAcquire : 0) | (releases ? WithoutRelease : 0);
+}
+
 // While one exists, the runtime's own work is not part of the scenario.
 class Outside
 {
@@ -420,23 +430,19 @@ std::uint64_t Explorer::perform(Operation operation, bool* isDone)
 // The order as it is written is noted, and weakened if that is asked for.
 void Explorer::noteSite(Operation& operation)
 {
-    if (operation._site == 0) return;
-    const bool isFence = operation._kind == Kind::Fence;
-    const bool reads = isFence || mayRead(operation._kind);
-    const bool writes = isFence || mayWrite(operation._kind);
-    const int strength = (reads && isAcquire(operation._order) ? WithoutAcquire : 0) |
-                         (writes && isRelease(operation._order) ? WithoutRelease : 0);
-    if (strength == 0) return;
+    const int strength = strengthOf(operation);
+    if (operation._site == 0 || strength == 0) return;
     _result._allSites[operation._site] |= strength;
-    if (isFence) _result._sites[operation._site] |= strength;
+    // Whether an access orders anything is only known when it is made.
+    if (!isAtomicAccess(operation._kind)) _result._sites[operation._site] |= strength;
     const auto found = _options._weakened.find(operation._site);
-    if (found == _options._weakened.end()) return;
+    if (found == _options._weakened.end() || (found->second & strength) == 0) return;
+    if (strength == WithoutLightFence) operation._kind = Kind::Fence;
     const int left = strength & ~found->second;
-    operation._order = left == 0                ? Relaxed
-                       : left == WithoutAcquire ? Acquire
+    operation._order = left == WithoutAcquire   ? Acquire
                        : left == WithoutRelease ? Release
-                                                : operation._order;
-    if ((left & WithoutAcquire) == 0) operation._failureOrder = Relaxed;
+                                                : Relaxed;
+    if (left != WithoutAcquire) operation._failureOrder = Relaxed;
 }
 
 void Explorer::read(std::uintptr_t address, std::size_t size)

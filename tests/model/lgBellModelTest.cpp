@@ -13,4 +13,10 @@ TEST(LgBellModel, NoWakeUpIsLost)
     exploreAll(bellScenarios::all());
 }
 
+TEST(LgBellModel, TheSameInALongRun)
+{
+    if (!isLongRun()) GTEST_SKIP() << "takes minutes; the variable ZU_MODEL_LONG asks for it";
+    exploreAll(bellScenarios::forLongRun());
+}
+
 } // namespace

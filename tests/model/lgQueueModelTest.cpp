@@ -14,4 +14,11 @@ TEST(LgQueueModel, EventsArriveInOrderWholeAndOnceAndLossesAreCounted)
     exploreAll(queueScenarios::all());
 }
 
+TEST(LgQueueModel, TheSameInALongRun)
+{
+    if (!isLongRun()) GTEST_SKIP() << "takes minutes; the variable ZU_MODEL_LONG asks for it";
+    queueScenarios::prepareLibrary();
+    exploreAll(queueScenarios::forLongRun());
+}
+
 } // namespace

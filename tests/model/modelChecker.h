@@ -68,7 +68,9 @@ using Site = std::uintptr_t;
 enum Weakening
 {
     WithoutAcquire = 1,
-    WithoutRelease = 2
+    WithoutRelease = 2,
+    // A fence for the compiler alone does nothing.
+    WithoutLightFence = 4
 };
 
 struct Options

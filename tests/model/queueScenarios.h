@@ -217,6 +217,7 @@ void checkAccount(const LgQueue& queue, const Producer& producer, const Reader& 
     model::outcome(fates + std::string(producer.lost(), 'l'));
 }
 
+// The first thread is the reader.
 template <class Reader> std::function<void()> passing(const Case& c)
 {
     return [&c]
@@ -229,14 +230,90 @@ template <class Reader> std::function<void()> passing(const Case& c)
             {
                 for (const Event& event : c._events) producer.log(event);
             });
-        model::thread(
-            [&]
-            {
-                for (int i = 0; i < c._looks; ++i) reader.look();
-            });
+        for (int i = 0; i < c._looks; ++i) reader.look();
         model::join();
         while (reader.look()) continue;
         checkAccount(queue, producer, reader);
+    };
+}
+
+// The producer's thread ends, and the reader ends the queue when it has seen that.
+template <class Reader> std::function<void()> ending(const Case& c, bool asksAgain = true)
+{
+    return [&c, asksAgain]
+    {
+        auto* const queue = new SmallQueue(c._entries, c._characters);
+        Producer producer(*queue);
+        Reader reader(*queue);
+        model::thread(
+            [&]
+            {
+                for (const Event& event : c._events) producer.log(event);
+                queue->creatorExit();
+            });
+        bool isEnded = false;
+        const auto lookOrEnd = [&]
+        {
+            if (reader.look()) return;
+            // The last event may have come between the first look and the end of the thread.
+            if (queue->isCreatorAlive() || (asksAgain && !queue->isEmpty())) return;
+            checkAccount(*queue, producer, reader);
+            LgQueue::end(queue);
+            isEnded = true;
+        };
+        for (int i = 0; i < c._looks && !isEnded; ++i) lookOrEnd();
+        model::join();
+        while (!isEnded) lookOrEnd();
+    };
+}
+
+// Strings in a text ring alone. Those that find no room are cut or dropped.
+struct StreamCase
+{
+    const char* _name;
+    std::uint32_t _characters;
+    std::vector<Pieces> _strings;
+    int _looks;
+    // Whether there is room for all.
+    bool _fits;
+};
+
+inline std::function<void()> streaming(const StreamCase& c)
+{
+    return [&c]
+    {
+        SmallStream stream(c._characters);
+        model::thread(
+            [&]
+            {
+                for (const Pieces& pieces : c._strings)
+                {
+                    for (const char* const piece : pieces) stream << piece;
+                    stream << Zu::ends;
+                }
+            });
+        std::size_t next = 0;
+        const auto look = [&]
+        {
+            const unsigned int size = stream.getNextSize();
+            char text[64];
+            model::require(stream.take(text) == size || size == 0, "the size stays");
+            const std::string_view taken = text;
+            if (taken.empty()) return size != 0;
+            if (c._fits) model::require(next < c._strings.size(), "no string comes twice");
+            if (c._fits)
+            {
+                model::require(isWhole(taken, c._strings[next++]), "whole, in order");
+                return true;
+            }
+            while (next < c._strings.size() && !isTextOf(taken, c._strings[next])) ++next;
+            model::require(next++ < c._strings.size(), "a string, in its order");
+            return true;
+        };
+        for (int i = 0; i < c._looks; ++i) look();
+        model::join();
+        while (look()) continue;
+        model::require(!c._fits || next == c._strings.size(), "no string is lost");
     };
 }
 
@@ -254,17 +331,60 @@ inline const Case CASES[] = {
     {"8 entries, 8 characters", 8, 8, {B, A, B, A}, 2},
     {"8 characters, cut texts", 4, 8, {A, LONG, B}, 2},
     {"8 characters, texts in pieces", 4, 8, {B, PIECES, A}, 2},
+    {"4 entries, all used again", 4, 64, {A, A, A, A, B}, 3},
     {"cancelled events", 4, 8, {A, CANCELLED, B, CANCELLED, A}, 2},
 };
 
-inline std::vector<Scenario> all()
+// For the long run.
+inline const Case LONG_CASES[] = {
+    {"8 entries, lost and used again", 8, 64, {A, A, A, A, A, A, A, A, A, B}, 4},
+    {"4 entries, lost and used again", 4, 16, {A, B, CANCELLED, PIECES, A, LONG, B}, 4},
+};
+
+inline const StreamCase LONG_STREAMS[] = {
+    {"text alone, 4 characters, more", 4, {{"a"}, {"bc"}, {"d"}, {"efgh"}}, 4, false},
+    {"text alone, 8 characters, more", 8, {{"a"}, {"bcde"}, {"fgh", "i"}, {"jk"}}, 4, false},
+};
+
+inline const Case ENDS[] = {
+    {"end of a thread", 4, 8, {A, B}, 3},
+    {"end of a thread, lost events", 4, 64, {A, B, A}, 3},
+};
+
+inline const StreamCase STREAMS[] = {
+    {"text alone, 8 characters", 8, {{"a"}, {"b"}, {"c"}}, 2, true},
+    {"text alone, 16 characters", 16, {{"ab"}, {"c", "d"}, {"e"}, {"f"}}, 3, true},
+    {"text alone, 4 characters, cut", 4, {{"a"}, {"bc"}, {"d"}}, 2, false},
+    {"text alone, 8 characters, cut", 8, {{"a"}, {"bcde"}, {"fgh", "i"}}, 3, false},
+};
+
+template <class Cases> void addPassing(const Cases& cases, std::vector<Scenario>& scenarios)
 {
-    std::vector<Scenario> scenarios;
-    for (const Case& c : CASES)
+    for (const Case& c : cases)
     {
         scenarios.push_back({c._name, passing<TakingReader>(c)});
         scenarios.push_back({std::string(c._name) + ", in batches", passing<BatchReader>(c)});
     }
+}
+
+inline std::vector<Scenario> all()
+{
+    std::vector<Scenario> scenarios;
+    addPassing(CASES, scenarios);
+    for (const Case& c : ENDS)
+    {
+        scenarios.push_back({c._name, ending<TakingReader>(c)});
+        scenarios.push_back({std::string(c._name) + ", in batches", ending<BatchReader>(c)});
+    }
+    for (const StreamCase& c : STREAMS) scenarios.push_back({c._name, streaming(c)});
+    return scenarios;
+}
+
+inline std::vector<Scenario> forLongRun()
+{
+    std::vector<Scenario> scenarios;
+    addPassing(LONG_CASES, scenarios);
+    for (const StreamCase& c : LONG_STREAMS) scenarios.push_back({c._name, streaming(c)});
     return scenarios;
 }
 

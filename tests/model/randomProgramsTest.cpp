@@ -169,7 +169,7 @@ std::string textOf(const Program& program)
 TEST(ModelCheckerReduction, FindsAllResultsOfRandomPrograms)
 {
     const bool isLong = std::getenv("ZU_MODEL_LONG") != nullptr;
-    const std::uint32_t programs = isLong ? 1000 : 100;
+    const std::uint32_t programs = isLong ? 1000 : 60;
     std::uint64_t reducedCount = 0;
     std::uint64_t allCount = 0;
     for (std::uint32_t seed = 1; seed <= programs; ++seed)

@@ -218,7 +218,7 @@ extern "C"
     // One for the compiler alone counts as the light partner of a heavy barrier.
     void __tsan_atomic_signal_fence(int order)
     {
-        if (order == model::Sequential) fence(Kind::LightFence, model::Relaxed, nullptr);
+        if (order == model::Sequential) fence(Kind::LightFence, model::Relaxed, SITE);
     }
 
     // What the linker puts in the place of the C library's functions.
