@@ -11,6 +11,7 @@
 #include "scenario.h"
 
 #include <cstdint>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -242,7 +243,7 @@ template <class Reader> std::function<void()> ending(const Case& c, bool asksAga
 {
     return [&c, asksAgain]
     {
-        auto* const queue = new SmallQueue(c._entries, c._characters);
+        auto queue = std::make_unique<SmallQueue>(c._entries, c._characters);
         Producer producer(*queue);
         Reader reader(*queue);
         model::thread(
@@ -258,7 +259,7 @@ template <class Reader> std::function<void()> ending(const Case& c, bool asksAga
             // The last event may have come between the first look and the end of the thread.
             if (queue->isCreatorAlive() || (asksAgain && !queue->isEmpty())) return;
             checkAccount(*queue, producer, reader);
-            LgQueue::end(queue);
+            queue.reset();
             isEnded = true;
         };
         for (int i = 0; i < c._looks && !isEnded; ++i) lookOrEnd();

@@ -34,7 +34,7 @@ inline void exploreAll(const std::vector<Scenario>& scenarios)
         EXPECT_EQ(result._violation, "");
         EXPECT_TRUE(result._isComplete);
         std::cout << "  " << scenario._name << ": " << result._executions << " executions, "
-                  << result._deadEnds << " dead ends\n";
+                  << result._deadEnds << " dead ends" << std::endl;
     }
 }
 
