@@ -5,8 +5,10 @@
 #include "bellScenarios.h"
 #include "modelChecker.h"
 #include "queueScenarios.h"
+#include "readerScenarios.h"
 #include "scenario.h"
 
+#include <cstdio>
 #include <fstream>
 #include <gtest/gtest.h>
 #include <iostream>
@@ -166,10 +168,12 @@ void plant(const std::vector<Scenario>& scenarios, const Unneeded (&list)[SIZE])
     EXPECT_TRUE(isNoticed(scenarios, standIns, model::WithoutAcquire)) << "all stand-ins together";
 }
 
-TEST(PlantedErrors, OfTheQueueAreNoticed)
+TEST(PlantedErrors, OfTheQueueAndItsReaderAreNoticed)
 {
-    queueScenarios::prepareLibrary();
-    plant(queueScenarios::all(), OF_QUEUE);
+    readerScenarios::prepareLogger();
+    std::vector<Scenario> scenarios = queueScenarios::all();
+    for (const Scenario& scenario : readerScenarios::all()) scenarios.push_back(scenario);
+    plant(scenarios, OF_QUEUE);
 }
 
 TEST(PlantedErrors, OfTheBellAreNoticed)
@@ -206,6 +210,31 @@ TEST(PlantedErrors, AReaderThatDoesNotAskForEmptinessAgainIsNoticed)
     {
         EXPECT_NE(violationOf(ending<queueScenarios::TakingReader>(c, false)), "");
         EXPECT_NE(violationOf(ending<queueScenarios::BatchReader>(c, false)), "");
+    }
+}
+
+std::string outputOf(const std::string& program)
+{
+    // Not into the report of this program.
+    std::FILE* const output = popen(("GTEST_OUTPUT= " + (ZU_PROGRAMS + program)).c_str(), "r");
+    std::string text;
+    for (int c = std::getc(output); c != EOF; c = std::getc(output)) text += static_cast<char>(c);
+    pclose(output);
+    return text;
+}
+
+// The tests of the bell and the reader, with sources in which something is missing.
+TEST(PlantedErrors, InCopiesOfTheSourcesAreNoticed)
+{
+    const std::map<std::string, std::string> violations{{"plantedEmptiness", "_beg == _end"},
+                                                        {"plantedSecondLook", "a deadlock"},
+                                                        {"plantedBarrier", "a deadlock"}};
+    for (const auto& [program, violation] : violations)
+    {
+        const std::string text = outputOf(program);
+        EXPECT_NE(text.find("FAILED"), std::string::npos)
+            << program << " finds nothing: is its text still in the source?";
+        EXPECT_NE(text.find(violation), std::string::npos) << program << '\n' << text;
     }
 }
 
