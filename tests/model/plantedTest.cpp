@@ -20,7 +20,7 @@
 namespace
 {
 
-// A statement of the sources as "function: text of the line".
+// A statement of the sources as "component function: text of the line".
 using Statement = std::string;
 
 // What is left of a line without the blanks around it.
@@ -41,12 +41,19 @@ std::string lineOf(const std::string& place)
     return trimmed(line);
 }
 
-// Without parameters and the library's name space.
+// Without parameters and scopes, of which some compilers note none.
 std::string shortName(const std::string& function)
 {
     const std::string name = function.substr(0, function.find('('));
-    const std::size_t begin = name.find("Zu::");
-    return begin == std::string::npos ? name : name.substr(begin + 4);
+    const std::size_t scope = name.rfind("::");
+    return scope == std::string::npos ? name : name.substr(scope + 2);
+}
+
+// The name of the source, without folder and extension.
+std::string componentAt(const std::string& place)
+{
+    const std::size_t begin = place.rfind('/') + 1;
+    return place.substr(begin, place.find('.', begin) - begin);
 }
 
 // The innermost statement of the library's that is not a part of an index itself; empty if the
@@ -59,7 +66,7 @@ Statement statementAt(model::Site site)
     {
         if (place.find("src/") == std::string::npos) continue;
         if (place.find("lgRingIndex.h") != std::string::npos) continue;
-        return shortName(function) + ": " + lineOf(place);
+        return componentAt(place) + " " + shortName(function) + ": " + lineOf(place);
     }
     return "";
 }
@@ -81,25 +88,25 @@ const char* nameOf(int strength)
 }
 
 const Unneeded OF_QUEUE[] = {
-    {"LgQueue::isEmpty", model::WithoutAcquire, "the checks of the next calls acquire again", true},
-    {"LgQueue::readEntry: ZU_INTERNAL_ASSERT", model::WithoutAcquire,
+    {"lgQueue isEmpty", model::WithoutAcquire, "the checks of the next calls acquire again", true},
+    {"lgQueue readEntry: ZU_INTERNAL_ASSERT", model::WithoutAcquire,
      "the reader has acquired it when it asked whether the queue is empty", true},
-    {"LgQueue::removeEntry: ZU_INTERNAL_ASSERT", model::WithoutAcquire,
+    {"lgQueue removeEntry: ZU_INTERNAL_ASSERT", model::WithoutAcquire,
      "the reader has acquired it before it read the entry", true},
-    {"LgQueue::~LgQueue: ZU_INTERNAL_ASSERT", model::WithoutAcquire,
+    {"lgQueue ~LgQueue: ZU_INTERNAL_ASSERT", model::WithoutAcquire,
      "who ends a queue has seen the end of its producer"},
-    {"LgStream::resetTo: _lastComplete", model::WithoutRelease,
+    {"lgStream resetTo: _lastComplete", model::WithoutRelease,
      "a queue's reader looks for a text only when it has acquired the entry"},
 };
 
 const Unneeded OF_BELL[] = {
-    {"LgBell::announce: _state.fetch_or", model::WithoutRelease,
+    {"lgBell announce: _state.fetch_or", model::WithoutRelease,
      "who rings reads nothing of the listener but its mark"},
-    {"LgBell::isHeard", model::WithoutAcquire,
+    {"lgBell isHeard", model::WithoutAcquire,
      "who rings reads nothing of the listener but its mark"},
-    {"LgBell::ringAloud: if ((_state.fetch_and", model::WithoutAcquire,
+    {"lgBell ringAloud: if ((_state.fetch_and", model::WithoutAcquire,
      "who rings reads nothing of the listener but its mark"},
-    {"LgBell::ringAloud: if ((_state.fetch_and", model::WithoutRelease,
+    {"lgBell ringAloud: if ((_state.fetch_and", model::WithoutRelease,
      "the mutex passes on what was done before the ring"},
 };
 

@@ -344,7 +344,7 @@ inline const Case LONG_CASES[] = {
 
 inline const StreamCase LONG_STREAMS[] = {
     {"text alone, 4 characters, more", 4, {{"a"}, {"bc"}, {"d"}, {"efgh"}}, 4, false},
-    {"text alone, 8 characters, more", 8, {{"a"}, {"bcde"}, {"fgh", "i"}, {"jk"}}, 4, false},
+    {"text alone, 8 characters, more", 8, {{"a"}, {"bcde"}, {"fgh", "i"}, {"jk"}}, 3, false},
 };
 
 inline const Case ENDS[] = {

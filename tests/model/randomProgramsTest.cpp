@@ -169,7 +169,7 @@ std::string textOf(const Program& program)
 TEST(ModelCheckerReduction, FindsAllResultsOfRandomPrograms)
 {
     const bool isLong = std::getenv("ZU_MODEL_LONG") != nullptr;
-    const std::uint32_t programs = isLong ? 1000 : 60;
+    const std::uint32_t programs = isLong ? 200 : 60;
     std::uint64_t reducedCount = 0;
     std::uint64_t allCount = 0;
     for (std::uint32_t seed = 1; seed <= programs; ++seed)
@@ -180,7 +180,7 @@ TEST(ModelCheckerReduction, FindsAllResultsOfRandomPrograms)
         options._putsAllOff = true;
         const model::Result putOff = model::explore(running(program), options);
         options._everyTurn = true;
-        options._limit = isLong ? 100'000 : 5'000;
+        options._limit = isLong ? 20'000 : 5'000;
         const model::Result all = model::explore(running(program), options);
         EXPECT_EQ(reduced._violation + putOff._violation + all._violation, "");
         EXPECT_EQ(reduced._executions, putOff._executions) << seed << '\n' << textOf(program);
