@@ -141,8 +141,8 @@ private:
     class Ring;
     class Block;
 
-    // The beginning of a queue's memory: the queue itself and, if it is kept with its events, all up
-    // to the last entry, and the texts.
+    // The beginning of a queue's memory: the queue itself and, if it is kept with its events, all
+    // up to the last entry, and the texts.
     struct Copy
     {
         const char* _place = nullptr;

@@ -14,6 +14,7 @@
 #include <algorithm>
 #include <atomic>
 #include <chrono>
+#include <cstddef>
 #include <cstdint>
 #include <cstdio>
 #include <filesystem>
@@ -237,6 +238,8 @@ TEST_F(LgServiceWriterTest, ThePartOfTheFileIsInTheMapBeforeItIsWritten)
 TEST_F(LgServiceWriterTest, QueuesAreSeenFromTheirFirstEventToTheirEnd)
 {
     start();
+    // Of threads of other tests.
+    const std::size_t before = LgLog::getRegistry()->getQueueList().size();
     Texts expected;
     for (int i = 0; i < 20; ++i)
     {
@@ -249,7 +252,7 @@ TEST_F(LgServiceWriterTest, QueuesAreSeenFromTheirFirstEventToTheirEnd)
         // Takes the ended ones out of the registry.
         writeAll();
     }
-    EXPECT_EQ(LgLog::getRegistry()->getQueueList().size(), 0U + _queues.size());
+    EXPECT_EQ(LgLog::getRegistry()->getQueueList().size(), before + _queues.size());
 }
 
 TEST_F(LgServiceWriterTest, BatchesAreBounded)
