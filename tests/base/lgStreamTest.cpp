@@ -182,7 +182,7 @@ TEST(LgStream, ANumberThatDoesNotFitBecomesAMark)
 TEST(LgStream, APaddedTextIsInsertedWithoutItsPadding)
 {
     std::string padded = "0123456789abcdefghijklmnopqrstuv";
-    ASSERT_EQ(padded.size(), LgStream::PADDED_SIZE);
+    ASSERT_EQ(padded.size(), std::size_t{LgStream::PADDED_SIZE});
     LgStream stream;
     // A fresh stream has not looked for room yet.
     stream << "first" << Zu::ends;
