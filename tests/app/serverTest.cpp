@@ -136,12 +136,20 @@ public:
         if (_socket != server::NO_SOCKET) server::close(_socket);
     }
 
+    // From here on it waits for the server only until it is told that the server is gone: Wine keeps
+    // some connections of a process that was killed.
+    void waitUntil(const std::atomic<bool>& isServerGone)
+    {
+        server::stopWaiting(_socket);
+        _isServerGone = &isServerGone;
+    }
+
     bool send(const std::string& bytes)
     {
         for (std::size_t sent = 0; sent < bytes.size();)
         {
             const int count = server::send(_socket, bytes.data() + sent, bytes.size() - sent);
-            if (count == server::LATER) continue;
+            if (count == server::LATER && goesOn(false, true)) continue;
             if (count <= 0) return false;
             sent += static_cast<std::size_t>(count);
         }
@@ -180,7 +188,7 @@ public:
         {
             std::array<char, 4096> bytes;
             const int count = server::receive(_socket, bytes.data(), bytes.size());
-            if (count == server::LATER) continue;
+            if (count == server::LATER && goesOn(true, false)) continue;
             if (count <= 0) return std::nullopt;
             _input.append(bytes.data(), static_cast<std::size_t>(count));
         }
@@ -195,8 +203,20 @@ public:
     }
 
 private:
+    // Waits some time for the server; false if it is gone.
+    bool goesOn(bool reads, bool writes) const
+    {
+        constexpr int MILLISECONDS = 50;
+        if (!_isServerGone) return true;
+        if (*_isServerGone) return false;
+        std::vector<server::Watched> sockets{{_socket, reads, writes}};
+        server::wait(sockets, MILLISECONDS);
+        return true;
+    }
+
     server::Socket _socket;
     std::string _input;
+    const std::atomic<bool>* _isServerGone = nullptr;
 };
 
 std::string logIn(const support::TempDir& dir)
@@ -341,10 +361,12 @@ struct Load
 };
 
 // Sends this many requests, or as many as the server lives.
-Load load(std::uint16_t port, const std::string& name, int count, std::atomic<int>& answered)
+Load load(std::uint16_t port, const std::string& name, int count, std::atomic<int>& answered,
+          const std::atomic<bool>& isServerGone)
 {
     Load load;
     Client client(port);
+    client.waitUntil(isServerGone);
     for (int i = 0; i < count; ++i)
     {
         const std::string id = name + "-" + std::to_string(i) + "-end";
@@ -361,12 +383,13 @@ Load load(std::uint16_t port, const std::string& name, int count, std::atomic<in
 constexpr int CLIENTS = 3;
 
 std::vector<std::future<Load>> startLoad(std::uint16_t port, const std::string& name, int count,
-                                         std::atomic<int>& answered)
+                                         std::atomic<int>& answered,
+                                         const std::atomic<bool>& isServerGone)
 {
     std::vector<std::future<Load>> loads;
     for (int i = 0; i < CLIENTS; ++i)
         loads.push_back(std::async(std::launch::async, load, port, name + std::to_string(i), count,
-                                   std::ref(answered)));
+                                   std::ref(answered), std::cref(isServerGone)));
     return loads;
 }
 
@@ -400,13 +423,15 @@ void runServers(const support::TempDir& dir, int middle, int rest)
 {
     constexpr int ENDLESS = 1 << 30;
     std::atomic<int> count{0};
+    std::atomic<bool> isGone{false};
     std::vector<std::string> answered;
     {
         Server first(dir.path());
         ASSERT_NE(first.port(), 0);
-        auto loads = startLoad(first.port(), "load first ", ENDLESS, count);
+        auto loads = startLoad(first.port(), "load first ", ENDLESS, count, isGone);
         while (count < middle) std::this_thread::yield();
         const ProgramResult result = first.kill();
+        isGone = true;
         EXPECT_NE(result.exitCode, 0);
         finish(loads, answered);
     }
@@ -418,7 +443,8 @@ void runServers(const support::TempDir& dir, int middle, int rest)
         std::atomic<bool> isStalled{false};
         std::atomic<bool> isOver{false};
         std::thread never([&] { neverReading.sendAndNeverRead(isStalled, isOver); });
-        auto loads = startLoad(second.port(), "load second ", rest, count);
+        isGone = false;
+        auto loads = startLoad(second.port(), "load second ", rest, count, isGone);
         sendOverlongLine(second.port());
         sendBinary(second.port());
         sendAndHalfClose(second.port());
