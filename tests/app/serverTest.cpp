@@ -136,8 +136,8 @@ public:
         if (_socket != server::NO_SOCKET) server::close(_socket);
     }
 
-    // From here on it waits for the server only until it is told that the server is gone: Wine keeps
-    // some connections of a process that was killed.
+    // From here on it waits for the server only until it is told that the server is gone: Wine
+    // keeps some connections of a process that was killed.
     void waitUntil(const std::atomic<bool>& isServerGone)
     {
         server::stopWaiting(_socket);
