@@ -116,8 +116,28 @@ private:
     std::uint64_t _lost = 0;
 };
 
+// What a reader has taken out of a queue.
+class Taken
+{
+public:
+    const std::vector<std::string>& texts() const
+    {
+        return _texts;
+    }
+
+    // As many losses as the entries of lost events have counted.
+    std::uint64_t overflows() const
+    {
+        return _overflows;
+    }
+
+protected:
+    std::vector<std::string> _texts;
+    std::uint64_t _overflows = 0;
+};
+
 // A reader that takes each event at once.
-class TakingReader
+class TakingReader : public Taken
 {
 public:
     explicit TakingReader(LgQueue& queue) : _queue(queue) {}
@@ -142,25 +162,12 @@ public:
         return true;
     }
 
-    const std::vector<std::string>& texts() const
-    {
-        return _texts;
-    }
-
-    // As many losses as the entries of lost events have counted.
-    std::uint64_t overflows() const
-    {
-        return _overflows;
-    }
-
 private:
     LgQueue& _queue;
-    std::vector<std::string> _texts;
-    std::uint64_t _overflows = 0;
 };
 
 // A reader that looks ahead at all that is there, and removes it later.
-class BatchReader
+class BatchReader : public Taken
 {
 public:
     explicit BatchReader(LgQueue& queue) : _queue(queue) {}
@@ -182,22 +189,10 @@ public:
         return true;
     }
 
-    const std::vector<std::string>& texts() const
-    {
-        return _texts;
-    }
-
-    std::uint64_t overflows() const
-    {
-        return _overflows;
-    }
-
 private:
     static constexpr int BATCH = 2;
     LgQueue& _queue;
     char _scratch[64];
-    std::vector<std::string> _texts;
-    std::uint64_t _overflows = 0;
 };
 
 template <class Reader>
