@@ -12,10 +12,10 @@ namespace
 {
 
 // Read for every event, so they are kept apart from the keys, which only serve to notify the end.
-// Their place is fixed when the library is loaded, which saves each read a call of the dynamic
-// linker. If a module that needs the library is loaded at run time, they take room that the linker
-// keeps for all such libraries together: a few pointers always fit, more do not belong here.
-[[gnu::tls_model("initial-exec")]] constinit thread_local void* values[Count] = {};
+// The build fixes their place when the library is loaded, which saves each read a call of the
+// dynamic linker. If a module that needs the library is loaded at run time, they take room that the
+// linker keeps for all such libraries together: a few pointers always fit, more do not belong here.
+constinit thread_local void* values[Count] = {};
 
 pthread_key_t keys[Count];
 ThreadEnded threadEnded[Count] = {};
