@@ -460,7 +460,10 @@ void LgServiceMap::removeFileIfEmpty()
         if (!queue->isEmpty()) return;
     }
     for (const LgMap::WaitingLog& log : _header->_waiting)
-        if (log._waiting[log._current]._size > 0) return;
+    {
+        const LgMap::Waiting& waiting = log._waiting[log._current];
+        if (waiting._size > 0 || waiting._dropped > 0) return;
+    }
     _file->remove();
 }
 

@@ -228,9 +228,7 @@ void LgServiceRecovery::findWaiting()
     {
         const LgLeftMap::Waiting& waiting = _map.getWaiting()[i];
         const bool isNothing = waiting._text.empty() && waiting._dropped == 0;
-        const bool hasOutput = outputOf(static_cast<LgTypes::Level>(i)) ||
-                               LgLog::isFileMissing(static_cast<LgTypes::Level>(i));
-        _waiting[i] = {0, waiting._dropped, isNothing || !hasOutput};
+        _waiting[i] = {0, waiting._dropped, isNothing};
     }
     if (_map.getState() != LgMap::Writing) return;
     const LgMap::Batch& batch = _map.getBatch();
@@ -249,6 +247,7 @@ void LgServiceRecovery::findInFile(const LgMap::BatchFile& file, std::uint32_t l
     const LgServiceLog* const target = logOf(file);
     if (!target) return;
     Waiting& waiting = _waiting[log];
+    if (waiting._isDone) return;
     const std::string& all = _map.getWaiting()[log]._text;
     const std::size_t from = std::min<std::uint64_t>(file._waitingFrom, all.size());
     const std::uint64_t place = file._offset + file._waitingAt;
@@ -289,6 +288,17 @@ LgServiceRecovery::Output* LgServiceRecovery::outputOf(LgTypes::Level level)
     for (Output& output : _outputs)
         if (log && output._log == log) return &output;
     return nullptr;
+}
+
+// Where lines go that waited for the log of this level and others. There is one.
+LgServiceRecovery::Output& LgServiceRecovery::outputOfWaiting(std::uint32_t log)
+{
+    for (std::uint32_t i = 0; i < LgTypes::NUM_LEVELS; ++i)
+    {
+        const auto level = static_cast<LgTypes::Level>((log + i) % LgTypes::NUM_LEVELS);
+        if (Output* const output = outputOf(level)) return *output;
+    }
+    return _outputs.front();
 }
 
 LgServiceRecovery::Output* LgServiceRecovery::outputOf(const LgLeftMap::Event& event)
@@ -380,12 +390,12 @@ bool LgServiceRecovery::chooseWaiting()
     for (std::uint32_t i = 0; i < LgTypes::NUM_LEVELS; ++i)
     {
         if (_waiting[i]._isDone) continue;
-        Output* const output = outputOf(static_cast<LgTypes::Level>(i));
-        if (output && output->_waiting == LgMap::NONE)
-            output->_waiting = i;
+        Output& output = outputOfWaiting(i);
+        output._isUsed = true;
+        if (output._waiting == LgMap::NONE)
+            output._waiting = i;
         else
             isAll = false;
-        if (output) output->_isUsed = true;
     }
     return isAll;
 }

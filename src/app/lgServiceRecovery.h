@@ -21,9 +21,8 @@ namespace Zu
 
 /// Writes what a process has left in a map into the logs of this process, between two lines that
 /// name that process: first the lines that waited for files that failed, then the events in order
-/// of time. What it is about to write, and what it has
-/// written, it stores in the map as that process did, so it may itself be ended at any step: each
-/// event is written once.
+/// of time. What it is about to write, and what it has written, it stores in the map as that
+/// process did, so it may itself be ended at any step: each event is written once.
 ///
 /// Thread-safety: one thread at a time, before events of this process are written.
 class LgServiceRecovery
@@ -94,6 +93,7 @@ private:
 
     void findLogs();
     Output* outputOf(LgTypes::Level level);
+    Output& outputOfWaiting(std::uint32_t log);
     Output* outputOf(const LgLeftMap::Event& event);
     LgServiceLog* logOf(const LgMap::BatchFile& file) const;
     void findWaiting();

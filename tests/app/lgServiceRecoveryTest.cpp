@@ -466,6 +466,27 @@ TEST_F(LgServiceRecoveryTest, AnEventOfWhichALineIsMissingIsWrittenAgain)
     }
 }
 
+// The next process may have no file for the first level whose events went to that log, and another
+// one for those of the others.
+TEST_F(LgServiceRecoveryTest, WhatWaitedGoesToALogOfALevelThatHasOne)
+{
+    for (const std::string way : {"blocked kill", "unblocked write"})
+    {
+        run(way, 1, 3);
+        const std::string numbers = numbersFile;
+        if (way[0] == 'b') std::filesystem::remove(logPath());
+        {
+            const support::VariableGuard none("ZU_LOG_INTERNAL_ERROR");
+            none.set("+");
+            recover();
+        }
+        numbersFile = numbers;
+        checkAll(1, way);
+        EXPECT_GE(find()._lines, 3) << way;
+        std::remove(logPath().c_str());
+    }
+}
+
 // Its bytes would go into the log as they are.
 TEST_F(LgServiceRecoveryTest, WhatWaitedAndIsDamagedIsReportedAndNotWritten)
 {

@@ -181,6 +181,21 @@ TEST_F(LgServiceWaitingTest, WhatIsDroppedIsCountedThere)
     EXPECT_EQ(found._batch, batch + 2);
 }
 
+// All lines are written but the one that says how many are missing.
+TEST_F(LgServiceWaitingTest, ACountAloneKeepsTheFile)
+{
+    _map.begin(_settings);
+    setLimit(4);
+    wait("dropped\n");
+    EXPECT_EQ(find()._text, "");
+    EXPECT_EQ(find()._dropped, 1U);
+    _map.removeFileIfEmpty();
+    EXPECT_EQ(find()._dropped, 1U);
+    EXPECT_TRUE(_waiting.keep(LOG, *_log));
+    _waiting.giveBack(LOG, *_log);
+    EXPECT_EQ(_log->getDropped(), 1U);
+}
+
 TEST_F(LgServiceWaitingTest, WhatIsKeptComesBackWithTheNextService)
 {
     _map.begin(_settings);
