@@ -8,14 +8,18 @@
 
 #include <barrier>
 #include <cstdlib>
+#include <fstream>
 #include <string>
 #include <thread>
+#include <unistd.h>
 #include <vector>
 
 ZU_DEFINE_LOG_GROUP(Victim);
 
 namespace
 {
+
+constexpr int NO_GROUP = 3;
 
 void logNumbers(std::barrier<>& barrier, int thread, int count, bool isKilled)
 {
@@ -39,6 +43,9 @@ int main(int argc, char** argv)
     const bool isKilled = std::string(argv[1]) == "kill";
     const int threads = std::atoi(argv[2]);
     const int count = std::atoi(argv[3]);
+    // A group of processes that share a limit of memory, which the test has made.
+    if (const char* const group = std::getenv("VICTIM_GROUP"))
+        if (!(std::ofstream(group) << getpid() << std::flush)) return NO_GROUP;
     int words = 1;
     const Zu::InInitGuard guard(words, argv);
     ZU_START_LOG_GROUP("Victim", Victim);

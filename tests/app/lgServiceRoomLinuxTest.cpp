@@ -14,6 +14,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <csignal>
 #include <cstddef>
 #include <cstdint>
 #include <cstdio>
@@ -27,6 +28,7 @@
 #include <sched.h>
 #include <string>
 #include <sys/mount.h>
+#include <system_error>
 #include <unistd.h>
 #include <vector>
 
@@ -74,6 +76,60 @@ bool mountTiny(const std::string& directory, int kibibytes)
     return mount("none", directory.c_str(), "tmpfs", 0, options.c_str()) == 0;
 }
 
+// A group of processes that may use so much memory together. Of those that the kernel knows in
+// either way, the one that is there.
+class MemoryGroup
+{
+public:
+    explicit MemoryGroup(int mebibytes)
+    {
+        const std::string name = "/zuMemory" + std::to_string(getpid());
+        struct Form
+        {
+            const char* _root;
+            const char* _limit;
+            const char* _swap;
+        };
+        for (const auto& [root, limit, swap] :
+             {Form{"/sys/fs/cgroup/memory", "limit_in_bytes", "swappiness"},
+              Form{"/sys/fs/cgroup", "max", "swap.max"}})
+        {
+            const std::string directory = root + name;
+            std::error_code error;
+            if (!fs::create_directory(directory, error)) continue;
+            _directory = directory;
+            // Memory that is swapped out does not count.
+            write((directory + "/memory." + swap).c_str(), "0");
+            std::ofstream out(directory + "/memory." + limit);
+            _isThere = (out << mebibytes * 1024 * 1024 << std::flush).good();
+            if (_isThere) return;
+            fs::remove(_directory, error);
+        }
+    }
+    // The kernel keeps it for as long as a process of it is not quite gone.
+    ~MemoryGroup()
+    {
+        for (int i = 0; i < 1000 && rmdir(_directory.c_str()) != 0 && errno == EBUSY; ++i)
+            usleep(1000);
+    }
+    MemoryGroup(const MemoryGroup&) = delete;
+    MemoryGroup& operator=(const MemoryGroup&) = delete;
+
+    bool isThere() const
+    {
+        return _isThere;
+    }
+
+    std::string processes() const
+    {
+        return _directory + "/cgroup.procs";
+    }
+
+private:
+    std::string _directory;
+    bool _isThere = false;
+};
+
 class LgServiceRoom : public testing::Test
 {
 protected:
@@ -96,6 +152,8 @@ protected:
         if (result == REFUSED)
             GTEST_SKIP() << "The system does not let this process mount a file system: "
                          << std::ifstream(_dir.file("refused")).rdbuf();
+        if (result == NOT_IN_GROUP)
+            GTEST_SKIP() << "The system lets no process into a group with a limit of memory.";
         EXPECT_EQ(result, 0) << kibibytes << " KiB; see above";
     }
 
@@ -104,6 +162,7 @@ protected:
         support::Environment environment{{"B7Q_TEST_DIR", _logs.path()}};
         environment["ZU_LOG_SERVICE_MAPPING_DIRECTORY"] = std::nullopt;
         if (!_isShared) environment["ZU_LOG_SERVICE_MAPPING_DIRECTORY"] = _maps.path();
+        if (!_group.empty()) environment["VICTIM_GROUP"] = _group;
         return support::runProgram("crowdVictimLinux",
                                    {way, std::to_string(threads), std::to_string(events)},
                                    environment);
@@ -173,11 +232,15 @@ protected:
     }
 
     static constexpr int REFUSED = 77;
+    // As its victim reports it.
+    static constexpr int NOT_IN_GROUP = 3;
 
     TempDir _dir;
     TempDir _logs;
     TempDir _maps;
     bool _isShared = false;
+    // The file that a process writes its number to, to be in a group.
+    std::string _group;
 };
 
 // The first part of a map takes some 90 KiB, each queue 28.
@@ -306,6 +369,35 @@ TEST_F(LgServiceRoom, AKillWhileQueuesCantGrowLeavesNothingTornOrTwice)
 }
 
 // The address space of the process is used up between the start of the service and a thread's.
+// Beyond a limit of memory, to which shared memory counts, the system kills: that is a kill like any
+// other.
+TEST_F(LgServiceRoom, AKillForTheLimitOfMemoryLosesNothing)
+{
+    if (support::underSanitizer) GTEST_SKIP() << "A sanitizer needs more memory than the limit.";
+    const MemoryGroup group(24);
+    if (!group.isThere()) GTEST_SKIP() << "The system lets this process limit no memory.";
+    runWithin(_maps.path(), 128 * 1024,
+              [&]
+              {
+                  _group = group.processes();
+                  const ProgramResult killed = run("main", 200, 4000);
+                  if (killed.exitCode == NOT_IN_GROUP) _exit(NOT_IN_GROUP);
+                  EXPECT_EQ(killed.signal, SIGKILL) << killed.err;
+                  _group.clear();
+                  checkErrors(recover(), "");
+                  EXPECT_TRUE(fs::is_empty(_maps.path()));
+                  // No queue was full, so each thread has its events from the first one on.
+                  std::size_t written = 0;
+                  for (const auto& [thread, ofThread] : readLog())
+                  {
+                      EXPECT_EQ(ofThread, std::vector<int>(ofThread.size(), 1)) << thread;
+                      written += ofThread.size();
+                  }
+                  EXPECT_GE(written, 20000U);
+                  EXPECT_EQ(countLost(), 0U);
+              });
+}
+
 TEST_F(LgServiceRoom, AQueueThatCantBeMappedIsOnTheHeap)
 {
     if (support::underSanitizer) GTEST_SKIP() << "A sanitizer needs address space itself.";
