@@ -94,9 +94,10 @@ TEST(StressFiles, TheDirectoryIsRemoved)
         }
         Zu::LgLog::destroy();
         file = stress::read(path);
-        scenario.add(account, file);
         // On Windows the file is still there, and goes on.
-        EXPECT_EQ(file._written, BURST + (support::onWindows ? 2 * EVENTS + BURST : 0U));
+        file._written -= support::onWindows ? 2 * EVENTS + BURST : 0U;
+        EXPECT_EQ(file._written, BURST);
+        scenario.add(account, file);
     }
 }
 
