@@ -210,8 +210,9 @@ LgService::LgService(LgServiceOptions options, bool) : _options(std::move(option
         _recovered = recover(settings, _options);
         threads.start(settings);
         LgLog::setQueueFunction(&LgServiceThreads::queueOfThread);
-        LgQueue::setRoomFunction(_options._waitLevels == 0 ? nullptr
-                                                           : &LgServiceThreads::waitForRoom);
+        const bool isWaiting = _options._waitLevels != 0;
+        LgQueue::setRoomFunction(isWaiting ? &LgServiceThreads::waitForRoom : nullptr);
+        LgStream::setRoomFunction(isWaiting ? &LgServiceThreads::waitForTextRoom : nullptr);
         _reader = std::make_unique<LgServiceReader>(
             threads, form, _options._rawText,
             _options._compress ? LgServiceCompressor::getFactory() : nullptr);

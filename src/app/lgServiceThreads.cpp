@@ -288,10 +288,19 @@ bool LgServiceThreads::mayWait() const
 bool LgServiceThreads::waitForRoom(LgQueue& queue, LgTypes::Level level)
 {
     // Queues of the application are its own.
-    return ThreadSlot::get(ThreadSlot::Queue) == &queue && instance().waitForRoomIn(queue, level);
+    if (ThreadSlot::get(ThreadSlot::Queue) != &queue) return false;
+    return instance().waitUntil([&queue] { return queue.canReserve(); }, level);
 }
 
-bool LgServiceThreads::waitForRoomIn(LgQueue& queue, LgTypes::Level level)
+void LgServiceThreads::waitForTextRoom(LgStream& stream, std::size_t length)
+{
+    auto* const queue = static_cast<LgQueue*>(ThreadSlot::get(ThreadSlot::Queue));
+    if (!queue || &queue->getStream() != &stream) return;
+    instance().waitUntil([&stream, length] { return stream.hasRoomFor(length); },
+                         queue->getReservedEntry().getLevel());
+}
+
+template <class HasRoom> bool LgServiceThreads::waitUntil(HasRoom hasRoom, LgTypes::Level level)
 {
     using Clock = std::chrono::steady_clock;
     constexpr std::chrono::microseconds FIRST_PAUSE{20};
@@ -301,7 +310,7 @@ bool LgServiceThreads::waitForRoomIn(LgQueue& queue, LgTypes::Level level)
         Clock::now() + std::chrono::milliseconds(_waitLimit.load(std::memory_order_relaxed));
     for (auto pause = FIRST_PAUSE; mayWait(); pause = std::min(2 * pause, LONGEST_PAUSE))
     {
-        if (queue.canReserve()) return true;
+        if (hasRoom()) return true;
         if (Clock::now() >= end)
         {
             _isWaitVain.store(true, std::memory_order_relaxed);
@@ -309,7 +318,7 @@ bool LgServiceThreads::waitForRoomIn(LgQueue& queue, LgTypes::Level level)
         }
         std::this_thread::sleep_for(pause);
     }
-    return queue.canReserve();
+    return hasRoom();
 }
 
 void LgServiceThreads::entryAdded(const LgQueue& queue) noexcept

@@ -154,6 +154,9 @@ public:
     /// level wait. Returns whether it has. Only short sleeps and looks at the clock, no locks.
     static bool waitForRoom(LgQueue& queue, LgTypes::Level level);
 
+    /// The streams' room function: the same for the text of an event that has room itself.
+    static void waitForTextRoom(LgStream& stream, std::size_t length);
+
     /// For the thread that has published an event: wakes the reader if it sleeps, and waits until
     /// the event is written if events of its level do.
     void entryAdded(const LgQueue& queue) noexcept;
@@ -218,7 +221,7 @@ private:
 
     LgQueue* makeQueue();
     bool mayWait() const;
-    bool waitForRoomIn(LgQueue& queue, LgTypes::Level level);
+    template <class HasRoom> bool waitUntil(HasRoom hasRoom, LgTypes::Level level);
     bool tryToWaitUntilWritten(std::uint64_t time, std::chrono::milliseconds timeout) noexcept;
     bool writeOne();
     void noteWaits();

@@ -215,6 +215,12 @@ public:
         return hasRoom() && !_stream.isFullForWriter();
     }
 
+    /// The entry of the event whose text is being inserted. For the producer.
+    const Entry& getReservedEntry() const
+    {
+        return _entries[_end.own()];
+    }
+
     /// The entry that was published last. For an observer, in entryAdded().
     const Entry& getAddedEntry() const
     {

@@ -3,6 +3,7 @@
 #include "base/lgNumberText.h"
 
 #include <algorithm>
+#include <atomic>
 #include <charconv>
 #include <climits>
 #include <cmath>
@@ -22,6 +23,8 @@ constexpr std::size_t DECIMALS = 6;
 // In a ring that is not wholly usable yet, this many places stay free before the end of the usable
 // part: a mark for lost text, terminators, and the place of the next character.
 constexpr std::uint32_t SPARE = 4;
+
+constinit std::atomic<LgStream::RoomFunction> roomFunction{nullptr};
 
 } // namespace
 
@@ -227,11 +230,10 @@ LgStream& LgStream::insertAtEdge(const char* text, std::size_t length)
     if (!makeRoom()) return *this;
     _outputFlags |= TEXT_INSERTED;
     grow(length);
-    if (length > roomNow()) lookForRoom();
-    if (length > roomNow())
-        overflow();
-    else
+    if (length <= roomNow() || hasRoomFor(length) || awaitRoom(length))
         insertWrapping(text, length);
+    else
+        overflow();
     findStraightEnd();
     return *this;
 }
@@ -250,6 +252,33 @@ void LgStream::lookForRoom()
     // Pairs with the release in take(): the reader has copied everything before its position.
     _readPosSeen = _readPos;
     findStraightEnd();
+}
+
+void LgStream::setRoomFunction(RoomFunction function)
+{
+    roomFunction.store(function, std::memory_order_release);
+}
+
+bool LgStream::hasRoomFor(std::size_t length)
+{
+    lookForRoom();
+    return length <= roomNow();
+}
+
+// Whether there would be room if the reader had taken everything before this text.
+bool LgStream::canEverHaveRoomFor(std::size_t length) const
+{
+    const std::uint32_t used = _lastComplete.distanceTo(_writePos.own());
+    return length <= std::min(leftOfUsable(), leftOfText()) &&
+           used + length + SPARE <= _writePos.size();
+}
+
+bool LgStream::awaitRoom(std::size_t length)
+{
+    const RoomFunction function = roomFunction.load(std::memory_order_acquire);
+    if (!function || !canEverHaveRoomFor(length)) return false;
+    function(*this, length);
+    return hasRoomFor(length);
 }
 
 void LgStream::findStraightEnd()
@@ -310,7 +339,7 @@ bool LgStream::isAtEnd() const
 // it closes the string where it is and returns false.
 bool LgStream::makeRoom()
 {
-    if (isFullAtEdge())
+    if (isFullAtEdge() && !awaitRoom(1))
     {
         _overflowed.store(true, std::memory_order_relaxed);
         // A pending terminator is already there, and the reader may be reading it.

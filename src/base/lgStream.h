@@ -152,6 +152,18 @@ public:
     /// How many characters there is room for.
     unsigned int getNumCharacters() const;
 
+    /// Called by a producer whose text finds no room for as many characters as are to be inserted
+    /// next: it may wait until hasRoomFor() returns true. What there is no room for afterwards is
+    /// lost.
+    using RoomFunction = void (*)(LgStream& stream, std::size_t length);
+
+    /// Sets the function for the streams of all threads; null, the default, for none. Any thread
+    /// may call it.
+    static void setRoomFunction(RoomFunction function);
+
+    /// Whether there is room for a text of this length. For the producer, in its room function.
+    bool hasRoomFor(std::size_t length);
+
     /// The length of the longest string that the ring can hold.
     static unsigned int getMaxSize();
 
@@ -278,6 +290,8 @@ private:
     bool isFullAtEdge();
     template <class Integer> LgStream& insertInteger(Integer value);
     void lookForRoom();
+    bool canEverHaveRoomFor(std::size_t length) const;
+    bool awaitRoom(std::size_t length);
     void findStraightEnd();
     bool makeRoom();
     void insertWrapping(const char* text, std::size_t length);

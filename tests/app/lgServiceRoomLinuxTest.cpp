@@ -373,7 +373,7 @@ TEST_F(LgServiceRoom, AKillWhileQueuesCantGrowLeavesNothingTornOrTwice)
 // other.
 TEST_F(LgServiceRoom, AKillForTheLimitOfMemoryLosesNothing)
 {
-    if (support::underSanitizer) GTEST_SKIP() << "A sanitizer needs more memory than the limit.";
+    if (support::underSanitizer) GTEST_SKIP() << "A sanitizer needs more memory.";
     const MemoryGroup group(24);
     if (!group.isThere()) GTEST_SKIP() << "The system lets this process limit no memory.";
     runWithin(_maps.path(), 128 * 1024,

@@ -291,6 +291,33 @@ TEST_F(LgServiceTest, LosesNothingOfALevelThatWaitsForRoom)
     EXPECT_EQ(texts().size(), std::size_t{FEW_THREADS} * EVENTS);
 }
 
+// Nor of its text: here the characters run out long before the entries do.
+TEST_F(LgServiceTest, CutsNoTextOfALevelThatWaitsForRoom)
+{
+    constexpr int EVENTS = 400;
+    Zu::LgServiceOptions options;
+    options._characters = 64 * 1024;
+    options._waitLevels = 1U << LgTypes::Warning;
+    options._waitLimit = std::chrono::hours(1);
+    const auto textOf = [](int event)
+    {
+        return "Kit " + std::to_string(event) +
+               std::string(9000U + static_cast<unsigned>(event), 'x') + " 17 end";
+    };
+    Texts expected;
+    {
+        const LgService service(options);
+        for (int i = 0; i < EVENTS; ++i)
+        {
+            ZU_LOG_WARNING(Kit, i << std::string(9000U + static_cast<unsigned>(i), 'x') << ' ' << 17
+                                  << " end");
+            expected.push_back(textOf(i));
+        }
+        EXPECT_EQ(service.getLostCount(), 0U);
+    }
+    EXPECT_EQ(texts(), expected);
+}
+
 // Without that, this would take a day.
 TEST_F(LgServiceTest, NobodyWaitsWhileAFileFails)
 {

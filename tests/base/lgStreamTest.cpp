@@ -375,6 +375,58 @@ TEST(LgStream, APieceThatDoesNotFitBecomesAMark)
     EXPECT_FALSE(stream.hasOverflowed());
 }
 
+// What a reader would do while the writer waits.
+struct Asked
+{
+    int _calls = 0;
+    std::size_t _length = 0;
+    std::string _taken;
+};
+Asked asked;
+
+TEST(LgStream, TheRoomFunctionIsAskedBeforeTextIsLost)
+{
+    LgStream stream;
+    asked = {};
+    LgStream::setRoomFunction(
+        [](LgStream& full, std::size_t length)
+        {
+            ++asked._calls;
+            asked._length = length;
+            EXPECT_FALSE(full.hasRoomFor(length));
+            if (asked._calls != 2) asked._taken = take(full);
+        });
+    const std::string most(LgStream::BufSize - 20, 'x');
+    stream << most << Zu::ends << "short";
+    EXPECT_EQ(asked._calls, 0);
+    stream << "too long for that" << 4711 << Zu::ends;
+    EXPECT_EQ(asked._calls, 1);
+    EXPECT_EQ(asked._length, std::strlen("too long for that"));
+    EXPECT_EQ(asked._taken, most);
+    EXPECT_EQ(take(stream), "shorttoo long for that4711");
+    // One that does not wait, or waited in vain.
+    stream << most << Zu::ends << "short"
+           << "too long for that" << Zu::ends;
+    EXPECT_EQ(asked._calls, 2);
+    EXPECT_EQ(take(stream), most);
+    EXPECT_EQ(take(stream), "short#");
+    // The ring is full to the last place.
+    asked._taken.clear();
+    stream << std::string(LgStream::BufSize - 3, 'y') << Zu::ends << 'z' << Zu::ends;
+    EXPECT_EQ(asked._calls, 3);
+    EXPECT_EQ(asked._taken.size(), LgStream::BufSize - 3);
+    EXPECT_EQ(take(stream), "z");
+    // Nobody can make room for a text that is too long by itself.
+    stream << most << most << Zu::ends;
+    EXPECT_EQ(take(stream), most + '#');
+    EXPECT_EQ(asked._calls, 3);
+    LgStream::setRoomFunction(nullptr);
+    stream << most << Zu::ends << most << Zu::ends;
+    EXPECT_EQ(asked._calls, 3);
+    EXPECT_EQ(take(stream), most);
+    EXPECT_EQ(take(stream), "#");
+}
+
 TEST(LgStream, AFullRingDropsWhatFollows)
 {
     SmallStream stream(16);
