@@ -368,9 +368,7 @@ TEST_F(LgServiceRoom, AKillWhileQueuesCantGrowLeavesNothingTornOrTwice)
               });
 }
 
-// The address space of the process is used up between the start of the service and a thread's.
-// Beyond a limit of memory, to which shared memory counts, the system kills: that is a kill like any
-// other.
+// Beyond a limit of memory, to which shared memory counts, the system kills like anybody else.
 TEST_F(LgServiceRoom, AKillForTheLimitOfMemoryLosesNothing)
 {
     if (support::underSanitizer) GTEST_SKIP() << "A sanitizer needs more memory.";
@@ -398,6 +396,7 @@ TEST_F(LgServiceRoom, AKillForTheLimitOfMemoryLosesNothing)
               });
 }
 
+// The address space of the process is used up between the start of the service and a thread's.
 TEST_F(LgServiceRoom, AQueueThatCantBeMappedIsOnTheHeap)
 {
     if (support::underSanitizer) GTEST_SKIP() << "A sanitizer needs address space itself.";
