@@ -70,17 +70,6 @@ std::int64_t secondOf(const OsDateTypes::DateRep& date)
     return static_cast<std::int64_t>(count) / DATE_TICKS - SECONDS_TO_1970;
 }
 
-// By how many minutes local time is ahead of UTC.
-int offsetAt(std::int64_t second)
-{
-    const OsDateTypes::DateStruct local =
-        OsDateUtil::convertToDateStruct(dateOf(second), OsDateTypes::TimeLocal);
-    OsDateTypes::DateRep date = dateOf(second);
-    OsDateUtil::makeTime(local.year, local.month, local.day, local.hour, local.minute, local.second,
-                         OsDateTypes::TimeUniversal, date);
-    return static_cast<int>((secondOf(date) - second) / SECONDS_PER_MINUTE);
-}
-
 // Puts "2026-11-22T22:10:51".
 char* putSecond(char* place, std::int64_t second)
 {
@@ -229,8 +218,18 @@ void appendCodeEscape(std::string& out, std::uint32_t code)
 class Escaper
 {
 public:
-    Escaper(std::string& out, std::string_view text, bool isField)
-        : _out(out), _text(text), _isField(isField)
+    enum class Form
+    {
+        Text,
+        // Of a line that dates others.
+        Field,
+        // What was escaped before.
+        Printable
+    };
+
+    Escaper(std::string& out, std::string_view text, Form form)
+        : _out(out), _text(text), _isField(form == Form::Field),
+          _isPrintable(form == Form::Printable)
     {
     }
 
@@ -246,6 +245,7 @@ private:
     bool isFirstEscaped() const
     {
         if (_isField) return _text == "-";
+        if (_isPrintable) return false;
         return !_text.empty() && (_text[0] == '\t' || _text.substr(0, BANNER.size()) == BANNER);
     }
 
@@ -267,6 +267,7 @@ private:
         const std::uint8_t byte = byteAt(_text, at);
         if (byte >= 0x80) return handleSequence(at);
         if (isEscapedByte(byte)) return escapeByte(at);
+        if (_isPrintable) return at + 1;
         if (byte == '\n') insertBehind(at, '\t');
         if (byte == '\\' && isBackslashDoubledBefore(at + 1)) insertBehind(at, '\\');
         return at + 1;
@@ -317,6 +318,7 @@ private:
     std::string& _out;
     const std::string_view _text;
     const bool _isField;
+    const bool _isPrintable;
     // Where the part begins that has not been appended yet.
     std::size_t _from = 0;
 };
@@ -382,7 +384,7 @@ constexpr std::string_view ORIGIN_END = " =====";
 void appendField(std::string& out, std::string_view text)
 {
     if (text.empty()) out += '-';
-    Escaper(out, text, true).run();
+    Escaper(out, text, Escaper::Form::Field).run();
 }
 
 std::string fieldOf(std::string_view text)
@@ -537,7 +539,7 @@ void LgLineWriter::beginSecond(std::int64_t second)
 {
     const bool isLocal = _form == LgLineForm::Local;
     const std::int64_t minute = floorQuotient(second, SECONDS_PER_MINUTE);
-    if (isLocal && (!_isCached || minute != _minute)) _offsetMinutes = offsetAt(second);
+    if (isLocal && (!_isCached || minute != _minute)) _offsetMinutes = lgLocalOffset(second);
     _minute = minute;
     _second = second;
     _isCached = true;
@@ -549,7 +551,12 @@ void LgLineWriter::beginSecond(std::int64_t second)
 
 void lgAppendEscaped(std::string& out, std::string_view text)
 {
-    Escaper(out, text, false).run();
+    Escaper(out, text, Escaper::Form::Text).run();
+}
+
+void lgAppendPrintable(std::string& out, std::string_view text)
+{
+    Escaper(out, text, Escaper::Form::Printable).run();
 }
 
 std::string lgUnescaped(std::string_view line)
@@ -615,6 +622,16 @@ std::string lgIsoTime(std::int64_t wall, int decimals)
         end = digits + decimals;
     }
     return {text, put(end, "Z")};
+}
+
+int lgLocalOffset(std::int64_t second)
+{
+    const OsDateTypes::DateStruct local =
+        OsDateUtil::convertToDateStruct(dateOf(second), OsDateTypes::TimeLocal);
+    OsDateTypes::DateRep date = dateOf(second);
+    OsDateUtil::makeTime(local.year, local.month, local.day, local.hour, local.minute, local.second,
+                         OsDateTypes::TimeUniversal, date);
+    return static_cast<int>((secondOf(date) - second) / SECONDS_PER_MINUTE);
 }
 
 std::int64_t lgWallOf(const LgLineOrigin& origin, std::uint64_t tick)

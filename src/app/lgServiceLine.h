@@ -126,6 +126,11 @@ private:
 /// length of the text.
 void lgAppendEscaped(std::string& out, std::string_view text);
 
+/// Appends a text whose backslashes, TABs and line feeds stay; everything else that
+/// lgAppendEscaped() escapes is escaped in the same way. For bytes of a log file that are shown:
+/// what was escaped stays as it is.
+void lgAppendPrintable(std::string& out, std::string_view text);
+
 /// The text of which lgAppendEscaped() made `line`: its exact inverse, for all bytes. `line` may
 /// contain continuations, but not the line feed that ends the event. A backslash that begins none
 /// of the escapes stays.
@@ -149,6 +154,9 @@ bool lgParseOriginLine(std::string_view line, LgLineOrigin& origin);
 /// UTC as ISO 8601, as in "2026-11-22T22:10:51.123456Z". `wall` is in nanoseconds since 1970;
 /// `decimals` is from 0 to 9, and further digits are truncated.
 std::string lgIsoTime(std::int64_t wall, int decimals);
+
+/// By how many minutes local time is ahead of UTC at a second since 1970.
+int lgLocalOffset(std::int64_t second);
 
 /// UTC at a reading of the counter, in nanoseconds since 1970, rounded down. It is exact up to 292
 /// years and 2^63 ticks from the origin, before or after; a time that does not fit is replaced by

@@ -997,4 +997,26 @@ TEST(LgParseOriginLine, NoEventMakesSuchALine)
         }
 }
 
+TEST(LgServiceLine, MakesBytesPrintableWithoutEscapingTwice)
+{
+    const std::pair<std::string, std::string> rows[] = {
+        {"", ""},
+        {"a\tb\n\tc", "a\tb\n\tc"},
+        {"\tbegins", "\tbegins"},
+        {"===== x", "===== x"},
+        {"-, \\x1b \\\\ C:\\temp", "-, \\x1b \\\\ C:\\temp"},
+        {"\x1b[2J\xff\x7f\r", "\\x1b[2J\\xff\\x7f\\x0d"},
+        {"\u202eabc\u00e9", "\\u202eabc\u00e9"},
+    };
+    for (const auto& [bytes, expected] : rows)
+    {
+        std::string text = "> ";
+        Zu::lgAppendPrintable(text, bytes);
+        EXPECT_EQ(text, "> " + expected);
+        std::string again = "> ";
+        Zu::lgAppendPrintable(again, expected);
+        EXPECT_EQ(again, text);
+    }
+}
+
 } // namespace

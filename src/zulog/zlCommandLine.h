@@ -1,0 +1,49 @@
+/// @file
+/// The command line of zulog.
+
+#ifndef ZU_ZULOG_ZLCOMMANDLINE_H
+#define ZU_ZULOG_ZLCOMMANDLINE_H
+
+#include "zlShow.h"
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace Zu
+{
+
+/// What the words of the command line ask for.
+struct ZlCommand
+{
+    enum class Name
+    {
+        /// The text in `_text` is all that is to be printed, and `_exit` the exit value.
+        Print,
+        Show
+    };
+
+    Name _name = Name::Print;
+    ZlShowOptions _show;
+    bool _isPaged = false;
+    std::string _text;
+    int _exit = 0;
+};
+
+/// What the command line depends on beside its words.
+struct ZlSurroundings
+{
+    bool _isOutputTerminal = false;
+    /// Whether the environment has NO_COLOR with a value.
+    bool _isColourRefused = false;
+    /// UTC in nanoseconds since 1970.
+    std::int64_t _now = 0;
+};
+
+/// Reads the words behind the program's name. What can't be used is a command of the name Print
+/// with the exit value 2, whose text goes to standard error.
+ZlCommand zlReadCommandLine(std::vector<std::string> words, const ZlSurroundings& surroundings);
+
+} // namespace Zu
+
+#endif

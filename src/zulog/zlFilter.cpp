@@ -1,0 +1,201 @@
+#include "zulog/zlFilter.h"
+
+#include "zulog/zlFile.h"
+
+#include <algorithm>
+#include <boost/regex.hpp>
+#include <stdexcept>
+
+namespace Zu
+{
+
+namespace
+{
+
+// Letter case of ASCII letters does not matter.
+bool equalsName(std::string_view one, std::string_view other)
+{
+    const auto lower = [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c + 32) : c; };
+    return std::equal(one.begin(), one.end(), other.begin(), other.end(),
+                      [lower](char a, char b) { return lower(a) == lower(b); });
+}
+
+std::optional<LgTypes::Level> levelOf(std::string_view name)
+{
+    for (int i = 0; i < LgTypes::NUM_LEVELS; ++i)
+    {
+        const auto level = static_cast<LgTypes::Level>(i);
+        if (equalsName(name, LgTypes::levelToString(level))) return level;
+    }
+    return std::nullopt;
+}
+
+template <class Value> bool contains(const std::vector<Value>& values, std::optional<Value> value)
+{
+    return value && std::find(values.begin(), values.end(), *value) != values.end();
+}
+
+} // namespace
+
+class ZlFilter::Expressions
+{
+public:
+    explicit Expressions(const std::vector<std::string>& texts)
+    {
+        for (const std::string& text : texts)
+        {
+            try
+            {
+                _expressions.emplace_back(text, boost::regex::perl);
+            }
+            catch (const boost::regex_error& error)
+            {
+                throw ZlError("\"" + text + "\" is no regular expression, see character " +
+                              std::to_string(error.position() + 1) + ": " + shortened(error));
+            }
+        }
+    }
+
+    bool isEmpty() const
+    {
+        return _expressions.empty();
+    }
+
+    // Raises std::runtime_error if the search takes too long.
+    bool matchAny(std::string_view text) const
+    {
+        const auto matches = [text](const boost::regex& expression)
+        { return boost::regex_search(text.data(), text.data() + text.size(), expression); };
+        return std::any_of(_expressions.begin(), _expressions.end(), matches);
+    }
+
+private:
+    // What follows the reason repeats the place.
+    static std::string shortened(const boost::regex_error& error)
+    {
+        const std::string text = error.what();
+        return text.substr(0, text.find_first_of(".\n"));
+    }
+
+    std::vector<boost::regex> _expressions;
+};
+
+ZlFilter::ZlFilter(const ZlSelection& selection, ZlReports& reports)
+    : _selection(selection), _reports(reports),
+      _matches(std::make_unique<Expressions>(selection._matches)),
+      _exclusions(std::make_unique<Expressions>(selection._exclusions)),
+      _areEventsAlone(selection._areMarksHidden || selection._levels != ZlSelection::ALL_LEVELS ||
+                      !selection._groups.empty() || !selection._threads.empty() ||
+                      !_matches->isEmpty() || !_exclusions->isEmpty())
+{
+}
+
+ZlFilter::~ZlFilter() = default;
+
+bool ZlFilter::accepts(const ZlRecord& record)
+{
+    const bool isEvent = zlIsEvent(record._kind);
+    if (!isEvent && _areEventsAlone) return false;
+    const bool isProcess =
+        _selection._processes.empty() || contains(_selection._processes, record._process);
+    if (!isProcess || (isEvent && !acceptsEvent(record))) return false;
+    return acceptsTime(record);
+}
+
+bool ZlFilter::acceptsEvent(const ZlRecord& record)
+{
+    const bool isAnyLevel = _selection._levels == ZlSelection::ALL_LEVELS;
+    if (!isAnyLevel && !(record._level && ((_selection._levels >> *record._level) & 1U) != 0))
+        return false;
+    if (!_selection._threads.empty() && !contains(_selection._threads, record._thread))
+        return false;
+    const auto isOfGlob = [&record](const std::string& glob)
+    { return zlMatchesGlob(glob, record._group); };
+    const std::vector<std::string>& groups = _selection._groups;
+    if (!groups.empty() &&
+        (record._group.empty() || std::none_of(groups.begin(), groups.end(), isOfGlob)))
+        return false;
+    if (_matches->isEmpty() && _exclusions->isEmpty()) return true;
+    // The group and the text are neighbours.
+    const std::string_view first = record._group.empty() ? record._text : record._group;
+    const std::string_view text(
+        first.data(),
+        static_cast<std::size_t>(record._text.data() + record._text.size() - first.data()));
+    try
+    {
+        return (_matches->isEmpty() || _matches->matchAny(text)) && !_exclusions->matchAny(text);
+    }
+    catch (const std::runtime_error&)
+    {
+        _reports.wrongLine(*record._file, record._line,
+                           "the search for an expression takes too long, and the line is shown");
+        return true;
+    }
+}
+
+bool ZlFilter::acceptsTime(const ZlRecord& record)
+{
+    if (!_selection._since && !_selection._until) return true;
+    if (!record._wall)
+    {
+        ++_undated;
+        return false;
+    }
+    return (!_selection._since || *record._wall >= *_selection._since) &&
+           (!_selection._until || *record._wall < *_selection._until);
+}
+
+// Goes back to the last "*" when what follows it does not fit.
+bool zlMatchesGlob(std::string_view glob, std::string_view name)
+{
+    std::size_t place = 0;
+    std::size_t at = 0;
+    std::size_t star = std::string_view::npos;
+    std::size_t afterStar = 0;
+    while (at < name.size())
+    {
+        if (place < glob.size() && glob[place] == '*')
+        {
+            star = place++;
+            afterStar = at;
+        }
+        else if (place < glob.size() && (glob[place] == '?' || glob[place] == name[at]))
+        {
+            ++place;
+            ++at;
+        }
+        else if (star != std::string_view::npos)
+        {
+            place = star + 1;
+            at = ++afterStar;
+        }
+        else
+            return false;
+    }
+    while (place < glob.size() && glob[place] == '*') ++place;
+    return place == glob.size();
+}
+
+std::optional<std::uint32_t> zlParseLevels(std::string_view text)
+{
+    const bool isExact = !text.empty() && text.front() == '=';
+    if (isExact) text.remove_prefix(1);
+    if (!isExact && text.find(',') == std::string_view::npos)
+    {
+        const auto level = levelOf(text);
+        if (!level) return std::nullopt;
+        return (2U << *level) - 1;
+    }
+    std::uint32_t levels = 0;
+    for (;;)
+    {
+        const std::size_t end = std::min(text.find(','), text.size());
+        const auto level = levelOf(text.substr(0, end));
+        if (!level) return std::nullopt;
+        levels |= 1U << *level;
+        if (end == text.size()) return levels;
+        text.remove_prefix(end + 1);
+    }
+}
+
+} // namespace Zu

@@ -1,0 +1,81 @@
+/// @file
+/// Which records are shown.
+
+#ifndef ZU_ZULOG_ZLFILTER_H
+#define ZU_ZULOG_ZLFILTER_H
+
+#include "zlRecord.h"
+#include "zlReports.h"
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace Zu
+{
+
+/// What is asked for; all conditions must hold, and where there are several values, one of them.
+struct ZlSelection
+{
+    /// Bit 1 << level. An event of unknown level is of none of them.
+    std::uint32_t _levels = ALL_LEVELS;
+    /// Globs: "*" stands for any characters, "?" for one. Letter case matters.
+    std::vector<std::string> _groups;
+    std::vector<std::uint32_t> _threads;
+    std::vector<std::uint32_t> _processes;
+    /// Regular expressions, searched for in an event's group and text as they stand in the file.
+    std::vector<std::string> _matches;
+    std::vector<std::string> _exclusions;
+    /// UTC, in nanoseconds since 1970: from the first one on, and before the second one.
+    std::optional<std::int64_t> _since;
+    std::optional<std::int64_t> _until;
+    bool _areMarksHidden = false;
+
+    static constexpr std::uint32_t ALL_LEVELS = (1U << LgTypes::NUM_LEVELS) - 1;
+};
+
+/// Marks and unreadable lines are accepted if nothing but processes and times is asked for.
+///
+/// Not thread-safe.
+class ZlFilter
+{
+public:
+    /// Raises ZlError for an expression that is none, with the place and the reason.
+    ZlFilter(const ZlSelection& selection, ZlReports& reports);
+    ~ZlFilter();
+
+    bool accepts(const ZlRecord& record);
+
+    /// How many records were left out because times are asked for, and theirs is not known.
+    std::uint64_t getUndatedCount() const
+    {
+        return _undated;
+    }
+
+private:
+    class Expressions;
+    bool acceptsEvent(const ZlRecord& record);
+    bool acceptsTime(const ZlRecord& record);
+
+    ZlSelection _selection;
+    ZlReports& _reports;
+    std::unique_ptr<Expressions> _matches;
+    std::unique_ptr<Expressions> _exclusions;
+    bool _areEventsAlone;
+    std::uint64_t _undated = 0;
+};
+
+/// Whether a name is of the form of a glob.
+bool zlMatchesGlob(std::string_view glob, std::string_view name);
+
+/// The levels that "Warning" stands for, it and the more severe ones; letter case does not matter.
+/// Several names with commas between them stand for these alone, and so does one with "=" in front.
+/// Nothing for a name that is none.
+std::optional<std::uint32_t> zlParseLevels(std::string_view text);
+
+} // namespace Zu
+
+#endif

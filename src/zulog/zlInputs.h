@@ -1,0 +1,38 @@
+/// @file
+/// Which files belong to a log.
+
+#ifndef ZU_ZULOG_ZLINPUTS_H
+#define ZU_ZULOG_ZLINPUTS_H
+
+#include "zlReports.h"
+
+#include <string>
+#include <vector>
+
+namespace Zu
+{
+
+/// The files of one log, in the order in which they were written.
+using ZlLog = std::vector<std::string>;
+
+/// The logs that words of the command line name; all names are in UTF-8.
+///
+/// - A file is a log of its own. With `areRotatedAdded`, the files that it was rotated to precede
+///   it: "events.log.2.gz", "events.log.1", "events.log". If a file is there compressed and not,
+///   only the latter counts.
+/// - A directory has the logs of all its files "*.log", with the files that they were rotated to,
+///   be it by numbers or by dates, as "events.log-20261123.gz"; the latter are logs of their own.
+///   Directories in it are not looked into. One without a log is reported.
+/// - "-" is standard input.
+///
+/// Logs come in the order of the words, those of a directory sorted by name. What is not there is
+/// reported, and omitted.
+std::vector<ZlLog> zlFindLogs(const std::vector<std::string>& words, bool areRotatedAdded,
+                              ZlReports& reports);
+
+/// The files that a log was rotated to, from the oldest one on, without the file itself.
+ZlLog zlRotatedFiles(const std::string& file);
+
+} // namespace Zu
+
+#endif

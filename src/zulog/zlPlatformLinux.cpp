@@ -1,0 +1,51 @@
+#include "zulog/zlPlatform.h"
+
+#include "app/lgMapFile.h"
+
+#include <csignal>
+#include <cstdlib>
+#include <sys/resource.h>
+#include <unistd.h>
+
+namespace Zu
+{
+
+std::vector<std::string> ZlPlatform::getWords(int argc, char** argv)
+{
+    return {argv + (argc > 0 ? 1 : 0), argv + argc};
+}
+
+void ZlPlatform::prepare()
+{
+    signal(SIGPIPE, SIG_IGN);
+    rlimit limit = {};
+    if (getrlimit(RLIMIT_NOFILE, &limit) != 0) return;
+    limit.rlim_cur = limit.rlim_max;
+    setrlimit(RLIMIT_NOFILE, &limit);
+}
+
+bool ZlPlatform::isTerminal(std::FILE* file)
+{
+    return isatty(fileno(file)) != 0;
+}
+
+std::FILE* ZlPlatform::openPager()
+{
+    const char* pager = std::getenv("PAGER");
+    if (!pager || *pager == '\0') pager = "less";
+    // Colours are shown, and less ends by itself if everything fits on the screen.
+    setenv("LESS", "FRX", 0);
+    return popen(pager, "w");
+}
+
+void ZlPlatform::closePager(std::FILE* pager)
+{
+    pclose(pager);
+}
+
+std::int64_t ZlPlatform::getNow()
+{
+    return lgWallClock();
+}
+
+} // namespace Zu

@@ -1,0 +1,68 @@
+#include "zulog/zlPlatform.h"
+
+#include "app/lgMapFile.h"
+
+#include <cstdlib>
+#include <fcntl.h>
+#include <filesystem>
+#include <io.h>
+#include <windows.h>
+
+#include <shellapi.h>
+
+namespace Zu
+{
+
+// Those of main() are in the code page of the system.
+std::vector<std::string> ZlPlatform::getWords(int, char**)
+{
+    int count = 0;
+    wchar_t** const words = CommandLineToArgvW(GetCommandLineW(), &count);
+    std::vector<std::string> result;
+    for (int i = 1; words && i < count; ++i)
+    {
+        const int size =
+            WideCharToMultiByte(CP_UTF8, 0, words[i], -1, nullptr, 0, nullptr, nullptr);
+        std::string word(static_cast<std::size_t>(size > 0 ? size : 1), '\0');
+        WideCharToMultiByte(CP_UTF8, 0, words[i], -1, word.data(), size, nullptr, nullptr);
+        word.pop_back();
+        result.push_back(std::move(word));
+    }
+    LocalFree(words);
+    return result;
+}
+
+void ZlPlatform::prepare()
+{
+    _setmode(_fileno(stdout), _O_BINARY);
+    SetConsoleOutputCP(CP_UTF8);
+    const HANDLE console = GetStdHandle(STD_OUTPUT_HANDLE);
+    DWORD mode = 0;
+    // So that it takes colours.
+    if (GetConsoleMode(console, &mode))
+        SetConsoleMode(console, mode | ENABLE_VIRTUAL_TERMINAL_PROCESSING);
+}
+
+bool ZlPlatform::isTerminal(std::FILE* file)
+{
+    DWORD mode = 0;
+    return GetConsoleMode(reinterpret_cast<HANDLE>(_get_osfhandle(_fileno(file))), &mode) != 0;
+}
+
+std::FILE* ZlPlatform::openPager()
+{
+    const char* const pager = std::getenv("PAGER");
+    return pager && *pager != '\0' ? _popen(pager, "wb") : nullptr;
+}
+
+void ZlPlatform::closePager(std::FILE* pager)
+{
+    _pclose(pager);
+}
+
+std::int64_t ZlPlatform::getNow()
+{
+    return lgWallClock();
+}
+
+} // namespace Zu

@@ -1,0 +1,105 @@
+#include "zulog/zlShow.h"
+
+#include "zulog/zlFile.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace Zu
+{
+
+namespace
+{
+
+// Of all buffers together.
+constexpr std::size_t MEMORY = std::size_t{24} << 20;
+constexpr std::size_t LARGEST_BUFFER = std::size_t{256} << 10;
+
+} // namespace
+
+ZlPrinter::ZlPrinter(const ZlShowOptions& options, ZlOutput& output, ZlReports& reports)
+    : _output(output), _reports(reports), _filter(options._selection, reports),
+      _format(zlMakeFormat(options._format, options._formatOptions)), _context(options._context)
+{
+    if (!_format) throw ZlError("\"" + options._format + "\" is no format");
+}
+
+void ZlPrinter::begin()
+{
+    _format->begin(_output.text());
+}
+
+void ZlPrinter::add(const ZlRecord& record)
+{
+    if (_context > 0)
+        addWithContext(record);
+    else if (_filter.accepts(record))
+        _format->append(_output.text(), record);
+    _output.writeIfLarge();
+}
+
+void ZlPrinter::addWithContext(const ZlRecord& record)
+{
+    const bool isSelected = _filter.accepts(record);
+    if (!isSelected && _behind == 0)
+    {
+        _before.emplace_back();
+        _format->append(_before.back(), record);
+        if (_before.size() <= _context) return;
+        _before.pop_front();
+        _isAnyLeftOut = true;
+        return;
+    }
+    if (isSelected)
+    {
+        if (_isAnyShown && _isAnyLeftOut) _output.text() += "--\n";
+        for (const std::string& text : _before) _output.text() += text;
+        _before.clear();
+        _isAnyLeftOut = false;
+        _isAnyShown = true;
+    }
+    _behind = isSelected ? _context : _behind - 1;
+    _format->append(_output.text(), record);
+}
+
+void ZlPrinter::end()
+{
+    if (const std::uint64_t count = _filter.getUndatedCount())
+        _reports.note(std::to_string(count) +
+                      (count == 1 ? " record without a known time was left out"
+                                  : " records without a known time were left out"));
+}
+
+ZlReader::Options zlReaderOptions(const ZlShowOptions& options, std::size_t logs)
+{
+    ZlReader::Options reading;
+    reading._bufferSize = std::min(LARGEST_BUFFER, MEMORY / std::max<std::size_t>(logs, 1));
+    const bool areAllWanted =
+        options._selection._levels == ZlSelection::ALL_LEVELS || options._context > 0;
+    if (areAllWanted) return reading;
+    reading._levels = options._selection._levels;
+    reading._areMarksSkipped = true;
+    return reading;
+}
+
+ZlMerge zlOpenMerge(const ZlShowOptions& options, ZlReports& reports)
+{
+    std::vector<ZlLog> logs = zlFindLogs(options._words, options._areRotatedAdded, reports);
+    const ZlReader::Options reading = zlReaderOptions(options, logs.size());
+    std::vector<std::unique_ptr<ZlReader>> readers;
+    for (ZlLog& log : logs)
+        readers.push_back(std::make_unique<ZlReader>(std::move(log), reports, reading));
+    return ZlMerge(std::move(readers));
+}
+
+void zlShow(const ZlShowOptions& options, ZlOutput& output, ZlReports& reports)
+{
+    ZlPrinter printer(options, output, reports);
+    ZlMerge merge = zlOpenMerge(options, reports);
+    printer.begin();
+    while (const ZlRecord* const record = merge.next()) printer.add(*record);
+    printer.end();
+    output.write();
+}
+
+} // namespace Zu

@@ -1,0 +1,287 @@
+#include "zulog/zlTime.h"
+
+#include "app/lgServiceLine.h"
+
+#include <algorithm>
+#include <charconv>
+#include <chrono>
+#include <cstdlib>
+#include <limits>
+#include <system_error>
+
+namespace Zu
+{
+
+namespace
+{
+
+constexpr std::int64_t NANOSECONDS = 1000000000;
+constexpr std::int64_t MICROSECOND = 1000;
+constexpr std::int64_t MINUTE = 60;
+constexpr int DECIMALS = 6;
+// The years whose nanoseconds fit, without the first and the last one.
+constexpr int FIRST_YEAR = 1678;
+constexpr int LAST_YEAR = 2261;
+
+std::int64_t floorQuotient(std::int64_t a, std::int64_t b)
+{
+    return a / b - (a % b < 0 ? 1 : 0);
+}
+
+// A day and a time of day, as they are written.
+struct Civil
+{
+    int _year = 0;
+    unsigned _month = 0;
+    unsigned _day = 0;
+    unsigned _hour = 0;
+    unsigned _minute = 0;
+    unsigned _second = 0;
+    std::int64_t _fraction = 0;
+};
+
+// As if the time were UTC. A day has one calendar only, so 31 April is none.
+bool toSecond(const Civil& civil, std::int64_t& second)
+{
+    namespace chrono = std::chrono;
+    const chrono::year_month_day day{chrono::year(civil._year), chrono::month(civil._month),
+                                     chrono::day(civil._day)};
+    const bool isDay = civil._year >= FIRST_YEAR && civil._year <= LAST_YEAR && day.ok();
+    if (!isDay || civil._hour > 23 || civil._minute > 59 || civil._second > 59) return false;
+    const std::int64_t days = chrono::sys_days(day).time_since_epoch().count();
+    second = ((days * 24 + civil._hour) * 60 + civil._minute) * 60 + civil._second;
+    return true;
+}
+
+// The reverse, for the date alone.
+void setDay(Civil& civil, std::int64_t second)
+{
+    namespace chrono = std::chrono;
+    const chrono::sys_days days{chrono::days(floorQuotient(second, 24 * 3600))};
+    const chrono::year_month_day day(days);
+    civil._year = static_cast<int>(day.year());
+    civil._month = static_cast<unsigned>(day.month());
+    civil._day = static_cast<unsigned>(day.day());
+}
+
+// Takes a text apart from its beginning.
+class TimeParser
+{
+public:
+    explicit TimeParser(std::string_view text) : _rest(text) {}
+
+    bool take(char c)
+    {
+        if (_rest.empty() || _rest.front() != c) return false;
+        _rest.remove_prefix(1);
+        return true;
+    }
+
+    template <class Number> bool takeDigits(std::size_t count, Number& value)
+    {
+        if (_rest.size() < count) return false;
+        value = 0;
+        for (const char c : _rest.substr(0, count))
+        {
+            if (c < '0' || c > '9') return false;
+            value = static_cast<Number>(value * 10 + static_cast<Number>(c - '0'));
+        }
+        _rest.remove_prefix(count);
+        return true;
+    }
+
+    bool takeDate(Civil& civil)
+    {
+        return takeDigits(4, civil._year) && take('-') && takeDigits(2, civil._month) &&
+               take('-') && takeDigits(2, civil._day);
+    }
+
+    // Seconds and their fraction may be missing.
+    bool takeTimeOfDay(Civil& civil)
+    {
+        if (!takeDigits(2, civil._hour) || !take(':') || !takeDigits(2, civil._minute))
+            return false;
+        if (!take(':')) return true;
+        return takeDigits(2, civil._second) && (!take('.') || takeFraction(civil._fraction));
+    }
+
+    bool takeFraction(std::int64_t& fraction)
+    {
+        std::int64_t unit = NANOSECONDS;
+        std::int64_t digit = 0;
+        fraction = 0;
+        while (unit > 1 && takeDigits(1, digit)) fraction += digit * (unit /= 10);
+        return unit < NANOSECONDS;
+    }
+
+    // "Z" or "+01:00", as minutes.
+    bool takeZone(int& minutes)
+    {
+        minutes = 0;
+        if (take('Z')) return true;
+        const bool isWest = take('-');
+        unsigned hours = 0;
+        unsigned rest = 0;
+        if ((!isWest && !take('+')) || !takeDigits(2, hours) || !take(':') ||
+            !takeDigits(2, rest) || hours > 23 || rest > 59)
+            return false;
+        minutes = static_cast<int>(hours * 60 + rest) * (isWest ? -1 : 1);
+        return true;
+    }
+
+    std::string_view rest() const
+    {
+        return _rest;
+    }
+
+private:
+    std::string_view _rest;
+};
+
+// The instant at which clocks here show this time. Where they show it twice, the first one; where
+// they skip it, the one at which they would have shown it.
+std::int64_t utcOfLocal(std::int64_t second)
+{
+    const std::int64_t earlier = second - lgLocalOffset(second - 24 * 3600) * MINUTE;
+    if (earlier + lgLocalOffset(earlier) * MINUTE == second) return earlier;
+    return second - lgLocalOffset(earlier) * MINUTE;
+}
+
+std::optional<std::int64_t> parseAgo(std::string_view text, std::int64_t now)
+{
+    constexpr std::string_view AGO = " ago";
+    std::int64_t count = 0;
+    const char* const end = text.data() + text.size();
+    const auto [place, error] = std::from_chars(text.data(), end, count);
+    if (error != std::errc() || count < 0 || place == end) return std::nullopt;
+    const std::string_view rest(place + 1, static_cast<std::size_t>(end - place - 1));
+    if (rest != AGO) return std::nullopt;
+    std::int64_t unit = 0;
+    switch (*place)
+    {
+    case 's':
+        unit = 1;
+        break;
+    case 'm':
+        unit = MINUTE;
+        break;
+    case 'h':
+        unit = 60 * MINUTE;
+        break;
+    case 'd':
+        unit = 24 * 60 * MINUTE;
+        break;
+    default:
+        return std::nullopt;
+    }
+    if (count > std::numeric_limits<std::int64_t>::max() / 2 / NANOSECONDS / unit)
+        return std::nullopt;
+    return now - count * unit * NANOSECONDS;
+}
+
+void appendFilled(std::string& out, std::uint32_t value, int width)
+{
+    char digits[10];
+    for (int i = width; i > 0; --i, value /= 10)
+        digits[i - 1] = static_cast<char>('0' + value % 10);
+    out.append(digits, static_cast<std::size_t>(width));
+}
+
+} // namespace
+
+std::optional<std::int64_t> zlParseTime(std::string_view text, std::int64_t now)
+{
+    if (text == "now") return now;
+    if (const auto ago = parseAgo(text, now)) return ago;
+    Civil civil;
+    TimeParser whole(text);
+    bool isRead = whole.takeDate(civil);
+    if (isRead && (whole.take(' ') || whole.take('T'))) isRead = whole.takeTimeOfDay(civil);
+    if (!isRead)
+    {
+        whole = TimeParser(text);
+        civil = {};
+        const std::int64_t second = floorQuotient(now, NANOSECONDS);
+        setDay(civil, second + lgLocalOffset(second) * MINUTE);
+        if (!whole.takeTimeOfDay(civil)) return std::nullopt;
+    }
+    std::int64_t second = 0;
+    if (!toSecond(civil, second)) return std::nullopt;
+    int zone = 0;
+    if (whole.rest().empty())
+        second = utcOfLocal(second);
+    else if (whole.takeZone(zone) && whole.rest().empty())
+        second -= zone * MINUTE;
+    else
+        return std::nullopt;
+    return second * NANOSECONDS + civil._fraction;
+}
+
+bool zlParseInstant(std::string_view text, std::int64_t& wall)
+{
+    constexpr std::size_t LENGTH = std::string_view("2026-11-22T22:10:51.123456").size();
+    if (text.size() != LENGTH) return false;
+    TimeParser parser(text);
+    Civil civil;
+    std::int64_t second = 0;
+    const bool isRead = parser.takeDate(civil) && parser.take('T') && parser.takeTimeOfDay(civil) &&
+                        parser.rest().empty() && toSecond(civil, second);
+    wall = second * NANOSECONDS + civil._fraction;
+    return isRead;
+}
+
+void ZlTimeWriter::append(std::string& out, std::int64_t wall)
+{
+    // So far from the limits that no zone leads beyond them.
+    constexpr std::int64_t DISTANCE = 2 * 24 * 3600 * NANOSECONDS;
+    using Limits = std::numeric_limits<std::int64_t>;
+    wall = std::clamp(wall, Limits::min() + DISTANCE, Limits::max() - DISTANCE);
+    const std::int64_t second = floorQuotient(wall, NANOSECONDS);
+    if (!_isCached || second != _second) beginSecond(second);
+    out += _before;
+    appendFilled(out, static_cast<std::uint32_t>((wall - second * NANOSECONDS) / MICROSECOND),
+                 DECIMALS);
+    out += _behind;
+}
+
+std::size_t ZlTimeWriter::getLength() const
+{
+    constexpr std::size_t LOCAL = std::string_view("2026-11-22 23:10:51.123456").size();
+    if (_form == Form::Local) return LOCAL;
+    return _form == Form::LocalIso ? LOCAL + std::string_view("+01:00").size() : LOCAL + 1;
+}
+
+void ZlTimeWriter::beginSecond(std::int64_t second)
+{
+    const bool isLocal = _form == Form::Local || _form == Form::LocalIso;
+    const std::int64_t minute = floorQuotient(second, MINUTE);
+    if (isLocal && (!_isCached || minute != _minute)) _offsetMinutes = lgLocalOffset(second);
+    _isCached = true;
+    _minute = minute;
+    _second = second;
+    // "2026-11-22T22:10:51Z"
+    _before = lgIsoTime((second + _offsetMinutes * MINUTE) * NANOSECONDS, 0);
+    _before.back() = '.';
+    if (_form == Form::Local || _form == Form::Utc) _before[_before.find('T')] = ' ';
+    _behind = isLocal ? "" : "Z";
+    if (_form != Form::LocalIso) return;
+    const auto distance = static_cast<std::uint32_t>(std::abs(_offsetMinutes));
+    _behind = _offsetMinutes < 0 ? "-" : "+";
+    appendFilled(_behind, distance / 60, 2);
+    _behind += ':';
+    appendFilled(_behind, distance % 60, 2);
+}
+
+void zlAppendSeconds(std::string& out, std::int64_t nanoseconds)
+{
+    const bool isNegative = nanoseconds < 0;
+    const std::uint64_t distance = isNegative ? 0 - static_cast<std::uint64_t>(nanoseconds)
+                                              : static_cast<std::uint64_t>(nanoseconds);
+    constexpr auto SECOND = static_cast<std::uint64_t>(NANOSECONDS);
+    out += isNegative ? '-' : '+';
+    out += std::to_string(distance / SECOND);
+    out += '.';
+    appendFilled(out, static_cast<std::uint32_t>(distance % SECOND / MICROSECOND), DECIMALS);
+}
+
+} // namespace Zu

@@ -1,0 +1,128 @@
+#include "zulog/zlCommandLine.h"
+
+#include <gtest/gtest.h>
+#include <string>
+#include <vector>
+
+namespace
+{
+
+using Zu::ZlCommand;
+using Words = std::vector<std::string>;
+using Times = Zu::ZlFormatOptions::Times;
+
+constexpr std::int64_t NOW = 1795385451000000000;
+
+ZlCommand read(const Words& words, bool isTerminal = false, bool isColourRefused = false)
+{
+    return Zu::zlReadCommandLine(words, {isTerminal, isColourRefused, NOW});
+}
+
+TEST(ZlCommandLine, ReadsWhatIsToBeShown)
+{
+    const ZlCommand command = read(
+        {"show",       "--utc",     "--level",    "Warning",   "--group", "Ord*",     "--group",
+         "Stock",      "--thread",  "0x0000000a", "--process", "12",      "--match",  "a b",
+         "--exclude",  "c",         "--since",    "5m ago",    "--until", "now",      "--context",
+         "3",          "--rotated", "--raw",      "--hosts",   "--files", "--format", "text",
+         "--no-marks", "a.log",     "b.log"});
+    ASSERT_EQ(command._name, ZlCommand::Name::Show) << command._text;
+    const Zu::ZlShowOptions& show = command._show;
+    EXPECT_EQ(show._words, Words({"a.log", "b.log"}));
+    EXPECT_TRUE(show._areRotatedAdded);
+    EXPECT_EQ(show._context, 3U);
+    EXPECT_EQ(show._formatOptions._times, Times::Utc);
+    EXPECT_TRUE(show._formatOptions._isRaw);
+    EXPECT_TRUE(show._formatOptions._hasHosts);
+    EXPECT_TRUE(show._formatOptions._hasFiles);
+    EXPECT_EQ(show._selection._levels, 15U);
+    EXPECT_EQ(show._selection._groups, Words({"Ord*", "Stock"}));
+    EXPECT_EQ(show._selection._threads, std::vector<std::uint32_t>({10}));
+    EXPECT_EQ(show._selection._processes, std::vector<std::uint32_t>({12}));
+    EXPECT_EQ(show._selection._matches, Words({"a b"}));
+    EXPECT_EQ(show._selection._exclusions, Words({"c"}));
+    EXPECT_EQ(show._selection._since, NOW - 300000000000);
+    EXPECT_EQ(show._selection._until, NOW);
+    EXPECT_TRUE(show._selection._areMarksHidden);
+}
+
+TEST(ZlCommandLine, ShowsAllByDefault)
+{
+    const ZlCommand command = read({"show", "-"});
+    ASSERT_EQ(command._name, ZlCommand::Name::Show) << command._text;
+    EXPECT_EQ(command._show._format, "text");
+    EXPECT_EQ(command._show._formatOptions._times, Times::Local);
+    EXPECT_EQ(command._show._selection._levels, Zu::ZlSelection::ALL_LEVELS);
+    EXPECT_FALSE(command._show._formatOptions._isColoured);
+    EXPECT_FALSE(command._isPaged);
+}
+
+TEST(ZlCommandLine, ColoursAndPagesOnATerminal)
+{
+    const struct
+    {
+        Words _words;
+        bool _isTerminal;
+        bool _isColourRefused;
+        bool _isColoured;
+        bool _isPaged;
+    } rows[] = {
+        {{"show", "a"}, true, false, true, true},
+        {{"show", "a"}, true, true, false, true},
+        {{"show", "a", "--color", "always"}, false, true, true, false},
+        {{"show", "a", "--color", "never", "--no-pager"}, true, false, false, false},
+        {{"show", "a", "--format", "json"}, true, false, false, true},
+    };
+    for (const auto& row : rows)
+    {
+        const ZlCommand command = read(row._words, row._isTerminal, row._isColourRefused);
+        EXPECT_EQ(command._show._formatOptions._isColoured, row._isColoured);
+        EXPECT_EQ(command._isPaged, row._isPaged);
+    }
+}
+
+TEST(ZlCommandLine, RefusesWhatItCantUse)
+{
+    const struct
+    {
+        Words _words;
+        const char* _part;
+    } rows[] = {
+        {{}, "required"},
+        {{"show"}, "FILE"},
+        {{"list"}, "list"},
+        {{"show", "a", "--colour", "always"}, "--colour"},
+        {{"show", "a", "--level", "Errors"},
+         "--level: \"Errors\" can't be used: expected Internal Error, Fatal Error, Error, "},
+        {{"show", "a", "--thread", "0xg"}, "--thread: \"0xg\" can't be used: expected a number"},
+        {{"show", "a", "--process", "x"}, "--process"},
+        {{"show", "a", "--since", "soon"}, "--since: \"soon\" can't be used: expected a time"},
+        {{"show", "a", "--context", "-1"}, "--context"},
+        {{"show", "a", "--format", "xml"}, "xml"},
+        {{"show", "a", "--utc", "--ticks"}, "--utc"},
+        {{"show", "a", "--ticks", "--format", "csv"}, "--relative and --ticks go with the format"},
+    };
+    for (const auto& row : rows)
+    {
+        const ZlCommand command = read(row._words);
+        EXPECT_EQ(command._name, ZlCommand::Name::Print);
+        EXPECT_EQ(command._exit, 2);
+        EXPECT_EQ(command._text.substr(0, 7), "zulog: ");
+        EXPECT_NE(command._text.find(row._part), std::string::npos) << command._text;
+    }
+}
+
+TEST(ZlCommandLine, HelpsAndNamesItsVersion)
+{
+    for (const Words& words : {Words{"--help"}, Words{"show", "--help"}})
+    {
+        const ZlCommand command = read(words);
+        EXPECT_EQ(command._name, ZlCommand::Name::Print);
+        EXPECT_EQ(command._exit, 0);
+        EXPECT_NE(command._text.find("zulog"), std::string::npos) << command._text;
+    }
+    EXPECT_NE(read({"show", "--help"})._text.find("--context"), std::string::npos);
+    EXPECT_EQ(read({"--version"})._text.substr(0, 6), "zulog ");
+}
+
+} // namespace
