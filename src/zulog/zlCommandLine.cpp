@@ -78,8 +78,6 @@ void addFiles(CLI::App& command, Words& words)
         .add_option("FILE", words._files,
                     "Log files, directories with logs, or - for standard input")
         ->required();
-    command.add_flag("--rotated", words._areRotatedAdded,
-                     "Add the files that each file was rotated to");
 }
 
 void addForm(CLI::App& command, Words& words)
@@ -100,7 +98,6 @@ void addForm(CLI::App& command, Words& words)
     command.add_option("--color", words._colour, "Colours: auto, always or never")
         ->check(CLI::IsMember({"auto", "always", "never"}))
         ->capture_default_str();
-    command.add_flag("--no-pager", words._isUnpaged, "Don't start a pager on a terminal");
 }
 
 void addFilters(CLI::App& command, Words& words, ZlShowOptions& show)
@@ -131,7 +128,8 @@ void addFilters(CLI::App& command, Words& words, ZlShowOptions& show)
                      "Hide starts, ends and other marks of the logger");
 }
 
-void finish(const Words& words, const ZlSurroundings& surroundings, ZlCommand& command)
+void finish(const Words& words, const ZlSurroundings& surroundings, bool isFollowed,
+            ZlCommand& command)
 {
     ZlShowOptions& show = command._show;
     show._words = words._files;
@@ -152,7 +150,10 @@ void finish(const Words& words, const ZlSurroundings& surroundings, ZlCommand& c
     const bool isColoured = surroundings._isOutputTerminal && !surroundings._isColourRefused;
     format._isColoured =
         isText && (words._colour == "auto" ? isColoured : words._colour == "always");
-    command._isPaged = surroundings._isOutputTerminal && !words._isUnpaged;
+    if (isFollowed &&
+        std::find(words._files.begin(), words._files.end(), "-") != words._files.end())
+        throw CLI::ValidationError("FILE", "standard input can't be followed");
+    command._isPaged = !isFollowed && surroundings._isOutputTerminal && !words._isUnpaged;
 
     ZlSelection& selection = show._selection;
     if (!words._level.empty())
@@ -191,14 +192,24 @@ ZlCommand zlReadCommandLine(std::vector<std::string> words, const ZlSurroundings
     addFiles(*show, given);
     addForm(*show, given);
     addFilters(*show, given, command._show);
+    show->add_flag("--rotated", given._areRotatedAdded,
+                   "Add the files that each file was rotated to");
+    show->add_flag("--no-pager", given._isUnpaged, "Don't start a pager on a terminal");
+    CLI::App* const follow = app.add_subcommand("follow", "Show lines as they are written");
+    addFiles(*follow, given);
+    addForm(*follow, given);
+    addFilters(*follow, given, command._show);
+    follow->add_option("--lines", command._lines, "So many records of what is there already")
+        ->check(CLI::Range(0, 1000000))
+        ->capture_default_str();
     try
     {
         refuseUnknownCommand(app, words);
         // It takes them from the end.
         std::reverse(words.begin(), words.end());
         app.parse(std::move(words));
-        finish(given, surroundings, command);
-        command._name = ZlCommand::Name::Show;
+        finish(given, surroundings, follow->parsed(), command);
+        command._name = follow->parsed() ? ZlCommand::Name::Follow : ZlCommand::Name::Show;
     }
     catch (const CLI::CallForHelp&)
     {

@@ -20,12 +20,15 @@ struct ZlCommand
     {
         /// The text in `_text` is all that is to be printed, and `_exit` the exit value.
         Print,
-        Show
+        Show,
+        Follow
     };
 
     Name _name = Name::Print;
     ZlShowOptions _show;
     bool _isPaged = false;
+    /// Of what is there already, follow shows so many records.
+    std::size_t _lines = 10;
     std::string _text;
     int _exit = 0;
 };

@@ -127,6 +127,19 @@ void addDirectory(std::vector<ZlLog>& logs, const std::string& word, ZlReports& 
 
 } // namespace
 
+std::vector<std::string> zlFindPresentLogs(const std::string& directory)
+{
+    std::error_code error;
+    std::vector<std::string> files;
+    for (const std::string& name : filesIn(pathOf(directory), error))
+    {
+        std::string log;
+        if (isLogFile(name, log) && name == log)
+            files.push_back(nameOf(pathOf(directory) / pathOf(name)));
+    }
+    return files;
+}
+
 ZlLog zlRotatedFiles(const std::string& file)
 {
     const fs::path path = pathOf(file);

@@ -30,6 +30,10 @@ using ZlLog = std::vector<std::string>;
 std::vector<ZlLog> zlFindLogs(const std::vector<std::string>& words, bool areRotatedAdded,
                               ZlReports& reports);
 
+/// The files "*.log" of a directory, without those that they were rotated to. None if it can't be
+/// read.
+std::vector<std::string> zlFindPresentLogs(const std::string& directory);
+
 /// The files that a log was rotated to, from the oldest one on, without the file itself.
 ZlLog zlRotatedFiles(const std::string& file);
 

@@ -31,11 +31,46 @@ void ZlPrinter::begin()
 
 void ZlPrinter::add(const ZlRecord& record)
 {
-    if (_context > 0)
+    if (_isKeeping)
+        keep(record);
+    else if (_context > 0)
         addWithContext(record);
     else if (_filter.accepts(record))
         _format->append(_output.text(), record);
     _output.writeIfLarge();
+}
+
+void ZlPrinter::keepLast(std::size_t count)
+{
+    _isKeeping = true;
+    _mostLast = count;
+}
+
+void ZlPrinter::keep(const ZlRecord& record)
+{
+    if (_mostLast == 0 || !_filter.accepts(record)) return;
+    std::string text;
+    if (_last.size() == _mostLast)
+    {
+        text.swap(_last.front());
+        text.clear();
+        _last.pop_front();
+    }
+    _format->append(text, record);
+    _last.push_back(std::move(text));
+}
+
+void ZlPrinter::showLast()
+{
+    _isKeeping = false;
+    for (const std::string& text : _last) _output.text() += text;
+    _last.clear();
+    flush();
+}
+
+void ZlPrinter::flush()
+{
+    _output.write();
 }
 
 void ZlPrinter::addWithContext(const ZlRecord& record)

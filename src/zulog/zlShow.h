@@ -41,11 +41,18 @@ public:
 
     void begin();
     void add(const ZlRecord& record);
+    /// From now on only the last `count` records that are selected are kept, until showLast() shows
+    /// them. They have no neighbours.
+    void keepLast(std::size_t count);
+    void showLast();
+    /// Hands what is shown to the system.
+    void flush();
     /// Reports what was left out.
     void end();
 
 private:
     void addWithContext(const ZlRecord& record);
+    void keep(const ZlRecord& record);
 
     ZlOutput& _output;
     ZlReports& _reports;
@@ -58,6 +65,10 @@ private:
     std::size_t _behind = 0;
     bool _isAnyShown = false;
     bool _isAnyLeftOut = false;
+    // The last records, and how many of them are kept.
+    bool _isKeeping = false;
+    std::size_t _mostLast = 0;
+    std::deque<std::string> _last;
 };
 
 /// The options for reading that suit a selection and a number of logs.

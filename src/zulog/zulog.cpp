@@ -1,9 +1,10 @@
 // The program that reads logs.
 
 #include "zulog/zlCommandLine.h"
-#include "zulog/zlFile.h"
+#include "zulog/zlFollow.h"
 #include "zulog/zlPlatform.h"
 
+#include <atomic>
 #include <cstdio>
 #include <cstdlib>
 #include <exception>
@@ -18,7 +19,11 @@ void run(const Zu::ZlCommand& command, Zu::ZlReports& reports)
     Zu::ZlOutput output(pager ? pager : stdout);
     try
     {
-        Zu::zlShow(command._show, output, reports);
+        const std::atomic<bool> isStopped = false;
+        if (command._name == Zu::ZlCommand::Name::Follow)
+            Zu::zlFollow(command._show, command._lines, output, reports, isStopped);
+        else
+            Zu::zlShow(command._show, output, reports);
     }
     catch (const Zu::ZlOutput::Closed&)
     {
