@@ -223,7 +223,7 @@ std::string LgServiceLog::dates() const
 {
     std::string text;
     if (_isLineCut) text += '\n';
-    if (_isBannerDue) text += LgLog::getBanner();
+    if (_isBannerDue && settings()._hasBanner) text += LgLog::getBanner();
     if (_origin && (_isBannerDue || _isOriginDue)) text += lgOriginLine(*_origin);
     if (_dropped > 0) text += notWrittenLine(_dropped, getFailingSince());
     return text;

@@ -46,6 +46,9 @@ public:
         std::uint64_t _pendingLimit = 1ULL << 20;
         /// Whether a file is forced to the disk before it is closed.
         bool _isStored = false;
+        /// Whether the logger's banner is written to a file that was opened. Not by a program that
+        /// writes for others, and whose logger is not started.
+        bool _hasBanner = true;
     };
 
     /// What is known of a line that is handed over.

@@ -70,38 +70,45 @@ bool isLineEnd(std::string_view text, std::size_t place)
     return text[place - 1] == '\n' && (place == text.size() || text[place] != '\t');
 }
 
-// The time in the name of a map: behind the prefix of a log directory, "<hash>-".
-std::int64_t timeOf(const std::string& name)
-{
-    const auto process = name.rfind('-', name.rfind('-') - 1);
-    const auto time = process == std::string::npos ? process : name.rfind('-', process - 1);
-    std::int64_t nanoseconds = 0;
-    if (time != std::string::npos)
-        std::from_chars(name.data() + time + 1, name.data() + process, nanoseconds);
-    return nanoseconds;
-}
-
 } // namespace
 
 void (*LgServiceRecovery::_atStep)() = nullptr;
 
-LgServiceRecovery::LgServiceRecovery(LgLeftFile& file, LgLineForm form, bool isRaw)
-    : _file(file), _lineWriter(form, isRaw)
+LgServiceRecovery::Logs LgServiceRecovery::Logs::ofLogger()
+{
+    Logs logs;
+    for (std::size_t i = 0; i < LgTypes::NUM_LEVELS; ++i)
+    {
+        const auto level = static_cast<LgTypes::Level>(i);
+        logs._ofLevels[i] = dynamic_cast<LgServiceLog*>(LgLog::getLevelOutput(level));
+        logs._isMissing[i] = LgLog::isFileMissing(level);
+    }
+    logs._lock = LgLog::getInterProcessLock();
+    return logs;
+}
+
+LgServiceRecovery::LgServiceRecovery(LgLeftFile& file, LgLineForm form, bool isRaw,
+                                     const Logs& logs)
+    : _file(file), _logs(logs), _lineWriter(form, isRaw)
 {
 }
 
-LgServiceRecovery::Outcome LgServiceRecovery::run()
+bool LgServiceRecovery::load()
 {
     const auto read = [this](std::uint64_t offset, void* to, std::size_t size)
     { return _file.read(offset, to, size); };
     if (!_map.load(read))
     {
         _reason = _map.getReason();
-        return Outcome::Refused;
+        return false;
     }
-    const LgMap::Header& header = _map.getHeader();
-    _origin = {header._start,   header._originTick,   header._originWall, header._ticksPerSecond,
-               header._process, header._processStart, header._host,       header._boot};
+    _origin = originOf(_map.getHeader());
+    return true;
+}
+
+LgServiceRecovery::Outcome LgServiceRecovery::run()
+{
+    if (!load()) return Outcome::Refused;
     _lineWriter.setOrigin(_origin);
     findLogs();
     _nextNumber = _map.getNumber() + 1;
@@ -135,10 +142,8 @@ LgServiceRecovery::Outcome LgServiceRecovery::run()
 
 void LgServiceRecovery::findLogs()
 {
-    for (int level = 0; level < LgTypes::NUM_LEVELS; ++level)
+    for (LgServiceLog* const log : _logs._ofLevels)
     {
-        std::ostream* const stream = LgLog::getLevelOutput(static_cast<LgTypes::Level>(level));
-        auto* const log = dynamic_cast<LgServiceLog*>(stream);
         const bool isKnown =
             std::any_of(_outputs.begin(), _outputs.end(),
                         [log](const Output& output) { return output._log == log; });
@@ -153,15 +158,14 @@ bool LgServiceRecovery::hasAllLogs() const
 {
     if (_outputs.empty()) return false;
     for (std::uint32_t i = 0; i < LgTypes::NUM_LEVELS; ++i)
-        if (!_waiting[i]._isDone && LgLog::isFileMissing(static_cast<LgTypes::Level>(i)))
-            return false;
+        if (!_waiting[i]._isDone && isMissing(static_cast<LgTypes::Level>(i))) return false;
     const std::vector<LgLeftMap::Event>& events = _map.getEvents();
     return std::none_of(events.begin(), events.end(),
-                        [](const LgLeftMap::Event& event)
+                        [this](const LgLeftMap::Event& event)
                         {
-                            return LgLog::isFileMissing(
-                                event._isOverflow ? LgTypes::Informational
-                                                  : static_cast<LgTypes::Level>(event._value));
+                            return isMissing(event._isOverflow
+                                                 ? LgTypes::Informational
+                                                 : static_cast<LgTypes::Level>(event._value));
                         });
 }
 
@@ -284,7 +288,7 @@ bool LgServiceRecovery::isAt(Place& place, const LgMap::BatchLine& line)
 
 LgServiceRecovery::Output* LgServiceRecovery::outputOf(LgTypes::Level level)
 {
-    auto* const log = dynamic_cast<LgServiceLog*>(LgLog::getLevelOutput(level));
+    const LgServiceLog* const log = _logs._ofLevels[static_cast<std::size_t>(level)];
     for (Output& output : _outputs)
         if (log && output._log == log) return &output;
     return nullptr;
@@ -308,12 +312,18 @@ LgServiceRecovery::Output* LgServiceRecovery::outputOf(const LgLeftMap::Event& e
                                       : static_cast<LgTypes::Level>(event._value));
 }
 
-std::string LgServiceRecovery::beginLines() const
+LgLineOrigin LgServiceRecovery::originOf(const LgMap::Header& header)
 {
-    std::string text = "===== Recovered: events of process " + std::to_string(_origin._process) +
-                       ", started " + lgIsoTime(_origin._processStart, 6) + ", host ";
-    lgAppendEscaped(text, _origin._host.empty() ? "-" : _origin._host);
-    return text + " =====\n" + lgOriginLine(_origin);
+    return {header._start,   header._originTick,   header._originWall, header._ticksPerSecond,
+            header._process, header._processStart, header._host,       header._boot};
+}
+
+std::string LgServiceRecovery::beginLines(const LgLineOrigin& origin)
+{
+    std::string text = "===== Recovered: events of process " + std::to_string(origin._process) +
+                       ", started " + lgIsoTime(origin._processStart, 6) + ", host ";
+    lgAppendEscaped(text, origin._host.empty() ? "-" : origin._host);
+    return text + " =====\n" + lgOriginLine(origin);
 }
 
 // What the process itself would have written.
@@ -324,10 +334,20 @@ std::string LgServiceRecovery::droppedLine(std::uint32_t log) const
     return LgServiceLog::notWrittenLine(dropped, _map.getWaiting()[log]._failingSince);
 }
 
-std::string LgServiceRecovery::endLine() const
+std::string LgServiceRecovery::endLine(const LgLineOrigin& origin)
 {
-    return "===== Recovered: end of the events of process " + std::to_string(_origin._process) +
+    return "===== Recovered: end of the events of process " + std::to_string(origin._process) +
            " =====\n";
+}
+
+void LgServiceRecovery::appendEvent(std::string& out, LgLineWriter& writer,
+                                    const LgLeftMap::Event& event)
+{
+    const std::string text =
+        event._isOverflow ? "Event overflow [" + std::to_string(event._value) + "]" : event._text;
+    const LgTypes::Level level =
+        event._isOverflow ? LgTypes::Informational : static_cast<LgTypes::Level>(event._value);
+    writer.append(out, {event._time, event._thread, level, text});
 }
 
 void LgServiceRecovery::addService(Output& output, const std::string& text)
@@ -357,7 +377,7 @@ bool LgServiceRecovery::writeChunk(std::size_t begin, std::size_t end,
     const std::vector<std::size_t> lastOf = addEvents(begin, end, isWritten);
     if (isLast)
         for (Output& output : _outputs)
-            if (output._hasBegun) addService(output, endLine());
+            if (output._hasBegun) addService(output, endLine(_origin));
     const std::uint64_t number = _nextNumber++;
     if (!store(number, LgMap::Writing) || !writeOutputs(isLast)) return false;
     at();
@@ -457,7 +477,7 @@ bool LgServiceRecovery::beginOutput(Output& output)
                                               LgMap::hashOf(prefix.data(), prefix.size()),
                                               LgMap::NONE, index, 0};
     if (!output._isUsed) return true;
-    std::string text = output._hasBegun ? std::string() : beginLines();
+    std::string text = output._hasBegun ? std::string() : beginLines(_origin);
     if (output._waiting != LgMap::NONE) text += droppedLine(output._waiting);
     if (!text.empty()) addService(output, text);
     addWaiting(output, file);
@@ -516,12 +536,7 @@ void LgServiceRecovery::addEvent(const LgLeftMap::Event& event, std::uint32_t in
     if (output)
     {
         const std::size_t before = output->_text.size();
-        const std::string text = event._isOverflow
-                                     ? "Event overflow [" + std::to_string(event._value) + "]"
-                                     : event._text;
-        const LgTypes::Level level =
-            event._isOverflow ? LgTypes::Informational : static_cast<LgTypes::Level>(event._value);
-        _lineWriter.append(output->_text, {event._time, event._thread, level, text});
+        appendEvent(output->_text, _lineWriter, event);
         line._length = static_cast<std::uint32_t>(output->_text.size() - before);
         line._hash = LgMap::hashOf(output->_text.data() + before, line._length);
         line._file = static_cast<std::uint16_t>(output - _outputs.data());
@@ -559,17 +574,32 @@ bool LgServiceRecovery::moveQueue(const LgLeftMap::Queue& queue, const LgLeftMap
     return isMoved;
 }
 
+std::vector<std::string> LgServiceRecovery::mapsIn(const std::string& directory)
+{
+    std::vector<std::string> names = lgNamesIn(directory, lgMapPrefix());
+    std::sort(names.begin(), names.end(),
+              [](const std::string& one, const std::string& other)
+              { return timeOf(one) < timeOf(other); });
+    return names;
+}
+
+// Behind the prefix of a log directory, "<hash>-".
+std::int64_t LgServiceRecovery::timeOf(const std::string& name)
+{
+    const auto process = name.rfind('-', name.rfind('-') - 1);
+    const auto time = process == std::string::npos ? process : name.rfind('-', process - 1);
+    std::int64_t nanoseconds = 0;
+    if (time < process) std::from_chars(name.data() + time + 1, name.data() + process, nanoseconds);
+    return nanoseconds;
+}
+
 std::uint64_t LgServiceRecovery::recoverAll(const std::string& mapDirectory,
                                             const std::string& logDirectory, const std::string& own,
                                             LgLineForm form, bool isRaw, int keptMaps, int keptDays)
 {
     const std::string directory = mapDirectory.empty() ? lgMapDirectory() : mapDirectory;
     const std::string prefix = LgServiceMap::prefixFor(logDirectory);
-    std::vector<std::string> names = lgNamesIn(directory, lgMapPrefix());
-    // The oldest first: behind the hash, names have the time.
-    std::sort(names.begin(), names.end(),
-              [](const std::string& one, const std::string& other)
-              { return timeOf(one) < timeOf(other); });
+    const std::vector<std::string> names = mapsIn(directory);
     std::uint64_t count = 0;
     std::vector<std::string> others;
     // Opening its own file would end the lock that shows that this process lives.
@@ -603,7 +633,6 @@ std::uint64_t LgServiceRecovery::recoverAll(const std::string& mapDirectory,
     return count;
 }
 
-// A process that died with the lock is reported once, to the next one that takes it.
 LgServiceRecovery::Outcome LgServiceRecovery::runUnderLock()
 {
     constexpr int TRIES = 2;
@@ -611,7 +640,7 @@ LgServiceRecovery::Outcome LgServiceRecovery::runUnderLock()
     {
         try
         {
-            const LgInterProcessLockGuard guard(LgLog::getInterProcessLock());
+            const LgInterProcessLockGuard guard(_logs._lock);
             return run();
         }
         catch (const std::exception& exception)
