@@ -19,6 +19,7 @@
 #include <iostream>
 #include <map>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace
@@ -538,6 +539,84 @@ TEST_F(LgServiceRecoveryTest, KilledAtFullSpeed)
         if (HasFatalFailure()) return;
         std::remove(_logs.file("events.log").c_str());
     }
+}
+
+// A program that recovers for others has logs of its own, and no logger.
+TEST_F(LgServiceRecoveryTest, LogsOfTheCallersOwnAreWrittenWithoutABanner)
+{
+    using Zu::LgServiceRecovery;
+    run("blocked kill", 1, 3);
+    std::filesystem::remove(logPath());
+    const std::vector<std::string> left = maps();
+    ASSERT_EQ(left.size(), 1U);
+    Zu::LgLeftFile file;
+    ASSERT_EQ(file.open(Zu::lgMapDirectory() + left.front()), Zu::LgLeftFile::Outcome::Opened);
+    Zu::LgServiceLog::Settings settings;
+    settings._hasBanner = false;
+    Zu::LgServiceLog::setSettings(settings);
+    const std::string path = _dir.file("other.log");
+    {
+        Zu::LgServiceLog log(path);
+        LgServiceRecovery::Logs logs;
+        logs._ofLevels.fill(&log);
+        // Nothing is written as long as a level lacks the file that it was meant to have.
+        logs._isMissing.fill(true);
+        LgServiceRecovery refused(file, Zu::LgLineForm::Ticks, false, logs);
+        EXPECT_EQ(refused.runUnderLock(), LgServiceRecovery::Outcome::Unfinished);
+        EXPECT_EQ(support::readFile(path), "");
+        logs._isMissing.fill(false);
+        LgServiceRecovery recovery(file, Zu::LgLineForm::Ticks, false, logs);
+        EXPECT_EQ(recovery.runUnderLock(), LgServiceRecovery::Outcome::Complete);
+        EXPECT_EQ(recovery.getCount(), 3U);
+    }
+    Zu::LgServiceLog::setSettings({});
+    const std::string text = support::readFile(path);
+    EXPECT_EQ(text.find("===== Recovered: events of process "), 0U) << text;
+    for (const char* const event : {"t0 n0 end\n", "t0 n1 end\n", "t0 n2 end\n"})
+        EXPECT_NE(text.find(event), std::string::npos) << text;
+    EXPECT_FALSE(std::filesystem::exists(logPath()));
+    EXPECT_TRUE(maps().empty());
+}
+
+// Whoever only looks has no logs.
+TEST_F(LgServiceRecoveryTest, AMapCanBeReadWithoutLogs)
+{
+    // Of the first batch: committed, and not yet written; then written, and noted as such.
+    for (const auto& [step, areKnown] : {std::pair{3, false}, std::pair{5, true}})
+    {
+        run("step", 1, 20, step);
+        const std::vector<std::string> left = maps();
+        ASSERT_EQ(left.size(), 1U);
+        {
+            Zu::LgLeftFile file;
+            ASSERT_EQ(file.open(Zu::lgMapDirectory() + left.front()),
+                      Zu::LgLeftFile::Outcome::Opened);
+            Zu::LgServiceRecovery recovery(file, Zu::LgLineForm::Ticks, false, {});
+            ASSERT_TRUE(recovery.load());
+            const std::vector<char> isWritten = recovery.findWritten();
+            const std::size_t inBatch = recovery.getMap().getBatchEvents();
+            ASSERT_EQ(isWritten.size(), recovery.getMap().getEvents().size());
+            const auto count = std::count(isWritten.begin(), isWritten.end(), 1);
+            EXPECT_EQ(static_cast<std::size_t>(count), areKnown ? inBatch : 0U) << step;
+            EXPECT_GT(inBatch, 0U) << step;
+        }
+        recover();
+        std::remove(logPath().c_str());
+    }
+}
+
+TEST(LgServiceRecovery, TheTimeOfAMapIsInItsName)
+{
+    struct Row
+    {
+        const char* _name;
+        std::int64_t _time;
+    };
+    for (const Row& row :
+         {Row{"zu-log-0-0123456789abcdef-1700000000123456789-4711-1", 1700000000123456789},
+          Row{"zu-log-0123456789abcdef-5-4711-12", 5}, Row{"zu-log-x-4711-1", 0}, Row{"", 0},
+          Row{"-", 0}, Row{"--", 0}, Row{"---", 0}, Row{"-7-1-1", 7}, Row{"left.map", 0}})
+        EXPECT_EQ(Zu::LgServiceRecovery::timeOf(row._name), row._time) << row._name;
 }
 
 } // namespace
