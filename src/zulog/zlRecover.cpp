@@ -48,7 +48,7 @@ std::string mapDirectory(const ZlRecoverOptions& options)
     std::string directory = options._mapDirectory;
     if (directory.empty()) return lgMapDirectory();
     if (directory.back() != '/' && directory.back() != *OsFilePath::getSeparator())
-        directory += '/';
+        directory += OsFilePath::getSeparator();
     return directory;
 }
 

@@ -2,7 +2,6 @@
 
 #include "app/lgMapFile.h"
 #include "app/lgMapLayout.h"
-#include "app/lgServiceMap.h"
 
 #include "support/childProcess.h"
 #include "support/fileTest.h"
@@ -188,7 +187,7 @@ protected:
 TEST_F(ZlRecover, ADirectoryWithoutMapsIsSaidToBeEmpty)
 {
     const Result list = call(&Zu::zlRecoverList);
-    EXPECT_EQ(list._out, "Nothing is left in " + _maps.path() + "/\n");
+    EXPECT_EQ(list._out, "Nothing is left in " + _maps.file("") + "\n");
     EXPECT_FALSE(list._hasFailed);
     options._isJson = true;
     EXPECT_EQ(call(&Zu::zlRecoverList)._out, "{\"maps\":[]}\n");
@@ -548,32 +547,32 @@ TEST_F(ZlRecover, WhatIsNotAFileIsRefused)
 // This process has a map, and lives; the other one looks at it.
 TEST_F(ZlRecover, MapsOfLivingProcessesAreNotTouched)
 {
-    Zu::LgServiceMap map;
-    Zu::LgServiceMap::Settings settings;
-    settings._mapDirectory = _maps.file("");
-    settings._logDirectory = _logs.path();
-    map.begin(settings);
-    ASSERT_TRUE(map.isOpen());
-    const ProgramResult list = runVictim("list");
-    EXPECT_EQ(list.exitCode, 0);
     const std::string process = std::to_string(Zu::lgProcessFacts()._process);
-    EXPECT_NE(list.out.find("  process " + process + "\n  running: "), std::string::npos)
-        << list.out;
-    const std::string name = mapNames().front();
-    for (const char* const command : {"show", "write", "remove"})
+    const std::string name = Zu::lgMapPrefix() + "0123456789abcdef-5000000000-" + process + "-1";
     {
-        const ProgramResult all = runVictim(command);
-        EXPECT_EQ(all.exitCode, 0) << command;
-        EXPECT_EQ(all.out, "") << command;
-        const ProgramResult named = runVictim(command, 0, {name});
-        EXPECT_EQ(named.exitCode, 1) << command;
-        EXPECT_NE(named.err.find(": its process is running, or another one is recovering it"),
-                  std::string::npos)
-            << named.err;
+        Zu::LgMapFile file;
+        ASSERT_TRUE(file.create(_maps.file(name))) << file.getError();
+        ASSERT_TRUE(file.extend(0x10000)) << file.getError();
+        const ProgramResult list = runVictim("list");
+        EXPECT_EQ(list.exitCode, 0);
+        EXPECT_NE(list.out.find("\n  process " + process + "\n  running: "), std::string::npos)
+            << list.out;
+        for (const char* const command : {"show", "write", "remove"})
+        {
+            const ProgramResult all = runVictim(command);
+            EXPECT_EQ(all.exitCode, 0) << command;
+            EXPECT_EQ(all.out, "") << command;
+            const ProgramResult named = runVictim(command, 0, {name});
+            EXPECT_EQ(named.exitCode, 1) << command;
+            EXPECT_NE(named.err.find(": its process is running, or another one is recovering it"),
+                      std::string::npos)
+                << named.err;
+        }
+        EXPECT_EQ(mapNames(), std::vector<std::string>{name});
     }
-    EXPECT_EQ(mapNames().size(), 1U);
-    map.removeFileIfEmpty();
-    EXPECT_TRUE(mapNames().empty());
+    // It counts as left as soon as nobody has it.
+    EXPECT_NE(runVictim("list").out.find("  unreadable: it is not a map of events\n"),
+              std::string::npos);
 }
 
 TEST_F(ZlRecover, OnlyNamedMapsAreWrittenOrRemoved)
