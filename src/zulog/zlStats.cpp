@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <charconv>
+#include <cmath>
 #include <iterator>
 #include <nlohmann/json.hpp>
 #include <tuple>
@@ -601,8 +602,9 @@ private:
     {
         const std::uint64_t units = _options._hasBlocks ? room * 8 : room;
         const double share = static_cast<double>(count) / static_cast<double>(most);
-        const auto length = std::clamp<std::uint64_t>(
-            static_cast<std::uint64_t>(share * static_cast<double>(units) + 0.5), 1, units);
+        const long long rounded = std::llround(share * static_cast<double>(units));
+        const auto length =
+            std::clamp<std::uint64_t>(static_cast<std::uint64_t>(rounded), 1, units);
         if (!_options._hasBlocks) return std::string(static_cast<std::size_t>(length), '#');
         std::string bar;
         for (std::uint64_t i = 0; i < length / 8; ++i) bar += "\u2588";

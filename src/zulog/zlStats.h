@@ -39,8 +39,9 @@ struct ZlStatsOptions
 
 /// Counts the records of one or more logs. What a record does not say counts as unknown.
 ///
-/// Records come as ZlMerge delivers them, in the order of time; those of a log in the order in which
-/// they stand there. If times are out of order, only gaps and the busiest second may be wrong.
+/// Records come as ZlMerge delivers them, in the order of time; those of a log in the order in
+/// which they stand there. If times are out of order, only gaps and the busiest second may be
+/// wrong.
 ///
 /// Memory is bounded, whatever the size of the log: beyond MOST_GROUPS and MOST_THREADS, events
 /// count among others; beyond 100,000 minutes of events, slices of time get longer; of losses,

@@ -25,7 +25,7 @@ using Json = nlohmann::json;
 constexpr std::int64_t MILLISECOND = 1000000;
 constexpr std::int64_t SECOND = 1000 * MILLISECOND;
 constexpr std::int64_t MINUTE = 60 * SECOND;
-constexpr std::int64_t DAY = 24 * 60 * MINUTE;
+constexpr std::int64_t DAY = 1440 * MINUTE;
 
 // 2026-11-22T22:10:00Z
 constexpr std::int64_t BEGIN = 1795385400 * SECOND;
