@@ -494,6 +494,8 @@
     let ownScroll = 0;
     let wheelRest = 0;
     let isRenderDue = false;
+    // Whether the selected record is to be scrolled to.
+    let isRevealDue = false;
 
     const lastFirst = () => Math.max(0, view.length - pageRows);
 
@@ -506,6 +508,7 @@
     function renderNow() {
         isRenderDue = false;
         pageRows = Math.max(1, Math.floor(lines.clientHeight / ROW_HEIGHT));
+        if (isRevealDue) reveal();
         first = clamp(Math.round(first), 0, lastFirst());
         rowsElement.style.height = `${lines.clientHeight}px`;
         element('height').style.height = `${spacerHeight()}px`;
@@ -516,6 +519,14 @@
         showStatus();
         if (areChoicesOld && isRead) showChoices();
         if (timelineIsOld) drawTimeline();
+    }
+
+    // Details that appear leave less room for lines, so this is done once that is known.
+    function reveal() {
+        isRevealDue = false;
+        const place = placeOf(selected);
+        if (place < first) first = place;
+        if (place >= first + pageRows) first = place - pageRows + 1;
     }
 
     const spacerHeight = () => Math.min(MAX_HEIGHT, lastFirst() * ROW_HEIGHT);
@@ -620,9 +631,7 @@
 
     function select(row) {
         selected = row;
-        const place = placeOf(row);
-        if (place < first) first = place;
-        if (place >= first + pageRows) first = place - pageRows + 1;
+        isRevealDue = true;
         showDetails();
         timelineIsOld = true;
         render();
@@ -696,12 +705,9 @@
     // Moves by so many rows, but always to the head of another record.
     function moveBy(rows) {
         if (view.length === 0) return;
-        if (selected < 0) {
-            select(heads.data[view.data[first]]);
-            return;
-        }
         const direction = Math.sign(rows);
-        let place = clamp(placeOf(selected) + rows, 0, view.length - 1);
+        const from = selected < 0 ? first - direction : placeOf(selected);
+        let place = clamp(from + rows, 0, view.length - 1);
         while (direction > 0 && place < view.length - 1 && !isHead(place)) ++place;
         while (place > 0 && !isHead(place)) --place;
         select(view.data[place]);
