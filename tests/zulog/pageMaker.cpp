@@ -88,25 +88,40 @@ private:
     {
         switch (number)
         {
-            case 0: makeMark(Kind::Start, "===== Logger Start ====="); break;
-            case 1:
-                _record._kind = Kind::Overflow;
-                _record._text = "Event overflow [17]";
-                _record._group = {};
-                _record._count = 17;
-                break;
-            case 2: makeMark(Kind::NotWritten, "===== Not Written: 4 events =====", 4); break;
-            case 3: makeMark(Kind::RecoveryBegin, "===== Recovered: begin ====="); break;
-            case 5: makeMark(Kind::RecoveryEnd, "===== Recovered: end ====="); break;
-            case 6: _record._text = "<b id=\"bad\">&amp;</b></script><script>bad=1</script><!--"; break;
-            case 7: _record._text = "first\n\tsecond\n\tthird"; break;
-            case 8:
-                _record._wall.reset();
-                _record._thread.reset();
-                _record._level.reset();
-                break;
-            case 9: makeMark(Kind::Unreadable, "torn \x1b[31m\xff"); break;
-            default: break;
+        case 0:
+            makeMark(Kind::Start, "===== Logger Start =====");
+            break;
+        case 1:
+            _record._kind = Kind::Overflow;
+            _record._text = "Event overflow [17]";
+            _record._group = {};
+            _record._count = 17;
+            break;
+        case 2:
+            makeMark(Kind::NotWritten, "===== Not Written: 4 events =====", 4);
+            break;
+        case 3:
+            makeMark(Kind::RecoveryBegin, "===== Recovered: begin =====");
+            break;
+        case 5:
+            makeMark(Kind::RecoveryEnd, "===== Recovered: end =====");
+            break;
+        case 6:
+            _record._text = "<b id=\"bad\">&amp;</b></script><script>bad=1</script><!--";
+            break;
+        case 7:
+            _record._text = "first\n\tsecond\n\tthird";
+            break;
+        case 8:
+            _record._wall.reset();
+            _record._thread.reset();
+            _record._level.reset();
+            break;
+        case 9:
+            makeMark(Kind::Unreadable, "torn \x1b[31m\xff");
+            break;
+        default:
+            break;
         }
     }
 
