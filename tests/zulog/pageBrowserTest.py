@@ -2,8 +2,8 @@
 
 usage: pageBrowserTest.py <pageMaker> [test...]
 
-pageMaker is the program of that name, whose head says what is in its pages. Ends with 77 if there is
-no browser or no driver for it, and says what is missing.
+pageMaker is the program of that name, whose head says what is in its pages. Ends with 77 if there
+is no browser or no driver for it, and says what is missing.
 """
 
 import json
@@ -12,6 +12,7 @@ import sys
 import tempfile
 import traceback
 from pathlib import Path
+from urllib.parse import unquote, urlsplit
 
 SKIPPED = 77
 COUNT = 5000
@@ -68,9 +69,11 @@ def startBrowser():
         if not Path(program).exists():
             skip(f"{program} is missing")
     try:
-        return webdriver.Chrome(service=Service(DRIVER), options=options)
+        browser = webdriver.Chrome(service=Service(DRIVER), options=options)
     except WebDriverException as error:
-        return skip(f"the browser can't be started: {error.msg}")
+        skip(f"the browser can't be started: {error.msg}")
+    browser.set_script_timeout(PATIENCE)
+    return browser
 
 
 class Page:
@@ -199,25 +202,40 @@ def testShowsTheFirstLines(page):
     rows = page.rows()
     same(page.browser.title, "Test <page> & more")
     same(page.text("timeColumn"), "Time (UTC)")
-    same(rows[0], ["2026-11-22 22:10:51.000000", "alpha/100", "-", "start", "-",
+    same(rows[0], ["2026-11-22 22:10:51.000000", "100 alpha", "-", "start", "-",
                    "===== Logger Start ====="])
-    same(rows[1], ["2026-11-22 22:10:51.001000", "alpha/101", "0x000000a1", "overflow", "-",
+    same(rows[1], ["2026-11-22 22:10:51.001000", "101 alpha", "0x000000a1", "overflow", "-",
                    "Event overflow [17]"])
-    same(rows[4], ["2026-11-22 22:10:51.004000", "alpha/101", "0x000000a4", "Informational",
+    same(rows[4], ["2026-11-22 22:10:51.004000", "101 alpha", "0x000000a4", "Informational",
                    "Orders::Items", shows(4)])
     same([row[5] for row in rows[7:10]], ["first", "second", "third"])
     same(rows[8][:5], [""] * 5)
-    same(rows[10], ["-", "alpha/100", "-", "-", "Orders::Items", shows(8)])
+    same(rows[10], ["-", "100 alpha", "-", "-", "Orders::Items", shows(8)])
     same(rows[11][3:], ["unreadable", "-", "torn \\x1b[31m\\xff"])
-    same(rows[13][1], "beta/102" if 11 % 8 % 3 == 2 else "alpha/100")
+    same(rows[12][1:3], ["102 beta", "0x000000a2"])
     same(page.lineCount(), COUNT + EXTRA_LINES)
+
+
+def testShowsAPageWithoutItsEnd(page):
+    """Cut in the middle of a line."""
+    file = Path(unquote(urlsplit(page.address).path))
+    text = file.read_text(encoding="utf-8")
+    cut = file.with_name("cut.html")
+    cut.write_text(text[:text.index(shows(4321)) + 7], encoding="utf-8")
+    other = Page(page.browser, cut)
+    same(other.lineCount(), 4321 + EXTRA_LINES)
+    assert "the end of this page is missing" in other.text("status"), other.text("status")
+    other.find("grid").send_keys(Keys.END)
+    other.settle()
+    same(other.selected(), shows(4320))
 
 
 def testCountsInTheFooter(page):
     text = page.text("status")
-    for part in ["5,000 records in 5,002 lines, 5,002 lines shown", "21 events lost in 2 places",
-                 "1 starts, 1 stops, 1 recoveries", "1 not readable", "1 without a time"]:
+    for part in ["records: 5,000, lines: 5,002, shown: 5,002", "lost events: 21 (in places: 2)",
+                 "starts: 1, stops: 1, recoveries: 1", "not readable: 1", "without a time: 1"]:
         assert part in text, (part, text)
+    assert "missing" not in text, text
     same(page.text("count2"), str(len(errors())))
     same(page.text("count3"), str(sum(map(isWarning, range(COUNT)))))
 
@@ -264,10 +282,11 @@ def testFiltersByGroup(page):
 def testFiltersByProcessAndThread(page):
     select = Select(page.find("thread"))
     names = [option.text.strip() for option in select.options]
+    assert "102 0x000000a5 beta" in names, names
     same(len(names), 1 + 3 + 8 + 1)
-    select.select_by_visible_text("process beta/102")
+    select.select_by_visible_text("process 102 beta")
     page.settle()
-    same({row[1] for row in page.rows() if row[1]}, {"beta/102"})
+    same({row[1] for row in page.rows() if row[1]}, {"102 beta"})
     inProcess = [number for number in range(COUNT) if number % 8 % 3 == 2]
     same(page.lineCount(), len(inProcess))
     thread = next(option for option in select.options if "0x000000a5" in option.text)
@@ -655,7 +674,7 @@ def checkConsole(browser):
 
 
 def runTest(browser, test, small, big):
-    addresses = [small.as_uri(), big.as_uri()]
+    addresses = [file.as_uri() for file in (small, big, small.with_name("cut.html"))]
     browser.get_log("performance")
     page = Page(browser, small)
     if test is testAMillionLines:

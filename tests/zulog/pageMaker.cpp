@@ -5,13 +5,13 @@
 // Two hosts, three processes, eight threads, a millisecond between events. All values follow from
 // the number of the record:
 //
-// - record 0 is the start of process 100, record 1 an overflow of 17 events, record 2 a loss of 4
-//   lines; records 3 to 5 are a recovery with one event in it; the last one is the stop
-// - record 6 is markup, record 7 has continuation lines, and record 8 is of unknown time, thread and
-//   level
+// - record 0 is a start, record 1 an overflow of 17 events, record 2 a loss of 4; records 3 to 5
+//   are a recovery with one event in it; the last one is a stop
+// - record 6 is markup, record 7 has continuation lines, and record 8 is of unknown time, thread
+//   and level
 // - record 9 is not readable
-// - each 1,000th record is an Error of the group Disk that says "needle"; of the others each 50th is
-//   a Warning
+// - each 1,000th record is an Error of the group Disk that says "needle"; of the others each 50th
+//   is a Warning
 
 #include "zulog/zlPage.h"
 

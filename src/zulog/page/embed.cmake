@@ -59,7 +59,8 @@ function(zl_embed_hash file name)
   file(APPEND "${OUT}" "std::string_view ${name}()\n{\n    return \"${hash}\";\n}\n\n")
 endfunction()
 
-file(WRITE "${OUT}" "// Made by embed.cmake.\n\n#include \"zulog/zlPageParts.h\"\n\nnamespace Zu\n{\n\n")
+file(WRITE "${OUT}" "// Made by embed.cmake.\n\n#include \"zulog/zlPageParts.h\"\n\n"
+                    "namespace Zu\n{\n\n")
 zl_embed(page.css zlPageStyle)
 zl_embed(page.html zlPageViewer)
 zl_embed(page.js zlPageScript)

@@ -25,6 +25,8 @@
     const MAX_CELL = 2000;
     // How long the page does not answer, in milliseconds.
     const SLICE = 30;
+    // How often the timeline follows while the log is read.
+    const PAUSE = 500;
     // All times are in microseconds since 1970.
     const SECOND = 1000000;
     const MIN_SPAN = 10;
@@ -131,8 +133,9 @@
         let number = source.threads.get(field);
         if (number !== undefined) return number;
         const [process, name] = field.split('\t');
-        const owner = processes.add(`${source.host}\t${process}`, () => ({host: source.host, process}));
-        number = threads.add(`${source.host}\t${field}`, () => ({owner, name, hasEvents: false}));
+        const {host} = source;
+        const owner = processes.add(`${host}\t${process}`, () => ({host, process}));
+        number = threads.add(`${host}\t${field}`, () => ({owner, name, hasEvents: false}));
         source.threads.set(field, number);
         areChoicesOld = true;
         return number;
@@ -198,7 +201,9 @@
         const text = block.textContent;
         blocks.push(block);
         firstRows.push(starts.length);
-        for (let begin = 0; begin < text.length; ) {
+        // In a page that ends early, the last line may be a part of one.
+        const end = text.lastIndexOf('\n') + 1;
+        for (let begin = 0; begin < end; ) {
             if (text.charCodeAt(begin) === TAB) pushContinuation(begin);
             else pushRecord(text, begin);
             begin = text.indexOf('\n', begin) + 1;
@@ -285,9 +290,12 @@
 
     // The whole text of a record.
     function recordText(head) {
-        const lines = [readFields(rowText(head)).text];
-        for (let row = head + 1; row < afterRecord(head); ++row) lines.push(rowText(row).slice(1));
-        return lines.join('\n');
+        const block = findLast(firstRows, firstRows.length, head);
+        const text = blockText(block);
+        const next = afterRecord(head);
+        const isLast = next === starts.length || next === firstRows[block + 1];
+        const end = isLast ? text.lastIndexOf('\n') : starts.data[next] - 1;
+        return readFields(text.slice(starts.data[head], end)).text.replaceAll('\n\t', '\n');
     }
 
     // ---- Times ----
@@ -355,7 +363,8 @@
     }
 
     function acceptsTime(time) {
-        return !onlyRange || (time >= range.from && time <= range.to);
+        if (!onlyRange) return true;
+        return isZoomed ? time >= range.from && time <= range.to : !Number.isNaN(time);
     }
 
     function accepts(row) {
@@ -386,8 +395,7 @@
         chosenRows = 0;
         extendView();
         first = placeOf(anchor) - offset;
-        timelineIsOld = true;
-        render();
+        collectAgain();
         work();
     }
 
@@ -518,6 +526,7 @@
         showHits();
         showStatus();
         if (areChoicesOld && isRead) showChoices();
+        if (!isRead) showLevelCounts();
         if (timelineIsOld) drawTimeline();
     }
 
@@ -607,8 +616,8 @@
     function headCells(row) {
         const fields = readFields(rowText(row));
         const time = times.data[row];
-        const host = hosts.size > 1 ? `${fields.source.host}/` : '';
-        return [Number.isNaN(time) ? fields.time : timeText(time), host + fields.process,
+        const host = hosts.size > 1 ? ` ${fields.source.host}` : '';
+        return [Number.isNaN(time) ? fields.time : timeText(time), fields.process + host,
             fields.thread, severityText(row, fields.severity), fields.group, fields.text];
     }
 
@@ -633,8 +642,7 @@
         selected = row;
         isRevealDue = true;
         showDetails();
-        timelineIsOld = true;
-        render();
+        drawAgain();
     }
 
     function showDetails() {
@@ -691,8 +699,7 @@
     function unselect() {
         selected = -1;
         showDetails();
-        timelineIsOld = true;
-        render();
+        drawAgain();
     }
 
     function rowClicked(event) {
@@ -721,13 +728,28 @@
     const LABEL_WIDTH = 150;
     const MARK_HEIGHT = 14;
     const AXIS_HEIGHT = 18;
+    const MAX_LANES = 2000;
     // What the timeline shows.
     const range = {from: 0, to: 1};
     let isZoomed = false;
     let timelineIsOld = true;
+    // What the timeline shows in its present range; null if that is to be collected again.
+    let collection = null;
+    let lastCollection = 0;
     let laneHeight = 16;
     let lanes = [];
+    let areLanesShared = false;
     let drag = null;
+
+    function drawAgain() {
+        timelineIsOld = true;
+        render();
+    }
+
+    function collectAgain() {
+        collection = null;
+        drawAgain();
+    }
 
     const hasTimes = () => whole.from <= whole.to;
     const plotWidth = () => Math.max(1, canvas.clientWidth - LABEL_WIDTH);
@@ -752,9 +774,8 @@
     }
 
     function rangeChanged() {
-        timelineIsOld = true;
         if (onlyRange) rebuildView();
-        else render();
+        else collectAgain();
     }
 
     function zoom(factor, time = (range.from + range.to) / 2) {
@@ -772,17 +793,22 @@
         rangeChanged();
     }
 
-    // The threads with events, those of one process beside each other.
+    // The threads with events, those of one process beside each other. Returns the lane of each
+    // thread; those for which there is no room share the last one.
     function findLanes() {
+        const laneOf = new Int32Array(threads.values.length).fill(-1);
         lanes = [...threads.values.keys()].filter((i) => threads.values[i].hasEvents);
         lanes.sort((a, b) => threads.values[a].owner - threads.values[b].owner || a - b);
+        lanes.forEach((thread, lane) => { laneOf[thread] = Math.min(lane, MAX_LANES - 1); });
+        areLanesShared = lanes.length > MAX_LANES;
+        lanes.length = Math.min(lanes.length, MAX_LANES);
         laneHeight = clamp(Math.floor(200 / Math.max(1, lanes.length)), 4, 16);
+        return laneOf;
     }
 
     // What is in each column of pixels of each lane: the most severe level, as 8 - level.
     function collect(width) {
-        const laneOf = new Int32Array(threads.values.length).fill(-1);
-        lanes.forEach((thread, lane) => { laneOf[thread] = lane; });
+        const laneOf = findLanes();
         const cells = new Uint8Array(lanes.length * width);
         const marks = new Map();
         const scale = (width - 1) / (range.to - range.from);
@@ -798,20 +824,21 @@
             const cell = laneOf[threadNumbers.data[row]] * width + x;
             cells[cell] = Math.max(cells[cell], MARK - levels.data[row]);
         }
-        return {cells, marks: marks.values()};
+        lastCollection = performance.now();
+        // Losses come last, so that nothing covers them.
+        const ordered = [...marks.values()].sort((a, b) => isLoss(a.kind) - isLoss(b.kind));
+        return {cells, width, marks: ordered};
     }
 
     function drawTimeline() {
         timelineIsOld = false;
         if (!hasTimes()) return;
         if (!isZoomed) showWhole();
-        findLanes();
+        collection = collection || collect(Math.floor(plotWidth()));
         const context = beginDrawing();
-        const width = Math.floor(plotWidth());
-        const {cells, marks} = collect(width);
         drawLabels(context);
-        drawCells(context, cells, width);
-        drawMarks(context, marks);
+        drawCells(context, collection);
+        drawMarks(context, collection.marks);
         drawAxis(context);
         drawSelection(context);
         element('range').textContent = `${timeText(range.from)} to ${timeText(range.to)} (` +
@@ -846,12 +873,18 @@
 
     function threadText(number) {
         const {owner, name} = threads.values[number];
-        return `${processText(owner)} ${name}`;
+        const {host, process} = processes.values[owner];
+        return hosts.size > 1 ? `${process} ${name} ${host}` : `${process} ${name}`;
     }
 
     function processText(number) {
         const {host, process} = processes.values[number];
-        return hosts.size > 1 ? `${host}/${process}` : process;
+        return hosts.size > 1 ? `${process} ${host}` : process;
+    }
+
+    function laneText(lane) {
+        const isShared = areLanesShared && lane === MAX_LANES - 1;
+        return isShared ? 'further threads' : threadText(lanes[lane]);
     }
 
     // As many labels as there is room for.
@@ -863,11 +896,11 @@
         context.clip();
         context.fillStyle = colours.text;
         for (let lane = 0; lane < lanes.length; lane += step)
-            context.fillText(threadText(lanes[lane]), 4, MARK_HEIGHT + (lane + 0.5) * laneHeight);
+            context.fillText(laneText(lane), 4, MARK_HEIGHT + (lane + 0.5) * laneHeight);
         context.restore();
     }
 
-    function drawCells(context, cells, width) {
+    function drawCells(context, {cells, width}) {
         for (let lane = 0; lane < lanes.length; ++lane) {
             const y = MARK_HEIGHT + lane * laneHeight;
             context.fillStyle = colours.line;
@@ -975,16 +1008,14 @@
         if (!drag) return;
         if (drag.isMove) move((drag.end - event.offsetX) / plotWidth());
         drag.end = event.offsetX;
-        timelineIsOld = true;
-        render();
+        drawAgain();
     }
 
     function dragEnded() {
         if (!drag) return;
         const {begin, end, isMove} = drag;
         drag = null;
-        timelineIsOld = true;
-        render();
+        drawAgain();
         if (isMove) return;
         if (Math.abs(end - begin) < 4) goToTime(timeAt(end));
         else setRange(timeAt(Math.min(begin, end)), timeAt(Math.max(begin, end)));
@@ -993,7 +1024,7 @@
     // The thread at this height, as a tooltip.
     function showThread(y) {
         const lane = Math.floor((y - MARK_HEIGHT) / laneHeight);
-        canvas.title = lane >= 0 && lane < lanes.length ? threadText(lanes[lane]) : '';
+        canvas.title = lane >= 0 && lane < lanes.length ? laneText(lane) : '';
     }
 
     function goToTime(time) {
@@ -1009,15 +1040,16 @@
     function showStatus() {
         const {kinds: kindCounts} = counts;
         const parts = [
-            `${shown(counts.records)} records in ${shown(starts.length)} lines, ` +
-                `${shown(view.length)} lines shown`,
-            `${shown(counts.lost)} events lost in ${shown(counts.losses)} places`,
-            `${shown(kindCounts[START])} starts, ${shown(kindCounts[STOP])} stops, ` +
-                `${shown(kindCounts[RECOVERY_BEGIN])} recoveries`,
+            `records: ${shown(counts.records)}, lines: ${shown(starts.length)}, ` +
+                `shown: ${shown(view.length)}`,
+            `lost events: ${shown(counts.lost)} (in places: ${shown(counts.losses)})`,
+            `starts: ${shown(kindCounts[START])}, stops: ${shown(kindCounts[STOP])}, ` +
+                `recoveries: ${shown(kindCounts[RECOVERY_BEGIN])}`,
         ];
-        if (kindCounts[UNREADABLE]) parts.push(`${shown(kindCounts[UNREADABLE])} not readable`);
-        if (counts.undated) parts.push(`${shown(counts.undated)} without a time`);
+        if (kindCounts[UNREADABLE]) parts.push(`not readable: ${shown(kindCounts[UNREADABLE])}`);
+        if (counts.undated) parts.push(`without a time: ${shown(counts.undated)}`);
         if (!isRead) parts.push('reading on');
+        else if (!element('totals')) parts.push('the end of this page is missing');
         element('status').textContent = parts.join('; ');
     }
 
@@ -1048,7 +1080,8 @@
             const box = make('input', {type: 'checkbox', id: `level${level}`, checked: true});
             const count = make('span', {id: `count${level}`});
             const label = make('label', {className: `level${level}`});
-            label.append(box, make('span', {className: 'levelName', textContent: ` ${name} `}), count);
+            const text = make('span', {className: 'levelName', textContent: ` ${name} `});
+            label.append(box, text, count);
             element('levels').append(label);
             box.addEventListener('change', () => {
                 levelMask ^= 1 << level;
@@ -1066,8 +1099,7 @@
     function zoneChanged() {
         isLocal = element('zone').value === 'local';
         element('timeColumn').textContent = isLocal ? 'Time (local)' : 'Time (UTC)';
-        timelineIsOld = true;
-        render();
+        drawAgain();
     }
 
     // ---- Keys ----
@@ -1153,9 +1185,9 @@
         const end = performance.now() + SLICE;
         let hasWorked = false;
         while (performance.now() < end && (readPiece() || searchNext())) hasWorked = true;
-        if (hasWorked) timelineIsOld = true;
         extendView();
-        render();
+        if (hasWorked && (isRead || performance.now() > lastCollection + PAUSE)) collectAgain();
+        else render();
         const isDone = isRead && (!query || searchedBlocks === blocks.length);
         document.documentElement.dataset.state = isDone ? 'ready' : 'busy';
         // Without work, more of the page is still to come.
@@ -1178,7 +1210,10 @@
         on('next', 'click', () => goToHit(1));
         on('previous', 'click', () => goToHit(-1));
         on('onlyHits', 'change', () => { onlyHits = element('onlyHits').checked; rebuildView(); });
-        on('onlyRange', 'change', () => { onlyRange = element('onlyRange').checked; rebuildView(); });
+        on('onlyRange', 'change', () => {
+            onlyRange = element('onlyRange').checked;
+            rebuildView();
+        });
         on('group', 'input', () => {
             wantedGroups = readGlobs(element('group').value);
             filtersChanged();
@@ -1201,11 +1236,6 @@
         on('timeline', 'dblclick', zoomAll);
     }
 
-    function redraw() {
-        timelineIsOld = true;
-        render();
-    }
-
     function connect() {
         connectControls();
         connectTimeline();
@@ -1214,12 +1244,13 @@
         lines.addEventListener('click', rowClicked);
         lines.addEventListener('focus', () => grid.focus());
         document.addEventListener('keydown', keyPressed);
-        new ResizeObserver(redraw).observe(lines);
-        matchMedia('(prefers-color-scheme: dark)').addEventListener('change', redraw);
+        new ResizeObserver(collectAgain).observe(lines);
+        matchMedia('(prefers-color-scheme: dark)').addEventListener('change', drawAgain);
     }
 
     element('viewer').hidden = false;
     makeLevels();
+    showChoices();
     zoneChanged();
     connect();
     work();
