@@ -230,6 +230,23 @@ def testShowsAPageWithoutItsEnd(page):
     same(other.selected(), shows(4320))
 
 
+def testShowsAnEmptyLog(page):
+    """Everything may be pressed, and nothing goes to the console."""
+    file = Path(unquote(urlsplit(page.address).path)).with_name("empty.html")
+    other = Page(page.browser, file)
+    same(other.lineCount(), 0)
+    assert "records: 0, lines: 0, shown: 0" in other.text("status"), other.text("status")
+    other.press("n", "N", "m", "M", Keys.END, Keys.PAGE_UP, Keys.ENTER, "t", "+", "-", "0")
+    other.wheel(-100, "timeline", 700)
+    other.wheel(-100, "lines", 300)
+    ActionChains(other.browser).click(other.find("timeline")).click(other.find("lines")).perform()
+    other.type("search", "x", Keys.ENTER)
+    same(other.text("hits"), "0 found")
+    other.click("onlyHits")
+    other.click("onlyRange")
+    same(other.rows(), [])
+
+
 def testCountsInTheFooter(page):
     text = page.text("status")
     for part in ["records: 5,000, lines: 5,002, shown: 5,002", "lost events: 21 (in places: 2)",
@@ -312,6 +329,24 @@ def testSearches(page):
     page.press("n")
     same(page.selected(), needle(2000))
     page.press("n", "n", "n")
+    same(page.selected(), needle(1000))
+    # From a line that is no longer shown.
+    page.showLevels("Error")
+    page.press(Keys.END)
+    page.run("document.getElementById('grid').focus()")
+    page.press(Keys.END, "N")
+    same(page.selected(), needle(3000))
+    page.showLevels(*LEVELS)
+    page.run("document.getElementById('grid').focus()")
+    page.press(Keys.ARROW_UP)
+    same(page.selected(), shows(2999))
+    page.showLevels("Error")
+    page.press("N")
+    same(page.selected(), needle(2000))
+    page.press("n")
+    same(page.selected(), needle(3000))
+    page.showLevels(*LEVELS)
+    page.press("n", "n")
     same(page.selected(), needle(1000))
     page.press("N")
     same(page.selected(), needle(4000))
@@ -674,7 +709,8 @@ def checkConsole(browser):
 
 
 def runTest(browser, test, small, big):
-    addresses = [file.as_uri() for file in (small, big, small.with_name("cut.html"))]
+    others = [small.with_name(name) for name in ("cut.html", "empty.html")]
+    addresses = [file.as_uri() for file in (small, big, *others)]
     browser.get_log("performance")
     page = Page(browser, small)
     if test is testAMillionLines:
@@ -700,6 +736,11 @@ def runTests(browser, tests, small, big):
     return 1 if failed else 0
 
 
+def makePages(maker, wanted):
+    for file, count in wanted:
+        subprocess.run([maker, str(file), str(count)], check=True, stdout=subprocess.DEVNULL)
+
+
 def main(maker, *names):
     tests = [value for name, value in globals().items()
              if name.startswith("test") and callable(value) and (not names or name in names)]
@@ -707,9 +748,8 @@ def main(maker, *names):
     try:
         with tempfile.TemporaryDirectory() as folder:
             small, big = Path(folder, "small.html"), Path(folder, "big.html")
-            for file, count in [(small, COUNT), (big, BIG_COUNT)]:
-                subprocess.run([maker, str(file), str(count)], check=True,
-                               stdout=subprocess.DEVNULL)
+            makePages(maker, [(small, COUNT), (big, BIG_COUNT),
+                              (small.with_name("empty.html"), 0)])
             return runTests(browser, tests, small, big)
     finally:
         browser.quit()

@@ -477,7 +477,10 @@
     // on at the other end.
     function goToNext(direction, isWanted) {
         const length = view.length;
-        const begin = selected >= 0 ? placeOf(selected) : first - direction;
+        const isShown = selected >= 0 && view.data[placeOf(selected)] === selected;
+        const last = selected >= 0 ? placeOf(selected) : first - 1;
+        // What is not shown lies behind the last place before it.
+        const begin = isShown || direction > 0 ? last : last + 1;
         for (let step = 1; step <= length; ++step) {
             const place = (begin + direction * step % length + 2 * length) % length;
             if (isWanted(view.data[place])) return select(view.data[place]);
