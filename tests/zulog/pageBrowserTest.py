@@ -7,6 +7,7 @@ is no browser or no driver for it, and says what is missing.
 """
 
 import json
+import re
 import subprocess
 import sys
 import tempfile
@@ -245,6 +246,30 @@ def testShowsAnEmptyLog(page):
     other.click("onlyHits")
     other.click("onlyRange")
     same(other.rows(), [])
+
+
+def testThreadsThatHaveNoRoomShareALane(page):
+    """The same page with a thread of its own for each event."""
+    file = Path(unquote(urlsplit(page.address).path))
+    numbers = iter(range(COUNT))
+    text = re.sub(r"\t0x000000a[0-7]\t", lambda _: f"\t0x{next(numbers):08x}\t",
+                  file.read_text(encoding="utf-8"))
+    many = file.with_name("many.html")
+    many.write_text(text, encoding="utf-8")
+    other = Page(page.browser, many)
+    # The overflow has a thread, too, but is no event. One event is of an unknown thread.
+    events = next(numbers) - 1
+    same(len(Select(other.find("thread")).options), 1 + 3 + events + 1)
+    canvas = other.find("timeline")
+    # 14 pixels of marks, 2,000 lanes and the axis.
+    same(canvas.size["height"], 14 + 2000 * 4 + 18)
+    title = other.run(
+        "const canvas = arguments[0];"
+        "const box = canvas.getBoundingClientRect();"
+        "canvas.dispatchEvent(new PointerEvent('pointermove',"
+        " {clientX: box.left + 500, clientY: box.top + 14 + 1999 * 4 + 2}));"
+        "return canvas.title", canvas)
+    same(title, "further threads")
 
 
 def testCountsInTheFooter(page):
@@ -709,7 +734,7 @@ def checkConsole(browser):
 
 
 def runTest(browser, test, small, big):
-    others = [small.with_name(name) for name in ("cut.html", "empty.html")]
+    others = [small.with_name(name) for name in ("cut.html", "empty.html", "many.html")]
     addresses = [file.as_uri() for file in (small, big, *others)]
     browser.get_log("performance")
     page = Page(browser, small)

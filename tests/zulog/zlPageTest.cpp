@@ -287,6 +287,7 @@ TEST(ZlPage, TextsStayTexts)
     } rows[] = {
         {"", ""},
         {"plain", "plain"},
+        {"===== Logger =====", "===== Logger ====="},
         {"<b>&amp;</b>", "&lt;b&gt;&amp;amp;&lt;/b&gt;"},
         {"</script><script>x()</script>", "&lt;/script&gt;&lt;script&gt;x()&lt;/script&gt;"},
         {"</pre></div>", "&lt;/pre&gt;&lt;/div&gt;"},
