@@ -186,7 +186,14 @@ void ZlStats::addEvent(const ZlRecord& record)
     const auto place = _recovering.find(logOf(*record._file));
     if (place == _recovering.end()) return;
     ++_recovered;
-    if (place->second != NOT_LISTED) ++_recoveries[place->second]._events;
+    if (place->second == NOT_LISTED) return;
+    Recovery& recovery = _recoveries[place->second];
+    ++recovery._events;
+    // The mark has the process alone.
+    const ZlOwner& owner = *record._owner;
+    if (recovery._processStart || owner._process != recovery._process) return;
+    recovery._host = owner._host;
+    recovery._processStart = owner._processStart;
 }
 
 void ZlStats::addGroup(std::string_view group)
@@ -389,16 +396,33 @@ void ZlStats::addStop(const ZlRecord& record)
         setEnded(id, *run, Life::Stopped);
 }
 
-// Whose events had to be recovered did not end in order.
+// Whose events had to be recovered did not end in order. Where the mark has no more than the number
+// of the process, it is one that is open in this log.
+void ZlStats::endUnordered(const ZlRecord& record, const std::string& log)
+{
+    const std::optional<std::uint32_t> process = processOf(record);
+    if (!process) return;
+    if (!record._owner->_process)
+    {
+        const auto place = _openOf.find(log);
+        if (place == _openOf.end()) return;
+        const std::string begin = "process " + std::to_string(*process) + " ";
+        const std::vector<std::string> ids = place->second;
+        for (const std::string& id : ids)
+            if (id.starts_with(begin)) setEnded(id, *findRun(id), Life::Recovered);
+        return;
+    }
+    const std::string id = idOf(record);
+    Run* const run = findRun(id);
+    if (!run) return keepRun(id, Life::Recovered, log);
+    if (run->_life == Life::Open || run->_life == Life::Overtaken)
+        setEnded(id, *run, Life::Recovered);
+}
+
 void ZlStats::beginRecovery(const ZlRecord& record)
 {
-    const std::string id = idOf(record);
     const std::string log(logOf(*record._file));
-    Run* const run = findRun(id);
-    if (record._owner->_process && !run) keepRun(id, Life::Recovered, log);
-    if (record._owner->_process && run &&
-        (run->_life == Life::Open || run->_life == Life::Overtaken))
-        setEnded(id, *run, Life::Recovered);
+    endUnordered(record, log);
     ++_recoveryCount;
     std::size_t index = NOT_LISTED;
     if (_recoveries.size() < MOST_ENTRIES)
@@ -406,7 +430,7 @@ void ZlStats::beginRecovery(const ZlRecord& record)
         index = _recoveries.size();
         const ZlOwner& owner = *record._owner;
         _recoveries.push_back(
-            {record._wall, owner._host, owner._process, owner._processStart, 0, false});
+            {record._wall, owner._host, processOf(record), owner._processStart, 0, false});
     }
     _recovering[log] = index;
 }

@@ -152,6 +152,7 @@ private:
     void addLoss(const ZlRecord& record);
     void addStart(const ZlRecord& record);
     void addStop(const ZlRecord& record);
+    void endUnordered(const ZlRecord& record, const std::string& log);
     void beginRecovery(const ZlRecord& record);
     void endRecovery(const ZlRecord& record);
     Run* findRun(const std::string& id);

@@ -527,6 +527,33 @@ TEST_F(ZlStatsTest, EventsBelongToTheRecoveryOfTheirLog)
     EXPECT_EQ(json().at("events"), 7);
 }
 
+// What follows the mark says the rest.
+TEST_F(ZlStatsTest, AMarkOfARecoveryMayHaveTheProcessAlone)
+{
+    for (const char* const log : {"a.log", "b.log"})
+    {
+        stats.emplace();
+        addMark(ZlRecord::Kind::Start, 12, "a.log");
+        addMark(ZlRecord::Kind::Start, 123, "b.log");
+        const Zu::ZlOwner nobody;
+        file = log;
+        ZlRecord begin = make(ZlRecord::Kind::RecoveryBegin);
+        begin._owner = &nobody;
+        begin._process = 12;
+        stats->add(begin);
+        owner._process = 12;
+        addEvent(BEGIN);
+        const Json recovery = json().at("recoveries").at("list")[0];
+        EXPECT_EQ(recovery.at("process"), 12);
+        EXPECT_EQ(recovery.at("host"), "web1");
+        EXPECT_EQ(recovery.at("process_start"), "1970-01-01T00:00:00.000000Z");
+        // In the other log, it may be a process of another machine.
+        const int ended = file == "a.log" ? 1 : 0;
+        EXPECT_EQ(json().at("starts").at("ended_without_order"), ended);
+        EXPECT_EQ(json().at("starts").at("without_end"), 2 - ended);
+    }
+}
+
 TEST_F(ZlStatsTest, EventsOfARecoveryThatIsNotListedCount)
 {
     for (std::size_t i = 0; i <= ZlStats::MOST_ENTRIES; ++i)
