@@ -691,7 +691,7 @@ private:
     {
         if (_stats._recoveryCount == 0) return;
         addTitle("Recoveries");
-        addCount(_stats._recoveryCount, "recoveries");
+        addCount(_stats._recoveryCount, _stats._recoveryCount == 1 ? "recovery" : "recoveries");
         addCount(_stats._recovered, "events in them");
         std::size_t shown = 0;
         for (const Recovery& recovery : _stats._recoveries)
