@@ -113,7 +113,7 @@ LgServiceReader::Outcome LgServiceReader::writeSome()
         const bool hasWritten = _writer.writeBatch();
         _threads.setFailing(_writer.isFailing());
         if (hasWritten) _threads.endVainWaits();
-        _threads.endWaitsUntilWritten();
+        _threads.endWaitsUntilWritten(_writer.getEarliestLeft());
         LgServiceFatal::noteWritten();
         if (_compression && LgServiceLog::takeRotated()) _compression->ask();
         return hasWritten ? Outcome::Wrote : Outcome::Nothing;

@@ -12,9 +12,9 @@ std::mutex& LgServiceRegistry::mutex()
     return *theMutex;
 }
 
-List<LgQueue*>& LgServiceRegistry::queues()
+std::vector<LgQueue*>& LgServiceRegistry::queues()
 {
-    static auto* const theQueues = new List<LgQueue*>;
+    static auto* const theQueues = new std::vector<LgQueue*>;
     return *theQueues;
 }
 
@@ -28,14 +28,14 @@ void LgServiceRegistry::registerQueue(LgQueue* queue)
 void LgServiceRegistry::deregisterQueue(LgQueue* queue)
 {
     const std::lock_guard guard(mutex());
-    queues().remove(queue);
+    std::erase(queues(), queue);
     _generation.fetch_add(1, std::memory_order_release);
 }
 
 List<LgQueue*> LgServiceRegistry::getQueueList() const
 {
     const std::lock_guard guard(mutex());
-    return queues();
+    return {queues().begin(), queues().end()};
 }
 
 } // namespace Zu

@@ -10,6 +10,7 @@
 #include <atomic>
 #include <cstdint>
 #include <mutex>
+#include <vector>
 
 namespace Zu
 {
@@ -36,7 +37,15 @@ public:
     static std::mutex& mutex();
 
     /// The shared list; the caller must hold mutex().
-    static List<LgQueue*>& queues();
+    static std::vector<LgQueue*>& queues();
+
+    /// Calls a function with each queue of the shared list. Takes no memory, unlike a copy of the
+    /// list; threads that come wait meanwhile.
+    template <class Function> static void forEachQueue(Function function)
+    {
+        const std::lock_guard guard(mutex());
+        for (LgQueue* const queue : queues()) function(queue);
+    }
 
 private:
     static std::atomic<std::uint64_t> _generation;

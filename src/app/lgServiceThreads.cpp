@@ -14,6 +14,8 @@
 #include <chrono>
 #include <memory>
 #include <thread>
+#include <typeinfo>
+#include <vector>
 
 namespace Zu
 {
@@ -71,6 +73,16 @@ LgServiceRegistry* serviceRegistry()
     return dynamic_cast<LgServiceRegistry*>(LgLog::getRegistry());
 }
 
+// Calls a function with each queue of the logger's registry. Another kind of registry, or one that
+// is derived, may have a list of its own.
+template <class Function> void forEachQueue(Function function)
+{
+    const LgRegistry& registry = *LgLog::getRegistry();
+    if (typeid(registry) == typeid(LgServiceRegistry))
+        return LgServiceRegistry::forEachQueue(function);
+    for (LgQueue* const queue : registry.getQueueList()) function(queue);
+}
+
 } // namespace
 
 LgServiceThreads& LgServiceThreads::instance()
@@ -117,6 +129,12 @@ private:
 LgQueue* LgServiceThreads::queueOfThread()
 {
     if (void* const queue = ThreadSlot::get(ThreadSlot::Queue)) return static_cast<LgQueue*>(queue);
+    return firstQueueOfThread();
+}
+
+// Not inlined: otherwise each event would save registers for it.
+[[gnu::noinline]] LgQueue* LgServiceThreads::firstQueueOfThread()
+{
     return instance().makeQueue();
 }
 
@@ -200,20 +218,28 @@ std::uint64_t LgServiceThreads::getLostCount()
 
 bool LgServiceThreads::isWrittenUpTo(std::uint64_t time)
 {
-    const List<LgQueue*> queues = LgLog::getRegistry()->getQueueList();
-    return std::none_of(queues.begin(), queues.end(),
-                        [time](const LgQueue* queue)
-                        { return !queue->isEmpty() && queue->readEntry().getTimeStamp() <= time; });
+    return findEarliestWaiting() > time;
+}
+
+std::uint64_t LgServiceThreads::findEarliestWaiting()
+{
+    std::uint64_t earliest = NOTHING_WAITS;
+    forEachQueue(
+        [&earliest](const LgQueue* queue)
+        {
+            if (!queue->isEmpty()) earliest = std::min(earliest, queue->readEntry().getTimeStamp());
+        });
+    return earliest;
 }
 
 bool LgServiceThreads::isWorkWaiting()
 {
     if (_hasWaits.load(std::memory_order_acquire)) return true;
     const std::lock_guard guard(_reading);
-    const List<LgQueue*> queues = LgLog::getRegistry()->getQueueList();
-    return std::any_of(queues.begin(), queues.end(),
-                       [](const LgQueue* queue)
-                       { return !queue->isEmpty() || !queue->isCreatorAlive(); });
+    bool isWaiting = false;
+    forEachQueue([&isWaiting](const LgQueue* queue)
+                 { isWaiting = isWaiting || !queue->isEmpty() || !queue->isCreatorAlive(); });
+    return isWaiting;
 }
 
 std::chrono::steady_clock::time_point LgServiceThreads::endOf(std::chrono::milliseconds timeout)
@@ -345,14 +371,18 @@ void LgServiceThreads::noteWaits()
     _hasWaits.store(hasWaits, std::memory_order_release);
 }
 
-void LgServiceThreads::endWaitsUntilWritten()
+// The look at the queues comes after the lock: the events of all who wait are published by then.
+void LgServiceThreads::endWaitsUntilWritten(std::uint64_t waiting)
 {
     if (!_hasWaits.load(std::memory_order_acquire)) return;
     {
         const std::lock_guard guard(_waitMutex);
+        const auto mayBeOver = [waiting](const Wait* wait) { return wait->_time < waiting; };
+        if (std::none_of(_waits.begin(), _waits.end(), mayBeOver)) return;
+        const std::uint64_t earliest = std::min(waiting, findEarliestWaiting());
         for (Wait* const wait : _waits)
             // The release pairs with the acquire of the thread that waits: its events are written.
-            if (isWrittenUpTo(wait->_time)) wait->_isOver.store(true, std::memory_order_release);
+            if (wait->_time < earliest) wait->_isOver.store(true, std::memory_order_release);
         noteWaits();
     }
     _written.ring();
@@ -377,7 +407,7 @@ void LgServiceThreads::waitForSpace(const LgQueue& queue, int size)
     }
 }
 
-// False if there is no event. A failing lock is tried again, as the service does.
+// False if there is no event and no service. A failing lock is tried again, as the service does.
 bool LgServiceThreads::writeOne()
 {
     for (int tries = 1;; ++tries)
@@ -385,6 +415,8 @@ bool LgServiceThreads::writeOne()
         try
         {
             const std::lock_guard guard(_reading);
+            // A service that has begun meanwhile may be in the middle of what a look has found.
+            if (isRunning()) return true;
             return LgReader().flushEarliest();
         }
         catch (const ExBase&)
@@ -451,7 +483,7 @@ void LgServiceThreads::goOnInChild()
 // among them, whose observers are notified and may log.
 void LgServiceThreads::leaveEventsToParent()
 {
-    const List<LgQueue*> registered = LgServiceRegistry::queues();
+    const std::vector<LgQueue*> registered = LgServiceRegistry::queues();
     for (LgQueue* const queue : registered) dropEvents(*queue);
     // Unless it is in the middle of a statement, the thread gets a new queue with its next event.
     if (!_kept && ThreadSlot::get(ThreadSlot::Queue)) ThreadSlot::set(ThreadSlot::Queue, nullptr);

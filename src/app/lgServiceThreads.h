@@ -112,9 +112,13 @@ public:
     /// HwCounter::timeStamp(); false if the timeout expires first. Raises what the registry raises.
     bool waitUntilWritten(std::uint64_t time, std::chrono::milliseconds timeout);
 
-    /// Ends the waits that are over. For the reader, which holds reading(). Raises what the
-    /// registry raises.
-    void endWaitsUntilWritten();
+    /// Later than the time of any event.
+    static constexpr std::uint64_t NOTHING_WAITS = ~std::uint64_t{0};
+
+    /// Ends the waits that are over. For the reader, which holds reading(). `waiting` is the time
+    /// of an event that is known to wait: those who wait for this one or a later one need no look
+    /// at the queues. Raises what the registry raises.
+    void endWaitsUntilWritten(std::uint64_t waiting = NOTHING_WAITS);
 
     /// How long drain() waits at most.
     void setEndLimit(std::chrono::milliseconds limit)
@@ -219,7 +223,9 @@ private:
     LgServiceThreads();
     ~LgServiceThreads();
 
+    static LgQueue* firstQueueOfThread();
     LgQueue* makeQueue();
+    static std::uint64_t findEarliestWaiting();
     bool mayWait() const;
     template <class HasRoom> bool waitUntil(HasRoom hasRoom, LgTypes::Level level);
     bool tryToWaitUntilWritten(std::uint64_t time, std::chrono::milliseconds timeout) noexcept;

@@ -12,6 +12,7 @@
 #include <cstdlib>
 #include <functional>
 #include <iostream>
+#include <limits>
 
 namespace Zu
 {
@@ -20,6 +21,10 @@ namespace
 {
 
 constexpr std::size_t MOST_TEXT = std::size_t{256} * 1024;
+// A look at a queue without events takes a small part of the time of this many lines. The more
+// lines, the farther an event may stand behind later ones that was stamped before a look and
+// published after it.
+constexpr std::size_t LINES_PER_LOOK_AT_A_QUEUE = 16;
 constexpr std::int64_t HOUR = 3600LL * 1000000000;
 constexpr std::int64_t MILLISECOND = 1000000;
 
@@ -47,6 +52,18 @@ std::uint32_t firstLevelOf(const std::ostream* stream)
     int level = 0;
     while (LgLog::getLevelOutput(static_cast<LgTypes::Level>(level)) != stream) ++level;
     return static_cast<std::uint32_t>(level);
+}
+
+// The order of the heap of cursors.
+constexpr auto isLaterCursor = [](const auto& one, const auto& other)
+{ return one._time > other._time; };
+
+// The generation of the registry's list; 0 in another registry than the service's own, whose list
+// may change at any time.
+std::uint64_t lgServiceGeneration()
+{
+    const bool isOwn = dynamic_cast<const LgServiceRegistry*>(LgLog::getRegistry()) != nullptr;
+    return isOwn ? LgServiceRegistry::getGeneration() : 0;
 }
 
 std::string overflowText(std::uint64_t count)
@@ -156,37 +173,61 @@ void LgServiceWriter::lookAtForm()
 
 bool LgServiceWriter::writeBatch()
 {
-    // What comes later waits for the next batch, so that a queue that was looked at early does not
-    // fall behind one that was looked at late.
-    const std::uint64_t until = HwCounter::timeStamp();
-    if (!findQueues() && !isTryDue()) return false;
+    if (!hasWork() && !isTryDue()) return false;
+    _canGoOn = false;
     noteFills();
     lookAtClock();
     lookAtForm();
     // Before anything is taken: it raises if a holder of the lock has died.
     const LgInterProcessLockGuard guard(LgLog::getInterProcessLock());
-    collect(until);
+    collect();
     at(Step::Collected);
-    const bool hasWork = !_lines.empty() || isTryDue();
-    if (hasWork)
+    const bool isWorth = !_lines.empty() || isTryDue();
+    if (isWorth)
     {
         writeCollected();
         noteBatch();
     }
     endQueues();
-    return hasWork;
+    _canGoOn = true;
+    return isWorth;
+}
+
+// Whether there is anything to do: in what the last look has left, or in what a new one finds.
+bool LgServiceWriter::hasWork()
+{
+    _finished.clear();
+    if (isLookGood()) return true;
+    // What comes later waits for the next look, so that a queue that was looked at early does not
+    // fall behind one that was looked at late.
+    _until = HwCounter::timeStamp();
+    _sinceLook = 0;
+    return findQueues();
+}
+
+// Whether the next batch can be made of what the last look has left. Queues that had no events then
+// can only have later ones, but for those that were being logged at that moment.
+bool LgServiceWriter::isLookGood() const
+{
+    if (!_canGoOn || _cursors.empty() || _cursors.front()._time > _until) return false;
+    if (_sinceLook >= LINES_PER_LOOK_AT_A_QUEUE * _known.size()) return false;
+    return lgServiceGeneration() == _generation && _generation != 0;
+}
+
+std::uint64_t LgServiceWriter::getEarliestLeft() const
+{
+    const bool isKnown = _canGoOn && !_cursors.empty();
+    return isKnown ? _cursors.front()._time : std::numeric_limits<std::uint64_t>::max();
 }
 
 void LgServiceWriter::noteFills()
 {
     const std::lock_guard guard(_status._mutex);
-    _status._earliest = 0;
+    _status._earliest = _cursors.empty() ? 0 : _cursors.front()._time;
     for (const Cursor& cursor : _cursors)
     {
         std::uint32_t& largest = _status._fills[cursor._queue];
         largest = std::max(largest, cursor._queue->getWaitingCount());
-        if (_status._earliest == 0 || cursor._time < _status._earliest)
-            _status._earliest = cursor._time;
     }
 }
 
@@ -196,7 +237,7 @@ void LgServiceWriter::noteBatch()
     LgServiceHealth& health = _status._health;
     for (std::size_t i = 0; i < _counts.size(); ++i) health._events[i] += _counts[i];
     _counts.fill(0);
-    _status._earliest = 0;
+    _status._earliest = _cursors.empty() ? 0 : _cursors.front()._time;
     for (const Cursor& cursor : _finished)
     {
         if (!cursor._queue->isWaiting(cursor._position)) continue;
@@ -247,42 +288,51 @@ void LgServiceWriter::addHealth(LgServiceHealth& health,
     health._behind = std::chrono::microseconds(std::llround(seconds * 1e6));
 }
 
-// Threads come and go far less often than batches. In another registry than the service's own, the
-// list may change at any time.
+// Threads come and go far less often than batches.
 void LgServiceWriter::lookAtRegistry()
 {
-    const LgRegistry& registry = *LgLog::getRegistry();
-    const bool isOwn = dynamic_cast<const LgServiceRegistry*>(&registry) != nullptr;
-    const std::uint64_t generation = isOwn ? LgServiceRegistry::getGeneration() : 0;
-    if (isOwn && generation == _generation) return;
-    const List<LgQueue*> queues = registry.getQueueList();
-    _known.assign(queues.begin(), queues.end());
-    _generation = generation;
+    const std::uint64_t generation = lgServiceGeneration();
+    if (generation != 0 && generation == _generation) return;
+    const List<LgQueue*> list = LgLog::getRegistry()->getQueueList();
+    std::vector<LgQueue*> queues(list.begin(), list.end());
     // A queue may be in the list twice.
-    std::sort(_known.begin(), _known.end(), std::less<>());
-    _known.erase(std::unique(_known.begin(), _known.end()), _known.end());
+    std::sort(queues.begin(), queues.end(), std::less<>());
+    queues.erase(std::unique(queues.begin(), queues.end()), queues.end());
+    _known.clear();
+    for (LgQueue* const queue : queues)
+        _known.push_back({queue, _map.indexOf(*queue), queue->getReadPosition()._entry});
+    _generation = generation;
+}
+
+// Most threads are silent: their queues stand where they stood, and nothing else is looked at.
+bool LgServiceWriter::hasEvents(Known& known) const
+{
+    if (!known._queue->isWaiting({known._next, 0})) return false;
+    known._next = known._queue->getReadPosition()._entry;
+    return !known._queue->isEmpty();
 }
 
 // Whether there is anything to do.
 bool LgServiceWriter::findQueues()
 {
     _cursors.clear();
-    _finished.clear();
     _ended.clear();
     lookAtRegistry();
-    for (LgQueue* const queue : _known)
+    for (std::uint32_t i = 0; i < _known.size(); ++i)
     {
+        LgQueue* const queue = _known[i]._queue;
         // Asked first: the last event may come just before the thread ends.
         const bool isEnded = !queue->isCreatorAlive();
-        if (!queue->isEmpty())
+        if (hasEvents(_known[i]))
         {
             const LgQueue::ReadPosition position = queue->getReadPosition();
             const std::uint64_t time = queue->getEntryAt(position).getTimeStamp();
-            _cursors.push_back({queue, position, time, _map.indexOf(*queue), LgMap::NONE, 0});
+            _cursors.push_back({queue, position, time, i, _known[i]._inMap, LgMap::NONE, 0});
         }
         else if (isEnded)
-            _ended.push_back(queue);
+            _ended.push_back(i);
     }
+    std::make_heap(_cursors.begin(), _cursors.end(), isLaterCursor);
     return !_cursors.empty() || !_ended.empty();
 }
 
@@ -295,22 +345,26 @@ void LgServiceWriter::beginBatch()
     _outputCount = 0;
 }
 
-void LgServiceWriter::collect(std::uint64_t until)
+void LgServiceWriter::collect()
 {
     beginBatch();
     // The others have their turn with a later batch.
     if (_ended.size() > LgMap::MOST_EVENTS) _ended.resize(LgMap::MOST_EVENTS);
-    for (LgQueue* const queue : _ended) addRestOfLosses(*queue);
-    const auto isLaterCursor = [](const Cursor& one, const Cursor& other)
-    { return one._time > other._time; };
-    std::make_heap(_cursors.begin(), _cursors.end(), isLaterCursor);
-    while (!_cursors.empty() && _lines.size() < LgMap::MOST_EVENTS && _size < MOST_TEXT)
+    for (const std::uint32_t known : _ended) addRestOfLosses(known);
+    collectEvents();
+    _sinceLook += _lines.size();
+}
+
+// Leaves in the heap what the next batch may go on with.
+void LgServiceWriter::collectEvents()
+{
+    while (!_cursors.empty() && _cursors.front()._time <= _until &&
+           _lines.size() < LgMap::MOST_EVENTS && _size < MOST_TEXT)
     {
         std::pop_heap(_cursors.begin(), _cursors.end(), isLaterCursor);
         Cursor& cursor = _cursors.back();
-        const bool isNow = cursor._time <= until;
-        if (isNow) addEvent(cursor);
-        if (isNow && cursor._queue->isWaiting(cursor._position))
+        addEvent(cursor);
+        if (cursor._queue->isWaiting(cursor._position))
         {
             cursor._time = cursor._queue->getEntryAt(cursor._position).getTimeStamp();
             std::push_heap(_cursors.begin(), _cursors.end(), isLaterCursor);
@@ -319,7 +373,6 @@ void LgServiceWriter::collect(std::uint64_t until)
         _finished.push_back(cursor);
         _cursors.pop_back();
     }
-    _finished.insert(_finished.end(), _cursors.begin(), _cursors.end());
 }
 
 void LgServiceWriter::addEvent(Cursor& cursor)
@@ -362,9 +415,10 @@ std::uint32_t LgServiceWriter::lossesOf(const Cursor& cursor, const LgQueue::Ent
 
 // Losses that raced with the writing of their entry are in no entry. When the thread has ended they
 // are known exactly.
-void LgServiceWriter::addRestOfLosses(LgQueue& queue)
+void LgServiceWriter::addRestOfLosses(std::uint32_t known)
 {
-    const std::uint32_t inMap = _map.indexOf(queue);
+    LgQueue& queue = *_known[known]._queue;
+    const std::uint32_t inMap = _known[known]._inMap;
     if (inMap == LgMap::NONE) return;
     LgMap::Queue& slot = _map.queueAt(inMap);
     const std::uint64_t lost = queue.getLostCount();
@@ -374,7 +428,7 @@ void LgServiceWriter::addRestOfLosses(LgQueue& queue)
         enter(queue, inMap),
         {HwCounter::timeStamp(), queue.getThreadId(), LgTypes::Informational, overflowText(count)},
         count);
-    _finished.push_back({&queue, queue.getReadPosition(), 0, inMap, 0, count});
+    _finished.push_back({&queue, queue.getReadPosition(), 0, known, inMap, 0, count});
 }
 
 // The queue's place in the batch.
@@ -534,13 +588,20 @@ void LgServiceWriter::writeToStream(const Output& output)
 
 void LgServiceWriter::move()
 {
-    for (const Cursor& cursor : _finished)
-    {
-        if (cursor._inBatch == LgMap::NONE) continue;
-        if (cursor._inMap != LgMap::NONE) _map.queueAt(cursor._inMap)._reported += cursor._lost;
-        cursor._queue->removeUpTo(cursor._position);
-        at(Step::MovedOne);
-    }
+    for (Cursor& cursor : _finished) move(cursor);
+    for (Cursor& cursor : _cursors) move(cursor);
+}
+
+// Afterwards the queue is in no batch, and may be in the next one.
+void LgServiceWriter::move(Cursor& cursor)
+{
+    if (cursor._inBatch == LgMap::NONE) return;
+    if (cursor._inMap != LgMap::NONE) _map.queueAt(cursor._inMap)._reported += cursor._lost;
+    cursor._queue->removeUpTo(cursor._position);
+    _known[cursor._known]._next = cursor._position._entry;
+    cursor._inBatch = LgMap::NONE;
+    cursor._lost = 0;
+    at(Step::MovedOne);
 }
 
 // The queues of ended threads are the reader's to delete.
@@ -548,8 +609,9 @@ void LgServiceWriter::endQueues()
 {
     if (_ended.empty()) return;
     const std::lock_guard guard(_status._mutex);
-    for (LgQueue* const queue : _ended)
+    for (const std::uint32_t known : _ended)
     {
+        LgQueue* const queue = _known[known]._queue;
         _status._fills.erase(queue);
         LgLog::getRegistry()->deregisterQueue(queue);
         LgQueue::end(queue);
@@ -563,6 +625,7 @@ LgServiceWriter::Rest LgServiceWriter::finish()
     forEachLog([](std::uint32_t, LgServiceLog& log) { log.tryNow(); });
     beginBatch();
     _finished.clear();
+    _cursors.clear();
     if (isFailing()) writeCollected();
     Rest rest = Rest::None;
     forEachLog(

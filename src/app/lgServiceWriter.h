@@ -68,7 +68,14 @@ public:
 
     /// Writes what is waiting, at most one batch, and what waited for a file that failed. False if
     /// there was nothing. Raises what a lock between processes raises; the events stay.
+    ///
+    /// Beside many threads it takes as long to look at all queues as to write a batch, and so what
+    /// one look has found may be written in several batches.
     bool writeBatch();
+
+    /// The time of the earliest event that a batch has left for the next one; the largest number if
+    /// none is known.
+    std::uint64_t getEarliestLeft() const;
 
     /// Whether a file fails.
     bool isFailing() const;
@@ -94,13 +101,25 @@ public:
     }
 
 private:
+    // A registered queue: what a look at one without events needs besides the cache line of its
+    // producer.
+    struct Known
+    {
+        LgQueue* _queue;
+        // Its index in the map.
+        std::uint32_t _inMap;
+        // The entry that was next when this was written down. Only the reader moves on.
+        std::uint32_t _next;
+    };
+
     // A queue with events, and where the batch stands in it.
     struct Cursor
     {
         LgQueue* _queue;
         LgQueue::ReadPosition _position;
         std::uint64_t _time;
-        // The queue's index in the map, and its index in the batch from its first event on.
+        // The queue's index among the known ones, its index in the map, and its index in the batch from its first event on.
+        std::uint32_t _known;
         std::uint32_t _inMap;
         std::uint16_t _inBatch;
         // How many losses the batch reports.
@@ -137,12 +156,16 @@ private:
     void noteBatch();
     void noteFiles();
     void lookAtRegistry();
+    bool hasWork();
+    bool isLookGood() const;
     bool findQueues();
+    bool hasEvents(Known& known) const;
     void beginBatch();
-    void collect(std::uint64_t until);
+    void collect();
+    void collectEvents();
     void addEvent(Cursor& cursor);
     std::uint32_t lossesOf(const Cursor& cursor, const LgQueue::Entry& entry);
-    void addRestOfLosses(LgQueue& queue);
+    void addRestOfLosses(std::uint32_t known);
     void addLine(std::uint16_t inBatch, const LgLineEvent& event, std::uint32_t lost);
     std::uint16_t enter(const LgQueue& queue, std::uint32_t inMap);
     Output* outputOf(LgTypes::Level level);
@@ -152,6 +175,7 @@ private:
     void write();
     static void writeToStream(const Output& output);
     void move();
+    void move(Cursor& cursor);
     void lookAtClock();
     void lookAtForm();
     void endQueues();
@@ -165,13 +189,18 @@ private:
     std::optional<LgLineWriter> _lineWriter;
     LgLineOrigin _origin;
     // The registered queues, and which state of the registry they are of.
-    std::vector<LgQueue*> _known;
+    std::vector<Known> _known;
     std::uint64_t _generation = 0;
+    // When the queues were looked through last, how many lines were written since, and whether all
+    // went well since.
+    std::uint64_t _until = 0;
+    std::size_t _sinceLook = 0;
+    bool _canGoOn = false;
     // A heap, the earliest event first; and the queues whose turn is over in this batch.
     std::vector<Cursor> _cursors;
     std::vector<Cursor> _finished;
-    // Queues of ended threads.
-    std::vector<LgQueue*> _ended;
+    // Queues of ended threads, by their index among the known ones.
+    std::vector<std::uint32_t> _ended;
     std::vector<Output> _outputs;
     std::size_t _outputCount = 0;
     std::string _echo;
