@@ -70,6 +70,21 @@ TEST(LgServiceRegistry, EachChangeBeginsAGeneration)
         EXPECT_GT(generations[i], generations[i - 1]) << i;
 }
 
+TEST(LgServiceRegistry, ItsListCanBeGoneThroughWithoutACopy)
+{
+    LgQueue a;
+    LgQueue b;
+    LgServiceRegistry registry;
+    registry.registerQueue(&b);
+    registry.registerQueue(&a);
+    Queues found;
+    LgServiceRegistry::forEachQueue([&found](LgQueue* queue) { found.push_back(queue); });
+    EXPECT_EQ(found, registry.getQueueList());
+    EXPECT_EQ(among(registry, {&a, &b}), (Queues{&b, &a}));
+    registry.deregisterQueue(&a);
+    registry.deregisterQueue(&b);
+}
+
 TEST(LgServiceRegistry, AllObjectsHaveOneList)
 {
     LgQueue queue;

@@ -427,6 +427,31 @@ TEST_F(LgServiceThreadsTest, ProducersThatWaitForRoomAreWokenByItOrByTheEnd)
     EXPECT_EQ(_logger.textsOf("events.log").size(), std::size_t{PRODUCERS * EVENTS});
 }
 
+TEST_F(LgServiceThreadsTest, WhoWaitsForAnEventThatIsKnownToWaitGoesOnWaiting)
+{
+    constexpr std::uint64_t TIME = 1000;
+    _threads.start();
+    Zu::LgReader().flushAll();
+    std::unique_lock reading(_threads.reading());
+    std::atomic<bool> isOver{false};
+    std::thread waiting(
+        [&]
+        {
+            EXPECT_TRUE(_threads.waitUntilWritten(TIME, std::chrono::hours(1)));
+            isOver = true;
+        });
+    while (!written().isListenedTo()) std::this_thread::yield();
+    for (const std::uint64_t time : {TIME - 1, TIME})
+    {
+        _threads.endWaitsUntilWritten(time);
+        EXPECT_TRUE(written().isListenedTo());
+        EXPECT_FALSE(isOver);
+    }
+    _threads.endWaitsUntilWritten(TIME + 1);
+    waiting.join();
+    EXPECT_TRUE(isOver);
+}
+
 TEST_F(LgServiceThreadsTest, AReaderHasWorkWithEventsAndWithQueuesOfEndedThreads)
 {
     _threads.start();

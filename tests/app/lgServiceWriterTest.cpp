@@ -277,6 +277,175 @@ TEST_F(LgServiceWriterTest, BatchesOfLongTextsAreBoundedByTheirSize)
     EXPECT_EQ(counts, (std::vector<std::size_t>{14, 28, 30}));
 }
 
+// Beside many queues, one look at all of them serves several batches.
+class LgServiceWriterLookTest : public LgServiceWriterTest
+{
+protected:
+    static constexpr std::size_t SILENT = 200;
+    static constexpr std::size_t MOST = LgMap::MOST_EVENTS;
+    // For 16 lines per queue.
+    static constexpr std::size_t BATCHES = 4;
+
+    void startBesideSilentThreads()
+    {
+        _settings._characters = 32768;
+        _settings._limit = 1ULL << 30;
+        start();
+        for (std::size_t i = 0; i < SILENT; ++i) makeQueue();
+        _settings._characters = 1U << 20;
+    }
+
+    // Events of several queues.
+    void fill(std::size_t count)
+    {
+        LgQueue* queues[5];
+        for (LgQueue*& queue : queues) queue = &makeQueue();
+        for (std::size_t i = 0; i < count; ++i)
+        {
+            _expected.push_back(std::to_string(i));
+            add(*queues[i * i % 5], _expected.back());
+        }
+    }
+
+    // Reserved before the others, and so earlier; published during the first batch.
+    void publishLate()
+    {
+        LgQueue& late = *_queues.front();
+        atSteps(
+            [&late](Step at)
+            {
+                if (at != Step::Wrote || !late.isEmpty()) return;
+                late.getStream() << "late" << Zu::ends;
+                late.addEntry();
+                LgServiceWriter::_atStep = nullptr;
+            });
+    }
+
+    void expectLateAt(std::size_t place)
+    {
+        _expected.insert(_expected.begin() + static_cast<std::ptrdiff_t>(place), "late");
+        EXPECT_EQ(texts(), _expected);
+    }
+
+    Texts _expected;
+};
+
+TEST_F(LgServiceWriterLookTest, SeveralBatchesOfALookMergeAllQueuesByTime)
+{
+    startBesideSilentThreads();
+    fill(3500);
+    EXPECT_EQ(writeAll(), 4);
+    EXPECT_EQ(texts(), _expected);
+}
+
+TEST_F(LgServiceWriterLookTest, ALookServesABoundedNumberOfBatches)
+{
+    startBesideSilentThreads();
+    ASSERT_TRUE(_queues.front()->reserveEntry(LgTypes::Warning));
+    fill(6000);
+    publishLate();
+    EXPECT_EQ(writeAll(), 7);
+    expectLateAt(BATCHES * MOST);
+}
+
+TEST_F(LgServiceWriterLookTest, AQueueThatComesBringsANewLook)
+{
+    startBesideSilentThreads();
+    ASSERT_TRUE(_queues.front()->reserveEntry(LgTypes::Warning));
+    fill(3000);
+    publishLate();
+    EXPECT_TRUE(_writer->writeBatch());
+    add(makeQueue(), "new");
+    _expected.emplace_back("new");
+    writeAll();
+    expectLateAt(MOST);
+}
+
+TEST_F(LgServiceWriterLookTest, AQueueWhoseThreadEndsIsWrittenToItsEnd)
+{
+    startBesideSilentThreads();
+    const std::size_t before = LgLog::getRegistry()->getQueueList().size() - SILENT;
+    fill(3000);
+    EXPECT_TRUE(_writer->writeBatch());
+    add(*_queues.back(), "last");
+    _expected.emplace_back("last");
+    endQueues();
+    writeAll();
+    EXPECT_EQ(texts(), _expected);
+    EXPECT_EQ(LgLog::getRegistry()->getQueueList().size(), before);
+}
+
+TEST_F(LgServiceWriterLookTest, LossesAreReportedOnce)
+{
+    startBesideSilentThreads();
+    LgQueue& queue = makeQueue();
+    const auto flood = [&queue]
+    {
+        int added = 0;
+        for (; queue.reserveEntry(LgTypes::Warning); ++added)
+        {
+            queue.getStream() << "x" << Zu::ends;
+            queue.addEntry();
+        }
+        for (int i = 1; i < 7; ++i) EXPECT_FALSE(queue.reserveEntry(LgTypes::Warning));
+        return added;
+    };
+    int added = flood();
+    EXPECT_TRUE(_writer->writeBatch());
+    added += flood();
+    writeAll();
+    EXPECT_EQ(lostInFile(), 14U);
+    EXPECT_EQ(_map.queueAt(_map.indexOf(queue))._reported, 14U);
+    const Texts found = texts();
+    EXPECT_EQ(std::count(found.begin(), found.end(), "x"), added);
+}
+
+// A look knows a queue without events by where it stands, which a whole lap does not change.
+TEST_F(LgServiceWriterLookTest, ALapIsNotTakenForSilence)
+{
+    _settings._entries = 64;
+    start();
+    LgQueue& queue = makeQueue();
+    for (int i = 0; i < 300; ++i)
+    {
+        for (int j = 0; j < 16; ++j)
+        {
+            _expected.push_back(std::to_string(i) + "." + std::to_string(j));
+            add(queue, _expected.back());
+        }
+        if (i % 3 != 0) continue;
+        EXPECT_EQ(writeAll(), 1);
+    }
+    writeAll();
+    EXPECT_EQ(texts(), _expected);
+}
+
+TEST_F(LgServiceWriterLookTest, TheEarliestEventThatIsLeftIsKnown)
+{
+    constexpr std::uint64_t NONE = ~std::uint64_t{0};
+    startBesideSilentThreads();
+    EXPECT_EQ(_writer->getEarliestLeft(), NONE);
+    LgQueue& queue = makeQueue();
+    for (int i = 0; i < 2500; ++i) add(queue, "x");
+    for (int i = 0; i < 2; ++i)
+    {
+        EXPECT_TRUE(_writer->writeBatch());
+        EXPECT_EQ(_writer->getEarliestLeft(), queue.readEntry().getTimeStamp());
+    }
+    EXPECT_TRUE(_writer->writeBatch());
+    EXPECT_EQ(_writer->getEarliestLeft(), NONE);
+}
+
+TEST_F(LgServiceWriterLookTest, LogsThatAreOpenedAnewGetTheRest)
+{
+    startBesideSilentThreads();
+    fill(3000);
+    EXPECT_TRUE(_writer->writeBatch());
+    _writer->reopen();
+    writeAll();
+    EXPECT_EQ(texts(), _expected);
+}
+
 TEST_F(LgServiceWriterTest, WhatComesDuringABatchIsInTheNext)
 {
     start();
