@@ -118,7 +118,8 @@ private:
         LgQueue* _queue;
         LgQueue::ReadPosition _position;
         std::uint64_t _time;
-        // The queue's index among the known ones, its index in the map, and its index in the batch from its first event on.
+        // The queue's index among the known ones, in the map, and from its first event on in the
+        // batch.
         std::uint32_t _known;
         std::uint32_t _inMap;
         std::uint16_t _inBatch;

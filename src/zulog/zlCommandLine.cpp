@@ -6,6 +6,7 @@
 #include <charconv>
 #include <CLI/CLI.hpp>
 #include <optional>
+#include <utility>
 
 namespace Zu
 {
@@ -13,6 +14,7 @@ namespace Zu
 namespace
 {
 
+using Name = ZlCommand::Name;
 using Times = ZlFormatOptions::Times;
 
 constexpr int WRONG_USE = 2;
@@ -35,6 +37,8 @@ struct Words
     std::vector<std::string> _threads;
     std::string _since;
     std::string _until;
+    std::string _figures = "text";
+    std::string _list = "text";
 };
 
 // A number in decimal, or in hexadecimal behind "0x", as threads are written.
@@ -72,12 +76,22 @@ void refuseUnknownCommand(const CLI::App& app, const std::vector<std::string>& w
     throw CLI::ParseError("\"" + words.front() + "\" is no command", CLI::ExitCodes::ExtrasError);
 }
 
+// Of the command that the words name.
+std::string helpOf(const CLI::App& app, const std::string& names)
+{
+    const auto chosen = app.get_subcommands();
+    const std::string all = names.empty() ? app.get_name() : names + " " + app.get_name();
+    return chosen.empty() ? app.help(names) + "\n" : helpOf(*chosen.front(), all);
+}
+
 void addFiles(CLI::App& command, Words& words)
 {
     command
         .add_option("FILE", words._files,
                     "Log files, directories with logs, or - for standard input")
         ->required();
+    command.add_flag("--rotated", words._areRotatedAdded,
+                     "Add the files that each file was rotated to");
 }
 
 void addForm(CLI::App& command, Words& words)
@@ -100,9 +114,8 @@ void addForm(CLI::App& command, Words& words)
         ->capture_default_str();
 }
 
-void addFilters(CLI::App& command, Words& words, ZlShowOptions& show)
+void addFilters(CLI::App& command, Words& words, ZlSelection& selection)
 {
-    ZlSelection& selection = show._selection;
     command.add_option("--level", words._level,
                        "This level and the more severe ones; =Tracing or Error,Tracing for these "
                        "levels alone");
@@ -120,29 +133,137 @@ void addFilters(CLI::App& command, Words& words, ZlShowOptions& show)
         ->allow_extra_args(false);
     command.add_option("--since", words._since, "Records from this time on");
     command.add_option("--until", words._until, "Records before this time");
-    command
-        .add_option("--context", show._context,
-                    "So many records in front of and behind each that is selected")
-        ->check(CLI::Range(0, 1000000));
     command.add_flag("--no-marks", selection._areMarksHidden,
                      "Hide starts, ends and other marks of the logger");
 }
 
-void finish(const Words& words, const ZlSurroundings& surroundings, bool isFollowed,
-            ZlCommand& command)
+void addContext(CLI::App& command, ZlCommand& result)
 {
-    ZlShowOptions& show = command._show;
-    show._words = words._files;
-    show._areRotatedAdded = words._areRotatedAdded;
-    show._format = words._format;
-    ZlFormatOptions& format = show._formatOptions;
-    if (words._isUtc) format._times = Times::Utc;
-    if (words._isRelative) format._times = Times::Relative;
-    if (words._isTicks) format._times = Times::Ticks;
+    command
+        .add_option("--context", result._show._context,
+                    "So many records in front of and behind each that is selected")
+        ->check(CLI::Range(0, 1000000));
+}
+
+// The commands, and what each of them stands for.
+class Commands
+{
+public:
+    Commands(CLI::App& app, Words& words, ZlCommand& result)
+        : _app(app), _words(words), _result(result)
+    {
+        addShow();
+        addFollow();
+        addStats();
+        addHtml();
+        addRecover();
+    }
+
+    Name chosen() const
+    {
+        for (const auto& [command, name] : _names)
+            if (command->parsed()) return name;
+        return Name::Print;
+    }
+
+private:
+    CLI::App& add(CLI::App& to, const char* name, const char* purpose, Name value)
+    {
+        CLI::App* const command = to.add_subcommand(name, purpose);
+        _names.emplace_back(command, value);
+        return *command;
+    }
+
+    void addShow()
+    {
+        CLI::App& show = add(_app, "show", "Show what is in log files, merged by time", Name::Show);
+        addFiles(show, _words);
+        addForm(show, _words);
+        addFilters(show, _words, _result._show._selection);
+        addContext(show, _result);
+        show.add_flag("--no-pager", _words._isUnpaged, "Don't start a pager on a terminal");
+    }
+
+    void addFollow()
+    {
+        CLI::App& follow = add(_app, "follow", "Show lines as they are written", Name::Follow);
+        addFiles(follow, _words);
+        addForm(follow, _words);
+        addFilters(follow, _words, _result._show._selection);
+        addContext(follow, _result);
+        follow.add_option("--lines", _result._lines, "So many records of what is there already")
+            ->check(CLI::Range(0, 1000000))
+            ->capture_default_str();
+    }
+
+    void addStats()
+    {
+        CLI::App& stats = add(_app, "stats", "Count what is in log files", Name::Stats);
+        addFiles(stats, _words);
+        addFilters(stats, _words, _result._show._selection);
+        stats.add_option("--format", _words._figures, "text or json")
+            ->check(CLI::IsMember({"text", "json"}))
+            ->capture_default_str();
+        stats.add_flag("--utc", _words._isUtc, "Show times in UTC");
+        stats.add_option("--rows", _result._stats._most, "The most rows of each list")
+            ->check(CLI::Range(1, 1000000))
+            ->capture_default_str();
+    }
+
+    void addHtml()
+    {
+        CLI::App& html = add(_app, "html", "Make a page for a browser", Name::Html);
+        addFiles(html, _words);
+        addFilters(html, _words, _result._show._selection);
+        html.add_option("--output", _result._pageFile,
+                        "The file of the page; without it, the page goes to standard output");
+        html.add_option("--title", _result._pageTitle, "The title of the page");
+    }
+
+    void addRecover()
+    {
+        CLI::App* const recover =
+            _app.add_subcommand("recover", "Deal with the events that ended processes left");
+        recover->require_subcommand(1);
+        ZlRecoverOptions& options = _result._recover;
+        const auto addMaps = [&](const char* name, const char* purpose, Name value) -> CLI::App&
+        {
+            CLI::App& command = add(*recover, name, purpose, value);
+            command.add_option("MAP", options._maps, "Maps, by name or path; none for all");
+            command.add_option("--mappings", options._mapDirectory,
+                               "Where the maps are, if not where a log service keeps them");
+            command.add_option("--logs", options._logDirectory,
+                               "Only those of services with this log directory");
+            return command;
+        };
+        CLI::App& list = addMaps("list", "List what is there", Name::RecoverList);
+        list.add_flag("--utc", _words._isUtc, "Show times in UTC");
+        list.add_option("--format", _words._list, "text or json")
+            ->check(CLI::IsMember({"text", "json"}))
+            ->capture_default_str();
+        addMaps("show", "Show the lines that the next log service would write", Name::RecoverShow);
+        addMaps("write", "Write them into the log files, and remove the maps", Name::RecoverWrite);
+        addMaps("remove", "Remove maps with all that is in them", Name::RecoverRemove)
+            .add_flag("--all", options._isAll, "Remove all of them");
+    }
+
+    CLI::App& _app;
+    Words& _words;
+    ZlCommand& _result;
+    std::vector<std::pair<const CLI::App*, Name>> _names;
+};
+
+void finishForm(const Words& words, const ZlSurroundings& surroundings, ZlCommand& command)
+{
     const bool isText = words._format == "text";
     if (!isText && (words._isRelative || words._isTicks))
         throw CLI::ValidationError("--format",
                                    "--relative and --ticks go with the format text alone");
+    command._show._format = words._format;
+    ZlFormatOptions& format = command._show._formatOptions;
+    if (words._isUtc) format._times = Times::Utc;
+    if (words._isRelative) format._times = Times::Relative;
+    if (words._isTicks) format._times = Times::Ticks;
     format._isRaw = words._isRaw;
     format._hasHosts = words._hasHosts;
     format._hasFiles = words._hasFiles;
@@ -150,12 +271,12 @@ void finish(const Words& words, const ZlSurroundings& surroundings, bool isFollo
     const bool isColoured = surroundings._isOutputTerminal && !surroundings._isColourRefused;
     format._isColoured =
         isText && (words._colour == "auto" ? isColoured : words._colour == "always");
-    if (isFollowed &&
-        std::find(words._files.begin(), words._files.end(), "-") != words._files.end())
-        throw CLI::ValidationError("FILE", "standard input can't be followed");
-    command._isPaged = !isFollowed && surroundings._isOutputTerminal && !words._isUnpaged;
+    command._isPaged =
+        command._name == Name::Show && surroundings._isOutputTerminal && !words._isUnpaged;
+}
 
-    ZlSelection& selection = show._selection;
+void finishSelection(const Words& words, std::int64_t now, ZlSelection& selection)
+{
     if (!words._level.empty())
     {
         const auto levels = zlParseLevels(words._level);
@@ -171,10 +292,32 @@ void finish(const Words& words, const ZlSurroundings& surroundings, bool isFollo
         if (!thread) refuse("--thread", text, "a number such as 4711 or 0x00001267");
         selection._threads.push_back(*thread);
     }
-    if (!words._since.empty())
-        selection._since = timeOf("--since", words._since, surroundings._now);
-    if (!words._until.empty())
-        selection._until = timeOf("--until", words._until, surroundings._now);
+    if (!words._since.empty()) selection._since = timeOf("--since", words._since, now);
+    if (!words._until.empty()) selection._until = timeOf("--until", words._until, now);
+}
+
+void finish(const Words& words, const ZlSurroundings& surroundings, ZlCommand& command)
+{
+    command._show._words = words._files;
+    command._show._areRotatedAdded = words._areRotatedAdded;
+    const bool hasInput =
+        std::find(words._files.begin(), words._files.end(), "-") != words._files.end();
+    if (command._name == Name::Follow && hasInput)
+        throw CLI::ValidationError("FILE", "standard input can't be followed");
+    const bool isPageShown = command._name == Name::Html && command._pageFile.empty();
+    if (isPageShown && surroundings._isOutputTerminal)
+        throw CLI::ValidationError("--output", "a page does not go to a terminal");
+    finishForm(words, surroundings, command);
+    finishSelection(words, surroundings._now, command._show._selection);
+    const ZlTimeWriter::Form times =
+        words._isUtc ? ZlTimeWriter::Form::Utc : ZlTimeWriter::Form::Local;
+    command._stats._times = times;
+    command._stats._hasBlocks = surroundings._isOutputTerminal;
+    command._isStatsJson = words._figures == "json";
+    if (command._pageTitle.empty() && !words._files.empty()) command._pageTitle = words._files[0];
+    command._recover._times = times;
+    command._recover._isJson = words._list == "json";
+    command._recover._isTerminal = surroundings._isOutputTerminal;
 }
 
 } // namespace
@@ -188,33 +331,19 @@ ZlCommand zlReadCommandLine(std::vector<std::string> words, const ZlSurroundings
     app.require_subcommand(1);
     app.footer("`zulog COMMAND --help` shows the options of a command.\n"
                "Exit values: 0 done, 1 something could not be read or written, 2 wrong use.");
-    CLI::App* const show = app.add_subcommand("show", "Show what is in log files, merged by time");
-    addFiles(*show, given);
-    addForm(*show, given);
-    addFilters(*show, given, command._show);
-    show->add_flag("--rotated", given._areRotatedAdded,
-                   "Add the files that each file was rotated to");
-    show->add_flag("--no-pager", given._isUnpaged, "Don't start a pager on a terminal");
-    CLI::App* const follow = app.add_subcommand("follow", "Show lines as they are written");
-    addFiles(*follow, given);
-    addForm(*follow, given);
-    addFilters(*follow, given, command._show);
-    follow->add_option("--lines", command._lines, "So many records of what is there already")
-        ->check(CLI::Range(0, 1000000))
-        ->capture_default_str();
+    const Commands commands(app, given, command);
     try
     {
         refuseUnknownCommand(app, words);
         // It takes them from the end.
         std::reverse(words.begin(), words.end());
         app.parse(std::move(words));
-        finish(given, surroundings, follow->parsed(), command);
-        command._name = follow->parsed() ? ZlCommand::Name::Follow : ZlCommand::Name::Show;
+        command._name = commands.chosen();
+        finish(given, surroundings, command);
     }
     catch (const CLI::CallForHelp&)
     {
-        const auto chosen = app.get_subcommands();
-        command._text = (chosen.empty() ? app.help() : chosen.front()->help("zulog")) + "\n";
+        command._text = helpOf(app, "");
     }
     catch (const CLI::CallForVersion& version)
     {
@@ -224,6 +353,7 @@ ZlCommand zlReadCommandLine(std::vector<std::string> words, const ZlSurroundings
     {
         command._text = std::string("zulog: ") + error.what() + "\n" +
                         "`zulog --help` shows what can be used.\n";
+        command._name = Name::Print;
         command._exit = WRONG_USE;
     }
     return command;

@@ -4,7 +4,9 @@
 #ifndef ZU_ZULOG_ZLCOMMANDLINE_H
 #define ZU_ZULOG_ZLCOMMANDLINE_H
 
+#include "zlRecover.h"
 #include "zlShow.h"
+#include "zlStats.h"
 
 #include <cstdint>
 #include <string>
@@ -21,7 +23,13 @@ struct ZlCommand
         /// The text in `_text` is all that is to be printed, and `_exit` the exit value.
         Print,
         Show,
-        Follow
+        Follow,
+        Stats,
+        Html,
+        RecoverList,
+        RecoverShow,
+        RecoverWrite,
+        RecoverRemove
     };
 
     Name _name = Name::Print;
@@ -29,6 +37,12 @@ struct ZlCommand
     bool _isPaged = false;
     /// Of what is there already, follow shows so many records.
     std::size_t _lines = 10;
+    ZlStatsOptions _stats;
+    bool _isStatsJson = false;
+    /// Where the page goes, or empty for standard output; and its title.
+    std::string _pageFile;
+    std::string _pageTitle;
+    ZlRecoverOptions _recover;
     std::string _text;
     int _exit = 0;
 };

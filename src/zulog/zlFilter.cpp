@@ -145,6 +145,14 @@ bool ZlFilter::acceptsTime(const ZlRecord& record)
            (!_selection._until || *record._wall < *_selection._until);
 }
 
+void ZlFilter::reportUndated() const
+{
+    if (_undated == 0) return;
+    _reports.note(std::to_string(_undated) + (_undated == 1
+                                                  ? " record without a known time was left out"
+                                                  : " records without a known time were left out"));
+}
+
 // Goes back to the last "*" when what follows it does not fit.
 bool zlMatchesGlob(std::string_view glob, std::string_view name)
 {

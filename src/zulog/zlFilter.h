@@ -55,6 +55,9 @@ public:
         return _undated;
     }
 
+    /// Reports their number, if there are any.
+    void reportUndated() const;
+
 private:
     class Expressions;
     bool acceptsEvent(const ZlRecord& record);

@@ -32,6 +32,9 @@ std::FILE* openPager();
 /// Waits until it has ended.
 void closePager(std::FILE* pager);
 
+/// Makes or empties a file, whose name is in UTF-8. Raises ZlError.
+std::FILE* openToWrite(const std::string& name);
+
 /// UTC in nanoseconds since 1970.
 std::int64_t getNow();
 

@@ -1,7 +1,10 @@
 #include "zulog/zlPlatform.h"
 
 #include "app/lgMapFile.h"
+#include "app/lgServiceFile.h"
+#include "zulog/zlFile.h"
 
+#include <cerrno>
 #include <csignal>
 #include <cstdlib>
 #include <sys/resource.h>
@@ -41,6 +44,14 @@ std::FILE* ZlPlatform::openPager()
 void ZlPlatform::closePager(std::FILE* pager)
 {
     pclose(pager);
+}
+
+std::FILE* ZlPlatform::openToWrite(const std::string& name)
+{
+    std::FILE* const file = std::fopen(name.c_str(), "we");
+    if (!file)
+        throw ZlError("\"" + name + "\" can't be opened: " + LgServiceFile::errorText(errno));
+    return file;
 }
 
 std::int64_t ZlPlatform::getNow()

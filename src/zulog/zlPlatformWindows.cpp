@@ -1,6 +1,8 @@
 #include "zulog/zlPlatform.h"
 
 #include "app/lgMapFile.h"
+#include "app/lgServiceFile.h"
+#include "zulog/zlFile.h"
 
 #include <cstdlib>
 #include <fcntl.h>
@@ -58,6 +60,16 @@ std::FILE* ZlPlatform::openPager()
 void ZlPlatform::closePager(std::FILE* pager)
 {
     _pclose(pager);
+}
+
+std::FILE* ZlPlatform::openToWrite(const std::string& name)
+{
+    const std::filesystem::path path(std::u8string(name.begin(), name.end()));
+    std::FILE* const file = _wfopen(path.c_str(), L"wb");
+    if (!file)
+        throw ZlError("\"" + name + "\" can't be opened: " +
+                      LgServiceFile::errorText(static_cast<int>(GetLastError())));
+    return file;
 }
 
 std::int64_t ZlPlatform::getNow()

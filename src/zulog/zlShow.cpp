@@ -18,7 +18,7 @@ constexpr std::size_t LARGEST_BUFFER = std::size_t{256} << 10;
 } // namespace
 
 ZlPrinter::ZlPrinter(const ZlShowOptions& options, ZlOutput& output, ZlReports& reports)
-    : _output(output), _reports(reports), _filter(options._selection, reports),
+    : _output(output), _filter(options._selection, reports),
       _format(zlMakeFormat(options._format, options._formatOptions)), _context(options._context)
 {
     if (!_format) throw ZlError("\"" + options._format + "\" is no format");
@@ -99,10 +99,7 @@ void ZlPrinter::addWithContext(const ZlRecord& record)
 
 void ZlPrinter::end()
 {
-    if (const std::uint64_t count = _filter.getUndatedCount())
-        _reports.note(std::to_string(count) +
-                      (count == 1 ? " record without a known time was left out"
-                                  : " records without a known time were left out"));
+    _filter.reportUndated();
 }
 
 ZlReader::Options zlReaderOptions(const ZlShowOptions& options, std::size_t logs)

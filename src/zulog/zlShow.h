@@ -55,7 +55,6 @@ private:
     void keep(const ZlRecord& record);
 
     ZlOutput& _output;
-    ZlReports& _reports;
     ZlFilter _filter;
     std::unique_ptr<ZlFormat> _format;
     const std::size_t _context;

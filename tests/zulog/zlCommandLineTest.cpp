@@ -100,6 +100,9 @@ TEST(ZlCommandLine, RefusesWhatItCantUse)
         {{"show", "a", "--context", "-1"}, "--context"},
         {{"show", "a", "--format", "xml"}, "xml"},
         {{"show", "a", "--utc", "--ticks"}, "--utc"},
+        {{"follow", "-"}, "standard input can't be followed"},
+        {{"recover"}, "required"},
+        {{"stats", "a", "--rows", "0"}, "--rows"},
         {{"show", "a", "--ticks", "--format", "csv"}, "--relative and --ticks go with the format"},
     };
     for (const auto& row : rows)
@@ -110,6 +113,33 @@ TEST(ZlCommandLine, RefusesWhatItCantUse)
         EXPECT_EQ(command._text.substr(0, 7), "zulog: ");
         EXPECT_NE(command._text.find(row._part), std::string::npos) << command._text;
     }
+}
+
+TEST(ZlCommandLine, ReadsTheOtherCommands)
+{
+    const ZlCommand follow = read({"follow", "--lines", "3", "a.log"});
+    EXPECT_EQ(follow._name, ZlCommand::Name::Follow);
+    EXPECT_EQ(follow._lines, 3U);
+    const ZlCommand stats = read({"stats", "--format", "json", "--rows", "5", "--utc", "a.log"});
+    EXPECT_EQ(stats._name, ZlCommand::Name::Stats);
+    EXPECT_TRUE(stats._isStatsJson);
+    EXPECT_EQ(stats._stats._most, 5U);
+    EXPECT_EQ(stats._stats._times, Zu::ZlTimeWriter::Form::Utc);
+    const ZlCommand html = read({"html", "--output", "p.html", "a.log"});
+    EXPECT_EQ(html._name, ZlCommand::Name::Html);
+    EXPECT_EQ(html._pageFile, "p.html");
+    EXPECT_EQ(html._pageTitle, "a.log");
+    EXPECT_EQ(read({"html", "a.log"}, true)._exit, 2);
+    const ZlCommand list = read({"recover", "list", "--format", "json", "--logs", "d", "m"});
+    EXPECT_EQ(list._name, ZlCommand::Name::RecoverList);
+    EXPECT_TRUE(list._recover._isJson);
+    EXPECT_EQ(list._recover._logDirectory, "d");
+    EXPECT_EQ(list._recover._maps, Words({"m"}));
+    EXPECT_EQ(read({"recover", "show"})._name, ZlCommand::Name::RecoverShow);
+    EXPECT_EQ(read({"recover", "write"})._name, ZlCommand::Name::RecoverWrite);
+    const ZlCommand remove = read({"recover", "remove", "--all"});
+    EXPECT_EQ(remove._name, ZlCommand::Name::RecoverRemove);
+    EXPECT_TRUE(remove._recover._isAll);
 }
 
 TEST(ZlCommandLine, HelpsAndNamesItsVersion)

@@ -4,7 +4,9 @@
 #include "support/childProcess.h"
 #include "support/tempDir.h"
 
+#include <fstream>
 #include <gtest/gtest.h>
+#include <iterator>
 #include <string>
 #include <vector>
 
@@ -94,6 +96,60 @@ TEST_F(Zulog, ReportsRecordsThatHaveNoTime)
     EXPECT_EQ(support::linesOf(result.out).size(), 1U);
     EXPECT_EQ(result.err, "zulog: 1 record without a known time was left out\n");
     EXPECT_EQ(result.exitCode, 0);
+}
+
+TEST_F(Zulog, CountsWhatIsInLogs)
+{
+    const ProgramResult text = runProgram("zulog", {"stats", "--utc", _directory.path()});
+    EXPECT_EQ(text.exitCode, 0);
+    EXPECT_EQ(text.err, "");
+    EXPECT_EQ(text.out.substr(0, 44), "Lines       14\nUnreadable  0\nEvents      3\n");
+    const ProgramResult json =
+        runProgram("zulog", {"stats", "--format", "json", "--level", "Error", _first, _second});
+    EXPECT_EQ(json.exitCode, 0);
+    EXPECT_NE(json.out.find("\"events\":1,"), std::string::npos) << json.out;
+}
+
+TEST_F(Zulog, MakesAPage)
+{
+    const std::string page = _directory.file("page.html");
+    const ProgramResult result =
+        runProgram("zulog", {"html", "--output", page, "--title", "a < b", _first, _second});
+    EXPECT_EQ(result.exitCode, 0);
+    EXPECT_EQ(result.out, "");
+    std::ifstream in(page, std::ios::binary);
+    const std::string text{std::istreambuf_iterator<char>(in), {}};
+    EXPECT_NE(text.find("<title>a &lt; b</title>"), std::string::npos);
+    for (const char* const word : {"one", "two", "three"})
+        EXPECT_NE(text.find("\t" + std::string(word) + "\n"), std::string::npos) << word;
+    EXPECT_EQ(runProgram("zulog", {"html", _first}).out.substr(0, 15), "<!doctype html>");
+    const ProgramResult failed =
+        runProgram("zulog", {"html", "--output", _directory.file("missing/page.html"), _first});
+    EXPECT_EQ(failed.exitCode, 1);
+    EXPECT_NE(failed.err.find("page.html\" can't be opened: "), std::string::npos);
+}
+
+TEST_F(Zulog, WritesWhatAKilledProcessLeft)
+{
+    const support::TempDir maps;
+    const support::TempDir logs;
+    const support::Environment environment = {{"B7Q_TEST_DIR", logs.path()},
+                                              {"ZU_LOG_SERVICE_MAPPING_DIRECTORY", maps.path()}};
+    runProgram("logVictim", {"kill", _directory.file("numbers"), "1", "5"}, environment);
+    const std::vector<std::string> where = {"--mappings", maps.path()};
+    const auto run = [&](std::vector<std::string> words)
+    {
+        words.insert(words.end(), where.begin(), where.end());
+        return runProgram("zulog", words, environment);
+    };
+    EXPECT_NE(run({"recover", "list"}).out.find(logs.path()), std::string::npos);
+    EXPECT_EQ(run({"recover", "remove"}).exitCode, 1);
+    EXPECT_EQ(run({"recover", "write"}).exitCode, 0);
+    EXPECT_EQ(run({"recover", "list", "--format", "json"}).out.find("\"events\""),
+              std::string::npos);
+    const ProgramResult shown = runProgram("zulog", {"show", logs.file("events.log")}, environment);
+    EXPECT_EQ(shown.err, "");
+    EXPECT_NE(shown.out.find("===== Recovered: events of process"), std::string::npos);
 }
 
 } // namespace

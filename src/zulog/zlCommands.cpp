@@ -1,0 +1,157 @@
+#include "zulog/zlCommands.h"
+
+#include "zulog/zlFollow.h"
+#include "zulog/zlPage.h"
+#include "zulog/zlPlatform.h"
+
+#include <atomic>
+#include <cstdio>
+#include <cstdlib>
+#include <exception>
+#include <iostream>
+
+namespace Zu
+{
+
+namespace
+{
+
+using Name = ZlCommand::Name;
+
+// Calls a function with each record that is selected. Returns how many lines were read.
+template <class Function>
+std::uint64_t forEachRecord(const ZlShowOptions& options, ZlReports& reports, Function function)
+{
+    ZlFilter filter(options._selection, reports);
+    ZlMerge merge = zlOpenMerge(options, reports);
+    while (const ZlRecord* const record = merge.next())
+        if (filter.accepts(*record)) function(*record);
+    filter.reportUndated();
+    return merge.getLineCount();
+}
+
+void writePage(const ZlCommand& command, std::FILE* file, ZlReports& reports)
+{
+    ZlOutput output(file);
+    ZlPage page(command._pageTitle);
+    page.begin(output.text());
+    forEachRecord(command._show, reports,
+                  [&](const ZlRecord& record)
+                  {
+                      page.append(output.text(), record);
+                      output.writeIfLarge();
+                  });
+    page.end(output.text());
+    output.write();
+}
+
+void recover(const ZlCommand& command, ZlOutput& output, ZlReports& reports)
+{
+    ZlRecoverOptions options = command._recover;
+    // What the program's own service would take from it.
+    options._service = LgServiceOptions::fromEnvironment();
+    if (options._mapDirectory.empty()) options._mapDirectory = options._service._mappingDirectory;
+    if (command._name == Name::RecoverList) zlRecoverList(options, output, reports);
+    if (command._name == Name::RecoverShow) zlRecoverShow(options, output, reports);
+    if (command._name == Name::RecoverWrite) zlRecoverWrite(options, output, reports);
+    if (command._name == Name::RecoverRemove) zlRecoverRemove(options, output, reports);
+}
+
+void run(const ZlCommand& command, ZlOutput& output, ZlReports& reports)
+{
+    const std::atomic<bool> isStopped = false;
+    switch (command._name)
+    {
+    case Name::Print:
+        break;
+    case Name::Show:
+        zlShow(command._show, output, reports);
+        break;
+    case Name::Follow:
+        zlFollow(command._show, command._lines, output, reports, isStopped);
+        break;
+    case Name::Stats:
+        zlCount(command, output, reports);
+        break;
+    case Name::Html:
+        zlMakePage(command, reports);
+        break;
+    case Name::RecoverList:
+        zlRecoverList(command._recover, output, reports);
+        break;
+    case Name::RecoverShow:
+        zlRecoverShow(command._recover, output, reports);
+        break;
+    case Name::RecoverWrite:
+        zlRecoverWrite(command._recover, output, reports);
+        break;
+    case Name::RecoverRemove:
+        zlRecoverRemove(command._recover, output, reports);
+        break;
+    }
+    output.write();
+}
+
+void runWithOutput(const ZlCommand& command, ZlReports& reports)
+{
+    std::FILE* const pager = command._isPaged ? ZlPlatform::openPager() : nullptr;
+    ZlOutput output(pager ? pager : stdout);
+    try
+    {
+        run(command, output, reports);
+    }
+    catch (const ZlOutput::Closed&)
+    {
+        // Who reads it has seen enough.
+    }
+    catch (const std::exception& error)
+    {
+        reports.failed(error.what());
+    }
+    if (pager) ZlPlatform::closePager(pager);
+}
+
+} // namespace
+
+int zlRunCommand(const ZlCommand& command)
+{
+    if (command._name == Name::Print)
+    {
+        (command._exit == 0 ? std::cout : std::cerr) << command._text << std::flush;
+        return command._exit;
+    }
+    ZlReports reports(std::cerr);
+    runWithOutput(command, reports);
+    reports.endReports();
+    return reports.hasFailed() ? EXIT_FAILURE : EXIT_SUCCESS;
+}
+
+void zlCount(const ZlCommand& command, ZlOutput& output, ZlReports& reports)
+{
+    ZlStats stats;
+    const std::uint64_t lines = forEachRecord(
+        command._show, reports, [&stats](const ZlRecord& record) { stats.add(record); });
+    stats.setLineCount(lines);
+    if (command._isStatsJson)
+        stats.appendJson(output.text());
+    else
+        stats.appendText(output.text(), command._stats);
+}
+
+void zlMakePage(const ZlCommand& command, ZlReports& reports)
+{
+    if (command._pageFile.empty()) return writePage(command, stdout, reports);
+    std::FILE* const file = ZlPlatform::openToWrite(command._pageFile);
+    try
+    {
+        writePage(command, file, reports);
+    }
+    catch (...)
+    {
+        std::fclose(file);
+        throw;
+    }
+    std::fclose(file);
+}
+
+} // namespace Zu
