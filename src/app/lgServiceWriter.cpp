@@ -200,6 +200,8 @@ bool LgServiceWriter::hasWork()
     if (isLookGood()) return true;
     // What comes later waits for the next look, so that a queue that was looked at early does not
     // fall behind one that was looked at late.
+    // It may raise in the middle.
+    _canGoOn = false;
     _until = HwCounter::timeStamp();
     _sinceLook = 0;
     return findQueues();

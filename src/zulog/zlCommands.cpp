@@ -76,18 +76,8 @@ void run(const ZlCommand& command, ZlOutput& output, ZlReports& reports)
     case Name::Html:
         zlMakePage(command, reports);
         break;
-    case Name::RecoverList:
-        zlRecoverList(command._recover, output, reports);
-        break;
-    case Name::RecoverShow:
-        zlRecoverShow(command._recover, output, reports);
-        break;
-    case Name::RecoverWrite:
-        zlRecoverWrite(command._recover, output, reports);
-        break;
-    case Name::RecoverRemove:
-        zlRecoverRemove(command._recover, output, reports);
-        break;
+    default:
+        recover(command, output, reports);
     }
     output.write();
 }

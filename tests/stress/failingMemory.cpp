@@ -12,7 +12,6 @@ constinit thread_local int countdown = 0;
 std::atomic<bool> isMemoryGone{false};
 constinit thread_local bool isSpared = false;
 std::atomic<int> unsparedCountdown{0};
-std::atomic<unsigned> unsparedAllocations{0};
 
 namespace
 {
@@ -21,7 +20,6 @@ bool isRefused()
 {
     if (countdown > 0 && --countdown == 0) return true;
     if (isSpared) return false;
-    ++unsparedAllocations;
     if (unsparedCountdown > 0 && --unsparedCountdown == 0) return true;
     return isMemoryGone;
 }

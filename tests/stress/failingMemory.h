@@ -18,9 +18,6 @@ extern constinit thread_local bool isSpared;
 // Which allocation of all threads that are not spared fails, counted from 1; 0 for none.
 extern std::atomic<int> unsparedCountdown;
 
-// How many allocations the threads that are not spared have requested.
-extern std::atomic<unsigned> unsparedAllocations;
-
 } // namespace stress
 
 #endif

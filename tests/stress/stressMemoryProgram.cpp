@@ -3,6 +3,7 @@
 // memory.
 
 #include "app/lgService.h"
+#include "app/lgServiceThreads.h"
 #include "base/base.h"
 #include "stress/failingMemory.h"
 #include "stress/hardEnd.h"
@@ -116,12 +117,11 @@ void failInServices()
     print(account, refused);
 }
 
-// Waits until the reader has allocated this often; meanwhile it falls asleep.
+// Waits until the reader has fallen asleep.
 void awaitIdleReader()
 {
-    constexpr unsigned LOOKS = 9;
-    const unsigned before = stress::unsparedAllocations;
-    while (stress::unsparedAllocations - before < LOOKS) std::this_thread::yield();
+    Producer::awaitReader();
+    while (!Zu::LgServiceThreads::instance().news().isListenedTo()) std::this_thread::yield();
 }
 
 // Threads that have their queues go on logging without memory, others can't; when memory is
@@ -162,23 +162,34 @@ void loseAllMemory(bool isAsleep)
     print(account, refused);
 }
 
-// The reader's allocations fail one by one: while it writes, when it has nothing to do, and before
-// it sleeps.
+// The reader's allocations fail one by one. It allocates when threads come and go, so they do that
+// until one has failed.
 void failInTheReader()
 {
-    // More than the reader makes between an event and its sleep.
+    // More than the reader makes for one thread.
     constexpr int ALLOCATIONS = 12;
     const LgService service;
-    Producer own(0);
+    Account account;
+    unsigned id = 0;
     isSpared = true;
     for (int i = 1; i <= ALLOCATIONS; ++i)
     {
         stress::unsparedCountdown = i;
-        own.log(3);
-        while (stress::unsparedCountdown > 0) std::this_thread::yield();
-        Producer::awaitReader();
+        while (stress::unsparedCountdown > 0)
+        {
+            std::thread(
+                [&account, id]
+                {
+                    isSpared = true;
+                    Producer own(id);
+                    own.log(3);
+                    account += own.account();
+                })
+                .join();
+            ++id;
+            Producer::awaitReader();
+        }
     }
-    Account account = own.account();
     account._lost = service.getLostCount();
     print(account, ALLOCATIONS);
 }
