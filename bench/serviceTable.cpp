@@ -4,6 +4,7 @@
 #include "app/lgService.h"
 #include "base/lgEvent.h"
 #include "benchLogger.h"
+#include "tableTools.h"
 
 #include <algorithm>
 #include <chrono>
@@ -18,7 +19,8 @@ ZU_DEFINE_LOG_GROUP(Load);
 namespace
 {
 
-using Clock = std::chrono::steady_clock;
+using bench::Clock;
+using bench::median;
 
 constexpr int RUNS = 5;
 constexpr std::chrono::milliseconds LENGTH{300};
@@ -70,12 +72,6 @@ Run runPaced(double perSecond, int threads)
     }
     run._seconds = std::chrono::duration<double>(Clock::now() - start).count();
     return run;
-}
-
-template <class Value> Value median(std::vector<Value> values)
-{
-    std::sort(values.begin(), values.end());
-    return values[values.size() / 2];
 }
 
 void printLosses()
