@@ -154,6 +154,7 @@ void setLogs(const LgServiceOptions& options)
     settings._rotation._kept = options._keptFiles;
     settings._pendingLimit = options._pendingLimit;
     settings._isStored = options._sync;
+    settings._isDatedAgain = options._lineForm == LgServiceOptions::LineForm::Ticks;
     LgServiceLog::setSettings(settings);
     for (int i = 0; i < LgTypes::NUM_LEVELS; ++i)
         if (LgServiceLog* const log = logOf(static_cast<LgTypes::Level>(i)))

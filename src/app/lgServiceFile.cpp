@@ -132,10 +132,12 @@ bool LgServiceFile::isReplaced() const
 
 bool LgServiceFile::isTruncated()
 {
+    _hasOthersText = false;
     if (!isOpen() || !_isPlain) return false;
     const std::optional<Platform::Status> status = Platform::statusOf(_file);
     if (!status) return false;
     const bool isShorter = status->_size < _known;
+    _hasOthersText = status->_size > _known;
     _known = status->_size;
     return isShorter;
 }

@@ -97,6 +97,13 @@ public:
     /// emptied it. True once each time; from then on the smaller size is what counts.
     bool isTruncated();
 
+    /// Whether the open file was longer than this object has seen it, at the last isTruncated():
+    /// somebody else has written to it.
+    bool hasOthersText() const
+    {
+        return _hasOthersText;
+    }
+
     /// Whether the open file is to be put away before another `size` bytes are written, at a time
     /// in seconds since 1970. Never if it is empty. By time, that is so if what counts as the
     /// beginning of its period lies before the most recent occurrence of the time of day: the time
@@ -169,6 +176,7 @@ private:
     std::optional<Identity> _identity;
     // The largest size that is known of the file, since it was last found to be shorter.
     std::uint64_t _known = 0;
+    bool _hasOthersText = false;
     // The time, in seconds since 1970, that counts for the rotation by time.
     std::int64_t _since = 0;
 };

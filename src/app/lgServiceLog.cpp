@@ -163,6 +163,7 @@ bool LgServiceLog::isUsable(std::size_t size)
     if (looks && _file->isOpen() && _file->isReplaced()) openAnew();
     if (!open()) return false;
     if (looks && _file->isTruncated()) _isBannerDue = true;
+    if (looks && settings()._isDatedAgain && _file->hasOthersText()) _isOriginDue = true;
     collectPrefix();
     if (!_file->isRotationDue(_prefix.size() + size, lgWallClock() / NANOSECONDS)) return true;
     if (Clock::now() < _nextRotation) return true;

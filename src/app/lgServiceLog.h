@@ -49,6 +49,9 @@ public:
         /// Whether the logger's banner is written to a file that was opened. Not by a program that
         /// writes for others, and whose logger is not started.
         bool _hasBanner = true;
+        /// Whether lines are dated again when another process has written to the file. For lines
+        /// that do not say themselves whose they are.
+        bool _isDatedAgain = false;
     };
 
     /// What is known of a line that is handed over.

@@ -277,6 +277,24 @@ TEST_F(LgServiceFileTest, ADirectoryInTheFilesPlaceIsAnotherFile)
     EXPECT_TRUE(std::filesystem::is_directory(file("log")));
 }
 
+TEST_F(LgServiceFileTest, TextOfOthersIsNoticedOnce)
+{
+    LgServiceFile log(file("log"), {});
+    EXPECT_EQ(log.open(), 0);
+    expectWritten(log, "abc");
+    EXPECT_FALSE(log.isTruncated());
+    EXPECT_FALSE(log.hasOthersText());
+    std::ofstream(file("log"), std::ios::binary | std::ios::app) << "other";
+    EXPECT_FALSE(log.isTruncated());
+    EXPECT_TRUE(log.hasOthersText());
+    expectWritten(log, "def");
+    EXPECT_FALSE(log.isTruncated());
+    EXPECT_FALSE(log.hasOthersText());
+    std::filesystem::resize_file(file("log"), 1);
+    EXPECT_TRUE(log.isTruncated());
+    EXPECT_FALSE(log.hasOthersText());
+}
+
 TEST_F(LgServiceFileTest, AnEmptiedFileIsNoticedOnce)
 {
     writeFile(file("log"), "0123456789");

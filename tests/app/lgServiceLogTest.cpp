@@ -158,6 +158,25 @@ TEST_F(LgServiceLogTest, ANewOriginComesWithTheNextLine)
     EXPECT_EQ(read(), _dates + "one\n" + line + "two\n" + line + "three\n");
 }
 
+TEST_F(LgServiceLogTest, LinesWithTicksAreDatedAgainBehindThoseOfOthers)
+{
+    for (const bool isDatedAgain : {true, false})
+    {
+        LgServiceLog::Settings settings;
+        settings._isDatedAgain = isDatedAgain;
+        LgServiceLog::setSettings(settings);
+        fs::remove(_path);
+        open();
+        log("one\n");
+        log("two\n");
+        std::ofstream(_path, std::ios::binary | std::ios::app) << "of another process\n";
+        log("three\n");
+        log("four\n");
+        const std::string line = isDatedAgain ? Zu::lgOriginLine(_origin) : "";
+        EXPECT_EQ(read(), _dates + "one\ntwo\nof another process\n" + line + "three\nfour\n");
+    }
+}
+
 TEST_F(LgServiceLogTest, AFileThatExistsIsAppendedTo)
 {
     put("earlier\n");
