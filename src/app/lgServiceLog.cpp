@@ -130,11 +130,17 @@ bool LgServiceLog::open()
     }
     _isBannerDue = true;
     _isOriginDue = true;
+    lookAtEnd();
+    return true;
+}
+
+// The last line may be one that another process has not ended.
+void LgServiceLog::lookAtEnd()
+{
     const std::uint64_t size = _file->getSize();
     char last = '\n';
     if (size > 0) _file->readAt(size - 1, &last, 1);
     _isLineCut = last != '\n';
-    return true;
 }
 
 bool LgServiceLog::prepare(std::size_t size, std::size_t lines)
@@ -163,7 +169,11 @@ bool LgServiceLog::isUsable(std::size_t size)
     if (looks && _file->isOpen() && _file->isReplaced()) openAnew();
     if (!open()) return false;
     if (looks && _file->isTruncated()) _isBannerDue = true;
-    if (looks && settings()._isDatedAgain && _file->hasOthersText()) _isOriginDue = true;
+    if (looks && _file->hasOthersText())
+    {
+        lookAtEnd();
+        if (settings()._isDatedAgain) _isOriginDue = true;
+    }
     collectPrefix();
     if (!_file->isRotationDue(_prefix.size() + size, lgWallClock() / NANOSECONDS)) return true;
     if (Clock::now() < _nextRotation) return true;

@@ -242,6 +242,7 @@ private:
 
     bool isLookDue();
     bool isUsable(std::size_t size);
+    void lookAtEnd();
     bool open();
     void insert(std::string_view text);
     void openAnew();

@@ -63,7 +63,7 @@ std::int64_t timeOf(const std::string& option, const std::string& value, std::in
     const auto time = zlParseTime(value, now);
     if (!time)
         refuse(option, value,
-               "a time such as \"2026-11-22 23:10:51\", \"23:10\", \"5m ago\" or \"now\"");
+               R"(a time such as "2026-11-22 23:10:51", "23:10", "5m ago" or "now")");
     return *time;
 }
 

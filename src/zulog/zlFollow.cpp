@@ -90,15 +90,11 @@ public:
     {
         ZlFile::Identity identity;
         if (!ZlFile::find(_name, identity)) return;
-        if (!_source)
-            open(_name);
-        else if (!(identity == _identity))
-        {
+        const bool isOther = _source && !(identity == _identity);
+        if (_source && !isOther && !_source->isTruncated()) return;
+        if (isOther)
             for (const std::string& name : filesInBetween()) addRotated(name);
-            open(_name);
-        }
-        else if (_source->isTruncated())
-            open(_name);
+        open(_name);
     }
 
     bool next()

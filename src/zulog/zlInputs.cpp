@@ -83,6 +83,7 @@ std::vector<std::string> rotatedIn(const std::set<std::string>& names, const std
         if (known.empty() || endsWith(known, COMPRESSED_ENDING)) known = name;
     }
     std::vector<std::string> files;
+    files.reserve(rotated.size());
     for (const auto& [number, name] : rotated) files.push_back(name);
     return files;
 }

@@ -13,7 +13,7 @@ namespace
 {
 
 // Browsers keep longer texts in several parts, which costs memory and time.
-constexpr std::size_t BLOCK_SIZE = 48 * 1024;
+constexpr std::size_t BLOCK_SIZE = std::size_t{48} * 1024;
 constexpr char UNKNOWN = '-';
 
 void appendNumber(std::string& out, std::uint64_t number)

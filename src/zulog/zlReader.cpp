@@ -47,6 +47,7 @@ std::optional<std::uint32_t> numberOf(std::string_view text)
 
 ZlReader::ZlReader(std::vector<std::string> files, ZlReports& reports, const Options& options)
     : _files(std::move(files)), _reports(reports), _options(options),
+      _isAnySkipped(options._areMarksSkipped || options._levels != ~0U),
       _buffer(std::max(options._bufferSize, LEAST_BUFFER))
 {
 }
@@ -258,6 +259,7 @@ void ZlReader::consume(const Block& block)
 // The level stands at a known place, so the rest of the line need not be looked at.
 bool ZlReader::isSkipped(const Block& block) const
 {
+    if (!_isAnySkipped) return false;
     if (block._first.empty() || !isDigit(block._first.front()))
         return _options._areMarksSkipped && !beginsWith(block._first, MARK_BEGIN);
     const std::size_t place = zlFindLevel(block._first);
@@ -269,38 +271,41 @@ bool ZlReader::isSkipped(const Block& block) const
 
 bool ZlReader::next()
 {
-    const bool isAnySkipped = _options._areMarksSkipped || _options._levels != ~0U;
-    Block block;
-    for (;;)
-    {
-        if (_isOwnerOver) forgetOrigin();
-        if (!_source && !openNext()) break;
-        const bool hasBlock = takeBlock(block);
-        if (!hasBlock && !isOver() && !(_hasStart && _isReleased)) break;
-        if (!hasBlock && isOver()) _source.reset();
-        if (_hasStart)
-        {
-            const bool isPart = hasBlock && addToStart(block._first);
-            if (isPart) consume(block);
-            if (isPart && !_origin) continue;
-            finishStart();
-            if (_options._areMarksSkipped) continue;
-            return true;
-        }
-        if (!hasBlock) continue;
-        if (isAnySkipped && isSkipped(block))
-        {
-            consume(block);
-            continue;
-        }
-        const bool isRecord = read(block);
-        consume(block);
-        const bool isMark = !zlIsEvent(_record._kind);
-        if (isRecord && !(isMark && _options._areMarksSkipped)) return true;
-    }
+    Step step = Step::Nothing;
+    while (step == Step::Nothing) step = takeStep();
+    if (step == Step::Record) return true;
     _isReleased = false;
     _isAllReleased = false;
     return false;
+}
+
+// Deals with one block.
+ZlReader::Step ZlReader::takeStep()
+{
+    if (_isOwnerOver) forgetOrigin();
+    if (!_source && !openNext()) return Step::End;
+    Block block;
+    const bool hasBlock = takeBlock(block);
+    const bool isFileOver = !hasBlock && isOver();
+    const bool isStartDue = _hasStart && (isFileOver || _isReleased);
+    if (!hasBlock && !isFileOver && !isStartDue) return Step::End;
+    if (isFileOver) _source.reset();
+    if (_hasStart) return takeStepOfStart(hasBlock ? &block : nullptr);
+    if (!hasBlock) return Step::Nothing;
+    const bool isRecord = !isSkipped(block) && read(block);
+    consume(block);
+    const bool isWanted = zlIsEvent(_record._kind) || !_options._areMarksSkipped;
+    return isRecord && isWanted ? Step::Record : Step::Nothing;
+}
+
+// The banner goes on with the block, or ends in front of it.
+ZlReader::Step ZlReader::takeStepOfStart(const Block* block)
+{
+    const bool isPart = block && addToStart(block->_first);
+    if (isPart) consume(*block);
+    if (isPart && !_origin) return Step::Nothing;
+    finishStart();
+    return _options._areMarksSkipped ? Step::Nothing : Step::Record;
 }
 
 // False for what is no record of its own.

@@ -95,6 +95,15 @@ private:
         const char* _fault = nullptr;
     };
 
+    enum class Step
+    {
+        Record,
+        Nothing,
+        End
+    };
+
+    Step takeStep();
+    Step takeStepOfStart(const Block* block);
     bool openNext();
     void beginFile(std::unique_ptr<ZlSource> source);
     bool isOver() const;
@@ -124,6 +133,7 @@ private:
     std::string _name;
     ZlReports& _reports;
     const Options _options;
+    const bool _isAnySkipped;
     bool _isLive = false;
     bool _isReleased = false;
     bool _isAllReleased = false;

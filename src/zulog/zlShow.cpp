@@ -119,6 +119,7 @@ ZlMerge zlOpenMerge(const ZlShowOptions& options, ZlReports& reports)
     std::vector<ZlLog> logs = zlFindLogs(options._words, options._areRotatedAdded, reports);
     const ZlReader::Options reading = zlReaderOptions(options, logs.size());
     std::vector<std::unique_ptr<ZlReader>> readers;
+    readers.reserve(logs.size());
     for (ZlLog& log : logs)
         readers.push_back(std::make_unique<ZlReader>(std::move(log), reports, reading));
     return ZlMerge(std::move(readers));

@@ -18,6 +18,7 @@ namespace
 constexpr std::int64_t NANOSECONDS = 1000000000;
 constexpr std::int64_t MICROSECOND = 1000;
 constexpr std::int64_t MINUTE = 60;
+constexpr std::int64_t DAY = 24 * 60 * MINUTE;
 constexpr int DECIMALS = 6;
 // The years whose nanoseconds fit, without the first and the last one.
 constexpr int FIRST_YEAR = 1678;
@@ -57,7 +58,7 @@ bool toSecond(const Civil& civil, std::int64_t& second)
 void setDay(Civil& civil, std::int64_t second)
 {
     namespace chrono = std::chrono;
-    const chrono::sys_days days{chrono::days(floorQuotient(second, 24 * 3600))};
+    const chrono::sys_days days{chrono::days(floorQuotient(second, DAY))};
     const chrono::year_month_day day(days);
     civil._year = static_cast<int>(day.year());
     civil._month = static_cast<unsigned>(day.month());
@@ -142,7 +143,7 @@ private:
 // they skip it, the one at which they would have shown it.
 std::int64_t utcOfLocal(std::int64_t second)
 {
-    const std::int64_t earlier = second - lgLocalOffset(second - 24 * 3600) * MINUTE;
+    const std::int64_t earlier = second - lgLocalOffset(second - DAY) * MINUTE;
     if (earlier + lgLocalOffset(earlier) * MINUTE == second) return earlier;
     return second - lgLocalOffset(earlier) * MINUTE;
 }
@@ -169,7 +170,7 @@ std::optional<std::int64_t> parseAgo(std::string_view text, std::int64_t now)
         unit = 60 * MINUTE;
         break;
     case 'd':
-        unit = 24 * 60 * MINUTE;
+        unit = DAY;
         break;
     default:
         return std::nullopt;
@@ -233,7 +234,7 @@ bool zlParseInstant(std::string_view text, std::int64_t& wall)
 void ZlTimeWriter::append(std::string& out, std::int64_t wall)
 {
     // So far from the limits that no zone leads beyond them.
-    constexpr std::int64_t DISTANCE = 2 * 24 * 3600 * NANOSECONDS;
+    constexpr std::int64_t DISTANCE = 2 * DAY * NANOSECONDS;
     using Limits = std::numeric_limits<std::int64_t>;
     wall = std::clamp(wall, Limits::min() + DISTANCE, Limits::max() - DISTANCE);
     const std::int64_t second = floorQuotient(wall, NANOSECONDS);

@@ -177,6 +177,16 @@ TEST_F(LgServiceLogTest, LinesWithTicksAreDatedAgainBehindThoseOfOthers)
     }
 }
 
+TEST_F(LgServiceLogTest, HalfALineOfAnotherProcessIsEndedBefore)
+{
+    open();
+    log("one\n");
+    std::ofstream(_path, std::ios::binary | std::ios::app) << "half a l";
+    log("two\n");
+    log("three\n");
+    EXPECT_EQ(read(), _dates + "one\nhalf a l\ntwo\nthree\n");
+}
+
 TEST_F(LgServiceLogTest, AFileThatExistsIsAppendedTo)
 {
     put("earlier\n");
