@@ -208,11 +208,16 @@ private:
             fail(std::string(line));
     }
 
-    // What the service says of the file itself.
-    static bool takeServiceLine(std::string_view line)
+    // What the service says of the file itself. Such a line may be torn, too.
+    bool takeServiceLine(std::string_view line)
     {
         const auto begins = [line](std::string_view text) { return line.rfind(text, 0) == 0; };
-        return begins("===== Clock Origin: ") || begins("===== Recovered: ");
+        if (!begins("===== Clock Origin: ") && !begins("===== Recovered: ")) return false;
+        constexpr std::string_view END = " =====";
+        const bool isWhole =
+            line.size() > END.size() && line.substr(line.size() - END.size()) == END;
+        if (!isWhole) ++_account._torn;
+        return true;
     }
 
     void takeFragment(std::string_view line)
