@@ -4,6 +4,7 @@
 #include "app/lgServicePlatform.h"
 #include "app/lgServiceRegistry.h"
 #include "app/threadSlot.h"
+#include "base/compiler.h"
 #include "base/exBase.h"
 #include "base/hwCounter.h"
 #include "base/lgLog.h"
@@ -133,7 +134,7 @@ LgQueue* LgServiceThreads::queueOfThread()
 }
 
 // Not inlined: otherwise each event would save registers for it.
-[[gnu::noinline]] LgQueue* LgServiceThreads::firstQueueOfThread()
+ZU_NEVER_INLINE LgQueue* LgServiceThreads::firstQueueOfThread()
 {
     return instance().makeQueue();
 }

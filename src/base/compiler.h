@@ -32,6 +32,10 @@
 /// Forces inlining of a function that pays off only inside the loops that call it. The portable
 /// form leaves the decision to the compiler.
 ///
+/// @def ZU_NEVER_INLINE
+/// Keeps a function that is seldom called out of the one that calls it, which then saves no
+/// registers for it. The portable form leaves the decision to the compiler.
+///
 /// @def ZU_PRINTF_FORMAT
 /// Parameter number `text`, counting `this`, is a `printf` format for the arguments from `first`
 /// on. The compiler warns where they don't match.
@@ -55,11 +59,13 @@
 /// Ends the region that the nearest macro above began.
 #if ZU_COMPILER_GNU
 #define ZU_ALWAYS_INLINE [[gnu::always_inline]]
+#define ZU_NEVER_INLINE [[gnu::noinline]]
 #define ZU_PRINTF_FORMAT(text, first) [[gnu::format(printf, text, first)]]
 #define ZU_CAN_PREFETCH_FOR_WRITING [[gnu::target("prfchw")]]
 #define ZU_INIT_PRIORITY(priority) __attribute__((init_priority(priority)))
 #else
 #define ZU_ALWAYS_INLINE
+#define ZU_NEVER_INLINE
 #define ZU_PRINTF_FORMAT(text, first)
 #define ZU_CAN_PREFETCH_FOR_WRITING
 #define ZU_INIT_PRIORITY(priority)

@@ -18,7 +18,7 @@ namespace
 constexpr std::int64_t NANOSECONDS = 1000000000;
 constexpr std::int64_t MICROSECOND = 1000;
 constexpr std::int64_t MINUTE = 60;
-constexpr std::int64_t DAY = 24 * 60 * MINUTE;
+constexpr std::int64_t DAY = std::int64_t{24} * 60 * MINUTE;
 constexpr int DECIMALS = 6;
 // The years whose nanoseconds fit, without the first and the last one.
 constexpr int FIRST_YEAR = 1678;
