@@ -5,15 +5,17 @@
 #include "app/lgService.h"
 #include "base/lgEvent.h"
 #include "benchLogger.h"
+#include "floorQueue.h"
 #include "tableTools.h"
 
-#include <array>
+#include <algorithm>
 #include <cerrno>
-#include <charconv>
+#include <cstddef>
 #include <cstdint>
 #include <cstdio>
 #include <cstring>
-#include <fcntl.h>
+#include <ctime>
+#include <iterator>
 #include <memory>
 #include <optional>
 #include <semaphore>
@@ -23,6 +25,7 @@
 #include <string>
 #include <thread>
 #include <unistd.h>
+#include <utility>
 #include <vector>
 
 ZU_DEFINE_LOG_GROUP(Road);
@@ -31,6 +34,9 @@ namespace
 {
 
 using bench::Clock;
+using bench::FloorEntry;
+using bench::FloorFile;
+using bench::FloorQueue;
 using bench::median;
 using Zu::LgService;
 
@@ -41,6 +47,8 @@ constexpr int BURSTS = 100;
 constexpr std::chrono::seconds PATIENCE(20);
 // Behind the head of a line and the group this makes 80 characters.
 const std::string TEXT(80 - 44 - 5 - 1, 'x');
+// The floor has no groups, so they are part of the text.
+const std::string TEXT_OF_FLOOR = "Road " + TEXT;
 
 // Lines per second until all are written, and processor time of the writing thread per line.
 struct Rate
@@ -61,7 +69,8 @@ struct Rate
 
     void print(const char* name, double reference) const
     {
-        std::printf("%-44s %8.2f %8.2f %10.3f\n", name, lines(), lines() / reference,
+        std::printf("%-44s %8.2f %8.2f %8.2f %10.3f\n", name, lines(),
+                    *std::min_element(_lines.begin(), _lines.end()), lines() / reference,
                     median(_micros));
     }
 };
@@ -169,77 +178,66 @@ Rate drainOfPeer(const bench::Logger& logger)
     return rate;
 }
 
-// The events of a floor: what a line needs.
-struct Entry
+FloorEntry& beginEvent(FloorQueue& queue)
 {
-    std::uint64_t _time;
-    std::uint32_t _thread;
-    std::array<char, 36> _text;
-};
-
-char* putDigits(char* place, std::uint32_t number)
-{
-    for (int i = 9; i >= 0; --i, number /= 10) place[i] = static_cast<char>('0' + number % 10);
-    return place + 10;
+    FloorEntry& entry = queue.reserve();
+    entry.begin(Zu::HwCounter::timeStamp(), 0xabc);
+    return entry;
 }
 
-char* putLine(char* place, const Entry& entry)
-{
-    place = putDigits(place, static_cast<std::uint32_t>(entry._time >> 32));
-    *place++ = ' ';
-    place = putDigits(place, static_cast<std::uint32_t>(entry._time));
-    std::memcpy(place, " (0x", 4);
-    place += 4;
-    for (int shift = 28; shift >= 0; shift -= 4)
-        *place++ = "0123456789abcdef"[(entry._thread >> shift) & 15U];
-    std::memcpy(place, ") Warning: ", 11);
-    place += 11;
-    std::memcpy(place, entry._text.data(), entry._text.size() - 1);
-    place += entry._text.size() - 1;
-    *place++ = '\n';
-    return place;
-}
-
-// Writes when so many bytes are there; 0 is after each line.
-Rate floor(const bench::Logger& logger, std::size_t batch)
+// A ring and a thread that writes, as the service has.
+Rate floorWithQueue(const bench::Logger& logger)
 {
     Rate rate;
-    std::vector<Entry> entries(BURST);
-    for (Entry& entry : entries)
-    {
-        entry = {0x123456789abcU, 0xabc, {}};
-        entry._text.fill('x');
-    }
-    std::vector<char> buffer(batch + 128);
     for (int run = 0; run < RUNS; ++run)
     {
-        const int file = open(logger.file("floor.log").c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
+        std::optional<FloorQueue> queue;
+        const int writer = bench::threadMadeBy([&] { queue.emplace(logger.file("floor.log")); });
+        const double processor = bench::processorTimeOf(writer);
+        const Clock::time_point start = Clock::now();
+        for (int i = 0; i < BURSTS; ++i)
+        {
+            for (int j = 0; j < BURST; ++j)
+            {
+                beginEvent(*queue).put(TEXT_OF_FLOOR.data(), TEXT_OF_FLOOR.size());
+                queue->publish();
+            }
+            while (!queue->isEmpty()) std::this_thread::yield();
+        }
+        rate.add(BURST * BURSTS, bench::secondsSince(start),
+                 bench::processorTimeOf(writer) - processor);
+    }
+    return rate;
+}
+
+// No ring and no second thread: formats the same entries again and again.
+Rate floorWithoutQueue(const bench::Logger& logger, std::size_t batch)
+{
+    Rate rate;
+    std::vector<FloorEntry> entries(BURST);
+    for (FloorEntry& entry : entries)
+    {
+        entry.begin(0x123456789abcU, 0xabc);
+        entry.put(TEXT_OF_FLOOR.data(), TEXT_OF_FLOOR.size());
+    }
+    for (int run = 0; run < RUNS; ++run)
+    {
+        FloorFile file(logger.file("floor.log"), batch);
         const double processor = bench::processorTimeOf(getpid());
         const Clock::time_point start = Clock::now();
-        char* place = buffer.data();
-        const auto flush = [&]
-        {
-            if (write(file, buffer.data(), static_cast<std::size_t>(place - buffer.data())) < 0)
-                std::perror("write");
-            place = buffer.data();
-        };
         for (int i = 0; i < BURSTS; ++i)
-            for (const Entry& entry : entries)
-            {
-                place = putLine(place, entry);
-                if (place >= buffer.data() + batch) flush();
-            }
-        flush();
+            for (const FloorEntry& entry : entries) file.put(entry);
+        file.flush();
         rate.add(BURST * BURSTS, bench::secondsSince(start),
                  bench::processorTimeOf(getpid()) - processor);
-        close(file);
     }
     return rate;
 }
 
 void printRates(const bench::Logger& logger)
 {
-    std::printf("%-44s %8s %8s %10s\n", "lines of 80 bytes", "M/s", "share", "us of CPU");
+    std::printf("%-44s %8s %8s %8s %10s\n", "lines of 80 bytes", "M/s", "worst", "share",
+                "us of CPU");
     const Rate alone = drain(0, 0);
     alone.print("service", alone.lines());
     for (const int silent : {16, 256, 1024})
@@ -248,12 +246,32 @@ void printRates(const bench::Logger& logger)
             alone.lines());
     drain(0, 256).print("service beside 256 threads that were busy", alone.lines());
     drainOfPeer(logger).print("spdlog, asynchronous", alone.lines());
-    floor(logger, 0).print("floor, a call for each line", alone.lines());
-    floor(logger, std::size_t{256} * 1024).print("floor, a call for 256 KiB", alone.lines());
+    floorWithQueue(logger).print("floor, a queue and calls for up to 256 KiB", alone.lines());
+    floorWithoutQueue(logger, std::size_t{256} * 1024)
+        .print("floor, no queue, a call for 256 KiB", alone.lines());
+    floorWithoutQueue(logger, 0).print("floor, no queue, a call for each line", alone.lines());
 }
 
-// Logs at a rate, in bursts between which it sleeps; late bursts are caught up.
-template <class Log> void pace(double perSecond, double seconds, Log log)
+enum Wait
+{
+    SLEEPING,
+    BUSY
+};
+
+void waitUntil(const std::timespec& due, Wait wait)
+{
+    if (wait == SLEEPING)
+    {
+        while (clock_nanosleep(CLOCK_MONOTONIC, TIMER_ABSTIME, &due, nullptr) == EINTR) continue;
+        return;
+    }
+    std::timespec now = {};
+    do clock_gettime(CLOCK_MONOTONIC, &now);
+    while (std::pair(now.tv_sec, now.tv_nsec) < std::pair(due.tv_sec, due.tv_nsec));
+}
+
+// Logs at a rate, in bursts between which it waits; late bursts are caught up.
+template <class Log> void pace(double perSecond, double seconds, Wait wait, Log log)
 {
     constexpr int EACH = 100;
     const auto bursts = static_cast<int>(perSecond * seconds / EACH);
@@ -267,60 +285,90 @@ template <class Log> void pace(double perSecond, double seconds, Log log)
             next.tv_nsec -= 1000000000;
             ++next.tv_sec;
         }
-        while (clock_nanosleep(CLOCK_MONOTONIC, TIMER_ABSTIME, &next, nullptr) == EINTR) continue;
+        waitUntil(next, wait);
         for (int j = 0; j < EACH; ++j) log();
     }
 }
 
-template <class Log> void runThreads(int count, double perSecond, double seconds, Log log)
+// What threads do together.
+struct Load
 {
-    std::vector<std::thread> threads;
-    for (int i = 0; i < count; ++i)
-        threads.emplace_back([=] { pace(perSecond / count, seconds, log); });
-    for (std::thread& thread : threads) thread.join();
+    int _threads;
+    double _perSecond;
+    Wait _wait;
+
+    static constexpr double SECONDS = 0.3;
+
+    template <class Log> void run(Log log) const
+    {
+        std::vector<std::thread> threads;
+        threads.reserve(static_cast<std::size_t>(_threads));
+        for (int i = 0; i < _threads; ++i)
+            threads.emplace_back([=, this] { pace(_perSecond / _threads, SECONDS, _wait, log); });
+        for (std::thread& thread : threads) thread.join();
+    }
+
+    double percentOf(std::uint64_t lost) const
+    {
+        return 100 * static_cast<double>(lost) / (_perSecond * SECONDS);
+    }
+};
+
+double lostByService(const Load& load)
+{
+    const LgService service;
+    load.run([] { ZU_LOG_WARNING(Road, TEXT); });
+    return load.percentOf(service.getLostCount());
+}
+
+// The oldest events are discarded.
+double lostByPeer(const Load& load, const bench::Logger& logger)
+{
+    spdlog::init_thread_pool(8192, 1);
+    double lost = 0;
+    {
+        const auto peer = spdlog::basic_logger_mt<spdlog::async_factory_nonblock>(
+            "peer", logger.file("peer.log"));
+        load.run([&peer] { peer->warn(TEXT); });
+        lost = load.percentOf(spdlog::thread_pool()->overrun_counter());
+    }
+    spdlog::drop_all();
+    spdlog::shutdown();
+    return lost;
+}
+
+void printLost(const char* name, const Load& load, const std::vector<double>& lost)
+{
+    std::printf("%-8s %8d %8.1f M %10s %13.3f %% %13.3f %%\n", name, load._threads,
+                load._perSecond / 1e6, load._wait == SLEEPING ? "sleep" : "busy", median(lost),
+                *std::max_element(lost.begin(), lost.end()));
 }
 
 void printLosses(const bench::Logger& logger)
 {
     constexpr int LOSS_RUNS = 9;
-    constexpr double SECONDS = 0.3;
-    std::printf("\n%-24s %10s %15s %15s\n", "lost, sleeping threads", "events/s", "median",
-                "worst");
-    for (const auto& [count, perSecond] : {std::pair(1, 1e6), {1, 2e6}, {2, 2e6}})
-    {
-        std::vector<double> own;
-        std::vector<double> peers;
-        for (int run = 0; run < LOSS_RUNS; ++run)
+    std::printf("\n%-8s %8s %10s %10s %15s %15s\n", "lost", "threads", "events/s", "waiting",
+                "median", "worst");
+    for (const Wait wait : {SLEEPING, BUSY})
+        for (const Load& load : {Load{1, 1e6, wait}, {1, 2e6, wait}, {2, 2e6, wait}})
         {
-            const double all = perSecond * SECONDS / 100;
+            std::vector<double> own;
+            std::vector<double> peers;
+            for (int run = 0; run < LOSS_RUNS; ++run)
             {
-                const LgService service;
-                runThreads(count, perSecond, SECONDS, [] { ZU_LOG_WARNING(Road, TEXT); });
-                own.push_back(static_cast<double>(service.getLostCount()) / all);
+                own.push_back(lostByService(load));
+                peers.push_back(lostByPeer(load, logger));
             }
-            spdlog::init_thread_pool(8192, 1);
-            const auto peer = spdlog::basic_logger_mt<spdlog::async_factory_nonblock>(
-                "peer", logger.file("peer.log"));
-            runThreads(count, perSecond, SECONDS, [&peer] { peer->warn(TEXT); });
-            peers.push_back(static_cast<double>(spdlog::thread_pool()->overrun_counter()) / all);
-            spdlog::drop_all();
-            spdlog::shutdown();
+            printLost("service", load, own);
+            printLost("spdlog", load, peers);
         }
-        const auto print = [&](const char* name, const std::vector<double>& lost)
-        {
-            std::printf("%-14s %d threads %8.1f M %13.3f %% %13.3f %%\n", name, count,
-                        perSecond / 1e6, median(lost), *std::max_element(lost.begin(), lost.end()));
-        };
-        print("service", own);
-        print("spdlog", peers);
-    }
 }
 
 // Times single events, at half a million per second.
-template <class Event> void printLatency(const char* name, Event event)
+template <class Event> std::vector<std::int64_t> timeEvents(Event event)
 {
     constexpr int WARM_UP = 20000;
-    constexpr int COUNT = 300000;
+    constexpr int COUNT = 200000;
     constexpr std::chrono::microseconds PERIOD(2);
     std::vector<std::int64_t> times;
     times.reserve(COUNT);
@@ -335,40 +383,106 @@ template <class Event> void printLatency(const char* name, Event event)
         if (i >= WARM_UP) times.push_back((end - start) / std::chrono::nanoseconds(1));
     }
     std::sort(times.begin(), times.end());
-    const auto at = [&times](double share)
-    { return static_cast<long>(times[static_cast<std::size_t>(share * (COUNT - 1))]); };
-    std::printf("%-36s %8ld %8ld %8ld %8ld\n", name, at(0.5), at(0.99), at(0.999), at(1));
+    return times;
+}
+
+// Medians of several runs, and the longest event of all.
+template <class Event> void printLatency(const char* name, Event event)
+{
+    constexpr double SHARES[] = {0.5, 0.99, 0.999};
+    std::vector<std::int64_t> found[std::size(SHARES)];
+    std::int64_t longest = 0;
+    for (int run = 0; run < RUNS; ++run)
+    {
+        const std::vector<std::int64_t> times = timeEvents(event);
+        for (std::size_t i = 0; i < std::size(SHARES); ++i)
+            found[i].push_back(
+                times[static_cast<std::size_t>(SHARES[i] * static_cast<double>(times.size() - 1))]);
+        longest = std::max(longest, times.back());
+    }
+    std::printf("%-36s", name);
+    for (const auto& each : found) std::printf(" %8ld", static_cast<long>(median(each)));
+    std::printf(" %9ld\n", static_cast<long>(longest));
+}
+
+void printLatencyOfService()
+{
+    const LgService service;
+    printLatency("service, a literal", [](int) { ZU_LOG_WARNING(Road, "a text of some words "); });
+    printLatency(
+        "service, text and integers", [](int i)
+        { ZU_LOG_WARNING(Road, "a text of some words " << -i << static_cast<unsigned int>(i)); });
+    printLatency("service, text, double and word",
+                 [](int i) {
+                     ZU_LOG_WARNING(Road, "a text of some words " << i << i * 0.37 << bench::WORD);
+                 });
+    if (service.getLostCount() > 0)
+        std::printf("(%llu events were lost)\n",
+                    static_cast<unsigned long long>(service.getLostCount()));
+}
+
+FloorEntry& beginTextOf(FloorQueue& queue)
+{
+    FloorEntry& entry = beginEvent(queue);
+    entry.put("Road ", 5);
+    entry.put("a text of some words ", 21);
+    return entry;
+}
+
+void printLatencyOfFloor(const bench::Logger& logger)
+{
+    FloorQueue queue(logger.file("floor.log"));
+    printLatency("floor, a literal",
+                 [&](int)
+                 {
+                     beginTextOf(queue);
+                     queue.publish();
+                 });
+    printLatency("floor, text and integers",
+                 [&](int i)
+                 {
+                     FloorEntry& entry = beginTextOf(queue);
+                     entry.putNumber(-i);
+                     entry.putNumber(static_cast<unsigned int>(i));
+                     queue.publish();
+                 });
+    printLatency("floor, text, double and word",
+                 [&](int i)
+                 {
+                     FloorEntry& entry = beginTextOf(queue);
+                     entry.putNumber(i);
+                     entry.putFixed(i * 0.37);
+                     entry.put(bench::WORD, std::strlen(bench::WORD));
+                     queue.publish();
+                 });
+}
+
+void printLatencyOfPeer(const bench::Logger& logger)
+{
+    spdlog::init_thread_pool(8192, 1);
+    {
+        const auto peer =
+            spdlog::basic_logger_mt<spdlog::async_factory>("peer", logger.file("peer.log"));
+        printLatency("spdlog, a literal", [&](int) { peer->warn("Road a text of some words "); });
+        printLatency(
+            "spdlog, text and integers", [&](int i)
+            { peer->warn("Road a text of some words {}{}", -i, static_cast<unsigned int>(i)); });
+        printLatency(
+            "spdlog, text, double and word", [&](int i)
+            { peer->warn("Road a text of some words {}{:.6f}{}", i, i * 0.37, bench::WORD); });
+    }
+    spdlog::drop_all();
+    spdlog::shutdown();
 }
 
 void printLatencies(const bench::Logger& logger)
 {
-    std::printf("\n%-36s %8s %8s %8s %8s\n", "a single event, ns", "p50", "p99", "p99.9", "most");
+    std::printf("\n%-36s %8s %8s %8s %9s\n", "a single event, ns", "p50", "p99", "p99.9",
+                "longest");
     printLatency("(two readings of the clock)", [](int) {});
-    {
-        const LgService service;
-        printLatency("service, a literal",
-                     [](int) { ZU_LOG_WARNING(Road, "a text of some words "); });
-        printLatency("service, text and integers",
-                     [](int i) {
-                         ZU_LOG_WARNING(Road, "a text of some words "
-                                                  << -i << static_cast<unsigned int>(i));
-                     });
-        printLatency(
-            "service, text, double and word", [](int i)
-            { ZU_LOG_WARNING(Road, "a text of some words " << i << i * 0.37 << bench::WORD); });
-    }
-    spdlog::init_thread_pool(8192, 1);
-    const auto peer =
-        spdlog::basic_logger_mt<spdlog::async_factory>("peer", logger.file("peer.log"));
-    printLatency("spdlog, a literal", [&](int) { peer->warn("Road a text of some words "); });
-    printLatency("spdlog, text and integers",
-                 [&](int i) {
-                     peer->warn("Road a text of some words {}{}", -i, static_cast<unsigned int>(i));
-                 });
-    printLatency("spdlog, text, double and word", [&](int i)
-                 { peer->warn("Road a text of some words {}{:.6f}{}", i, i * 0.37, bench::WORD); });
-    spdlog::drop_all();
-    spdlog::shutdown();
+    printLatencyOfService();
+    printLatencyOfFloor(logger);
+    printLatencyOfPeer(logger);
 }
 
 } // namespace

@@ -1,16 +1,22 @@
-// Tables of the log service under load: losses at a given rate, the first event of a thread, and
-// the cost of an idle service.
+// Tables of what a logger costs where little is logged: the first event of a thread, the memory of
+// threads that have logged once, and an idle logger. The log service and spdlog, asynchronous.
 
 #include "app/lgService.h"
 #include "base/lgEvent.h"
 #include "benchLogger.h"
 #include "tableTools.h"
 
-#include <algorithm>
+#include <barrier>
 #include <chrono>
-#include <cstdint>
+#include <cstddef>
 #include <cstdio>
 #include <ctime>
+#include <fstream>
+#include <memory>
+#include <spdlog/async.h>
+#include <spdlog/sinks/basic_file_sink.h>
+#include <spdlog/spdlog.h>
+#include <string>
 #include <thread>
 #include <vector>
 
@@ -21,111 +27,152 @@ namespace
 
 using bench::Clock;
 using bench::median;
+using bench::secondsSince;
 
-constexpr int RUNS = 5;
-constexpr std::chrono::milliseconds LENGTH{300};
-
-struct Run
+struct Memory
 {
-    std::uint64_t _attempted = 0;
-    std::uint64_t _lost = 0;
-    double _seconds = 0;
-
-    double lostShare() const
-    {
-        return 100.0 * static_cast<double>(_lost) / static_cast<double>(_attempted);
-    }
-
-    double written() const
-    {
-        return static_cast<double>(_attempted - _lost) / _seconds / 1e6;
-    }
+    double _resident = 0;
+    double _shared = 0;
 };
 
-// Logs at a steady rate, and catches up after a delay.
-void produce(double perSecond, std::uint64_t count)
+// Of this process, in KiB: exact, where the counters of /proc/self/status are estimates.
+Memory memory()
 {
-    const auto start = Clock::now();
-    for (std::uint64_t i = 0; i < count; ++i)
-    {
-        const std::chrono::duration<double> due(static_cast<double>(i) / perSecond);
-        while (Clock::now() - start < due) continue;
-        ZU_LOG_WARNING(Load, "event number " << i << " of many");
-    }
+    Memory result;
+    std::ifstream file("/proc/self/smaps_rollup");
+    std::string word;
+    while (file >> word)
+        if (word == "Rss:")
+            file >> result._resident;
+        else if (word == "Pss_Shmem:")
+            file >> result._shared;
+    return result;
 }
 
-Run runPaced(double perSecond, int threads)
+// What each of many threads adds to the memory with its first event.
+template <class Log> Memory memoryOfThread(Log log)
 {
-    const double each = perSecond / threads;
-    const double seconds = std::chrono::duration<double>(LENGTH).count();
-    const auto count = static_cast<std::uint64_t>(each * seconds);
-    Run run;
-    run._attempted = count * static_cast<std::uint64_t>(threads);
-    const auto start = Clock::now();
-    {
-        const Zu::LgService service;
-        std::vector<std::thread> producers;
-        for (int i = 0; i < threads; ++i)
-            producers.emplace_back([each, count] { produce(each, count); });
-        for (std::thread& producer : producers) producer.join();
-        run._lost = service.getLostCount();
-    }
-    run._seconds = std::chrono::duration<double>(Clock::now() - start).count();
-    return run;
-}
-
-void printLosses()
-{
-    std::printf("Lost at a pace, and written per second until all was drained\n");
-    std::printf("%8s %12s %14s %14s %16s\n", "threads", "events/s", "lost, median", "lost, worst",
-                "written, median");
-    for (const int threads : {1, 2})
-        for (const double pace : {0.1e6, 0.5e6, 1e6, 2e6})
-        {
-            std::vector<double> lost;
-            std::vector<double> written;
-            for (int i = 0; i < RUNS; ++i)
+    constexpr int COUNT = 256;
+    std::barrier<> barrier(COUNT + 1);
+    std::vector<std::thread> threads;
+    threads.reserve(COUNT);
+    for (int i = 0; i < COUNT; ++i)
+        threads.emplace_back(
+            [&]
             {
-                const Run run = runPaced(pace, threads);
-                lost.push_back(run.lostShare());
-                written.push_back(run.written());
-            }
-            std::printf("%8d %10.1f M %12.2f %% %12.2f %% %12.2f M/s\n", threads, pace / 1e6,
-                        median(lost), *std::max_element(lost.begin(), lost.end()), median(written));
-        }
+                barrier.arrive_and_wait();
+                barrier.arrive_and_wait();
+                log();
+                barrier.arrive_and_wait();
+                barrier.arrive_and_wait();
+            });
+    // All run, and wait.
+    barrier.arrive_and_wait();
+    const Memory before = memory();
+    barrier.arrive_and_wait();
+    barrier.arrive_and_wait();
+    const Memory after = memory();
+    barrier.arrive_and_wait();
+    for (std::thread& thread : threads) thread.join();
+    return {(after._resident - before._resident) / COUNT, (after._shared - before._shared) / COUNT};
 }
 
-void printFirstEvent()
+// Milliseconds of processor time per second of a process that does nothing itself.
+double idle()
 {
-    const Zu::LgService service;
+    const std::chrono::seconds length(3);
+    const std::clock_t before = std::clock();
+    std::this_thread::sleep_for(length);
+    const double used = static_cast<double>(std::clock() - before) / CLOCKS_PER_SEC;
+    return used * 1000 / static_cast<double>(length.count());
+}
+
+struct Times
+{
+    double _first;
+    double _second;
+};
+
+// Medians in microseconds, of threads that come one after the other.
+template <class Log> Times timesOfEvents(Log log)
+{
     std::vector<double> first;
     std::vector<double> second;
     for (int i = 0; i < 101; ++i)
         std::thread(
             [&]
             {
-                const auto start = Clock::now();
-                ZU_LOG_WARNING(Load, "first");
-                const auto middle = Clock::now();
-                ZU_LOG_WARNING(Load, "second");
-                const auto end = Clock::now();
-                first.push_back(std::chrono::duration<double>(middle - start).count());
-                second.push_back(std::chrono::duration<double>(end - middle).count());
+                const Clock::time_point start = Clock::now();
+                log();
+                first.push_back(secondsSince(start) * 1e6);
+                const Clock::time_point middle = Clock::now();
+                log();
+                second.push_back(secondsSince(middle) * 1e6);
             })
             .join();
-    std::printf("\nFirst event of a thread: %.1f us (median of 101); the second: %.2f us\n",
-                median(first) * 1e6, median(second) * 1e6);
+    return {median(first), median(second)};
 }
 
-void printIdle()
+class Service
 {
-    const Zu::LgService service;
-    const std::chrono::seconds length(3);
-    const std::clock_t before = std::clock();
-    std::this_thread::sleep_for(length);
-    const double used = static_cast<double>(std::clock() - before) / CLOCKS_PER_SEC;
-    std::printf("Processor time of an idle service: %.2f ms per second\n",
-                used * 1000 / static_cast<double>(length.count()));
+public:
+    explicit Service(const bench::Logger&) {}
+
+    static void log()
+    {
+        ZU_LOG_WARNING(Load, "an event");
+    }
+
+private:
+    Zu::LgService _service;
+};
+
+class Peer
+{
+public:
+    explicit Peer(const bench::Logger& logger)
+    {
+        spdlog::init_thread_pool(8192, 1);
+        _logger = spdlog::basic_logger_mt<spdlog::async_factory>("peer", logger.file("peer.log"));
+    }
+
+    Peer(const Peer&) = delete;
+    Peer& operator=(const Peer&) = delete;
+
+    ~Peer()
+    {
+        _logger.reset();
+        spdlog::drop_all();
+        spdlog::shutdown();
+    }
+
+    void log() const
+    {
+        _logger->warn("an event");
+    }
+
+private:
+    std::shared_ptr<spdlog::logger> _logger;
+};
+
+// Measures each with a new logger, so that none finds memory that another has used.
+template <class Kind> void print(const char* name, const bench::Logger& logger)
+{
+    const auto with = [&logger](auto measure)
+    {
+        const Kind kind(logger);
+        return measure([&kind] { kind.log(); });
+    };
+    const Memory ofThread = with([](auto log) { return memoryOfThread(log); });
+    const Times times = with([](auto log) { return timesOfEvents(log); });
+    const double ofIdle = with(
+        [](auto log)
+        {
+            log();
+            return idle();
+        });
+    std::printf("%-8s %10.1f us %10.2f us %8.1f KiB %8.1f KiB %8.3f ms/s\n", name, times._first,
+                times._second, ofThread._resident, ofThread._shared, ofIdle);
 }
 
 } // namespace
@@ -134,8 +181,11 @@ int main()
 {
     const bench::Logger logger;
     ZU_START_LOG_GROUP("Load", Load);
-    printLosses();
-    printFirstEvent();
-    printIdle();
+    std::printf("Of a thread: its first event and its second (medians of 101), and its memory, "
+                "resident and of that shared\n(the mean of 256); then the logger, idle\n");
+    std::printf("%-8s %13s %13s %12s %12s %13s\n", "", "first", "second", "resident", "shared",
+                "idle");
+    print<Service>("service", logger);
+    print<Peer>("spdlog", logger);
     ZU_STOP_LOG_GROUP(Load);
 }
