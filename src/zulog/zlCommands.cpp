@@ -1,5 +1,6 @@
 #include "zulog/zlCommands.h"
 
+#include "zulog/zlFile.h"
 #include "zulog/zlFollow.h"
 #include "zulog/zlPage.h"
 #include "zulog/zlPlatform.h"
@@ -28,6 +29,18 @@ std::uint64_t forEachRecord(const ZlShowOptions& options, ZlReports& reports, Fu
         if (filter.accepts(*record)) function(*record);
     filter.reportUndated();
     return merge.getLineCount();
+}
+
+// The page would replace a log before that is read.
+void refuseInput(const ZlCommand& command, ZlReports& reports)
+{
+    ZlFile::Identity page;
+    if (!ZlFile::find(command._pageFile, page)) return;
+    const ZlShowOptions& show = command._show;
+    for (const ZlLog& log : zlFindLogs(show._words, show._areRotatedAdded, reports))
+        for (const std::string& file : log)
+            if (ZlFile::Identity input; ZlFile::find(file, input) && input == page)
+                throw ZlError("\"" + command._pageFile + "\" is one of the logs, and stays");
 }
 
 void writePage(const ZlCommand& command, std::FILE* file, ZlReports& reports)
@@ -131,6 +144,7 @@ void zlCount(const ZlCommand& command, ZlOutput& output, ZlReports& reports)
 void zlMakePage(const ZlCommand& command, ZlReports& reports)
 {
     if (command._pageFile.empty()) return writePage(command, stdout, reports);
+    refuseInput(command, reports);
     std::FILE* const file = ZlPlatform::openToWrite(command._pageFile);
     try
     {

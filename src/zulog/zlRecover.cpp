@@ -526,6 +526,14 @@ void zlRecoverWrite(const ZlRecoverOptions& options, ZlOutput& out, ZlReports& r
                 [&](const ZlLeft& left) { reportOther(options, reports, left); });
 }
 
+// A map that is damaged is known by its name alone.
+static bool isNamedAsMap(const std::string& path)
+{
+    const std::u8string name =
+        std::filesystem::path(std::u8string(path.begin(), path.end())).filename().u8string();
+    return name.rfind(u8"zu-log-", 0) == 0;
+}
+
 void zlRecoverRemove(const ZlRecoverOptions& options, ZlOutput& out, ZlReports& reports)
 {
     if (options._maps.empty() && !options._isAll)
@@ -536,6 +544,9 @@ void zlRecoverRemove(const ZlRecoverOptions& options, ZlOutput& out, ZlReports& 
         LgServiceRecovery recovery(file, LgLineForm::Ticks, false, {});
         const bool isReadable = recovery.load();
         if (isReadable) addFacts(facts, recovery);
+        // Any file of this user can be named.
+        if (!isReadable && !isNamedAsMap(left._path))
+            return reports.failed(left._path + " is not a map of events, and stays");
         file.remove();
         std::error_code ignored;
         if (std::filesystem::exists(left._path, ignored))

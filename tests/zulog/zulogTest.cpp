@@ -4,6 +4,7 @@
 #include "support/childProcess.h"
 #include "support/tempDir.h"
 
+#include <filesystem>
 #include <fstream>
 #include <gtest/gtest.h>
 #include <iterator>
@@ -127,6 +128,25 @@ TEST_F(Zulog, MakesAPage)
         runProgram("zulog", {"html", "--output", _directory.file("missing/page.html"), _first});
     EXPECT_EQ(failed.exitCode, 1);
     EXPECT_NE(failed.err.find("page.html\" can't be opened: "), std::string::npos);
+}
+
+TEST_F(Zulog, DoesNotReplaceALogByItsPage)
+{
+    const ProgramResult result =
+        runProgram("zulog", {"html", "--output", _first, _directory.path()});
+    EXPECT_EQ(result.exitCode, 1);
+    EXPECT_NE(result.err.find("is one of the logs, and stays"), std::string::npos);
+    EXPECT_NE(runProgram("zulog", {"show", _first}).out.find("Orders one"), std::string::npos);
+}
+
+TEST_F(Zulog, RemovesNoFileThatIsNoMap)
+{
+    // Such as a map may be: its user's alone.
+    std::filesystem::permissions(_first, std::filesystem::perms::owner_read |
+                                             std::filesystem::perms::owner_write);
+    const ProgramResult result = runProgram("zulog", {"recover", "remove", _first});
+    EXPECT_EQ(result.exitCode, 1);
+    EXPECT_NE(runProgram("zulog", {"show", _first}).out.find("Orders one"), std::string::npos);
 }
 
 TEST_F(Zulog, WritesWhatAKilledProcessLeft)
