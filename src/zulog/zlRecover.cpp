@@ -526,14 +526,6 @@ void zlRecoverWrite(const ZlRecoverOptions& options, ZlOutput& out, ZlReports& r
                 [&](const ZlLeft& left) { reportOther(options, reports, left); });
 }
 
-// A map that is damaged is known by its name alone.
-static bool isNamedAsMap(const std::string& path)
-{
-    const std::u8string name =
-        std::filesystem::path(std::u8string(path.begin(), path.end())).filename().u8string();
-    return name.rfind(u8"zu-log-", 0) == 0;
-}
-
 void zlRecoverRemove(const ZlRecoverOptions& options, ZlOutput& out, ZlReports& reports)
 {
     if (options._maps.empty() && !options._isAll)
@@ -544,8 +536,8 @@ void zlRecoverRemove(const ZlRecoverOptions& options, ZlOutput& out, ZlReports& 
         LgServiceRecovery recovery(file, LgLineForm::Ticks, false, {});
         const bool isReadable = recovery.load();
         if (isReadable) addFacts(facts, recovery);
-        // Any file of this user can be named.
-        if (!isReadable && !isNamedAsMap(left._path))
+        // Any file of this user can be named; a map that is damaged is known by its name alone.
+        if (!isReadable && !nameOf(left._path).starts_with("zu-log-"))
             return reports.failed(left._path + " is not a map of events, and stays");
         file.remove();
         std::error_code ignored;

@@ -360,17 +360,4 @@ TEST(ZlReader, ReadsOneFileAfterTheOther)
     EXPECT_NE(reported.str().find("missing\" can't be opened: "), std::string::npos);
 }
 
-TEST(ZlReader, ReportsTheFirstTenLinesOfAFileOneByOne)
-{
-    std::ostringstream reported;
-    Zu::ZlReports reports(reported);
-    for (std::uint64_t line = 1; line <= 12; ++line) reports.wrongLine("a\x1b.log", line, "bad");
-    EXPECT_EQ(reported.str().substr(0, 24), "zulog: a\\x1b.log:1: bad\n");
-    EXPECT_EQ(reported.str().find(":11:"), std::string::npos);
-    reports.endReports();
-    EXPECT_NE(reported.str().find("zulog: a\\x1b.log: 2 more lines like these\n"),
-              std::string::npos);
-    EXPECT_FALSE(reports.hasFailed());
-}
-
 } // namespace
