@@ -1,6 +1,8 @@
 #include "app/lgService.h"
 
+#include "app/lgMapFile.h"
 #include "app/lgServiceCompressor.h"
+#include "app/lgServiceControl.h"
 #include "app/lgServiceEx.h"
 #include "app/lgServiceFatal.h"
 #include "app/lgServiceLog.h"
@@ -178,7 +180,7 @@ std::uint64_t recover(const LgServiceMap::Settings& settings, const LgServiceOpt
     return std::async(std::launch::async, recoverAll).get();
 }
 
-// Where the lines of a level go.
+// Where the lines of a level go. For the thread that writes, or while none does.
 std::string outputsOf(LgTypes::Level level)
 {
     std::string text = LgLog::isLevelEchoed(level) ? "stdout" : "";
@@ -186,6 +188,27 @@ std::string outputsOf(LgTypes::Level level)
     if (!text.empty()) text += ", ";
     const LgServiceLog* const log = logOf(level);
     return text + (log ? log->getPath() : "a stream of the program");
+}
+
+// What other processes see of the service. The reader outlives it.
+LgServiceControl::Settings controlSettings(const LgServiceMap::Settings& settings,
+                                           const LgServiceReader& reader, std::uint64_t lostBefore,
+                                           std::uint64_t recovered)
+{
+    LgServiceControl::Settings control;
+    control._fileDirectory =
+        settings._mapDirectory.empty() ? lgMapDirectory() : settings._mapDirectory;
+    control._logDirectory = settings._logDirectory;
+    control._health = [&reader, lostBefore, recovered]
+    {
+        LgServiceHealth health;
+        reader.addHealth(health);
+        health._lost = LgServiceThreads::instance().getLostCount() - lostBefore;
+        health._recovered = recovered;
+        return health;
+    };
+    control._outputOf = &outputsOf;
+    return control;
 }
 
 } // namespace
@@ -217,6 +240,9 @@ LgService::LgService(LgServiceOptions options, bool) : _options(std::move(option
         _reader = std::make_unique<LgServiceReader>(
             threads, form, _options._rawText,
             _options._compress ? LgServiceCompressor::getFactory() : nullptr);
+        if (_options._control)
+            _reader->beginControl(std::make_unique<LgServiceControl>(
+                controlSettings(settings, *_reader, _lostBefore, _recovered)));
     }
     catch (...)
     {

@@ -471,6 +471,7 @@ constexpr Option OPTIONS[] = {
     option<Number<1, 10000>, &LgServiceOptions::_keptMappings>("kept-mappings"),
     option<Number<1, 3650>, &LgServiceOptions::_keptMappingDays>("kept-mapping-days"),
     option<Size<64 * KI, GI>, &LgServiceOptions::_pendingLimit>("pending-limit"),
+    option<Flag, &LgServiceOptions::_control>("control"),
 };
 
 std::string variableOf(const Option& option)

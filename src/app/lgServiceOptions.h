@@ -103,6 +103,10 @@ struct LgServiceOptions
     /// The bytes of lines that wait for a file which fails; the lines beyond are only counted.
     std::uint64_t _pendingLimit = std::uint64_t{1} << 20;
 
+    /// Whether processes of the same user may ask how the service is doing, and change the levels
+    /// of groups, as `zulog ps` and `zulog level` do.
+    bool _control = true;
+
     /// The defaults, replaced by what the environment has.
     ZU_APP_API static LgServiceOptions fromEnvironment();
 

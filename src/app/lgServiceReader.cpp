@@ -110,6 +110,9 @@ LgServiceReader::Outcome LgServiceReader::writeSome()
     try
     {
         if (_isReopenDue.exchange(false, std::memory_order_acquire)) _writer.reopen();
+        // Here, where no fork can happen meanwhile.
+        if (LgServiceControl* const control = _presentControl.load(std::memory_order_acquire))
+            control->answerIfAsked();
         const bool hasWritten = _writer.writeBatch();
         _threads.setFailing(_writer.isFailing());
         if (hasWritten) _threads.endVainWaits();

@@ -5,6 +5,7 @@
 #define ZU_APP_LGSERVICEREADER_H
 
 #include "lgServiceCompression.h"
+#include "lgServiceControl.h"
 #include "lgServiceSync.h"
 #include "lgServiceThreads.h"
 #include "lgServiceWriter.h"
@@ -12,6 +13,7 @@
 #include <atomic>
 #include <memory>
 #include <thread>
+#include <utility>
 
 namespace Zu
 {
@@ -42,6 +44,13 @@ public:
     static void reopen() noexcept
     {
         _isReopenDue.store(true, std::memory_order_release);
+    }
+
+    /// From now on, the thread answers other processes. For the one that made the object, once.
+    void beginControl(std::unique_ptr<LgServiceControl> control)
+    {
+        _control = std::move(control);
+        _presentControl.store(_control.get(), std::memory_order_release);
     }
 
     /// Fills in what is known of the service. Any thread may call it; never waits for a file.
@@ -89,6 +98,9 @@ private:
     const int _forks;
     std::atomic<bool> _stop{false};
     bool _reported = false;
+    std::unique_ptr<LgServiceControl> _control;
+    // The same, for the thread, which begins before there is one.
+    std::atomic<LgServiceControl*> _presentControl{nullptr};
     std::thread _thread;
 };
 

@@ -12,6 +12,7 @@
 #include <iostream>
 #include <list>
 #include <map>
+#include <mutex>
 #include <string>
 
 namespace Zu
@@ -43,6 +44,8 @@ KeptGroups& keptGroups()
 
 Names* names = nullptr;
 MajorGroups* majorGroups = nullptr;
+// Held while these are used or changed.
+std::mutex mutex;
 
 const char* nameCopy(const char* name)
 {
@@ -103,6 +106,7 @@ std::uint32_t LgMajorGroup::getLevelMask(LgTypes::Level level)
 
 LgMajorGroup& LgMajorGroup::getInstanceForName(const char* name)
 {
+    const std::lock_guard guard(mutex);
     ZU_ASSERT(names);
     ZU_ASSERT(majorGroups);
     if (const auto found = majorGroups->find(name); found != majorGroups->end())
@@ -136,16 +140,20 @@ void LgMajorGroup::parse(const char* text)
 
 void LgMajorGroup::initialize(const char* text)
 {
-    ZU_ASSERT(!names);
-    ZU_ASSERT(!majorGroups);
-    names = new Names;
-    majorGroups = new MajorGroups;
-    for (auto& [name, group] : keptGroups()) group = LgMajorGroup();
+    {
+        const std::lock_guard guard(mutex);
+        ZU_ASSERT(!names);
+        ZU_ASSERT(!majorGroups);
+        names = new Names;
+        majorGroups = new MajorGroups;
+        for (auto& [name, group] : keptGroups()) group = LgMajorGroup();
+    }
     if (text) parse(text);
 }
 
 void LgMajorGroup::finalize()
 {
+    const std::lock_guard guard(mutex);
     ZU_ASSERT(names);
     ZU_ASSERT(majorGroups);
     delete majorGroups;
@@ -154,8 +162,16 @@ void LgMajorGroup::finalize()
     names = nullptr;
 }
 
+void LgMajorGroup::visitAll(const Visitor& visitor)
+{
+    const std::lock_guard guard(mutex);
+    if (!majorGroups) return;
+    for (const auto& [name, group] : *majorGroups) visitor(name, *group);
+}
+
 void LgMajorGroup::printAll(std::ostream& out)
 {
+    const std::lock_guard guard(mutex);
     ZU_ASSERT(majorGroups);
     StreamFormat format(out);
     const char fill = out.fill();

@@ -9,6 +9,7 @@
 
 #include <atomic>
 #include <cstdint>
+#include <functional>
 #include <iosfwd>
 
 namespace Zu
@@ -20,9 +21,9 @@ namespace Zu
 /// A broken rule, such as a request for a group before initialize(), raises ExInternalError
 /// "Assertion '...' failed."
 ///
-/// Thread-safety: groups are found, parsed, created and ended during start-up and shut-down, on one
-/// thread. Any thread may read and set the mask of a group at any time; a reader that races with a
-/// change sees either the old mask or the new one.
+/// Thread-safety: groups are parsed and ended during start-up and shut-down, on one thread. Any
+/// thread may find, create and visit groups meanwhile, and read and set the mask of a group at any
+/// time; a reader that races with a change sees either the old mask or the new one.
 class ZU_BASE_API LgMajorGroup
 {
 public:
@@ -77,6 +78,14 @@ public:
     /// group, and a request for the same name returns the same object. Asserts "names" and
     /// "majorGroups".
     static void finalize();
+
+    /// Called with a group and its name, which stays valid until finalize().
+    using Visitor = std::function<void(const char* name, LgMajorGroup& group)>;
+
+    /// Visits the groups in byte order of their names; none before initialize() and after
+    /// finalize(). For tools that show and set the levels of a process while it runs. Groups can't
+    /// be found, created or ended by the visitor.
+    static void visitAll(const Visitor& visitor);
 
     /// Writes the groups in byte order of their names. The word for the threshold is deliberately
     /// that of the first level, from Tracing down, whose mask shares any bit with the group's.

@@ -39,6 +39,8 @@ struct Words
     std::string _until;
     std::string _figures = "text";
     std::string _list = "text";
+    std::string _process;
+    std::vector<std::string> _changes;
 };
 
 // A number in decimal, or in hexadecimal behind "0x", as threads are written.
@@ -157,6 +159,8 @@ public:
         addStats();
         addHtml();
         addRecover();
+        addProcesses();
+        addLevel();
     }
 
     Name chosen() const
@@ -247,6 +251,42 @@ private:
             .add_flag("--all", options._isAll, "Remove all of them");
     }
 
+    void addMappings(CLI::App& command)
+    {
+        command.add_option("--mappings", _result._control._directory,
+                           "The mapping directory of the processes, if they have one of their own");
+    }
+
+    void addProcesses()
+    {
+        CLI::App& processes =
+            add(_app, "ps", "Show which processes log, and how that goes", Name::Processes);
+        processes.add_option("PROCESS", _result._control._processes,
+                             "Ids of processes or names of programs, of which all is shown");
+        addMappings(processes);
+        processes.add_option("--format", _words._list, "text or json")
+            ->check(CLI::IsMember({"text", "json"}))
+            ->capture_default_str();
+        processes.add_flag("--utc", _words._isUtc, "Show times in UTC");
+    }
+
+    void addLevel()
+    {
+        CLI::App& level =
+            add(_app, "level", "Show and change what a process logs while it runs", Name::Level);
+        level
+            .add_option("PROCESS", _words._process, "The id of a process or the name of a program")
+            ->required();
+        CLI::Option* const changes = level.add_option(
+            "CHANGE", _words._changes,
+            "Thresholds of groups, as Database=Tracing; with * and ? for several groups");
+        level
+            .add_flag("--reset", _result._control._isReset,
+                      "Give all groups back what they had before they were changed")
+            ->excludes(changes);
+        addMappings(level);
+    }
+
     CLI::App& _app;
     Words& _words;
     ZlCommand& _result;
@@ -296,6 +336,15 @@ void finishSelection(const Words& words, std::int64_t now, ZlSelection& selectio
     if (!words._until.empty()) selection._until = timeOf("--until", words._until, now);
 }
 
+void finishControl(const Words& words, ZlControlOptions& control)
+{
+    if (!words._process.empty()) control._processes = {words._process};
+    for (const std::string& text : words._changes)
+        if (!zlParseChange(text, control._changes.emplace_back()))
+            refuse("CHANGE", text, "a group and a level such as Database=Tracing");
+    control._isJson = words._list == "json";
+}
+
 void finish(const Words& words, const ZlSurroundings& surroundings, ZlCommand& command)
 {
     command._show._words = words._files;
@@ -316,6 +365,8 @@ void finish(const Words& words, const ZlSurroundings& surroundings, ZlCommand& c
     command._isStatsJson = words._figures == "json";
     if (command._pageTitle.empty() && !words._files.empty()) command._pageTitle = words._files[0];
     command._recover._times = times;
+    command._control._times = times;
+    finishControl(words, command._control);
     command._recover._isJson = words._list == "json";
     command._recover._isTerminal = surroundings._isOutputTerminal;
 }

@@ -4,6 +4,7 @@
 #ifndef ZU_ZULOG_ZLCOMMANDLINE_H
 #define ZU_ZULOG_ZLCOMMANDLINE_H
 
+#include "zlControl.h"
 #include "zlRecover.h"
 #include "zlShow.h"
 #include "zlStats.h"
@@ -29,7 +30,9 @@ struct ZlCommand
         RecoverList,
         RecoverShow,
         RecoverWrite,
-        RecoverRemove
+        RecoverRemove,
+        Processes,
+        Level
     };
 
     Name _name = Name::Print;
@@ -43,6 +46,7 @@ struct ZlCommand
     std::string _pageFile;
     std::string _pageTitle;
     ZlRecoverOptions _recover;
+    ZlControlOptions _control;
     std::string _text;
     int _exit = 0;
 };

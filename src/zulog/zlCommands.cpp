@@ -70,6 +70,15 @@ void recover(const ZlCommand& command, ZlOutput& output, ZlReports& reports)
     if (command._name == Name::RecoverRemove) zlRecoverRemove(options, output, reports);
 }
 
+void control(const ZlCommand& command, ZlOutput& output, ZlReports& reports)
+{
+    ZlControlOptions options = command._control;
+    if (options._directory.empty())
+        options._directory = LgServiceOptions::fromEnvironment()._mappingDirectory;
+    if (command._name == Name::Processes) zlShowProcesses(options, output, reports);
+    if (command._name == Name::Level) zlChangeLevels(options, output, reports);
+}
+
 void run(const ZlCommand& command, ZlOutput& output, ZlReports& reports)
 {
     const std::atomic<bool> isStopped = false;
@@ -88,6 +97,10 @@ void run(const ZlCommand& command, ZlOutput& output, ZlReports& reports)
         break;
     case Name::Html:
         zlMakePage(command, reports);
+        break;
+    case Name::Processes:
+    case Name::Level:
+        control(command, output, reports);
         break;
     default:
         recover(command, output, reports);

@@ -95,6 +95,7 @@ const Known KNOWN[] = {
     {"pending-limit", "ZU_LOG_SERVICE_PENDING_LIMIT",
      "a number of bytes from 64K to 1G, with K, M or G behind it if wanted, e.g. 64M", "128k",
      "131072", "1048576"},
+    {"control", "ZU_LOG_SERVICE_CONTROL", TRUTH, "off", "false", "true"},
 };
 
 const Known& known(const std::string& name)
@@ -190,6 +191,7 @@ TEST(LgServiceOptions, DefaultsSuitALongRunningServer)
     EXPECT_EQ(options._keptMappings, 100);
     EXPECT_EQ(options._keptMappingDays, 30);
     EXPECT_EQ(options._pendingLimit, 1024U * 1024);
+    EXPECT_TRUE(options._control);
 }
 
 TEST(LgServiceOptions, EachNameSetsItsOwnField)
@@ -216,6 +218,7 @@ TEST(LgServiceOptions, EachNameSetsItsOwnField)
     EXPECT_EQ(options._keptMappings, 9);
     EXPECT_EQ(options._keptMappingDays, 365);
     EXPECT_EQ(options._pendingLimit, 128U * 1024);
+    EXPECT_FALSE(options._control);
 }
 
 TEST(LgServiceOptions, SettingOneOptionLeavesTheOthers)
@@ -392,6 +395,7 @@ TEST(LgServiceOptions, RefusesWhatIsMalformedOrOutOfRangeAndLeavesTheValue)
         {"kept-mapping-days", {"0", "-30", "3651"}, "is out of range"},
         {"pending-limit", notSizes, "is not a size"},
         {"pending-limit", {"0", "65535", "1073741825", "2G"}, "is out of range"},
+        {"control", notTruths, "is not a truth value"},
     };
     std::map<std::string, int> tested;
     for (const Refused& row : rows)
@@ -486,7 +490,8 @@ TEST(LgServiceOptions, DisplaysEveryOptionInTheOrderOfTheStruct)
                                     "mapping-directory: \"\" (ZU_LOG_SERVICE_MAPPING_DIRECTORY)\n"
                                     "kept-mappings: 100 (ZU_LOG_SERVICE_KEPT_MAPPINGS)\n"
                                     "kept-mapping-days: 30 (ZU_LOG_SERVICE_KEPT_MAPPING_DAYS)\n"
-                                    "pending-limit: 1048576 (ZU_LOG_SERVICE_PENDING_LIMIT)\n");
+                                    "pending-limit: 1048576 (ZU_LOG_SERVICE_PENDING_LIMIT)\n"
+                                    "control: true (ZU_LOG_SERVICE_CONTROL)\n");
     std::string changed;
     for (const Known& row : KNOWN)
         changed += std::string(row._name) + ": " + row._shown + " (" + row._variable + ")\n";

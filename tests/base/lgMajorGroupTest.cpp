@@ -10,6 +10,7 @@
 #include <iomanip>
 #include <sstream>
 #include <string>
+#include <thread>
 
 namespace
 {
@@ -192,6 +193,42 @@ TEST_F(LgMajorGroupTest, APairWithoutALevelBreaksARule)
     initialize();
     for (const char* const text : {"Group", "Group=", "A=Error,Group", "Group=,"})
         EXPECT_EQ(assertionOf([=] { LgMajorGroup::parse(text); }), "Assertion 's' failed.") << text;
+}
+
+TEST_F(LgMajorGroupTest, VisitsGroupsInByteOrder)
+{
+    initialize("UI=Error,Database=Tracing");
+    std::string visited;
+    const auto visit = [&visited](const char* name, LgMajorGroup& group)
+    {
+        visited.append(name).append(" ").append(std::to_string(group.getLogLevels())).append("\n");
+        group.setLogThreshold(LgTypes::Warning, false);
+    };
+    LgMajorGroup::visitAll(visit);
+    EXPECT_EQ(visited, "Database 252\nUI 224\n");
+    EXPECT_EQ(levelsOf("UI"), 0xF0U);
+    LgMajorGroup::finalize();
+    _initialized = false;
+    LgMajorGroup::visitAll([](const char*, LgMajorGroup&) { FAIL(); });
+}
+
+TEST_F(LgMajorGroupTest, GroupsMayBeMadeWhileOthersAreVisited)
+{
+    initialize();
+    constexpr int COUNT = 500;
+    std::thread maker(
+        []
+        {
+            for (int i = 0; i < COUNT; ++i) levelsOf(("Group" + std::to_string(i)).c_str());
+        });
+    int visited = 0;
+    while (visited < COUNT)
+    {
+        visited = 0;
+        LgMajorGroup::visitAll([&visited](const char*, const LgMajorGroup&) { ++visited; });
+    }
+    maker.join();
+    EXPECT_EQ(visited, COUNT);
 }
 
 TEST_F(LgMajorGroupTest, PrintsGroupsInByteOrder)
