@@ -1,5 +1,6 @@
 #include "zulog/zlCommandLine.h"
 
+#include "zulog/zlCompletion.h"
 #include "zulog/zlTime.h"
 
 #include <algorithm>
@@ -18,6 +19,10 @@ using Name = ZlCommand::Name;
 using Times = ZlFormatOptions::Times;
 
 constexpr int WRONG_USE = 2;
+
+// What most people choose from.
+constexpr const char* LEVEL_TYPE = "LEVEL:{Internal Error,Fatal Error,Error,Warning,Informational,"
+                                   "Tracing,Profiling}";
 
 // The options as they are written. They are turned into values when all of them are known.
 struct Words
@@ -41,6 +46,7 @@ struct Words
     std::string _list = "text";
     std::string _process;
     std::vector<std::string> _changes;
+    std::string _shell;
 };
 
 // A number in decimal, or in hexadecimal behind "0x", as threads are written.
@@ -91,6 +97,7 @@ void addFiles(CLI::App& command, Words& words)
     command
         .add_option("FILE", words._files,
                     "Log files, directories with logs, or - for standard input")
+        ->type_name("")
         ->required();
     command.add_flag("--rotated", words._areRotatedAdded,
                      "Add the files that each file was rotated to");
@@ -98,7 +105,8 @@ void addFiles(CLI::App& command, Words& words)
 
 void addForm(CLI::App& command, Words& words)
 {
-    command.add_option("--format", words._format, "text, iso, json, csv or logfmt")
+    command.add_option("--format", words._format, "The form of the output")
+        ->type_name("FORM")
         ->check(CLI::IsMember({"text", "iso", "json", "csv", "logfmt"}))
         ->capture_default_str();
     CLI::Option* const utc = command.add_flag("--utc", words._isUtc, "Show times in UTC");
@@ -111,30 +119,38 @@ void addForm(CLI::App& command, Words& words)
     command.add_flag("--raw", words._isRaw, "Undo the escapes in texts");
     command.add_flag("--hosts", words._hasHosts, "Show the host in each line");
     command.add_flag("--files", words._hasFiles, "Show file and line in front of each line");
-    command.add_option("--color", words._colour, "Colours: auto, always or never")
+    command.add_option("--color", words._colour, "When levels are coloured")
+        ->type_name("WHEN")
         ->check(CLI::IsMember({"auto", "always", "never"}))
         ->capture_default_str();
 }
 
 void addFilters(CLI::App& command, Words& words, ZlSelection& selection)
 {
-    command.add_option("--level", words._level,
-                       "This level and the more severe ones; =Tracing or Error,Tracing for these "
-                       "levels alone");
+    command
+        .add_option("--level", words._level,
+                    "This level and the more severe ones; =Tracing or Error,Tracing for these "
+                    "levels alone")
+        ->type_name(LEVEL_TYPE);
     command.add_option("--group", selection._groups, "Groups, with * and ? as wildcards")
+        ->type_name("GROUP")
         ->allow_extra_args(false);
     command.add_option("--thread", words._threads, "Threads, as 4711 or 0x00001267")
+        ->type_name("THREAD")
         ->allow_extra_args(false);
     command.add_option("--process", selection._processes, "Processes, by their ids")
+        ->type_name("ID")
         ->allow_extra_args(false);
     command
         .add_option("--match", selection._matches,
                     "Records in whose group and text a regular expression is found")
+        ->type_name("EXPRESSION")
         ->allow_extra_args(false);
     command.add_option("--exclude", selection._exclusions, "Records in which it is not found")
+        ->type_name("EXPRESSION")
         ->allow_extra_args(false);
-    command.add_option("--since", words._since, "Records from this time on");
-    command.add_option("--until", words._until, "Records before this time");
+    command.add_option("--since", words._since, "Records from this time on")->type_name("TIME");
+    command.add_option("--until", words._until, "Records before this time")->type_name("TIME");
     command.add_flag("--no-marks", selection._areMarksHidden,
                      "Hide starts, ends and other marks of the logger");
 }
@@ -161,6 +177,7 @@ public:
         addRecover();
         addProcesses();
         addLevel();
+        addCompletion();
     }
 
     Name chosen() const
@@ -205,7 +222,8 @@ private:
         CLI::App& stats = add(_app, "stats", "Count what is in log files", Name::Stats);
         addFiles(stats, _words);
         addFilters(stats, _words, _result._show._selection);
-        stats.add_option("--format", _words._figures, "text or json")
+        stats.add_option("--format", _words._figures, "The form of the output")
+            ->type_name("FORM")
             ->check(CLI::IsMember({"text", "json"}))
             ->capture_default_str();
         stats.add_flag("--utc", _words._isUtc, "Show times in UTC");
@@ -220,8 +238,9 @@ private:
         addFiles(html, _words);
         addFilters(html, _words, _result._show._selection);
         html.add_option("--output", _result._pageFile,
-                        "The file of the page; without it, the page goes to standard output");
-        html.add_option("--title", _result._pageTitle, "The title of the page");
+                        "The file of the page; without it, the page goes to standard output")
+            ->type_name("FILE");
+        html.add_option("--title", _result._pageTitle, "The title of the page")->type_name("TEXT");
     }
 
     void addRecover()
@@ -233,16 +252,22 @@ private:
         const auto addMaps = [&](const char* name, const char* purpose, Name value) -> CLI::App&
         {
             CLI::App& command = add(*recover, name, purpose, value);
-            command.add_option("MAP", options._maps, "Maps, by name or path; none for all");
-            command.add_option("--mappings", options._mapDirectory,
-                               "Where the maps are, if not where a log service keeps them");
-            command.add_option("--logs", options._logDirectory,
-                               "Only those of services with this log directory");
+            command.add_option("MAP", options._maps, "Maps, by name or path; none for all")
+                ->type_name("");
+            command
+                .add_option("--mappings", options._mapDirectory,
+                            "Where the maps are, if not where a log service keeps them")
+                ->type_name("DIRECTORY");
+            command
+                .add_option("--logs", options._logDirectory,
+                            "Only those of services with this log directory")
+                ->type_name("DIRECTORY");
             return command;
         };
         CLI::App& list = addMaps("list", "List what is there", Name::RecoverList);
         list.add_flag("--utc", _words._isUtc, "Show times in UTC");
-        list.add_option("--format", _words._list, "text or json")
+        list.add_option("--format", _words._list, "The form of the output")
+            ->type_name("FORM")
             ->check(CLI::IsMember({"text", "json"}))
             ->capture_default_str();
         addMaps("show", "Show the lines that the next log service would write", Name::RecoverShow);
@@ -253,18 +278,23 @@ private:
 
     void addMappings(CLI::App& command)
     {
-        command.add_option("--mappings", _result._control._directory,
-                           "The mapping directory of the processes, if they have one of their own");
+        command
+            .add_option("--mappings", _result._control._directory,
+                        "The mapping directory of the processes, if they have one of their own")
+            ->type_name("DIRECTORY");
     }
 
     void addProcesses()
     {
         CLI::App& processes =
             add(_app, "ps", "Show which processes log, and how that goes", Name::Processes);
-        processes.add_option("PROCESS", _result._control._processes,
-                             "Ids of processes or names of programs, of which all is shown");
+        processes
+            .add_option("PROCESS", _result._control._processes,
+                        "Ids of processes or names of programs, of which all is shown")
+            ->type_name("");
         addMappings(processes);
-        processes.add_option("--format", _words._list, "text or json")
+        processes.add_option("--format", _words._list, "The form of the output")
+            ->type_name("FORM")
             ->check(CLI::IsMember({"text", "json"}))
             ->capture_default_str();
         processes.add_flag("--utc", _words._isUtc, "Show times in UTC");
@@ -276,15 +306,29 @@ private:
             add(_app, "level", "Show and change what a process logs while it runs", Name::Level);
         level
             .add_option("PROCESS", _words._process, "The id of a process or the name of a program")
+            ->type_name("")
             ->required();
-        CLI::Option* const changes = level.add_option(
-            "CHANGE", _words._changes,
-            "Thresholds of groups, as Database=Tracing; with * and ? for several groups");
+        CLI::Option* const changes =
+            level
+                .add_option("CHANGE", _words._changes,
+                            "Thresholds of groups, as Database=Tracing; with * and ? for several "
+                            "groups")
+                ->type_name("");
         level
             .add_flag("--reset", _result._control._isReset,
                       "Give all groups back what they had before they were changed")
             ->excludes(changes);
         addMappings(level);
+    }
+
+    void addCompletion()
+    {
+        CLI::App& completion = add(_app, "completion",
+                                   "Print a script that completes command lines", Name::Completion);
+        completion.add_option("SHELL", _words._shell, "The shell")
+            ->type_name("")
+            ->check(CLI::IsMember({"bash"}))
+            ->required();
     }
 
     CLI::App& _app;
@@ -391,6 +435,9 @@ ZlCommand zlReadCommandLine(std::vector<std::string> words, const ZlSurroundings
         app.parse(std::move(words));
         command._name = commands.chosen();
         finish(given, surroundings, command);
+        if (command._name != Name::Completion) return command;
+        command._name = Name::Print;
+        command._text = zlBashCompletion(app);
     }
     catch (const CLI::CallForHelp&)
     {

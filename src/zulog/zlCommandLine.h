@@ -32,7 +32,9 @@ struct ZlCommand
         RecoverWrite,
         RecoverRemove,
         Processes,
-        Level
+        Level,
+        /// Never returned: it becomes Print.
+        Completion
     };
 
     Name _name = Name::Print;

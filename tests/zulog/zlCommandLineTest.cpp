@@ -102,6 +102,10 @@ TEST(ZlCommandLine, RefusesWhatItCantUse)
         {{"show", "a", "--utc", "--ticks"}, "--utc"},
         {{"follow", "-"}, "standard input can't be followed"},
         {{"recover"}, "required"},
+        {{"level"}, "PROCESS"},
+        {{"level", "shop", "UI"}, "CHANGE: \"UI\" can't be used: expected a group and a level"},
+        {{"level", "shop", "UI=Error", "--reset"}, "--reset"},
+        {{"completion"}, "SHELL"},
         {{"stats", "a", "--rows", "0"}, "--rows"},
         {{"show", "a", "--ticks", "--format", "csv"}, "--relative and --ticks go with the format"},
     };
@@ -140,6 +144,33 @@ TEST(ZlCommandLine, ReadsTheOtherCommands)
     const ZlCommand remove = read({"recover", "remove", "--all"});
     EXPECT_EQ(remove._name, ZlCommand::Name::RecoverRemove);
     EXPECT_TRUE(remove._recover._isAll);
+}
+
+TEST(ZlCommandLine, ReadsTheCommandsForRunningProcesses)
+{
+    const ZlCommand all = read({"ps", "--format", "json", "--mappings", "d", "--utc"});
+    EXPECT_EQ(all._name, ZlCommand::Name::Processes);
+    EXPECT_TRUE(all._control._isJson);
+    EXPECT_EQ(all._control._directory, "d");
+    EXPECT_EQ(all._control._times, Zu::ZlTimeWriter::Form::Utc);
+    EXPECT_EQ(read({"ps", "shop", "4711"})._control._processes, Words({"shop", "4711"}));
+    const ZlCommand level = read({"level", "shop", "Data*=error", "UI=Tracing"});
+    EXPECT_EQ(level._name, ZlCommand::Name::Level);
+    EXPECT_EQ(level._control._processes, Words({"shop"}));
+    ASSERT_EQ(level._control._changes.size(), 2U);
+    EXPECT_EQ(level._control._changes[0]._group, "Data*");
+    EXPECT_EQ(level._control._changes[0]._level, Zu::LgTypes::Error);
+    EXPECT_FALSE(level._control._isReset);
+    EXPECT_TRUE(read({"level", "shop", "--reset"})._control._isReset);
+}
+
+TEST(ZlCommandLine, PrintsACompletion)
+{
+    const ZlCommand command = read({"completion", "bash"});
+    EXPECT_EQ(command._name, ZlCommand::Name::Print);
+    EXPECT_EQ(command._exit, 0);
+    EXPECT_NE(command._text.find("complete -F _zulog zulog\n"), std::string::npos);
+    EXPECT_EQ(read({"completion", "fish"})._exit, 2);
 }
 
 TEST(ZlCommandLine, HelpsAndNamesItsVersion)
