@@ -449,6 +449,26 @@ PERFORMANCE_DATA = {
     "noBlock": asked(b"\1\2\3"),
 }
 
+TICKS = b"0000000000 %010d (0x00000abc) %s\n"
+BANNER = b"===== Message Logger Startup =====\n\n"
+STOP = b"===== Message Logger Stopped =====\n"
+
+LOG_FILE = {
+    "ticks": b"\1" + BANNER + origin_line() + b"\n" + TICKS % (5, b"Warning: Orders one") +
+             TICKS % (9, b"Internal Error: Stock two") + STOP,
+    "continued": b"\3" + TICKS % (5, b"Error: Orders one\n\ttwo\n\t\n\tthree") +
+                 TICKS % (6, b"Tracing: Orders four"),
+    "local": b"\7" + b"2026-11-22T23:10:51.123456+01:00 4711 (0x00000abc) Warning: Orders text\n"
+             b"2026-11-22T22:10:52.123456Z 4711 (0x00000abc) Profiling: Orders \\x1b text\n",
+    "plain": b"\40" + BANNER + b"Orders text\nEvent overflow\n" + STOP,
+    "overflow": b"\5" + TICKS % (7, b"Event overflow: 12 events lost"),
+    "torn": b"\2" + (TICKS % (7, b"Error: A b"))[:31],
+    "garbage": b"\100\0\1\xff\xc2\x9b\x1b[31m\r\n\n\t\n\"a,b\"\r\n</script>\n",
+    "separators": b"\100" + TICKS % (7, "Error: A \u202eb\u2028c\u0085d".encode()),
+    "escapes": b"\100" + TICKS % (7, b"Error: A \\x1b[31m \\u202e \\\\x41"),
+    "onlyLineFeeds": b"\0\n\n\n",
+}
+
 ALL = {
     "argAliases": ARG_ALIASES,
     "dtText": DT_TEXT,
@@ -457,6 +477,7 @@ ALL = {
     "knownLeaks": KNOWN_LEAKS,
     "leftMap": LEFT_MAP,
     "lineText": LINE_TEXT,
+    "logFile": LOG_FILE,
     "logSetup": LOG_SETUP,
     "logStream": LOG_STREAM,
     "mapLines": MAP_LINES,
