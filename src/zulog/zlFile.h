@@ -33,6 +33,16 @@ public:
         bool operator==(const Identity& other) const = default;
     };
 
+    /// What changes when a file is written.
+    struct Facts
+    {
+        Identity _identity;
+        std::uint64_t _size = 0;
+        /// When it was written last: nanoseconds since an origin of the system's own.
+        std::int64_t _written = 0;
+        bool operator==(const Facts& other) const = default;
+    };
+
     /// Opens a file for reading; "-" is standard input. Raises ZlError, as in
     /// `"events.log" can't be opened: No such file or directory`; for a directory, too.
     explicit ZlFile(const std::string& name);
@@ -60,10 +70,23 @@ public:
     /// Of the open file. 0 for what is no plain file.
     std::uint64_t getSize() const;
 
-    Identity getIdentity() const;
+    Identity getIdentity() const
+    {
+        return getFacts()._identity;
+    }
 
-    /// The identity of what a name leads to; false if there is nothing.
-    static bool find(const std::string& name, Identity& identity);
+    /// Of the open file.
+    Facts getFacts() const;
+
+    /// What a name leads to; false if there is nothing, or a directory.
+    static bool find(const std::string& name, Facts& facts);
+    static bool find(const std::string& name, Identity& identity)
+    {
+        Facts facts;
+        const bool isThere = find(name, facts);
+        identity = facts._identity;
+        return isThere;
+    }
 
 private:
     std::string _name;

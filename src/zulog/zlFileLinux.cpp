@@ -21,6 +21,14 @@ namespace
     throw ZlError(text + "\" can't be " + what + ": " + LgServiceFile::errorText(error));
 }
 
+ZlFile::Facts factsOf(const struct stat& status)
+{
+    constexpr std::int64_t SECOND = 1000000000;
+    return {{status.st_dev, status.st_ino},
+            static_cast<std::uint64_t>(status.st_size),
+            status.st_mtim.tv_sec * SECOND + status.st_mtim.tv_nsec};
+}
+
 } // namespace
 
 ZlFile::ZlFile(const std::string& name) : _name(name)
@@ -70,18 +78,18 @@ std::uint64_t ZlFile::getSize() const
     return static_cast<std::uint64_t>(status.st_size);
 }
 
-ZlFile::Identity ZlFile::getIdentity() const
+ZlFile::Facts ZlFile::getFacts() const
 {
     struct stat status = {};
     fstat(static_cast<int>(_handle), &status);
-    return {status.st_dev, status.st_ino};
+    return factsOf(status);
 }
 
-bool ZlFile::find(const std::string& name, Identity& identity)
+bool ZlFile::find(const std::string& name, Facts& facts)
 {
     struct stat status = {};
-    if (stat(name.c_str(), &status) != 0) return false;
-    identity = {status.st_dev, status.st_ino};
+    if (stat(name.c_str(), &status) != 0 || S_ISDIR(status.st_mode)) return false;
+    facts = factsOf(status);
     return true;
 }
 

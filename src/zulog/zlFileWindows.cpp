@@ -34,12 +34,20 @@ HANDLE openShared(const std::string& name, DWORD access)
                        nullptr);
 }
 
-ZlFile::Identity identityOf(HANDLE handle)
+ZlFile::Facts factsOf(HANDLE handle)
 {
+    // Counted in units of 100 ns.
+    constexpr std::uint64_t UNIT = 100;
     BY_HANDLE_FILE_INFORMATION facts = {};
     if (!GetFileInformationByHandle(handle, &facts)) return {};
-    return {facts.dwVolumeSerialNumber,
-            std::uint64_t{facts.nFileIndexHigh} << 32 | facts.nFileIndexLow};
+    const FILETIME& written = facts.ftLastWriteTime;
+    // Nanoseconds since 1601 would be too many.
+    const std::uint64_t units = std::uint64_t{written.dwHighDateTime} << 32 | written.dwLowDateTime;
+    constexpr std::uint64_t UNITS_TO_1970 = 116444736000000000;
+    return {{facts.dwVolumeSerialNumber,
+             std::uint64_t{facts.nFileIndexHigh} << 32 | facts.nFileIndexLow},
+            std::uint64_t{facts.nFileSizeHigh} << 32 | facts.nFileSizeLow,
+            static_cast<std::int64_t>((units - UNITS_TO_1970) * UNIT)};
 }
 
 } // namespace
@@ -94,16 +102,16 @@ std::uint64_t ZlFile::getSize() const
     return static_cast<std::uint64_t>(size.QuadPart);
 }
 
-ZlFile::Identity ZlFile::getIdentity() const
+ZlFile::Facts ZlFile::getFacts() const
 {
-    return identityOf(handleOf(_handle));
+    return factsOf(handleOf(_handle));
 }
 
-bool ZlFile::find(const std::string& name, Identity& identity)
+bool ZlFile::find(const std::string& name, Facts& facts)
 {
     const HANDLE handle = openShared(name, FILE_READ_ATTRIBUTES);
     if (handle == INVALID_HANDLE_VALUE) return false;
-    identity = identityOf(handle);
+    facts = factsOf(handle);
     CloseHandle(handle);
     return true;
 }

@@ -1,8 +1,13 @@
 #include "zulog/zlFollow.h"
 
 #include <algorithm>
+#include <chrono>
+#include <cstdlib>
 #include <filesystem>
+#include <functional>
 #include <limits>
+#include <queue>
+#include <string_view>
 #include <system_error>
 #include <utility>
 
@@ -15,7 +20,7 @@ namespace
 namespace fs = std::filesystem;
 
 // An event is written with its continuations at once, so they follow within this time.
-constexpr int PATIENCE = 20;
+constexpr std::chrono::milliseconds PATIENCE{20};
 // How often directories are looked at that can't be watched.
 constexpr int PERIOD = 500;
 
@@ -50,7 +55,10 @@ public:
 
     std::size_t read(char* place, std::size_t size) override
     {
-        return _file.read(place, size);
+        if (_isEnded) return 0;
+        const std::size_t count = _file.read(place, size);
+        remember(std::string_view(place, count));
+        return count;
     }
 
     const ZlFile& getFile() const
@@ -58,15 +66,77 @@ public:
         return _file;
     }
 
-    // Whether somebody has shortened it.
-    bool isTruncated() const
+    // Whether the file no longer has what was read: somebody has emptied it, and may have written
+    // it anew since.
+    bool isReplaced(const ZlFile::Facts& facts)
     {
-        return _file.getSize() < _file.getOffset();
+        if (facts._size < _file.getOffset()) return true;
+        const bool isUnchanged = facts == _facts;
+        _facts = facts;
+        return !isUnchanged && !hasLast();
+    }
+
+    // What is in the file now is read by another source.
+    void end()
+    {
+        _isEnded = true;
     }
 
 private:
+    // Lines with times differ within this length.
+    static constexpr std::size_t REMEMBERED = 256;
+
+    void remember(std::string_view text)
+    {
+        _last.append(text.substr(text.size() - std::min(text.size(), REMEMBERED)));
+        if (_last.size() > REMEMBERED) _last.erase(0, _last.size() - REMEMBERED);
+    }
+
+    // Whether the bytes in front of the place of reading are still there.
+    bool hasLast()
+    {
+        const std::uint64_t offset = _file.getOffset();
+        char present[REMEMBERED];
+        std::size_t count = 0;
+        _file.seek(offset - _last.size());
+        while (count < _last.size())
+        {
+            const std::size_t more = _file.read(present + count, _last.size() - count);
+            if (more == 0) break;
+            count += more;
+        }
+        _file.seek(offset);
+        return std::string_view(present, count) == _last;
+    }
+
     ZlFile _file;
+    std::string _last;
+    ZlFile::Facts _facts;
+    bool _isEnded = false;
 };
+
+struct RotatedFile
+{
+    std::int64_t _written;
+    // Among the files that a log was rotated to.
+    std::ptrdiff_t _place;
+    std::string _name;
+};
+
+// The earliest first. Of files of the same time, those that stand closer to the one that was read
+// last are earlier.
+std::vector<std::string> inOrder(std::vector<RotatedFile> files, std::ptrdiff_t last)
+{
+    const auto keyOf = [last](const RotatedFile& file)
+    { return std::pair(file._written, std::abs(file._place - last)); };
+    std::sort(files.begin(), files.end(),
+              [&](const RotatedFile& one, const RotatedFile& other)
+              { return keyOf(one) < keyOf(other); });
+    std::vector<std::string> names;
+    names.reserve(files.size());
+    for (RotatedFile& file : files) names.push_back(std::move(file._name));
+    return names;
+}
 
 } // namespace
 
@@ -86,20 +156,27 @@ public:
 
     // Goes on with another file where the name leads to one, and with those that were rotated in
     // between. Where the name leads nowhere for the moment, the file is kept.
-    void look()
+    void look(ZlListing& listing)
     {
-        ZlFile::Identity identity;
-        if (!ZlFile::find(_name, identity)) return;
-        const bool isOther = _source && !(identity == _identity);
-        if (_source && !isOther && !_source->isTruncated()) return;
-        if (isOther)
-            for (const std::string& name : filesInBetween()) addRotated(name);
-        open(_name);
+        ZlFile::Facts facts;
+        const bool isThere = ZlFile::find(_name, facts);
+        _isIdle = false;
+        try
+        {
+            const bool isNone = isThere && !goOn(facts, listing);
+            _isIdle = isNone && getOffset() > 0 && facts._size == getOffset();
+        }
+        catch (const ZlError& error)
+        {
+            if (!_isReported) _reports.failed(error.what());
+            _isReported = true;
+        }
+        _mayHold = _mayHold || !_isIdle;
     }
 
     bool next()
     {
-        if (!_reader || _hasRecord) return _hasRecord;
+        if (!_reader || _isIdle || _hasRecord) return _hasRecord;
         return _hasRecord = _reader->next();
     }
 
@@ -122,7 +199,10 @@ public:
 
     void release()
     {
-        if (_reader) _reader->release(false);
+        if (!_reader || !_mayHold) return;
+        _reader->release(false);
+        _isIdle = false;
+        _mayHold = false;
     }
 
     std::uint64_t getOffset() const
@@ -131,20 +211,21 @@ public:
     }
 
 private:
-    void open(const std::string& name)
+    // True if there is another file to be read.
+    bool goOn(const ZlFile::Facts& facts, ZlListing& listing)
     {
-        try
-        {
-            auto source = std::make_unique<GrowingSource>(name);
-            _identity = source->getFile().getIdentity();
-            _source = source.get();
-            add(std::move(source));
-        }
-        catch (const ZlError& error)
-        {
-            if (!_isReported) _reports.failed(error.what());
-            _isReported = true;
-        }
+        const bool isOther = _source && !(facts._identity == _identity);
+        if (_source && !isOther && !_source->isReplaced(facts)) return false;
+        auto source = std::make_unique<GrowingSource>(_name);
+        if (isOther)
+            for (const std::string& name : filesInBetween(listing)) addRotated(name);
+        else if (_source)
+            _source->end();
+        _identity = source->getFile().getIdentity();
+        _source = source.get();
+        add(std::move(source));
+        findRotated(listing);
+        return true;
     }
 
     void addRotated(const std::string& name)
@@ -166,18 +247,42 @@ private:
         _reader->setLive();
     }
 
-    // Those that were rotated after the present file was.
-    std::vector<std::string> filesInBetween() const
+    // What is there is not to be read, whatever it is renamed to.
+    void findRotated(ZlListing& listing)
     {
-        std::vector<std::string> files = zlRotatedFiles(_name);
-        const auto isPresent = [this](const std::string& file)
+        _rotated.clear();
+        for (const std::string& file : listing.findRotated(_name))
+            if (ZlFile::Identity identity; ZlFile::find(file, identity))
+                _rotated.push_back(identity);
+    }
+
+    bool isKnown(const ZlFile::Identity& identity) const
+    {
+        return identity == _identity ||
+               std::find(_rotated.begin(), _rotated.end(), identity) != _rotated.end();
+    }
+
+    // Those that were rotated after the present file was, the earliest first. Whether numbers rise
+    // or fall with time depends on who rotates, so the times count.
+    std::vector<std::string> filesInBetween(ZlListing& listing) const
+    {
+        const std::int64_t written = _source->getFile().getFacts()._written;
+        std::vector<RotatedFile> files;
+        std::ptrdiff_t present = -1;
+        std::ptrdiff_t place = 0;
+        for (const std::string& name : listing.findRotated(_name))
         {
-            ZlFile::Identity identity;
-            return ZlFile::find(file, identity) && identity == _identity;
-        };
-        const auto present = std::find_if(files.begin(), files.end(), isPresent);
-        files.erase(files.begin(), present == files.end() ? present : present + 1);
-        return files;
+            ZlFile::Facts facts;
+            if (!ZlFile::find(name, facts)) continue;
+            if (facts._identity == _identity) present = place;
+            // A file that is compressed keeps its time, but not its identity.
+            const bool isEarlier = facts._written < written ||
+                                   (facts._written == written && zlIsNamedCompressed(name));
+            if (!isKnown(facts._identity) && !isEarlier)
+                files.push_back({facts._written, place, name});
+            ++place;
+        }
+        return inOrder(std::move(files), present);
     }
 
     const std::string _name;
@@ -187,8 +292,14 @@ private:
     // What the name led to last; the reader's.
     GrowingSource* _source = nullptr;
     ZlFile::Identity _identity;
+    // The files that were there as rotated ones when it was opened.
+    std::vector<ZlFile::Identity> _rotated;
     std::int64_t _time = std::numeric_limits<std::int64_t>::min();
     bool _hasRecord = false;
+    // Whether there was nothing new at the last look.
+    bool _isIdle = false;
+    // Whether the reader may keep an event since the last release.
+    bool _mayHold = false;
     bool _isReported = false;
 };
 
@@ -196,7 +307,8 @@ ZlFollower::ZlFollower(const ZlShowOptions& options, std::size_t lines, ZlOutput
                        ZlReports& reports)
     : _options(options), _reports(reports), _printer(options, output, reports)
 {
-    findLogs();
+    ZlListing listing;
+    findLogs(listing);
     for (const auto& log : _logs)
         if (ZlFile::Identity identity; !ZlFile::find(log->getName(), identity))
             _reports.note("\"" + log->getName() + "\" is not there yet");
@@ -209,31 +321,31 @@ ZlFollower::ZlFollower(const ZlShowOptions& options, std::size_t lines, ZlOutput
 
 ZlFollower::~ZlFollower() = default;
 
-void ZlFollower::findLogs()
+void ZlFollower::findLogs(ZlListing& listing)
 {
     std::vector<std::string> names;
     for (const std::string& word : _options._words)
     {
-        if (!isDirectory(word))
-        {
+        // It may be removed and made again.
+        const bool isOne = isDirectory(word);
+        if (isOne) _directories.insert(word);
+        if (isOne)
+            for (std::string& name : listing.findPresentLogs(word))
+                names.push_back(std::move(name));
+        else if (!_directories.contains(word))
             names.push_back(word);
-            continue;
-        }
-        for (std::string& name : zlFindPresentLogs(word)) names.push_back(std::move(name));
     }
     const ZlReader::Options reading = zlReaderOptions(_options, names.size());
     for (std::string& name : names)
-    {
-        const auto isIt = [&name](const auto& log) { return log->getName() == name; };
-        if (std::none_of(_logs.begin(), _logs.end(), isIt))
+        if (_names.insert(name).second)
             _logs.push_back(std::make_unique<Log>(std::move(name), _reports, reading));
-    }
 }
 
 bool ZlFollower::look()
 {
-    findLogs();
-    for (const auto& log : _logs) log->look();
+    ZlListing listing;
+    findLogs(listing);
+    for (const auto& log : _logs) log->look(listing);
     return show();
 }
 
@@ -243,53 +355,70 @@ void ZlFollower::release()
     show();
 }
 
-// The earliest record first.
+std::uint64_t ZlFollower::countBytes() const
+{
+    std::uint64_t count = 0;
+    for (const auto& log : _logs) count += log->getOffset();
+    return count;
+}
+
+// The earliest record first, and of the same time those of the log that was found first.
 bool ZlFollower::show()
 {
-    std::uint64_t before = 0;
-    for (const auto& log : _logs) before += log->getOffset();
-    bool isAny = false;
-    for (;;)
+    using Head = std::pair<std::int64_t, std::size_t>;
+    const std::uint64_t before = countBytes();
+    std::priority_queue<Head, std::vector<Head>, std::greater<>> heads;
+    const auto advance = [&](std::size_t log)
     {
-        Log* earliest = nullptr;
-        for (const auto& log : _logs)
-            if (log->next() && (!earliest || log->getTime() < earliest->getTime()))
-                earliest = log.get();
-        if (!earliest) break;
-        _printer.add(earliest->getRecord());
-        earliest->take();
-        isAny = true;
+        if (_logs[log]->next()) heads.emplace(_logs[log]->getTime(), log);
+    };
+    for (std::size_t log = 0; log < _logs.size(); ++log) advance(log);
+    const bool isAny = !heads.empty();
+    while (!heads.empty())
+    {
+        const std::size_t earliest = heads.top().second;
+        heads.pop();
+        _printer.add(_logs[earliest]->getRecord());
+        _logs[earliest]->take();
+        advance(earliest);
     }
     _printer.flush();
-    std::uint64_t behind = 0;
-    for (const auto& log : _logs) behind += log->getOffset();
-    return isAny || behind != before;
+    return isAny || countBytes() != before;
 }
 
 std::vector<std::string> ZlFollower::getDirectories() const
 {
-    std::vector<std::string> directories;
+    std::set<std::string> directories;
     for (const std::string& word : _options._words)
-        directories.push_back(isDirectory(word) ? word : directoryOf(word));
-    return directories;
+        directories.insert(_directories.contains(word) ? word : directoryOf(word));
+    return {directories.begin(), directories.end()};
 }
 
 void zlFollow(const ZlShowOptions& options, std::size_t lines, ZlOutput& output, ZlReports& reports,
               const std::atomic<bool>& isStopped)
 {
+    using Clock = std::chrono::steady_clock;
     ZlWatch watch;
     ZlFollower follower(options, lines, output, reports);
+    Clock::time_point released;
+    bool isReleased = true;
     while (!isStopped)
     {
         const bool areAllWatched = watch.add(follower.getDirectories());
-        // What was written before that.
-        bool isNew = follower.look();
-        while (isNew)
+        // What was written before that, too.
+        if (follower.look())
         {
-            watch.wait(PATIENCE);
-            isNew = follower.look();
+            released = Clock::now() + PATIENCE;
+            isReleased = false;
         }
-        follower.release();
+        const auto left = std::chrono::ceil<std::chrono::milliseconds>(released - Clock::now());
+        if (!isReleased && left.count() > 0)
+        {
+            watch.wait(static_cast<int>(left.count()));
+            continue;
+        }
+        if (!isReleased) follower.release();
+        isReleased = true;
         watch.wait(areAllWatched ? -1 : PERIOD);
     }
 }

@@ -13,6 +13,7 @@
 #include <cstdint>
 #include <deque>
 #include <memory>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -43,12 +44,16 @@ public:
 
 private:
     class Log;
-    void findLogs();
+    void findLogs(ZlListing& listing);
     bool show();
+    std::uint64_t countBytes() const;
 
     const ZlShowOptions _options;
     ZlReports& _reports;
     ZlPrinter _printer;
+    // Words that were directories once.
+    std::set<std::string> _directories;
+    std::set<std::string> _names;
     std::vector<std::unique_ptr<Log>> _logs;
 };
 
@@ -61,8 +66,8 @@ public:
     ZlWatch(const ZlWatch&) = delete;
     ZlWatch& operator=(const ZlWatch&) = delete;
 
-    /// From now on these are watched as well. False if one can't be watched, and has to be looked
-    /// at from time to time.
+    /// From now on these are watched as well, also when they are removed or renamed and made again.
+    /// False if one can't be watched, and has to be looked at from time to time.
     bool add(const std::vector<std::string>& directories);
 
     /// Waits until something may have changed, or the time is over; without a limit if that is

@@ -75,8 +75,11 @@ std::set<std::string> filesIn(const fs::path& directory, std::error_code& error)
 std::vector<std::string> rotatedIn(const std::set<std::string>& names, const std::string& log)
 {
     std::map<std::uint64_t, std::string, std::greater<>> rotated;
-    for (const std::string& name : names)
+    const std::string prefix = log + ".";
+    for (auto place = names.lower_bound(prefix);
+         place != names.end() && place->compare(0, prefix.size(), prefix) == 0; ++place)
     {
+        const std::string& name = *place;
         const std::uint64_t number = rotationOf(name, log);
         if (number == 0) continue;
         std::string& known = rotated[number];
@@ -128,11 +131,18 @@ void addDirectory(std::vector<ZlLog>& logs, const std::string& word, ZlReports& 
 
 } // namespace
 
-std::vector<std::string> zlFindPresentLogs(const std::string& directory)
+const std::set<std::string>& ZlListing::namesIn(const std::string& directory)
 {
-    std::error_code error;
+    const auto [place, isNew] = _names.try_emplace(directory);
+    std::error_code ignored;
+    if (isNew) place->second = filesIn(pathOf(directory), ignored);
+    return place->second;
+}
+
+std::vector<std::string> ZlListing::findPresentLogs(const std::string& directory)
+{
     std::vector<std::string> files;
-    for (const std::string& name : filesIn(pathOf(directory), error))
+    for (const std::string& name : namesIn(directory))
     {
         std::string log;
         if (isLogFile(name, log) && name == log)
@@ -141,21 +151,26 @@ std::vector<std::string> zlFindPresentLogs(const std::string& directory)
     return files;
 }
 
-ZlLog zlRotatedFiles(const std::string& file)
+ZlLog ZlListing::findRotated(const std::string& file)
 {
     const fs::path path = pathOf(file);
-    std::error_code error;
     const fs::path directory = path.parent_path();
-    ZlLog files = rotatedIn(filesIn(directory.empty() ? fs::path(".") : directory, error),
-                            nameOf(path.filename()));
+    ZlLog files =
+        rotatedIn(namesIn(directory.empty() ? "." : nameOf(directory)), nameOf(path.filename()));
     for (std::string& name : files) name = nameOf(directory / pathOf(name));
     return files;
+}
+
+bool zlIsNamedCompressed(const std::string& file)
+{
+    return endsWith(file, COMPRESSED_ENDING);
 }
 
 std::vector<ZlLog> zlFindLogs(const std::vector<std::string>& words, bool areRotatedAdded,
                               ZlReports& reports)
 {
     std::vector<ZlLog> logs;
+    ZlListing listing;
     for (const std::string& word : words)
     {
         std::error_code error;
@@ -165,7 +180,7 @@ std::vector<ZlLog> zlFindLogs(const std::vector<std::string>& words, bool areRot
             continue;
         }
         ZlLog log;
-        if (areRotatedAdded && word != "-") log = zlRotatedFiles(word);
+        if (areRotatedAdded && word != "-") log = listing.findRotated(word);
         log.push_back(word);
         logs.push_back(std::move(log));
     }

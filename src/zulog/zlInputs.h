@@ -6,6 +6,8 @@
 
 #include "zlReports.h"
 
+#include <map>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -30,12 +32,26 @@ using ZlLog = std::vector<std::string>;
 std::vector<ZlLog> zlFindLogs(const std::vector<std::string>& words, bool areRotatedAdded,
                               ZlReports& reports);
 
-/// The files "*.log" of a directory, without those that they were rotated to. None if it can't be
-/// read.
-std::vector<std::string> zlFindPresentLogs(const std::string& directory);
+/// What is in directories, each of which is read once, at the first question about it: for a look
+/// at many logs. Not thread-safe.
+class ZlListing
+{
+public:
+    /// The files "*.log" of a directory, without those that they were rotated to. None if it can't
+    /// be read.
+    std::vector<std::string> findPresentLogs(const std::string& directory);
 
-/// The files that a log was rotated to, from the oldest one on, without the file itself.
-ZlLog zlRotatedFiles(const std::string& file);
+    /// The files that a log was rotated to, the one with the highest number first, without the file
+    /// itself.
+    ZlLog findRotated(const std::string& file);
+
+private:
+    const std::set<std::string>& namesIn(const std::string& directory);
+    std::map<std::string, std::set<std::string>> _names;
+};
+
+/// Whether a file is compressed, by its name.
+bool zlIsNamedCompressed(const std::string& file);
 
 } // namespace Zu
 

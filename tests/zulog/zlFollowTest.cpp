@@ -12,6 +12,7 @@
 #include <memory>
 #include <sstream>
 #include <string>
+#include <system_error>
 #include <thread>
 #include <vector>
 
@@ -26,6 +27,12 @@ namespace fs = std::filesystem;
 void append(const std::string& path, const std::string& text)
 {
     std::ofstream(path, std::ios::binary | std::ios::app) << text;
+}
+
+// So many seconds from now on.
+void setTime(const std::string& path, int seconds)
+{
+    fs::last_write_time(path, fs::file_time_type::clock::now() + std::chrono::seconds(seconds));
 }
 
 class ZlFollow : public ::testing::Test
@@ -118,10 +125,49 @@ TEST_F(ZlFollow, GoesOnAcrossSeveralRotationsAtOnce)
     append(_log, tickLine(2, "Error: A 2"));
     fs::rename(_log, _log + ".3");
     append(_log + ".4", tickLine(0, "Error: A 0"));
+    setTime(_log + ".4", -1);
     append(_log + ".2", tickLine(3, "Error: A 3"));
     append(_log + ".1", tickLine(4, "Error: A 4"));
     append(_log, tickLine(5, "Error: A 5"));
     EXPECT_EQ(look(), "12345");
+}
+
+// Whoever rotates may give the newest file the highest number, or a date.
+TEST_F(ZlFollow, ShowsNothingAgainWhereNumbersRise)
+{
+    append(_log + ".1", tickLine(1, "Error: A 1"));
+    append(_log + ".2", tickLine(2, "Error: A 2"));
+    append(_log, tickLine(3, "Error: A 3"));
+    start({_log});
+    EXPECT_EQ(shown(), "3");
+    fs::rename(_log, _log + ".3");
+    append(_log, tickLine(4, "Error: A 4"));
+    EXPECT_EQ(look(), "4");
+    fs::rename(_log, _log + ".20261121");
+    append(_log, tickLine(5, "Error: A 5"));
+    EXPECT_EQ(look(), "5");
+    append(_log, tickLine(6, "Error: A 6"));
+    fs::rename(_log, _log + ".20261122");
+    append(_log + ".20261123", tickLine(7, "Error: A 7"));
+    append(_log + ".20261124", tickLine(8, "Error: A 8"));
+    append(_log, tickLine(9, "Error: A 9"));
+    EXPECT_EQ(look(), "6789");
+}
+
+TEST_F(ZlFollow, ShowsNothingAgainWhenARotatedFileIsCompressed)
+{
+    append(_log + ".1", tickLine(1, "Error: A 1"));
+    setTime(_log + ".1", -5);
+    append(_log, tickLine(2, "Error: A 2"));
+    start({_log});
+    EXPECT_EQ(shown(), "2");
+    // It has the time of the file that it was made of, whatever that contains here.
+    append(_log + ".2.gz", tickLine(1, "Error: A 1"));
+    fs::last_write_time(_log + ".2.gz", fs::last_write_time(_log + ".1"));
+    fs::remove(_log + ".1");
+    fs::rename(_log, _log + ".1");
+    append(_log, tickLine(3, "Error: A 3"));
+    EXPECT_EQ(look(), "3");
 }
 
 TEST_F(ZlFollow, BeginsAnewWhenAFileWasEmptied)
@@ -132,6 +178,52 @@ TEST_F(ZlFollow, BeginsAnewWhenAFileWasEmptied)
     std::ofstream(_log, std::ios::binary | std::ios::trunc).close();
     append(_log, tickLine(3, "Error: A 3"));
     EXPECT_EQ(look(), "3");
+}
+
+TEST_F(ZlFollow, BeginsAnewWhenAFileWasEmptiedAndFilledAgain)
+{
+    append(_log, tickLine(1, "Error: A 1") + tickLine(2, "Error: A 2"));
+    start({_log});
+    EXPECT_EQ(shown(), "12");
+    logTexts::writeFile(_log, tickLine(3, "Error: A 3") + tickLine(4, "Error: A 4"));
+    setTime(_log, 1);
+    EXPECT_EQ(look(), "34");
+    logTexts::writeFile(_log, tickLine(5, "Error: A 5") + tickLine(6, "Error: A 6") +
+                                  tickLine(7, "Error: A 7"));
+    EXPECT_EQ(look(), "567");
+    append(_log, tickLine(8, "Error: A 8"));
+    EXPECT_EQ(look(), "8");
+    EXPECT_EQ(_reported.str(), "");
+}
+
+TEST_F(ZlFollow, GoesOnInADirectoryThatIsMadeAgain)
+{
+    const std::string directory = _directory.file("logs");
+    const std::string log = directory + "/b.log";
+    fs::create_directory(directory);
+    append(log, tickLine(1, "Error: A 1"));
+    start({directory});
+    EXPECT_EQ(shown(), "1");
+    std::error_code error;
+    fs::rename(directory, directory + ".old", error);
+    if (error) GTEST_SKIP() << "this system renames no directory with an open file";
+    EXPECT_EQ(look(), "");
+    fs::create_directory(directory);
+    EXPECT_EQ(look(), "");
+    append(log, tickLine(2, "Error: A 2"));
+    EXPECT_EQ(look(), "2");
+    EXPECT_EQ(_reported.str(), "");
+}
+
+TEST_F(ZlFollow, FollowsTheLogsOfADirectoryThatIsMadeLater)
+{
+    const std::string directory = _directory.file("logs");
+    start({directory});
+    EXPECT_EQ(look(), "");
+    fs::create_directory(directory);
+    append(directory + "/b.log", tickLine(1, "Error: A 1"));
+    EXPECT_EQ(look(), "1");
+    EXPECT_FALSE(_reports.hasFailed()) << _reported.str();
 }
 
 TEST_F(ZlFollow, MergesWhatIsNewInSeveralFiles)
@@ -156,6 +248,40 @@ TEST_F(ZlFollow, KeepsAnEventThatMayBeContinued)
     EXPECT_EQ(shown(), "");
     append(_log, "\t2\n");
     EXPECT_EQ(look(), "12");
+}
+
+// A thread follows a log while its directory is removed, or renamed with one that it is in.
+TEST_F(ZlFollow, IsNotifiedOfWhatIsWrittenInADirectoryThatIsMadeAgain)
+{
+    const std::string outer = _directory.file("outer");
+    const std::string directory = outer + "/logs";
+    const std::string log = directory + "/b.log";
+    fs::create_directories(directory);
+    append(log, ORIGIN);
+    Zu::ZlShowOptions options;
+    options._words = {log};
+    options._format = "iso";
+    options._selection._areMarksHidden = true;
+    std::atomic<bool> isStopped = false;
+    std::thread follower([&] { Zu::zlFollow(options, 10, _output, _reports, isStopped); });
+    std::string texts;
+    std::error_code error;
+    for (std::uint32_t tick = 1; tick <= 6; ++tick)
+    {
+        if (tick == 3) fs::rename(directory, directory + ".old", error);
+        if (tick == 5) fs::rename(outer, outer + ".old", error);
+        fs::create_directories(directory);
+        append(log, tickLine(tick, "Error: A " + std::to_string(tick)));
+        while (texts.size() < tick)
+        {
+            std::this_thread::yield();
+            texts += shown();
+        }
+    }
+    EXPECT_EQ(texts, "123456");
+    isStopped = true;
+    append(log, tickLine(10, "Error: A x"));
+    follower.join();
 }
 
 // The whole of it: a thread follows while this one writes.
