@@ -68,11 +68,13 @@ public:
         _stream.next_out = reinterpret_cast<Bytef*>(place);
         _stream.avail_out = static_cast<uInt>(std::min<std::size_t>(size, 1U << 30));
         const uInt wanted = _stream.avail_out;
-        while (_stream.avail_out == wanted)
+        while (_stream.avail_out == wanted && !_fault)
         {
             if (_stream.avail_in == 0 && !fill()) return 0;
             step();
         }
+        // What was decoded in front of the fault counts.
+        if (_stream.avail_out == wanted) fail(_fault);
         return wanted - _stream.avail_out;
     }
 
@@ -99,7 +101,7 @@ private:
             inflateReset(&_stream);
         }
         else if (result != Z_OK && result != Z_BUF_ERROR)
-            fail(_stream.msg ? _stream.msg : "the file is damaged");
+            _fault = _stream.msg ? _stream.msg : "the file is damaged";
     }
 
     [[noreturn]] void fail(const char* reason) const
@@ -113,6 +115,8 @@ private:
     std::vector<char> _buffer;
     z_stream _stream = {};
     bool _isInMember = false;
+    // Why nothing more can be decoded.
+    const char* _fault = nullptr;
 };
 
 } // namespace

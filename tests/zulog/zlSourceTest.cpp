@@ -81,8 +81,11 @@ TEST_F(ZlSource, ReportsADamagedFileBehindWhatCouldBeRead)
     {
         std::string _bytes;
         const char* _reason;
-    } rows[] = {{bytes.substr(0, bytes.size() / 2), "can't be uncompressed: the file ends early"},
-                {damaged, "can't be uncompressed: incorrect data check"}};
+        std::size_t _least;
+    } rows[] = {{bytes.substr(0, bytes.size() / 2), "can't be uncompressed: the file ends early",
+                 text.size() / 3},
+                // Only the checksum is wrong.
+                {damaged, "can't be uncompressed: incorrect data check", text.size()}};
     for (const auto& row : rows)
     {
         SCOPED_TRACE(row._reason);
@@ -101,7 +104,7 @@ TEST_F(ZlSource, ReportsADamagedFileBehindWhatCouldBeRead)
             EXPECT_NE(std::string(error.what()).find(row._reason), std::string::npos)
                 << error.what();
         }
-        EXPECT_GT(read.size(), text.size() / 3);
+        EXPECT_GE(read.size(), row._least);
         EXPECT_EQ(read, text.substr(0, read.size()));
     }
 }
