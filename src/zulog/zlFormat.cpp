@@ -283,7 +283,10 @@ private:
 class CsvFormat : public FieldFormat
 {
 public:
-    using FieldFormat::FieldFormat;
+    explicit CsvFormat(const ZlFormatOptions& options)
+        : FieldFormat(options), _isTerminal(options._isTerminal)
+    {
+    }
 
     void begin(std::string& out) override
     {
@@ -300,6 +303,14 @@ private:
     {
         if (!_isFirst) out += ',';
         _isFirst = false;
+        if (!_isTerminal) return addQuoted(out, value);
+        std::string printable;
+        zlAppendPrintable(printable, value, true);
+        addQuoted(out, printable);
+    }
+
+    static void addQuoted(std::string& out, std::string_view value)
+    {
         if (value.find_first_of(",\"\r\n") == std::string_view::npos)
         {
             out += value;
@@ -315,6 +326,7 @@ private:
         out += "\r\n";
     }
 
+    const bool _isTerminal;
     bool _isFirst = true;
 };
 

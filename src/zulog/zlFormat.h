@@ -55,8 +55,9 @@ public:
 ///         what is not known. A line that is not readable is shown as it is.
 /// iso     the lines that the log service writes by line-form=local, or utc. Lines that lack what
 ///         these need are written as they are.
-/// json    an object in each line, see docs/reading-logs.md.
-/// csv     after RFC 4180, with a header.
+/// json    an object in each line, see docs/reading-logs.md. Control characters and bidirectional
+///         controls are always escaped.
+/// csv     after RFC 4180, with a header. On a terminal, control characters are escaped as in text.
 /// logfmt  `time=... level=... group=... text="..."`
 std::unique_ptr<ZlFormat> zlMakeFormat(std::string_view name, const ZlFormatOptions& options);
 

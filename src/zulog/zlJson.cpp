@@ -47,7 +47,7 @@ public:
         line["text"] = zlTextOf(record, _isRaw);
         line["file"] = *record._file;
         line["line"] = record._line;
-        out += line.dump(-1, ' ', false, REPLACED);
+        zlAppendJson(out, line.dump(-1, ' ', false, REPLACED));
         out += '\n';
     }
 
@@ -61,6 +61,20 @@ private:
 std::unique_ptr<ZlFormat> zlMakeJsonFormat(const ZlFormatOptions& options)
 {
     return std::make_unique<JsonFormat>(options);
+}
+
+void zlAppendJson(std::string& out, std::string_view json)
+{
+    // The one character that the other escapes of the program give a form that JSON does not have.
+    constexpr char DELETE = '\x7f';
+    std::size_t place = 0;
+    while ((place = json.find(DELETE)) != std::string_view::npos)
+    {
+        zlAppendPrintable(out, json.substr(0, place), true);
+        out += "\\u007f";
+        json.remove_prefix(place + 1);
+    }
+    zlAppendPrintable(out, json, true);
 }
 
 } // namespace Zu

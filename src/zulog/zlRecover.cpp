@@ -13,6 +13,7 @@
 #include "base/osFilePath.h"
 #include "zulog/zlFile.h"
 #include "zulog/zlFormat.h"
+#include "zulog/zlJson.h"
 
 #include <algorithm>
 #include <charconv>
@@ -311,7 +312,8 @@ void writeJson(const std::vector<ZlLeft>& maps, std::string& out, std::int64_t n
     Json list = Json::array();
     for (const ZlLeft& left : maps) list.push_back(jsonOf(left, now));
     const Json object = {{"maps", std::move(list)}};
-    out += object.dump(-1, ' ', false, Json::error_handler_t::replace) + "\n";
+    zlAppendJson(out, object.dump(-1, ' ', false, Json::error_handler_t::replace));
+    out += '\n';
 }
 
 void appendWaiting(ZlOutput& out, const LgLeftMap& map, bool isRaw)

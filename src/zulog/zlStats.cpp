@@ -1,6 +1,7 @@
 #include "zulog/zlStats.h"
 
 #include "zulog/zlFormat.h"
+#include "zulog/zlJson.h"
 
 #include <algorithm>
 #include <charconv>
@@ -948,7 +949,8 @@ void ZlStats::appendText(std::string& out, const ZlStatsOptions& options) const
 
 void ZlStats::appendJson(std::string& out) const
 {
-    out += Json(*this).make().dump(-1, ' ', false, Json::Value::error_handler_t::replace);
+    zlAppendJson(out,
+                 Json(*this).make().dump(-1, ' ', false, Json::Value::error_handler_t::replace));
     out += '\n';
 }
 

@@ -147,6 +147,37 @@ TEST(ZlFormat, WritesCsv)
               ",unreadable,,,,,,,\x1b[2Jtorn,a b.log,9\r\n");
 }
 
+// U+009B begins commands as ESC [ does, U+202E turns what follows it round.
+const std::string HOSTILE = "\x1b]0;\xc2\x9b"
+                            "31m \x7f \xe2\x80\xae x\r\xff";
+
+TEST(ZlFormat, EscapesCsvOnATerminal)
+{
+    ZlFormatOptions options = utc();
+    const std::string line = tickLine(7, "Error: A " + HOSTILE + "\n\tnext");
+    const std::string head = "time,kind,host,process,thread,level,group,count,text,file,line\r\n"
+                             ",event,,,0x00000abc,Error,A,,\"";
+    EXPECT_EQ(formatted("csv", line, options), head + HOSTILE + "\nnext\",a b.log,1\r\n");
+    options._isTerminal = true;
+    EXPECT_EQ(formatted("csv", line, options),
+              head + "\\x1b]0;\\u009b31m \\x7f \\u202e x\\x0d\\xff\nnext\",a b.log,1\r\n");
+}
+
+TEST(ZlFormat, EscapesJsonEverywhere)
+{
+    const std::string line = tickLine(7, "Error: A \\\\x7f " + HOSTILE);
+    const std::string expected =
+        R"({"kind":"event","ticks":7,"thread":2748,"level":"Error","group":"A",)"
+        R"("text":"\\\\x7f \u001b]0;\u009b31m \u007f \u202e x\r)"
+        "\xef\xbf\xbd"
+        R"(","file":"a b.log","line":1})"
+        "\n";
+    ZlFormatOptions options = utc();
+    EXPECT_EQ(formatted("json", line, options), expected);
+    options._isTerminal = true;
+    EXPECT_EQ(formatted("json", line, options), expected);
+}
+
 TEST(ZlFormat, WritesLogfmt)
 {
     EXPECT_EQ(formatted("logfmt", LOG, utc()),
