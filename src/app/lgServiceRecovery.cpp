@@ -131,7 +131,13 @@ LgServiceRecovery::Outcome LgServiceRecovery::run()
                  ++end)
                 size += _map.getEvents()[end]._text.size();
         }
-        if (!writeChunk(begin, end, isWritten)) return Outcome::Unfinished;
+        const std::uint64_t before = _count;
+        if (!writeChunk(begin, end, isWritten))
+        {
+            // What the logs have of the chunk is found when it is written again.
+            _count = before;
+            return Outcome::Unfinished;
+        }
         begin = end;
     }
     if (_map.getDamaged() > 0)

@@ -444,10 +444,14 @@ void writeOne(LgLeftFile& file, const ZlLeft& left, const ZlRecoverOptions& opti
     const LgServiceRecovery::Outcome outcome = recovery.runUnderLock();
     if (outcome == LgServiceRecovery::Outcome::Refused)
         return reports.failed(left._path + ": " + recovery.getReason());
-    out += left._path + ": " + countOf(recovery.getCount(), "event", "events") +
-           " written to the logs in " + directory + "\n";
-    if (outcome == LgServiceRecovery::Outcome::Unfinished)
-        reports.failed(left._path + ": a log file can't be written; the other events stay");
+    const bool isUnfinished = outcome == LgServiceRecovery::Outcome::Unfinished;
+    const bool isNone = isUnfinished && recovery.getCount() == 0;
+    if (!isNone)
+        out += left._path + ": " + countOf(recovery.getCount(), "event", "events") +
+               " written to the logs in " + directory + "\n";
+    if (isUnfinished)
+        reports.failed(left._path + ": a log file can't be written; " +
+                       (isNone ? "its events stay" : "the other events stay"));
     else if (!recovery.getReason().empty())
         reports.note(left._path + ": " + recovery.getReason());
 }

@@ -466,14 +466,30 @@ TEST_F(ZlRecover, ALogThatCanNotBeWrittenLeavesTheMap)
     leave("blocked kill", 2, 30);
     const Result failed = call(&Zu::zlRecoverWrite);
     EXPECT_TRUE(failed._hasFailed);
-    EXPECT_NE(failed._err.find(": a log file can't be written; the other events stay"),
-              std::string::npos)
+    EXPECT_NE(failed._err.find(": a log file can't be written; its events stay"), std::string::npos)
         << failed._err;
+    EXPECT_EQ(failed._out, "");
     ASSERT_EQ(find().size(), 1U);
     EXPECT_EQ(find().front()._lines, 60U);
     std::filesystem::remove(logPath());
     EXPECT_FALSE(call(&Zu::zlRecoverWrite)._hasFailed);
     expectEachOnce(2, 30, "again");
+}
+
+// A device of Linux on which every write fails as on a full disk.
+TEST_F(ZlRecover, WhatAFullDiskDidNotTakeIsNotCounted)
+{
+    if (!std::filesystem::exists("/dev/full")) GTEST_SKIP() << "there is no device that is full";
+    const support::VariableGuard warnings("ZU_LOG_WARNING");
+    const support::VariableGuard others("ZU_LOG_INTERNAL_ERROR");
+    leave("step", 1, 20, 1);
+    const std::uint64_t events = find().front()._events;
+    ASSERT_GT(events, 0U);
+    warnings.set("+/dev/full");
+    const Result failed = call(&Zu::zlRecoverWrite);
+    EXPECT_TRUE(failed._hasFailed);
+    EXPECT_EQ(failed._out, "");
+    EXPECT_EQ(find().front()._events, events);
 }
 
 TEST_F(ZlRecover, ALogDirectoryThatIsNotThereIsNotMade)
