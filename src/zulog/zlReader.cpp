@@ -106,6 +106,7 @@ void ZlReader::beginFile(std::unique_ptr<ZlSource> source)
     _end = 0;
     _searched = 0;
     _line = 0;
+    _isInLine = false;
     _areStamped.reset();
     forgetOrigin();
 }
@@ -205,9 +206,10 @@ bool ZlReader::takeBlock(Block& block)
         _searched = isLong ? 0 : size;
         const bool isKept = !isLong && !isOver() && !_isAllReleased;
         if (size == 0 || isKept) return false;
-        block = blockOf(size, size, 1,
+        block = blockOf(size, size, isLong ? 0 : 1,
                         isLong ? "the line is longer than 1 MiB, and taken in parts"
                                : "the last line has no end");
+        block._isCut = isLong;
         return true;
     }
     _searched = feed;
@@ -225,6 +227,7 @@ bool ZlReader::addContinuations(Block& block)
     std::size_t size = block._size;
     std::uint64_t lines = 1;
     const char* fault = nullptr;
+    bool isCut = false;
     for (; size < LONGEST; ++lines)
     {
         const bool isAtEnd = _begin + size == _end && !fill();
@@ -236,15 +239,16 @@ bool ZlReader::addContinuations(Block& block)
             size = feed + 1;
             continue;
         }
-        const bool isLong = _end - _begin >= LONGEST;
-        if (!isLong && !isOver() && !_isAllReleased) return false;
+        isCut = _end - _begin >= LONGEST;
+        if (!isCut && !isOver() && !_isAllReleased) return false;
         size = std::min(_end - _begin, LONGEST);
-        fault = isLong ? "the event is longer than 1 MiB, and taken in parts"
-                       : "the last line has no end";
-        ++lines;
+        fault = isCut ? "the event is longer than 1 MiB, and taken in parts"
+                      : "the last line has no end";
+        lines += isCut ? 0 : 1;
         break;
     }
     block = blockOf(size, firstEnd, lines, fault);
+    block._isCut = isCut;
     return true;
 }
 
@@ -254,6 +258,7 @@ void ZlReader::consume(const Block& block)
     _searched = 0;
     _line += block._lines;
     _allLines += block._lines;
+    _isInLine = block._isCut;
 }
 
 // The level stands at a known place, so the rest of the line need not be looked at.
@@ -312,6 +317,11 @@ ZlReader::Step ZlReader::takeStepOfStart(const Block* block)
 bool ZlReader::read(const Block& block)
 {
     beginRecord(ZlRecord::Kind::Event, block);
+    if (_isInLine)
+    {
+        readUnreadable(block, "the rest of a line that is taken in parts");
+        return true;
+    }
     if (beginsWith(block._first, MARK_BEGIN) && readMark(block._first))
     {
         if (block._fault) report(block._fault);
@@ -332,15 +342,18 @@ bool ZlReader::read(const Block& block)
         if (block._fault) report(block._fault);
         return true;
     }
+    readUnreadable(block, isContinuation ? "a continuation without its event"
+                                         : "this is no line of a log");
+    return true;
+}
+
+void ZlReader::readUnreadable(const Block& block, const char* reason)
+{
     _record._kind = ZlRecord::Kind::Unreadable;
     _record._process.reset();
     _record._owner = &_nobody;
     _record._text = block._all;
-    if (block._fault)
-        report(block._fault);
-    else
-        report(isContinuation ? "a continuation without its event" : "this is no line of a log");
-    return true;
+    report(block._fault ? block._fault : reason);
 }
 
 void ZlReader::beginRecord(ZlRecord::Kind kind, const Block& block)

@@ -87,12 +87,15 @@ private:
     {
         // A line and its continuations, with their line ends.
         std::size_t _size = 0;
+        // Line ends, and that of the file.
         std::uint64_t _lines = 1;
         // The first line, and all of them, without the last line end.
         std::string_view _first;
         std::string_view _all;
         // What is wrong with it, or null.
         const char* _fault = nullptr;
+        // Whether its last line goes on with the next block.
+        bool _isCut = false;
     };
 
     enum class Step
@@ -121,6 +124,7 @@ private:
     void beginRecord(ZlRecord::Kind kind, const Block& block);
     void readEvent(const ZlHead& head, std::string_view text);
     void readText(std::string_view text);
+    void readUnreadable(const Block& block, const char* reason);
     void report(const char* reason);
     void setOrigin(const LgLineOrigin& origin);
     void forgetOrigin();
@@ -147,6 +151,8 @@ private:
     // Of the present file, up to the beginning of the buffer.
     std::uint64_t _line = 0;
     std::uint64_t _allLines = 0;
+    // Whether the beginning of the present line was a part of its own.
+    bool _isInLine = false;
 
     ZlRecord _record;
     // Whose lines these are, and for lines of which that is not known.

@@ -210,6 +210,35 @@ TEST(ZlReader, TakesWhatIsTooLongInParts)
     EXPECT_EQ(together.size(), many.size() + 1);
 }
 
+TEST(ZlReader, CountsALineThatIsTakenInPartsOnce)
+{
+    const std::string part(ZlReader::LONGEST, 'x');
+    const std::string line = "Error: A " + part + part;
+    const Result result = readAll(tickLine(1, line) + tickLine(2, "Error: A y") +
+                                  tickLine(3, "Error: A z\n\t" + part) + tickLine(4, line));
+    std::vector<std::uint64_t> lines;
+    for (const Copy& record : result._records) lines.push_back(record._line);
+    EXPECT_EQ(lines, std::vector<std::uint64_t>({1, 1, 1, 2, 3, 4, 5, 5, 5}));
+    EXPECT_EQ(result._lines, 5U);
+}
+
+// Whatever its text looks like.
+TEST(ZlReader, TakesTheRestOfALineForNoEvent)
+{
+    const std::string forged = tickLine(9, "Error: A forged");
+    const std::string head = tickLine(1, "Error: A ");
+    std::string line = head.substr(0, head.size() - 1);
+    line.resize(ZlReader::LONGEST, 'x');
+    for (const std::string& rest : {forged, STOPPED})
+    {
+        const Result result = readAll(line + rest);
+        ASSERT_EQ(result._records.size(), 2U);
+        EXPECT_EQ(result._records[1]._kind, Zu::ZlRecord::Kind::Unreadable);
+        EXPECT_EQ(result._records[1]._raw + "\n", rest);
+        EXPECT_EQ(result._lines, 1U);
+    }
+}
+
 // The pieces in which a file is read must not show.
 TEST(ZlReader, ReadsTheSameInPiecesOfAnySize)
 {
