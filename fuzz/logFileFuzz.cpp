@@ -125,8 +125,8 @@ std::uint64_t linesOf(const std::string& text)
     return static_cast<std::uint64_t>(feeds) + (!text.empty() && text.back() != '\n');
 }
 
-// What a terminal could take for a command. Bytes above are part of UTF-8, of which the formats have
-// tests of their own.
+// What a terminal could take for a command. Bytes above are part of UTF-8, of which the formats
+// have tests of their own.
 void checkPrintable(const std::string& text)
 {
     for (const char character : text)
@@ -185,6 +185,9 @@ void checkFormats(const std::string& text, bool isRaw)
     checkPrintable(formatted(text, "text", options));
     checkPrintable(formatted(text, "iso", options));
     checkPrintable(formatted(text, "logfmt", options));
+    options._times = Zu::ZlFormatOptions::Times::Relative;
+    checkPrintable(formatted(text, "text", options));
+    options._times = Zu::ZlFormatOptions::Times::Utc;
     checkJson(formatted(text, "json", options));
     checkCsv(formatted(text, "csv", options));
 }

@@ -7,7 +7,9 @@
 
 #include <algorithm>
 #include <charconv>
+#include <cstdint>
 #include <cstring>
+#include <limits>
 #include <optional>
 
 namespace Zu
@@ -15,6 +17,15 @@ namespace Zu
 
 namespace
 {
+
+// Times may be farther apart than the number reaches, which is then the last one.
+std::int64_t distanceOf(std::int64_t from, std::int64_t to)
+{
+    using Limits = std::numeric_limits<std::int64_t>;
+    if (from < 0 && to > Limits::max() + from) return Limits::max();
+    if (from > 0 && to < Limits::min() + from) return Limits::min();
+    return to - from;
+}
 
 using Times = ZlFormatOptions::Times;
 
@@ -141,7 +152,7 @@ private:
         if (!record._wall) return appendPadded(out, UNKNOWN, SECONDS_WIDTH);
         if (!_first) _first = record._wall;
         std::string seconds;
-        zlAppendSeconds(seconds, *record._wall - *_first);
+        zlAppendSeconds(seconds, distanceOf(*_first, *record._wall));
         if (seconds.size() < SECONDS_WIDTH) out.append(SECONDS_WIDTH - seconds.size(), ' ');
         out += seconds;
     }

@@ -27,7 +27,10 @@ public:
     /// Counts an event at a time in nanoseconds since 1970.
     void add(std::int64_t wall)
     {
-        if (_count && wall >= _begin && wall - _begin < getWidth())
+        // Times may be farther apart than a signed number reaches.
+        const std::uint64_t behind =
+            static_cast<std::uint64_t>(wall) - static_cast<std::uint64_t>(_begin);
+        if (_count && wall >= _begin && behind < static_cast<std::uint64_t>(getWidth()))
             ++*_count;
         else
             addElsewhere(wall);

@@ -254,12 +254,16 @@ private:
 TEST(LgServiceControlFile, ARunningServiceAnswersAndLogsByItsNewLevels)
 {
     app::Controlled process;
-    Forger asker(process.waitForFile());
-    EXPECT_TRUE(contains(asker.ask("status\n", 1), R"("name":"Database")"));
-    EXPECT_TRUE(contains(asker.ask("set\nby 7\nDatabase=Informational\n", 2), R"("changed":[{)"));
-    const std::string log = process.waitForText("Informational: Table row ");
-    EXPECT_TRUE(contains(log, "LogLevels set by process 7: Database=Informational"));
+    {
+        Forger asker(process.waitForFile());
+        EXPECT_TRUE(contains(asker.ask("status\n", 1), R"("name":"Database")"));
+        EXPECT_TRUE(
+            contains(asker.ask("set\nby 7\nDatabase=Informational\n", 2), R"("changed":[{)"));
+        const std::string log = process.waitForText("Informational: Table row ");
+        EXPECT_TRUE(contains(log, "LogLevels set by process 7: Database=Informational"));
+    }
     EXPECT_EQ(process.end("stop").exitCode, 0);
+    // Windows removes it when nobody has it open any more.
     EXPECT_TRUE(process.controlFiles().empty());
 }
 

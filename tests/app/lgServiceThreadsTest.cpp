@@ -258,6 +258,46 @@ TEST_F(LgServiceThreadsTest, AProducerThatMakesRoomOutlastsWhatFailsForAWhile)
     EXPECT_FALSE(queue.isFull());
 }
 
+// Fails in one thread.
+class RefusingRegistry : public Zu::LgServiceRegistry
+{
+public:
+    Zu::List<LgQueue*> getQueueList() const override
+    {
+        if (_refused != std::this_thread::get_id()) return LgServiceRegistry::getQueueList();
+        ++_refusals;
+        throw Zu::ExInternalError(__FILE__, __LINE__, "no list for this thread");
+    }
+
+    static inline std::atomic<std::thread::id> _refused;
+    static inline std::atomic<int> _refusals{0};
+};
+
+TEST_F(LgServiceThreadsTest, AProducerLeavesMakingRoomToAServiceThatHasBegunMeanwhile)
+{
+    Zu::LgLog::setRegistry(Zu::ObjPtr<Zu::LgRegistry>(new RefusingRegistry));
+    _threads.start();
+    _threads.stop();
+    std::atomic<bool> isDone{false};
+    std::thread producer(
+        [&isDone]
+        {
+            LgQueue& queue = *LgServiceThreads::queueOfThread();
+            while (add(queue, "kept")) continue;
+            RefusingRegistry::_refused = std::this_thread::get_id();
+            queue.waitForSpace(100);
+            isDone = true;
+        });
+    // It found no service, and is about to write events itself.
+    while (RefusingRegistry::_refusals == 0) std::this_thread::yield();
+    _threads.start();
+    RefusingRegistry::_refused = std::thread::id();
+    while (!_threads.room().isListenedTo() && !isDone) std::this_thread::yield();
+    EXPECT_TRUE(_logger.linesOf("events.log").empty());
+    writeAll();
+    producer.join();
+}
+
 TEST_F(LgServiceThreadsTest, AProducerThatWaitsForRoomGoesOnWhenAnEventIsTaken)
 {
     _threads.start();

@@ -68,6 +68,18 @@ TEST(ZlFormat, ShowsOtherTimes)
               "     +1.500000    4711 0x00000abc Error          y\n");
 }
 
+TEST(ZlFormat, TimesThatAreTooFarApartAreAsFarAsCanBeShown)
+{
+    ZlFormatOptions options;
+    options._times = Times::Relative;
+    const std::string early = "1718-11-22T22:35:52.123456Z 1 (0x00000abc) Error: x\n";
+    const std::string late = "2026-11-22T22:10:52.123456Z 1 (0x00000abc) Error: y\n";
+    EXPECT_EQ(formatted("text", early + late, options).substr(51, 30),
+              "+9223372036.854775       1 0x0");
+    EXPECT_EQ(formatted("text", late + early, options).substr(51, 30),
+              "-9223372036.854775       1 0x0");
+}
+
 TEST(ZlFormat, ShowsHostsAndFiles)
 {
     ZlFormatOptions options = utc();

@@ -719,6 +719,15 @@ TEST(ZlSlices, HaveTheCountsOfASlowReference)
     }
 }
 
+TEST(ZlSlices, TimesMayBeCenturiesApart)
+{
+    constexpr std::int64_t EARLY = -7924181047877000000;
+    constexpr std::int64_t LATE = 1795385452123456000;
+    ZlSlices slices({1000000000}, 10);
+    for (const std::int64_t wall : {EARLY, LATE, EARLY, LATE + 1}) slices.add(wall);
+    EXPECT_EQ(slices.getCounts(), (ZlSlices::Counts{{-7924181048, 2}, {1795385452, 2}}));
+}
+
 TEST(ZlSlices, AreAsNarrowAsTheirNumberAllows)
 {
     ZlSlices slices({1, 10, 100}, 3);
