@@ -75,13 +75,53 @@ std::int64_t timeOf(const std::string& option, const std::string& value, std::in
     return *time;
 }
 
-// The parser itself would only miss a command.
+const CLI::App* findCommand(const CLI::App& app, const std::string& name)
+{
+    for (const CLI::App* const command : app.get_subcommands([](const CLI::App*) { return true; }))
+        if (command->get_name() == name) return command;
+    return nullptr;
+}
+
+// The command at the beginning of the words, as in "zulog recover list". The parser itself would
+// only miss a command that it does not know.
+std::string commandOf(const CLI::App& app, const std::vector<std::string>& words)
+{
+    std::string names = app.get_name();
+    const CLI::App* command = &app;
+    for (const std::string& word : words)
+    {
+        const CLI::App* const next = findCommand(*command, word);
+        if (!next) break;
+        command = next;
+        names += " " + word;
+    }
+    return names;
+}
+
 void refuseUnknownCommand(const CLI::App& app, const std::vector<std::string>& words)
 {
-    if (words.empty() || words.front().substr(0, 1) == "-") return;
-    for (const CLI::App* const command : app.get_subcommands([](const CLI::App*) { return true; }))
-        if (command->get_name() == words.front()) return;
-    throw CLI::ParseError("\"" + words.front() + "\" is no command", CLI::ExitCodes::ExtrasError);
+    const CLI::App* command = &app;
+    for (const std::string& word : words)
+    {
+        const bool hasCommands =
+            !command->get_subcommands([](const CLI::App*) { return true; }).empty();
+        if (!hasCommands || word.substr(0, 1) == "-") return;
+        const CLI::App* const next = findCommand(*command, word);
+        if (!next)
+            throw CLI::ParseError("\"" + word + "\" is no command" +
+                                      (command == &app ? "" : " of " + command->get_name()),
+                                  CLI::ExitCodes::ExtrasError);
+        command = next;
+    }
+}
+
+void refuseWrongExpressions(const std::string& option, const std::vector<std::string>& expressions)
+{
+    for (const std::string& expression : expressions)
+    {
+        const std::string fault = zlFaultOfExpression(expression);
+        if (!fault.empty()) throw CLI::ValidationError(option, fault);
+    }
 }
 
 // Of the command that the words name.
@@ -376,6 +416,8 @@ void finishSelection(const Words& words, std::int64_t now, ZlSelection& selectio
         if (!thread) refuse("--thread", text, "a number such as 4711 or 0x00001267");
         selection._threads.push_back(*thread);
     }
+    refuseWrongExpressions("--match", selection._matches);
+    refuseWrongExpressions("--exclude", selection._exclusions);
     if (!words._since.empty()) selection._since = timeOf("--since", words._since, now);
     if (!words._until.empty()) selection._until = timeOf("--until", words._until, now);
 }
@@ -400,6 +442,9 @@ void finish(const Words& words, const ZlSurroundings& surroundings, ZlCommand& c
     const bool isPageShown = command._name == Name::Html && command._pageFile.empty();
     if (isPageShown && surroundings._isOutputTerminal)
         throw CLI::ValidationError("--output", "a page does not go to a terminal");
+    const bool isRemoval = command._name == Name::RecoverRemove;
+    if (isRemoval && command._recover._maps.empty() && !command._recover._isAll)
+        throw CLI::ValidationError("MAP", "which maps are to be removed must be said, or --all");
     finishForm(words, surroundings, command);
     finishSelection(words, surroundings._now, command._show._selection);
     const ZlTimeWriter::Form times =
@@ -427,6 +472,7 @@ ZlCommand zlReadCommandLine(std::vector<std::string> words, const ZlSurroundings
     app.footer("`zulog COMMAND --help` shows the options of a command.\n"
                "Exit values: 0 done, 1 something could not be read or written, 2 wrong use.");
     const Commands commands(app, given, command);
+    const std::string name = commandOf(app, words);
     try
     {
         refuseUnknownCommand(app, words);
@@ -449,8 +495,8 @@ ZlCommand zlReadCommandLine(std::vector<std::string> words, const ZlSurroundings
     }
     catch (const CLI::ParseError& error)
     {
-        command._text = std::string("zulog: ") + error.what() + "\n" +
-                        "`zulog --help` shows what can be used.\n";
+        command._text = std::string("zulog: ") + error.what() + "\n" + "`" + name +
+                        " --help` shows what can be used.\n";
         command._name = Name::Print;
         command._exit = WRONG_USE;
     }

@@ -85,6 +85,7 @@ void run(const ZlCommand& command, ZlOutput& output, ZlReports& reports)
     switch (command._name)
     {
     case Name::Print:
+        output.text() += command._text;
         break;
     case Name::Show:
         zlShow(command._show, output, reports);
@@ -131,9 +132,9 @@ void runWithOutput(const ZlCommand& command, ZlReports& reports)
 
 int zlRunCommand(const ZlCommand& command)
 {
-    if (command._name == Name::Print)
+    if (command._name == Name::Print && command._exit != EXIT_SUCCESS)
     {
-        (command._exit == 0 ? std::cout : std::cerr) << command._text << std::flush;
+        std::cerr << command._text << std::flush;
         return command._exit;
     }
     ZlReports reports(std::cerr);

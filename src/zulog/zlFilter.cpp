@@ -44,15 +44,9 @@ public:
     {
         for (const std::string& text : texts)
         {
-            try
-            {
-                _expressions.emplace_back(text, boost::regex::perl);
-            }
-            catch (const boost::regex_error& error)
-            {
-                throw ZlError("\"" + text + "\" is no regular expression, see character " +
-                              std::to_string(error.position() + 1) + ": " + shortened(error));
-            }
+            const std::string fault = zlFaultOfExpression(text);
+            if (!fault.empty()) throw ZlError(fault);
+            _expressions.emplace_back(text, boost::regex::perl);
         }
     }
 
@@ -70,13 +64,6 @@ public:
     }
 
 private:
-    // What follows the reason repeats the place.
-    static std::string shortened(const boost::regex_error& error)
-    {
-        const std::string text = error.what();
-        return text.substr(0, text.find_first_of(".\n"));
-    }
-
     std::vector<boost::regex> _expressions;
 };
 
@@ -151,6 +138,23 @@ void ZlFilter::reportUndated() const
     _reports.note(std::to_string(_undated) + (_undated == 1
                                                   ? " record without a known time was left out"
                                                   : " records without a known time were left out"));
+}
+
+std::string zlFaultOfExpression(const std::string& text)
+{
+    try
+    {
+        const boost::regex expression(text, boost::regex::perl);
+        return {};
+    }
+    catch (const boost::regex_error& error)
+    {
+        const std::string reason = error.what();
+        // What follows the reason repeats the place.
+        return "\"" + text + "\" is no regular expression, see character " +
+               std::to_string(error.position() + 1) + ": " +
+               reason.substr(0, reason.find_first_of(".\n"));
+    }
 }
 
 // Goes back to the last "*" when what follows it does not fit.

@@ -71,6 +71,9 @@ private:
     std::uint64_t _undated = 0;
 };
 
+/// Why a text is no regular expression, with the place and the reason; empty if it is one.
+std::string zlFaultOfExpression(const std::string& text);
+
 /// Whether a name is of the form of a glob.
 bool zlMatchesGlob(std::string_view glob, std::string_view name);
 

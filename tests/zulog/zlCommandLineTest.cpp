@@ -89,8 +89,15 @@ TEST(ZlCommandLine, RefusesWhatItCantUse)
         const char* _part;
     } rows[] = {
         {{}, "required"},
-        {{"show"}, "FILE"},
-        {{"list"}, "list"},
+        {{"show"}, "FILE is required\n`zulog show --help` shows what can be used.\n"},
+        {{"list"}, "zulog: \"list\" is no command\n`zulog --help` shows"},
+        {{"recover", "bogus"},
+         "zulog: \"bogus\" is no command of recover\n`zulog recover --help` shows"},
+        {{"recover", "list", "--bogus"}, "\n`zulog recover list --help` shows what can be used.\n"},
+        {{"recover", "remove"}, "MAP: which maps are to be removed must be said, or --all"},
+        {{"show", "--match", "a", "--match", "a(b", "f"},
+         "--match: \"a(b\" is no regular expression, see character 4: "},
+        {{"stats", "--exclude", "[", "f"}, "--exclude: \"[\" is no regular expression"},
         {{"show", "a", "--colour", "always"}, "--colour"},
         {{"show", "a", "--level", "Errors"},
          "--level: \"Errors\" can't be used: expected Internal Error, Fatal Error, Error, "},

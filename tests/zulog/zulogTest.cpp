@@ -2,6 +2,7 @@
 
 #include "logTexts.h"
 #include "support/childProcess.h"
+#include "support/fileTest.h"
 #include "support/tempDir.h"
 
 #include <filesystem>
@@ -87,7 +88,18 @@ TEST_F(Zulog, RefusesWrongWords)
     EXPECT_EQ(result.exitCode, 2);
     EXPECT_EQ(result.out, "");
     EXPECT_EQ(result.err.substr(0, 46), "zulog: --level: \"Loud\" can't be used: expected");
-    EXPECT_EQ(runProgram("zulog", {"show", "--match", "(", _first}).exitCode, 1);
+    EXPECT_EQ(runProgram("zulog", {"show", "--match", "(", _first}).exitCode, 2);
+}
+
+TEST_F(Zulog, FailsWhenItsHelpCantBeWritten)
+{
+    if (!std::filesystem::exists("/dev/full")) GTEST_SKIP() << "there is no device that is full";
+    const std::string err = _directory.file("err");
+    ProgramResult result;
+    support::runToFiles(support::programPath("zulog"), {"--help"}, {}, "/dev/full", err, result);
+    EXPECT_EQ(result.exitCode, 1);
+    EXPECT_EQ(support::readFile(err),
+              "zulog: the output can't be written: No space left on device\n");
 }
 
 TEST_F(Zulog, ReportsRecordsThatHaveNoTime)
@@ -163,7 +175,7 @@ TEST_F(Zulog, WritesWhatAKilledProcessLeft)
         return runProgram("zulog", words, environment);
     };
     EXPECT_NE(run({"recover", "list"}).out.find(logs.path()), std::string::npos);
-    EXPECT_EQ(run({"recover", "remove"}).exitCode, 1);
+    EXPECT_EQ(run({"recover", "remove"}).exitCode, 2);
     EXPECT_EQ(run({"recover", "write"}).exitCode, 0);
     EXPECT_EQ(run({"recover", "list", "--format", "json"}).out.find("\"events\""),
               std::string::npos);
