@@ -3,6 +3,7 @@
 #include "zulog/zlFile.h"
 #include "zulog/zlFollow.h"
 #include "zulog/zlPage.h"
+#include "zulog/zlPager.h"
 #include "zulog/zlPlatform.h"
 
 #include <atomic>
@@ -111,7 +112,7 @@ void run(const ZlCommand& command, ZlOutput& output, ZlReports& reports)
 
 void runWithOutput(const ZlCommand& command, ZlReports& reports)
 {
-    std::FILE* const pager = command._isPaged ? ZlPlatform::openPager() : nullptr;
+    std::FILE* const pager = command._isPaged ? zlOpenPager(reports) : nullptr;
     ZlOutput output(pager ? pager : stdout);
     try
     {
@@ -125,7 +126,7 @@ void runWithOutput(const ZlCommand& command, ZlReports& reports)
     {
         reports.failed(error.what());
     }
-    if (pager) ZlPlatform::closePager(pager);
+    if (pager && !ZlPlatform::closePager(pager)) reports.failed("the pager can't be started");
 }
 
 } // namespace

@@ -25,12 +25,17 @@ void prepare();
 /// Whether the file is a terminal that people look at.
 bool isTerminal(std::FILE* file);
 
-/// Starts a pager that reads what is written to the file; null if there is none. $PAGER names it;
-/// otherwise it is less on Linux, and there is none on Windows.
-std::FILE* openPager();
+/// The pager where the environment names none; empty if the platform has none.
+std::string getUsualPager();
 
-/// Waits until it has ended.
-void closePager(std::FILE* pager);
+/// Whether the shell finds a program of this name, which has no characters special to it.
+bool hasProgram(const std::string& name);
+
+/// Starts a command of the shell that reads what is written to the file; null if that fails.
+std::FILE* openPager(const std::string& command);
+
+/// Waits until it has ended. False if the shell has not found the command, as far as it says so.
+bool closePager(std::FILE* pager);
 
 /// Makes or empties a file, whose name is in UTF-8. Raises ZlError.
 std::FILE* openToWrite(const std::string& name);

@@ -8,6 +8,7 @@
 #include <csignal>
 #include <cstdlib>
 #include <sys/resource.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 namespace Zu
@@ -32,18 +33,28 @@ bool ZlPlatform::isTerminal(std::FILE* file)
     return isatty(fileno(file)) != 0;
 }
 
-std::FILE* ZlPlatform::openPager()
+std::string ZlPlatform::getUsualPager()
 {
-    const char* pager = std::getenv("PAGER");
-    if (!pager || *pager == '\0') pager = "less";
-    // Colours are shown, and less ends by itself if everything fits on the screen.
-    setenv("LESS", "FRX", 0);
-    return popen(pager, "w");
+    return "less";
 }
 
-void ZlPlatform::closePager(std::FILE* pager)
+bool ZlPlatform::hasProgram(const std::string& name)
 {
-    pclose(pager);
+    return std::system(("command -v " + name + " >/dev/null 2>&1").c_str()) == 0;
+}
+
+std::FILE* ZlPlatform::openPager(const std::string& command)
+{
+    // Colours are shown, and less ends by itself if everything fits on the screen.
+    setenv("LESS", "FRX", 0);
+    return popen(command.c_str(), "w");
+}
+
+bool ZlPlatform::closePager(std::FILE* pager)
+{
+    constexpr int NOT_FOUND = 127;
+    const int status = pclose(pager);
+    return !WIFEXITED(status) || WEXITSTATUS(status) != NOT_FOUND;
 }
 
 std::FILE* ZlPlatform::openToWrite(const std::string& name)

@@ -51,15 +51,27 @@ bool ZlPlatform::isTerminal(std::FILE* file)
     return GetConsoleMode(reinterpret_cast<HANDLE>(_get_osfhandle(_fileno(file))), &mode) != 0;
 }
 
-std::FILE* ZlPlatform::openPager()
+std::string ZlPlatform::getUsualPager()
 {
-    const char* const pager = std::getenv("PAGER");
-    return pager && *pager != '\0' ? _popen(pager, "wb") : nullptr;
+    return {};
 }
 
-void ZlPlatform::closePager(std::FILE* pager)
+bool ZlPlatform::hasProgram(const std::string& name)
+{
+    for (const char* const ending : {".exe", ".com", ".bat", ".cmd"})
+        if (SearchPathA(nullptr, name.c_str(), ending, 0, nullptr, nullptr) > 0) return true;
+    return false;
+}
+
+std::FILE* ZlPlatform::openPager(const std::string& command)
+{
+    return _popen(command.c_str(), "wb");
+}
+
+bool ZlPlatform::closePager(std::FILE* pager)
 {
     _pclose(pager);
+    return true;
 }
 
 std::FILE* ZlPlatform::openToWrite(const std::string& name)
