@@ -67,6 +67,12 @@ public:
         return _offset;
     }
 
+    /// Whether it is a file that can be read anywhere, and is there under a name.
+    bool isPlain() const
+    {
+        return _isPlain;
+    }
+
     /// Of the open file. 0 for what is no plain file.
     std::uint64_t getSize() const;
 

@@ -51,7 +51,10 @@ std::string directoryOf(const std::string& name)
 class GrowingSource : public ZlSource
 {
 public:
-    explicit GrowingSource(const std::string& name) : _file(name) {}
+    GrowingSource(const std::string& name, std::shared_ptr<ZlOpenFiles> pool)
+        : _file(name, std::move(pool)), _facts(_file.getFacts())
+    {
+    }
 
     std::size_t read(char* place, std::size_t size) override
     {
@@ -61,7 +64,7 @@ public:
         return count;
     }
 
-    const ZlFile& getFile() const
+    ZlPooledFile& getFile()
     {
         return _file;
     }
@@ -109,7 +112,7 @@ private:
         return std::string_view(present, count) == _last;
     }
 
-    ZlFile _file;
+    ZlPooledFile _file;
     std::string _last;
     ZlFile::Facts _facts;
     bool _isEnded = false;
@@ -216,9 +219,9 @@ private:
     {
         const bool isOther = _source && !(facts._identity == _identity);
         if (_source && !isOther && !_source->isReplaced(facts)) return false;
-        auto source = std::make_unique<GrowingSource>(_name);
+        auto source = std::make_unique<GrowingSource>(_name, _options._openFiles);
         if (isOther)
-            for (const std::string& name : filesInBetween(listing)) addRotated(name);
+            addRotated(listing);
         else if (_source)
             _source->end();
         _identity = source->getFile().getIdentity();
@@ -228,11 +231,27 @@ private:
         return true;
     }
 
+    void addRotated(ZlListing& listing)
+    {
+        std::vector<std::string> names;
+        try
+        {
+            names = filesInBetween(listing);
+        }
+        catch (const ZlError& error)
+        {
+            // The present file itself is gone.
+            _source->end();
+            _reports.failed(error.what());
+        }
+        for (const std::string& name : names) addRotated(name);
+    }
+
     void addRotated(const std::string& name)
     {
         try
         {
-            add(zlOpenSource(name));
+            add(zlOpenSource(name, _options._openFiles));
         }
         catch (const ZlError& error)
         {
@@ -335,7 +354,8 @@ void ZlFollower::findLogs(ZlListing& listing)
         else if (!_directories.contains(word))
             names.push_back(word);
     }
-    const ZlReader::Options reading = zlReaderOptions(_options, names.size());
+    ZlReader::Options reading = zlReaderOptions(_options, names.size());
+    reading._openFiles = _openFiles;
     for (std::string& name : names)
         if (_names.insert(name).second)
             _logs.push_back(std::make_unique<Log>(std::move(name), _reports, reading));

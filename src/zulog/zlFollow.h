@@ -51,6 +51,7 @@ private:
     const ZlShowOptions _options;
     ZlReports& _reports;
     ZlPrinter _printer;
+    const std::shared_ptr<ZlOpenFiles> _openFiles = zlMakeOpenFiles();
     // Words that were directories once.
     std::set<std::string> _directories;
     std::set<std::string> _names;

@@ -4,6 +4,7 @@
 #ifndef ZU_ZULOG_ZLPLATFORM_H
 #define ZU_ZULOG_ZLPLATFORM_H
 
+#include <cstddef>
 #include <cstdint>
 #include <cstdio>
 #include <string>
@@ -21,6 +22,9 @@ std::vector<std::string> getWords(int argc, char** argv);
 /// Prepares the process: output is not translated, a closed pipe is an error and no signal, and as
 /// many files can be open as the system permits.
 void prepare();
+
+/// How many files this process can have open at once.
+std::size_t getFileLimit();
 
 /// Whether the file is a terminal that people look at.
 bool isTerminal(std::FILE* file);

@@ -28,6 +28,12 @@ void ZlPlatform::prepare()
     setrlimit(RLIMIT_NOFILE, &limit);
 }
 
+std::size_t ZlPlatform::getFileLimit()
+{
+    const long limit = sysconf(_SC_OPEN_MAX);
+    return limit < 0 ? std::size_t{1} << 16 : static_cast<std::size_t>(limit);
+}
+
 bool ZlPlatform::isTerminal(std::FILE* file)
 {
     return isatty(fileno(file)) != 0;

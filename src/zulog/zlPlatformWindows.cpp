@@ -45,6 +45,12 @@ void ZlPlatform::prepare()
         SetConsoleMode(console, mode | ENABLE_VIRTUAL_TERMINAL_PROCESSING);
 }
 
+std::size_t ZlPlatform::getFileLimit()
+{
+    // Of handles there can be millions.
+    return std::size_t{1} << 16;
+}
+
 bool ZlPlatform::isTerminal(std::FILE* file)
 {
     DWORD mode = 0;

@@ -87,7 +87,7 @@ bool ZlReader::openNext()
         _name = _files[_nextFile++];
         try
         {
-            beginFile(zlOpenSource(_name));
+            beginFile(zlOpenSource(_name, _options._openFiles));
             return true;
         }
         catch (const ZlError& error)

@@ -42,6 +42,8 @@ public:
         std::uint32_t _levels = ~0U;
         /// Whether events of unknown level are skipped, too, and marks.
         bool _areMarksSkipped = false;
+        /// Null if all files may be open.
+        std::shared_ptr<ZlOpenFiles> _openFiles;
     };
 
     /// Opens nothing yet. The reports must outlive the reader.

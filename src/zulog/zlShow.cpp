@@ -12,7 +12,7 @@ namespace
 {
 
 // Of all buffers together.
-constexpr std::size_t MEMORY = std::size_t{24} << 20;
+constexpr std::size_t MEMORY = std::size_t{8} << 20;
 constexpr std::size_t LARGEST_BUFFER = std::size_t{256} << 10;
 
 } // namespace
@@ -117,7 +117,8 @@ ZlReader::Options zlReaderOptions(const ZlShowOptions& options, std::size_t logs
 ZlMerge zlOpenMerge(const ZlShowOptions& options, ZlReports& reports)
 {
     std::vector<ZlLog> logs = zlFindLogs(options._words, options._areRotatedAdded, reports);
-    const ZlReader::Options reading = zlReaderOptions(options, logs.size());
+    ZlReader::Options reading = zlReaderOptions(options, logs.size());
+    reading._openFiles = zlMakeOpenFiles();
     std::vector<std::unique_ptr<ZlReader>> readers;
     readers.reserve(logs.size());
     for (ZlLog& log : logs)

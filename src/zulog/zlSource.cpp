@@ -22,7 +22,7 @@ constexpr unsigned char MAGIC[] = {0x1f, 0x8b};
 class PlainSource : public ZlSource
 {
 public:
-    PlainSource(std::unique_ptr<ZlFile> file, std::string first)
+    PlainSource(std::unique_ptr<ZlPooledFile> file, std::string first)
         : _file(std::move(file)), _first(std::move(first))
     {
     }
@@ -42,7 +42,7 @@ public:
     }
 
 private:
-    std::unique_ptr<ZlFile> _file;
+    std::unique_ptr<ZlPooledFile> _file;
     std::string _first;
 };
 
@@ -79,7 +79,7 @@ public:
     }
 
 private:
-    static constexpr std::size_t BUFFER_SIZE = std::size_t{32} * 1024;
+    static constexpr std::size_t BUFFER_SIZE = std::size_t{4} * 1024;
 
     // False at the end of the file, which must be the end of a member.
     bool fill()
@@ -121,9 +121,9 @@ private:
 
 } // namespace
 
-std::unique_ptr<ZlSource> zlOpenSource(const std::string& name)
+std::unique_ptr<ZlSource> zlOpenSource(const std::string& name, std::shared_ptr<ZlOpenFiles> pool)
 {
-    auto file = std::make_unique<ZlFile>(name);
+    auto file = std::make_unique<ZlPooledFile>(name, std::move(pool));
     std::string first(sizeof MAGIC, '\0');
     std::size_t count = 0;
     while (count < first.size())

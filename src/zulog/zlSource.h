@@ -4,6 +4,8 @@
 #ifndef ZU_ZULOG_ZLSOURCE_H
 #define ZU_ZULOG_ZLSOURCE_H
 
+#include "zlOpenFiles.h"
+
 #include <cstddef>
 #include <memory>
 #include <string>
@@ -24,7 +26,9 @@ public:
 /// Opens a file; "-" is standard input. Whether it is compressed by gzip is seen from its first two
 /// bytes, not from its name. A compressed file may have several members; one that ends early, or is
 /// damaged, raises ZlError when everything in front of that was read.
-std::unique_ptr<ZlSource> zlOpenSource(const std::string& name);
+/// With a pool, the file may be closed while it is not read.
+std::unique_ptr<ZlSource> zlOpenSource(const std::string& name,
+                                       std::shared_ptr<ZlOpenFiles> pool = nullptr);
 
 } // namespace Zu
 

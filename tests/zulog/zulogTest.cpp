@@ -102,6 +102,25 @@ TEST_F(Zulog, FailsWhenItsHelpCantBeWritten)
               "zulog: the output can't be written: No space left on device\n");
 }
 
+// Where the system permits few open files, they are read in turns.
+TEST_F(Zulog, ReadsMoreFilesThanCanBeOpen)
+{
+    if (!std::filesystem::exists("/bin/sh")) GTEST_SKIP() << "there is no shell that limits files";
+    const support::TempDir logs;
+    for (int i = 0; i < 200; ++i)
+        writeFile(logs.file("a" + std::to_string(i) + ".log"),
+                  ORIGIN + tickLine(1, "Error: A " + std::to_string(i)));
+    const std::string err = _directory.file("err");
+    const std::string out = _directory.file("out");
+    const std::string command = "ulimit -n 48; exec \"$0\" show --match '^A ' " + logs.path();
+    ProgramResult result;
+    support::runToFiles("/bin/sh", {"-c", command, support::programPath("zulog")}, {}, out, err,
+                        result);
+    EXPECT_EQ(result.exitCode, 0);
+    EXPECT_EQ(support::readFile(err), "");
+    EXPECT_EQ(support::linesOf(support::readFile(out)).size(), 200U);
+}
+
 TEST_F(Zulog, ReportsRecordsThatHaveNoTime)
 {
     const ProgramResult result =
