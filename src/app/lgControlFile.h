@@ -87,8 +87,12 @@ public:
     /// Whether its process lives.
     bool isAlive() const;
 
-    /// Tries to become the one that asks, until the object ends; false while another one is.
+    /// Tries to become the one that asks, until release() or the end of the object; false while
+    /// another one is.
     bool claim();
+
+    /// Lets others ask. After claim().
+    void release();
 
     /// Reads exactly this part; false if the file is shorter, or the system refuses.
     bool read(std::uint64_t offset, void* to, std::size_t size) const;

@@ -133,6 +133,13 @@ bool LgControlPeer::claim()
     return lock(descriptor(_file), LgControl::LOCK_OF_ASKER);
 }
 
+void LgControlPeer::release()
+{
+    struct flock lock = byteAt(LgControl::LOCK_OF_ASKER);
+    lock.l_type = F_UNLCK;
+    fcntl(descriptor(_file), F_SETLK, &lock);
+}
+
 bool LgControlPeer::read(std::uint64_t offset, void* to, std::size_t size) const
 {
     ssize_t count = 0;

@@ -112,6 +112,11 @@ bool LgControlPeer::claim()
     return lock(handle(_file), LgControl::LOCK_OF_ASKER);
 }
 
+void LgControlPeer::release()
+{
+    unlock(handle(_file), LgControl::LOCK_OF_ASKER);
+}
+
 bool LgControlPeer::read(std::uint64_t offset, void* to, std::size_t size) const
 {
     OVERLAPPED place = placeOf(offset);

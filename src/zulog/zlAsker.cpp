@@ -98,21 +98,32 @@ bool ZlAsker::ask(const std::string& request, std::chrono::milliseconds patience
                   std::string& answer)
 {
     const Time end = std::chrono::steady_clock::now() + patience;
-    if (!claim(end)) _reason = "another process is asking it";
-    // The last number of another asker counts.
-    else if (!readHeader() || !write(request))
-        _reason = "its control file can't be written";
-    else
+    if (!claim(end))
     {
-        while (!read(answer))
-        {
-            _reason = _peer.isAlive() ? "it does not answer" : "it has ended";
-            if (!_peer.isAlive() || std::chrono::steady_clock::now() >= end) return false;
-            std::this_thread::sleep_for(PAUSE);
-        }
-        return true;
+        _reason = "another process is asking it";
+        return false;
     }
-    return false;
+    const bool hasAnswer = askClaimed(request, end, answer);
+    _peer.release();
+    return hasAnswer;
+}
+
+bool ZlAsker::askClaimed(const std::string& request, Time end, std::string& answer)
+{
+    // The last number of another asker counts.
+    if (!readHeader() || !write(request))
+    {
+        _reason = "its control file can't be written";
+        return false;
+    }
+    while (!read(answer))
+    {
+        const bool isAlive = _peer.isAlive();
+        _reason = isAlive ? "it does not answer" : "it has ended";
+        if (!isAlive || std::chrono::steady_clock::now() >= end) return false;
+        std::this_thread::sleep_for(PAUSE);
+    }
+    return true;
 }
 
 std::vector<std::string> zlFindControlFiles(const std::string& directory)

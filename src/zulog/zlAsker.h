@@ -73,6 +73,7 @@ private:
     bool refuse(const char* reason);
     bool readHeader();
     bool claim(Time end);
+    bool askClaimed(const std::string& request, Time end, std::string& answer);
     bool write(const std::string& request);
     bool read(std::string& answer);
 

@@ -69,6 +69,8 @@ TEST(LgControlPeer, OpensTheFileOfARunningProcess)
     ASSERT_EQ(peer.open(path), Outcome::Opened);
     EXPECT_TRUE(peer.isAlive());
     EXPECT_TRUE(peer.claim());
+    peer.release();
+    EXPECT_TRUE(peer.claim());
     char magic[8];
     ASSERT_TRUE(peer.read(0, magic, sizeof magic));
     EXPECT_EQ(std::string(magic, sizeof magic), "ZULOGCTL");
