@@ -1,5 +1,6 @@
 #include "zulog/zlCompletion.h"
 
+#include <CLI/App.hpp>
 #include <cstddef>
 #include <functional>
 #include <vector>

@@ -4,8 +4,12 @@
 #ifndef ZU_ZULOG_ZLCOMPLETION_H
 #define ZU_ZULOG_ZLCOMPLETION_H
 
-#include <CLI/App.hpp>
 #include <string>
+
+namespace CLI
+{
+class App;
+} // namespace CLI
 
 namespace Zu
 {
