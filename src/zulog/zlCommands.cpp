@@ -107,7 +107,19 @@ void run(const ZlCommand& command, ZlOutput& output, ZlReports& reports)
     default:
         recover(command, output, reports);
     }
-    output.write();
+}
+
+// What was done before a failure is shown.
+void runReported(const ZlCommand& command, ZlOutput& output, ZlReports& reports)
+{
+    try
+    {
+        run(command, output, reports);
+    }
+    catch (const std::exception& error)
+    {
+        reports.failed(error.what());
+    }
 }
 
 void runWithOutput(const ZlCommand& command, ZlReports& reports)
@@ -116,13 +128,14 @@ void runWithOutput(const ZlCommand& command, ZlReports& reports)
     ZlOutput output(pager ? pager : stdout);
     try
     {
-        run(command, output, reports);
+        runReported(command, output, reports);
+        output.write();
     }
     catch (const ZlOutput::Closed&)
     {
         // Who reads it has seen enough.
     }
-    catch (const std::exception& error)
+    catch (const ZlError& error)
     {
         reports.failed(error.what());
     }

@@ -114,6 +114,9 @@ bool ZlFilter::acceptsEvent(const ZlRecord& record)
     }
     catch (const std::runtime_error&)
     {
+        if (++_givenUp > MOST_GIVEN_UP)
+            throw ZlError("the search for an expression took too long in " +
+                          std::to_string(MOST_GIVEN_UP) + " lines, and is ended");
         _reports.wrongLine(*record._file, record._line,
                            "the search for an expression takes too long, and the line is shown");
         return true;

@@ -47,6 +47,11 @@ public:
     ZlFilter(const ZlSelection& selection, ZlReports& reports);
     ~ZlFilter();
 
+    /// In so many lines the search for an expression may take too long.
+    static constexpr std::uint64_t MOST_GIVEN_UP = 100;
+
+    /// A record in which the search for an expression takes too long is reported, and accepted,
+    /// also where the expression excludes. Raises ZlError after too many of them.
     bool accepts(const ZlRecord& record);
 
     /// How many records were left out because times are asked for, and theirs is not known.
@@ -69,6 +74,7 @@ private:
     std::unique_ptr<Expressions> _exclusions;
     bool _areEventsAlone;
     std::uint64_t _undated = 0;
+    std::uint64_t _givenUp = 0;
 };
 
 /// Why a text is no regular expression, with the place and the reason; empty if it is one.

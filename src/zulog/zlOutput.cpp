@@ -11,6 +11,7 @@ namespace Zu
 void ZlOutput::write()
 {
     const std::size_t size = _text.size();
+    if (size == 0) return;
     const bool isWritten =
         std::fwrite(_text.data(), 1, size, _file) == size && std::fflush(_file) == 0;
     _text.clear();

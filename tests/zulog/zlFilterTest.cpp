@@ -127,6 +127,28 @@ TEST(ZlFilter, SearchesLongLines)
     EXPECT_EQ(found.back(), "xyz");
 }
 
+// A search that would take ages.
+const std::string COSTLY = tickLine(1, "Error: A " + std::string(40, 'a') + "b");
+
+TEST(ZlFilter, AcceptsWhatCantBeSearched)
+{
+    ZlSelection selection;
+    selection._exclusions = {"(a|aa)+$"};
+    EXPECT_EQ(chosen(selection, COSTLY)._texts.size(), 1U);
+    std::swap(selection._matches, selection._exclusions);
+    EXPECT_EQ(chosen(selection, COSTLY)._texts.size(), 1U);
+}
+
+TEST(ZlFilter, EndsWhenTooMuchCantBeSearched)
+{
+    ZlSelection selection;
+    selection._matches = {"(a|aa)+$"};
+    std::string log;
+    for (std::uint64_t i = 0; i < Zu::ZlFilter::MOST_GIVEN_UP; ++i) log += COSTLY;
+    EXPECT_EQ(chosen(selection, log)._texts.size(), Zu::ZlFilter::MOST_GIVEN_UP);
+    EXPECT_THROW(chosen(selection, log + COSTLY), Zu::ZlError);
+}
+
 TEST(ZlFilter, MatchesGlobs)
 {
     const struct

@@ -121,6 +121,17 @@ TEST_F(Zulog, ReadsMoreFilesThanCanBeOpen)
     EXPECT_EQ(support::linesOf(support::readFile(out)).size(), 200U);
 }
 
+TEST_F(Zulog, ShowsWhatItFoundBeforeAnExpressionWasTooCostly)
+{
+    std::string log;
+    for (int i = 0; i < 150; ++i) log += tickLine(1, "Error: A " + std::string(40, 'a') + "b");
+    writeFile(_first, log);
+    const ProgramResult result = runProgram("zulog", {"show", "--exclude", "(a|aa)+$", _first});
+    EXPECT_EQ(result.exitCode, 1);
+    EXPECT_EQ(support::linesOf(result.out).size(), 100U);
+    EXPECT_NE(result.err.find("took too long in 100 lines, and is ended\n"), std::string::npos);
+}
+
 TEST_F(Zulog, ReportsRecordsThatHaveNoTime)
 {
     const ProgramResult result =
