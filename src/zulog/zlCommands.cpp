@@ -5,6 +5,7 @@
 #include "zulog/zlPage.h"
 #include "zulog/zlPager.h"
 #include "zulog/zlPlatform.h"
+#include "zulog/zlReplacement.h"
 
 #include <atomic>
 #include <cstdio>
@@ -44,19 +45,21 @@ void refuseInput(const ZlCommand& command, ZlReports& reports)
                 throw ZlError("\"" + command._pageFile + "\" is one of the logs, and stays");
 }
 
-void writePage(const ZlCommand& command, std::FILE* file, ZlReports& reports)
+// Returns how many lines were read.
+std::uint64_t writePage(const ZlCommand& command, std::FILE* file, ZlReports& reports)
 {
     ZlOutput output(file);
     ZlPage page(command._pageTitle);
     page.begin(output.text());
-    forEachRecord(command._show, reports,
-                  [&](const ZlRecord& record)
-                  {
-                      page.append(output.text(), record);
-                      output.writeIfLarge();
-                  });
+    const auto append = [&](const ZlRecord& record)
+    {
+        page.append(output.text(), record);
+        output.writeIfLarge();
+    };
+    const std::uint64_t lines = forEachRecord(command._show, reports, append);
     page.end(output.text());
     output.write();
+    return lines;
 }
 
 void recover(const ZlCommand& command, ZlOutput& output, ZlReports& reports)
@@ -171,19 +174,16 @@ void zlCount(const ZlCommand& command, ZlOutput& output, ZlReports& reports)
 
 void zlMakePage(const ZlCommand& command, ZlReports& reports)
 {
-    if (command._pageFile.empty()) return writePage(command, stdout, reports);
+    if (command._pageFile.empty())
+    {
+        writePage(command, stdout, reports);
+        return;
+    }
     refuseInput(command, reports);
-    std::FILE* const file = ZlPlatform::openToWrite(command._pageFile);
-    try
-    {
-        writePage(command, file, reports);
-    }
-    catch (...)
-    {
-        std::fclose(file);
-        throw;
-    }
-    std::fclose(file);
+    ZlReplacement page(command._pageFile);
+    const std::uint64_t lines = writePage(command, page.getFile(), reports);
+    // A page of nothing is of no use where nothing could be read.
+    if (lines > 0 || !reports.hasFailed()) page.finish();
 }
 
 } // namespace Zu

@@ -16,7 +16,8 @@ int zlRunCommand(const ZlCommand& command);
 /// Counts what is in the files. Raises ZlError for what can't be used or written.
 void zlCount(const ZlCommand& command, ZlOutput& output, ZlReports& reports);
 
-/// Makes a page for a browser. Raises ZlError likewise; a file that was begun is then incomplete.
+/// Makes a page for a browser. Raises ZlError likewise; a page that is there already then stays. So
+/// it does if nothing could be read.
 void zlMakePage(const ZlCommand& command, ZlReports& reports);
 
 } // namespace Zu

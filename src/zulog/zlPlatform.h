@@ -41,8 +41,9 @@ std::FILE* openPager(const std::string& command);
 /// Waits until it has ended. False if the shell has not found the command, as far as it says so.
 bool closePager(std::FILE* pager);
 
-/// Makes or empties a file, whose name is in UTF-8. Raises ZlError.
-std::FILE* openToWrite(const std::string& name);
+/// Makes or empties a file, whose name is in UTF-8; with `isNew`, it must not be there. Null, with
+/// the reason, if that fails.
+std::FILE* openToWrite(const std::string& name, bool isNew, std::string& reason);
 
 /// UTC in nanoseconds since 1970.
 std::int64_t getNow();

@@ -63,11 +63,10 @@ bool ZlPlatform::closePager(std::FILE* pager)
     return !WIFEXITED(status) || WEXITSTATUS(status) != NOT_FOUND;
 }
 
-std::FILE* ZlPlatform::openToWrite(const std::string& name)
+std::FILE* ZlPlatform::openToWrite(const std::string& name, bool isNew, std::string& reason)
 {
-    std::FILE* const file = std::fopen(name.c_str(), "we");
-    if (!file)
-        throw ZlError("\"" + name + "\" can't be opened: " + LgServiceFile::errorText(errno));
+    std::FILE* const file = std::fopen(name.c_str(), isNew ? "wxe" : "we");
+    if (!file) reason = LgServiceFile::errorText(errno);
     return file;
 }
 

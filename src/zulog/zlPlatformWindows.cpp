@@ -8,6 +8,7 @@
 #include <fcntl.h>
 #include <filesystem>
 #include <io.h>
+#include <sys/stat.h>
 #include <windows.h>
 
 #include <shellapi.h>
@@ -80,14 +81,14 @@ bool ZlPlatform::closePager(std::FILE* pager)
     return true;
 }
 
-std::FILE* ZlPlatform::openToWrite(const std::string& name)
+std::FILE* ZlPlatform::openToWrite(const std::string& name, bool isNew, std::string& reason)
 {
     const std::filesystem::path path(std::u8string(name.begin(), name.end()));
-    std::FILE* const file = _wfopen(path.c_str(), L"wb");
-    if (!file)
-        throw ZlError("\"" + name + "\" can't be opened: " +
-                      LgServiceFile::errorText(static_cast<int>(GetLastError())));
-    return file;
+    const int how = _O_WRONLY | _O_CREAT | _O_BINARY | _O_NOINHERIT | (isNew ? _O_EXCL : _O_TRUNC);
+    const int descriptor = _wopen(path.c_str(), how, _S_IREAD | _S_IWRITE);
+    if (descriptor >= 0) return _fdopen(descriptor, "wb");
+    reason = LgServiceFile::errorText(static_cast<int>(GetLastError()));
+    return nullptr;
 }
 
 std::int64_t ZlPlatform::getNow()

@@ -172,6 +172,30 @@ TEST_F(Zulog, MakesAPage)
     EXPECT_NE(failed.err.find("page.html\" can't be opened: "), std::string::npos);
 }
 
+TEST_F(Zulog, KeepsThePageWhenThereCanBeNoNewOne)
+{
+    const std::string page = _directory.file("page.html");
+    writeFile(page, "the page of yesterday");
+    const std::vector<std::string> words = {"html", "--output", page};
+    const auto run = [&](const std::vector<std::string>& more)
+    {
+        std::vector<std::string> all = words;
+        all.insert(all.end(), more.begin(), more.end());
+        return runProgram("zulog", all).exitCode;
+    };
+    EXPECT_EQ(run({_directory.file("missing")}), 1);
+    EXPECT_EQ(run({"--match", "(", _first}), 2);
+    std::string costly;
+    for (int i = 0; i < 150; ++i) costly += tickLine(1, "Error: A " + std::string(40, 'a') + "b");
+    const std::string log = _directory.file("costly");
+    writeFile(log, costly);
+    EXPECT_EQ(run({"--match", "(a|aa)+$", log}), 1);
+    EXPECT_EQ(support::readFile(page), "the page of yesterday");
+    // What could be read is in the new one.
+    EXPECT_EQ(run({_directory.file("missing"), _first}), 1);
+    EXPECT_NE(support::readFile(page).find("one"), std::string::npos);
+}
+
 TEST_F(Zulog, DoesNotReplaceALogByItsPage)
 {
     const ProgramResult result =
