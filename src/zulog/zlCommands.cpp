@@ -12,6 +12,7 @@
 #include <cstdlib>
 #include <exception>
 #include <iostream>
+#include <sstream>
 
 namespace Zu
 {
@@ -34,8 +35,11 @@ std::uint64_t forEachRecord(const ZlShowOptions& options, ZlReports& reports, Fu
 }
 
 // The page would replace a log before that is read.
-void refuseInput(const ZlCommand& command, ZlReports& reports)
+void refuseInput(const ZlCommand& command)
 {
+    // What is wrong is reported when the logs are read.
+    std::ostringstream ignored;
+    ZlReports reports(ignored);
     ZlFile::Identity page;
     if (!ZlFile::find(command._pageFile, page)) return;
     const ZlShowOptions& show = command._show;
@@ -179,7 +183,7 @@ void zlMakePage(const ZlCommand& command, ZlReports& reports)
         writePage(command, stdout, reports);
         return;
     }
-    refuseInput(command, reports);
+    refuseInput(command);
     ZlReplacement page(command._pageFile);
     const std::uint64_t lines = writePage(command, page.getFile(), reports);
     // A page of nothing is of no use where nothing could be read.

@@ -1,15 +1,18 @@
 #include "zulog/zlInputs.h"
 
 #include "app/lgServiceFile.h"
+#include "zulog/zlFile.h"
 #include "zulog/zlFormat.h"
 
 #include <algorithm>
 #include <charconv>
+#include <cstdint>
 #include <filesystem>
 #include <map>
 #include <set>
 #include <string_view>
 #include <system_error>
+#include <utility>
 
 namespace Zu
 {
@@ -129,6 +132,22 @@ void addDirectory(std::vector<ZlLog>& logs, const std::string& word, ZlReports& 
     }
 }
 
+// A file counts where it is named first.
+void dropRepeated(std::vector<ZlLog>& logs)
+{
+    std::set<std::pair<std::uint64_t, std::uint64_t>> known;
+    const auto isRepeated = [&](const std::string& file)
+    {
+        ZlFile::Identity identity;
+        if (file == "-" || !ZlFile::find(file, identity)) return false;
+        // What has no identity, as some devices, is each a file of its own.
+        const bool isNone = identity == ZlFile::Identity();
+        return !isNone && !known.emplace(identity._volume, identity._number).second;
+    };
+    for (ZlLog& log : logs) std::erase_if(log, isRepeated);
+    std::erase_if(logs, [](const ZlLog& log) { return log.empty(); });
+}
+
 } // namespace
 
 const std::set<std::string>& ZlListing::namesIn(const std::string& directory)
@@ -184,6 +203,7 @@ std::vector<ZlLog> zlFindLogs(const std::vector<std::string>& words, bool areRot
         log.push_back(word);
         logs.push_back(std::move(log));
     }
+    dropRepeated(logs);
     return logs;
 }
 

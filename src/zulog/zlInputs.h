@@ -27,8 +27,9 @@ using ZlLog = std::vector<std::string>;
 ///   Directories in it are not looked into. One without a log is reported.
 /// - "-" is standard input.
 ///
-/// Logs come in the order of the words, those of a directory sorted by name. What is not there is
-/// reported, and omitted.
+/// Logs come in the order of the words, those of a directory sorted by name. A file that is named
+/// several times, whatever its names, is one of the first log alone. A directory that can't be read
+/// is reported, and omitted.
 std::vector<ZlLog> zlFindLogs(const std::vector<std::string>& words, bool areRotatedAdded,
                               ZlReports& reports);
 

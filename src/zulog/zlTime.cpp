@@ -275,9 +275,10 @@ void ZlTimeWriter::beginSecond(std::int64_t second)
 
 void zlAppendSeconds(std::string& out, std::int64_t nanoseconds)
 {
-    const bool isNegative = nanoseconds < 0;
-    const std::uint64_t distance = isNegative ? 0 - static_cast<std::uint64_t>(nanoseconds)
-                                              : static_cast<std::uint64_t>(nanoseconds);
+    // Less than a microsecond is written as zero, which has one form.
+    const bool isNegative = nanoseconds <= -MICROSECOND;
+    const std::uint64_t distance = nanoseconds < 0 ? 0 - static_cast<std::uint64_t>(nanoseconds)
+                                                   : static_cast<std::uint64_t>(nanoseconds);
     constexpr auto SECOND = static_cast<std::uint64_t>(NANOSECONDS);
     out += isNegative ? '-' : '+';
     out += std::to_string(distance / SECOND);

@@ -67,6 +67,19 @@ TEST_F(ZlInputs, FindsTheLogsOfADirectory)
     EXPECT_EQ(_reported.str(), "");
 }
 
+TEST_F(ZlInputs, TakesAFileOnceWhateverItsNames)
+{
+    make({"a.log", "a.log.1", "b.log"});
+    const std::string other = _directory.path() + "/../" +
+                              std::filesystem::path(_directory.path()).filename().string() +
+                              "/b.log";
+    EXPECT_EQ(find({_directory.path(), _directory.file("a.log"), other}),
+              Logs({{"a.log.1", "a.log"}, {"b.log"}}));
+    EXPECT_EQ(find({_directory.file("a.log"), _directory.path()}),
+              Logs({{"a.log"}, {"a.log.1"}, {"b.log"}}));
+    EXPECT_EQ(find({_directory.file("missing"), _directory.file("missing"), "-", "-"}).size(), 4U);
+}
+
 TEST_F(ZlInputs, ReportsADirectoryWithoutALog)
 {
     EXPECT_EQ(find({_directory.path()}), Logs());
