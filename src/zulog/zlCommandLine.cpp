@@ -217,6 +217,7 @@ public:
         addRecover();
         addProcesses();
         addLevel();
+        addShip();
         addCompletion();
     }
 
@@ -361,6 +362,26 @@ private:
         addMappings(level);
     }
 
+    void addShip()
+    {
+        CLI::App& ship = add(_app, "ship", "Send logs to another system", Name::Ship);
+        addFiles(ship, _words);
+        addFilters(ship, _words, _result._show._selection);
+        ZlShipOptions& options = _result._ship;
+        ship.add_option("--to", options._destinationText,
+                        "Where they go: relp://HOST:PORT, tcp://HOST:PORT, journal: or "
+                        "journal:PATH")
+            ->type_name("DESTINATION")
+            ->required();
+        ship.add_option("--cursor", options._cursorFile,
+                        "The file that keeps how far they were sent, for this destination")
+            ->type_name("FILE")
+            ->required();
+        ship.add_flag("--once", options._isOnce, "End when all that is there was taken");
+        ship.add_option("--app", options._app, "The program's name in messages")->type_name("NAME");
+        ship.add_flag("--raw", _words._isRaw, "Undo the escapes in texts");
+    }
+
     void addCompletion()
     {
         CLI::App& completion = add(_app, "completion",
@@ -431,6 +452,16 @@ void finishControl(const Words& words, ZlControlOptions& control)
     control._isJson = words._list == "json";
 }
 
+void finishShip(bool hasInput, ZlShipOptions& ship)
+{
+    if (hasInput) throw CLI::ValidationError("FILE", "standard input has no places to go on from");
+    const auto destination = zlParseDestination(ship._destinationText);
+    if (!destination)
+        refuse("--to", ship._destinationText,
+               "relp://HOST:PORT, tcp://HOST:PORT, journal: or journal:PATH");
+    ship._destination = *destination;
+}
+
 void finish(const Words& words, const ZlSurroundings& surroundings, ZlCommand& command)
 {
     command._show._words = words._files;
@@ -439,6 +470,7 @@ void finish(const Words& words, const ZlSurroundings& surroundings, ZlCommand& c
         std::find(words._files.begin(), words._files.end(), "-") != words._files.end();
     if (command._name == Name::Follow && hasInput)
         throw CLI::ValidationError("FILE", "standard input can't be followed");
+    if (command._name == Name::Ship) finishShip(hasInput, command._ship);
     const bool isPageShown = command._name == Name::Html && command._pageFile.empty();
     if (isPageShown && surroundings._isOutputTerminal)
         throw CLI::ValidationError("--output", "a page does not go to a terminal");

@@ -6,6 +6,7 @@
 
 #include "zlControl.h"
 #include "zlRecover.h"
+#include "zlShip.h"
 #include "zlShow.h"
 #include "zlStats.h"
 
@@ -34,7 +35,8 @@ struct ZlCommand
         Processes,
         Level,
         /// Never returned: it becomes Print.
-        Completion
+        Completion,
+        Ship
     };
 
     Name _name = Name::Print;
@@ -49,6 +51,8 @@ struct ZlCommand
     std::string _pageTitle;
     ZlRecoverOptions _recover;
     ZlControlOptions _control;
+    /// Without what `_show` has.
+    ZlShipOptions _ship;
     std::string _text;
     int _exit = 0;
 };

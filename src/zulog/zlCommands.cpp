@@ -78,6 +78,14 @@ void recover(const ZlCommand& command, ZlOutput& output, ZlReports& reports)
     if (command._name == Name::RecoverRemove) zlRecoverRemove(options, output, reports);
 }
 
+void ship(const ZlCommand& command, ZlReports& reports)
+{
+    const std::atomic<bool> isStopped = false;
+    ZlShipOptions options = command._ship;
+    options._show = command._show;
+    zlShip(options, reports, isStopped);
+}
+
 void control(const ZlCommand& command, ZlOutput& output, ZlReports& reports)
 {
     ZlControlOptions options = command._control;
@@ -106,6 +114,9 @@ void run(const ZlCommand& command, ZlOutput& output, ZlReports& reports)
         break;
     case Name::Html:
         zlMakePage(command, reports);
+        break;
+    case Name::Ship:
+        ship(command, reports);
         break;
     case Name::Processes:
     case Name::Level:

@@ -107,6 +107,7 @@ void ZlReader::beginFile(std::unique_ptr<ZlSource> source)
     _searched = 0;
     _line = 0;
     _isInLine = false;
+    _offset = 0;
     _areStamped.reset();
     forgetOrigin();
 }
@@ -257,6 +258,7 @@ void ZlReader::consume(const Block& block)
     _begin += block._size;
     _searched = 0;
     _line += block._lines;
+    _offset += block._size;
     _allLines += block._lines;
     _isInLine = block._isCut;
 }

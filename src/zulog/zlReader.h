@@ -84,6 +84,13 @@ public:
         return _allLines;
     }
 
+    /// How many bytes of the present file the records so far took, with what was skipped between
+    /// them: the offset behind the record that next() made. Of a compressed file, uncompressed.
+    std::uint64_t getOffset() const
+    {
+        return _offset;
+    }
+
 private:
     struct Block
     {
@@ -152,6 +159,7 @@ private:
     std::size_t _searched = 0;
     // Of the present file, up to the beginning of the buffer.
     std::uint64_t _line = 0;
+    std::uint64_t _offset = 0;
     std::uint64_t _allLines = 0;
     // Whether the beginning of the present line was a part of its own.
     bool _isInLine = false;
