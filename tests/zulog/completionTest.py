@@ -11,8 +11,9 @@ ZULOG = os.path.abspath(sys.argv.pop(1))
 
 # The words so far, of which the last one is completed, and what comes. "=" is a word of its own.
 ROWS = [
-    (["zulog", "s"], ["show", "stats"]),
+    (["zulog", "st"], ["stats"]),
     (["zulog", "zz"], []),
+    (["zulog", "sh"], ["ship", "show"]),
     (["zulog", "--v"], ["--version"]),
     (["zulog", "recover", ""], ["list", "show", "write", "remove"]),
     (["zulog", "show", "--fo"], ["--format"]),
