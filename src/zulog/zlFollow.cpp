@@ -147,8 +147,8 @@ std::vector<std::string> inOrder(std::vector<RotatedFile> files, std::ptrdiff_t 
 class ZlFollower::Log
 {
 public:
-    Log(std::string name, ZlReports& reports, const ZlReader::Options& options)
-        : _name(std::move(name)), _reports(reports), _options(options)
+    Log(std::string name, ZlReports& reports, ZlReader::Options options)
+        : _name(std::move(name)), _reports(reports), _options(std::move(options))
     {
     }
 

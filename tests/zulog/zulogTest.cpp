@@ -105,7 +105,8 @@ TEST_F(Zulog, FailsWhenItsHelpCantBeWritten)
 // Where the system permits few open files, they are read in turns.
 TEST_F(Zulog, ReadsMoreFilesThanCanBeOpen)
 {
-    if (!std::filesystem::exists("/bin/sh")) GTEST_SKIP() << "there is no shell that limits files";
+    if (std::filesystem::path::preferred_separator != '/')
+        GTEST_SKIP() << "only the shells of Linux limit files";
     const support::TempDir logs;
     for (int i = 0; i < 200; ++i)
         writeFile(logs.file("a" + std::to_string(i) + ".log"),
@@ -190,7 +191,7 @@ TEST_F(Zulog, KeepsThePageWhenThereCanBeNoNewOne)
     const std::string log = _directory.file("costly");
     writeFile(log, costly);
     EXPECT_EQ(run({"--match", "(a|aa)+$", log}), 1);
-    EXPECT_EQ(support::readFile(page), "the page of yesterday");
+    EXPECT_TRUE(support::readFile(page) == "the page of yesterday");
     // What could be read is in the new one.
     EXPECT_EQ(run({_directory.file("missing"), _first}), 1);
     EXPECT_NE(support::readFile(page).find("one"), std::string::npos);
