@@ -305,10 +305,11 @@ ZlReader::Step ZlReader::takeStep()
     return isRecord && isWanted ? Step::Record : Step::Nothing;
 }
 
-// The banner goes on with the block, or ends in front of it.
+// The banner goes on with the block, or ends in front of it. It has neither continuations nor lines
+// that are taken in parts.
 ZlReader::Step ZlReader::takeStepOfStart(const Block* block)
 {
-    const bool isPart = block && addToStart(block->_first);
+    const bool isPart = block && !block->_isCut && addToStart(block->_all);
     if (isPart) consume(*block);
     if (isPart && !_origin) return Step::Nothing;
     finishStart();

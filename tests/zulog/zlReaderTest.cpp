@@ -239,6 +239,22 @@ TEST(ZlReader, TakesTheRestOfALineForNoEvent)
     }
 }
 
+// Otherwise its bytes would be in no record.
+TEST(ZlReader, TakesNothingElseForAPartOfABanner)
+{
+    const std::string date = "===== Started on Sun Nov 22 11:00:00 2026";
+    const Result continued = readAll(logTexts::PLAIN_BANNER + date + "\n\n\tone\n");
+    ASSERT_EQ(continued._records.size(), 2U);
+    EXPECT_EQ(continued._records[1]._kind, Zu::ZlRecord::Kind::Unreadable);
+    EXPECT_EQ(continued._records[1]._raw, "\n\tone");
+    EXPECT_EQ(continued._records[1]._line, 3U);
+    const std::string line = date + std::string(ZlReader::LONGEST, 'x');
+    const Result cut = readAll(logTexts::PLAIN_BANNER + line + "\n");
+    ASSERT_EQ(cut._records.size(), 3U);
+    EXPECT_EQ(cut._records[1]._kind, Zu::ZlRecord::Kind::Unreadable);
+    EXPECT_EQ(cut._records[1]._raw + cut._records[2]._raw, line);
+}
+
 // The pieces in which a file is read must not show.
 TEST(ZlReader, ReadsTheSameInPiecesOfAnySize)
 {
