@@ -450,23 +450,59 @@ PERFORMANCE_DATA = {
 }
 
 TICKS = b"0000000000 %010d (0x00000abc) %s\n"
-BANNER = b"===== Message Logger Startup =====\n\n"
+DATED = b"%s-11-22T22:10:51.123456Z 4711 (0x00000abc) %s\n"
+STARTUP = b"===== Message Logger Startup =====\n"
+DATE = b"===== Started on Sun Nov 22 23:00:00 2026\n\n"
+RATE = b"===== Clock Frequency: 0.000001000\n"
 STOP = b"===== Message Logger Stopped =====\n"
+RECOVERED = (b"===== Recovered: events of process 4711 =====\n",
+             b"===== Recovered: end of the events of process 4711 =====\n")
+NOT_WRITTEN = b"===== Not Written: 17 events since 2026-11-22T22:10:51.123456Z =====\n"
+RAW, COLOURED, TERMINAL, IN_TICKS, RELATIVE, STRETCHED = 1, 2, 4, 8, 16, 224
+# With STRETCHED, a part of a line that is longer than the longest.
+LONG = b"\xff"
+
+
+# How a log is read: which levels are not skipped, which is where it is cut as well, and the sizes
+# of the pieces in which it comes.
+def read(log, flags=0, levels=127, sizes=(1,)):
+    return bytes([flags, levels, len(sizes) - 1, *(size - 1 for size in sizes)]) + log
+
+
+WHOLE = (STARTUP + DATE + RATE + origin_line() + b"\n" + TICKS % (5, b"Warning: Orders one") +
+         TICKS % (9, b"Internal Error: Stock two") + TICKS % (9, b"Event overflow [12]"))
 
 LOG_FILE = {
-    "ticks": b"\1" + BANNER + origin_line() + b"\n" + TICKS % (5, b"Warning: Orders one") +
-             TICKS % (9, b"Internal Error: Stock two") + STOP,
-    "continued": b"\3" + TICKS % (5, b"Error: Orders one\n\ttwo\n\t\n\tthree") +
-                 TICKS % (6, b"Tracing: Orders four"),
-    "local": b"\7" + b"2026-11-22T23:10:51.123456+01:00 4711 (0x00000abc) Warning: Orders text\n"
-             b"2026-11-22T22:10:52.123456Z 4711 (0x00000abc) Profiling: Orders \\x1b text\n",
-    "plain": b"\40" + BANNER + b"Orders text\nEvent overflow\n" + STOP,
-    "overflow": b"\5" + TICKS % (7, b"Event overflow: 12 events lost"),
-    "torn": b"\2" + (TICKS % (7, b"Error: A b"))[:31],
-    "garbage": b"\100\0\1\xff\xc2\x9b\x1b[31m\r\n\n\t\n\"a,b\"\r\n</script>\n",
-    "separators": b"\100" + TICKS % (7, "Error: A \u202eb\u2028c\u0085d".encode()),
-    "escapes": b"\100" + TICKS % (7, b"Error: A \\x1b[31m \\u202e \\\\x41"),
-    "onlyLineFeeds": b"\0\n\n\n",
+    "ticks": read(WHOLE + STOP, RAW, 127, (7, 64)),
+    "onlyErrors": read(WHOLE + NOT_WRITTEN + STOP, 0, 7, (30, 1, 200)),
+    "lowLevels": read(WHOLE + b"torn\n" + NOT_WRITTEN, 0, 112),
+    "restarts": read(WHOLE + WHOLE + STOP + STARTUP + b"plain text\n\tmore\n", COLOURED, 100),
+    "recovered": read(WHOLE + RECOVERED[0] + origin_line() + b"\n" + TICKS % (2, b"Error: A b") +
+                      RECOVERED[1] + b"no line\n", TERMINAL | RELATIVE),
+    "continued": read(TICKS % (5, b"Error: Orders one\n\ttwo\n\t\n\tthree") +
+                      TICKS % (6, b"Tracing: Orders four"), COLOURED | IN_TICKS, 64, (9,)),
+    "continuedBanner": read(STARTUP + DATE + b"\tone\n" + RATE + b"\ttwo\n"),
+    "continuedStart": read(STARTUP + b"\tone\n" + DATE + RATE + b"\ttwo\n"),
+    "local": read(b"2026-11-22T23:10:51.123456+01:00 4711 (0x00000abc) Warning: Orders text\n" +
+                  DATED % (b"2026", b"Profiling: Orders \\x1b text"), RAW | TERMINAL),
+    "timesFarApart": read(DATED % (b"1718", b"Profiling: Orders text") +
+                          DATED % (b"2026", b"Profiling: Orders text"), RELATIVE),
+    "plain": read(STARTUP + b"Orders text\nEvent overflow [3]\n" + STOP, TERMINAL),
+    "torn": read((TICKS % (7, b"Error: A b"))[:31], RAW, 255),
+    "tornMark": read(STARTUP[:-1]),
+    "garbage": read(b"\0\1\xff\xc2\x9b\x1b[31m\r\n\n\t\n\"a,b\"\r\n</script>\r", TERMINAL),
+    "levelAlone": read(b"0) Error: \n" + TICKS % (7, b"Error: A b") + b"0) Error: \n", 0, 4),
+    "carriageReturns": read(WHOLE.replace(b"\n", b"\r\n") + b"a\rb\r\r\n", 0, 99, (3,)),
+    "separators": read(TICKS % (7, "Error: A \u202eb\u2028c\u0085d".encode()), TERMINAL),
+    "escapes": read(TICKS % (7, b"Error: A \\x1b[31m \\u202e \\\\x41"), RAW | TERMINAL),
+    "escapesForPrograms": read(TICKS % (7, b"Error: A \\x0a\\x22,\\xff \\u202e"), RAW),
+    "onlyLineFeeds": read(b"\n\n\n"),
+    "longLine": read(b"a\n" + LONG * 7 + b"\n" + TICKS % (7, b"Error: A b"), STRETCHED, 9, (256,)),
+    "longEvent": read(TICKS % (7, b"Error: A b" + LONG) + b"\t" + LONG * 2 + b"\n\tmore\nlast",
+                      STRETCHED, 127, (100, 3)),
+    "longContinuations": read(TICKS % (7, b"Error: A b") + (b"\t" + LONG + b"\n") * 4, STRETCHED,
+                              127, (77,)),
+    "longMark": read(STARTUP + b"===== Started on " + LONG * 4 + b"\n\n" + STOP, STRETCHED),
 }
 
 ALL = {
