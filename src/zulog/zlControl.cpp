@@ -26,13 +26,6 @@ using Asker = std::unique_ptr<ZlAsker>;
 
 constexpr const char* STATUS = "status\n";
 
-// What a process answers. An answer of another form than expected raises an exception of Json.
-struct Answer
-{
-    Json _json;
-    std::string _error;
-};
-
 std::string controlDirectory(const ZlControlOptions& options)
 {
     std::string directory = options._directory;
@@ -95,18 +88,18 @@ std::vector<Asker> find(const ZlControlOptions& options, ZlReports& reports)
     return named;
 }
 
-Answer ask(ZlAsker& asker, const std::string& request, const ZlControlOptions& options)
+// Why there is no answer, or it is a refusal; empty with an answer. Who reads one of another form
+// than expected meets an exception of Json.
+std::string ask(ZlAsker& asker, const std::string& request, const ZlControlOptions& options,
+                Json& answer)
 {
-    Answer answer;
     std::string text;
-    if (!asker.ask(request, options._patience, text)) answer._error = asker.getReason();
-    if (!answer._error.empty()) return answer;
-    answer._json = Json::parse(text, nullptr, false);
-    if (!answer._json.is_object())
-        answer._error = "it gives an answer that can't be read";
-    else if (const auto error = answer._json.find("error"); error != answer._json.end())
-        answer._error = error->is_string() ? error->get<std::string>() : "it refuses";
-    return answer;
+    if (!asker.ask(request, options._patience, text)) return asker.getReason();
+    answer = Json::parse(text, nullptr, false);
+    if (!answer.is_object()) return "it gives an answer that can't be read";
+    const auto error = answer.find("error");
+    if (error == answer.end()) return {};
+    return error->is_string() ? error->get<std::string>() : "it refuses";
 }
 
 std::string titleOf(const ZlAsker& asker)
@@ -118,9 +111,10 @@ std::string titleOf(const ZlAsker& asker)
 std::optional<Json> askOrReport(ZlAsker& asker, const std::string& request,
                                 const ZlControlOptions& options, ZlReports& reports)
 {
-    Answer answer = ask(asker, request, options);
-    if (answer._error.empty()) return std::move(answer._json);
-    reports.failed(titleOf(asker) + ": " + answer._error);
+    Json answer;
+    const std::string error = ask(asker, request, options, answer);
+    if (error.empty()) return answer;
+    reports.failed(titleOf(asker) + ": " + error);
     return std::nullopt;
 }
 

@@ -57,9 +57,8 @@ private:
     std::uint64_t _size = 0;
 };
 
-ZlTail::ZlTail(std::string name, const Start& start, ZlReports& reports,
-               const ZlReader::Options& options)
-    : _name(std::move(name)), _reports(reports), _options(options),
+ZlTail::ZlTail(std::string name, const Start& start, ZlReports& reports, ZlReader::Options options)
+    : _name(std::move(name)), _reports(reports), _options(std::move(options)),
       _areRotatedAdded(start._areRotatedAdded), _place(start._place),
       _isResumed(start._place.has_value())
 {

@@ -35,8 +35,7 @@ public:
         bool _areRotatedAdded = false;
     };
 
-    ZlTail(std::string name, const Start& start, ZlReports& reports,
-           const ZlReader::Options& options);
+    ZlTail(std::string name, const Start& start, ZlReports& reports, ZlReader::Options options);
     ~ZlTail();
 
     const std::string& getName() const
