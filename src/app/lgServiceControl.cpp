@@ -220,7 +220,7 @@ std::string LgServiceControl::status() const
         .add("outputs", outputs.object())
         .add("groups", groupsText())
         .add("changed", "[" + changed + "]");
-    const std::string all = LgJsonMembers(members).add("health", health.toJson()).object();
+    std::string all = LgJsonMembers(members).add("health", health.toJson()).object();
     if (all.size() <= LgControl::MOST_ANSWER) return all;
     health._queues.clear();
     return members.add("health", health.toJson()).object();
