@@ -5,6 +5,7 @@
 #include <cerrno>
 #include <fcntl.h>
 #include <sys/mman.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
 #include <system_error>
 #include <unistd.h>
@@ -52,6 +53,15 @@ bool isOfUser(const struct stat& status)
     return S_ISREG(status.st_mode) && isOwn && (status.st_mode & 0077) == 0 && status.st_nlink <= 1;
 }
 
+// A file that would get longer than the process may make one ends the process by a signal.
+bool isLengthAllowed()
+{
+    struct rlimit limit = {};
+    if (getrlimit(RLIMIT_FSIZE, &limit) != 0 || limit.rlim_cur >= LgControl::SIZE) return true;
+    errno = EFBIG;
+    return false;
+}
+
 bool reserve(int file, std::uint64_t offset, std::size_t size)
 {
     int result = 0;
@@ -88,7 +98,8 @@ bool LgControlFile::create(const std::string& path)
     // Nobody may have taken it for a remnant before.
     struct stat status = {};
     if (fstat(own, &status) != 0 || status.st_nlink == 0) return fail();
-    if (ftruncate(own, LgControl::SIZE) != 0 || !reserve(own, 0, LgControl::REQUEST_AT))
+    if (!isLengthAllowed() || ftruncate(own, LgControl::SIZE) != 0 ||
+        !reserve(own, 0, LgControl::REQUEST_AT))
         return fail();
     void* const place = mmap(nullptr, LgControl::SIZE, PROT_READ | PROT_WRITE, MAP_SHARED, own, 0);
     if (place == MAP_FAILED) return fail();

@@ -3,6 +3,7 @@
 #include "app/lgMapFile.h"
 
 #include "app/controlled.h"
+#include "stress/hardEnd.h"
 #include "support/fileTest.h"
 #include "support/tempDir.h"
 
@@ -47,6 +48,17 @@ TEST(LgControlFile, AFileThatIsThereIsNotUsed)
         EXPECT_EQ(file.header(), nullptr);
     }
     EXPECT_EQ(support::readFile(dir.file("control")), "mine");
+}
+
+TEST(LgControlFile, AFileThatMayNotGetSoLongIsRefused)
+{
+    if (std::filesystem::path::preferred_separator == '\\')
+        GTEST_SKIP() << "Windows has no limit to the size of a file";
+    const support::TempDir dir;
+    const stress::ResourceLimit limit(stress::Resource::FILE_SIZE, LgControl::SIZE - 1);
+    Zu::LgControlFile file;
+    EXPECT_FALSE(file.create(dir.file("control")));
+    EXPECT_EQ(file.getError(), "File too large");
 }
 
 TEST(LgControlFile, OnlyItsUserCanOpenIt)
