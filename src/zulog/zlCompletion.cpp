@@ -16,15 +16,14 @@ constexpr const char* BEGIN =
 
 _zulog_values() {
     local IFS=$'\n' value
-    for value in $(compgen -W "$1" -- "$word"); do
+    while read -r value; do
         COMPREPLY+=("$(printf '%q' "$value")")
-    done
+    done < <(compgen -W "$1" -- "$word")
 }
 
 _zulog_files() {
-    local IFS=$'\n'
     compopt -o filenames 2>/dev/null
-    COMPREPLY=($(compgen -f -- "$word"))
+    mapfile -t COMPREPLY < <(compgen -f -- "$word")
 }
 
 _zulog() {

@@ -52,6 +52,17 @@ def unpacked(build, place):
     return place / "root" / "usr"
 
 
+def checkPages(build, prefix):
+    """What stands beside zulog, as far as this build has made it."""
+    made = build / "src" / "zulog"
+    for name, place in (("zulog.1", "man/man1/zulog.1"),
+                        ("zulog.bash", "bash-completion/completions/zulog")):
+        if not (made / name).exists():
+            print(f"this build has no {name}")
+        elif (prefix / "share" / place).read_bytes() != (made / name).read_bytes():
+            sys.exit(f"share/{place} is not {made / name}")
+
+
 def run(program, prefix, emulator, expected):
     """Checks what a program writes, with the libraries of the prefix."""
     environment = dict(os.environ)
@@ -102,6 +113,7 @@ def main():
             place = pathlib.Path(name) / kind
             place.mkdir()
             prefix = made(pathlib.Path(build), place)
+            checkPages(pathlib.Path(build), prefix)
             hasOptional = checkPackage(pathlib.Path(source), place, prefix, toolchain, emulator,
                                        suffix)
             checkPkgConfig(pathlib.Path(source), place, prefix, compiler, emulator, suffix)

@@ -24,6 +24,7 @@ ROWS = [
     (["zulog", "follow", "--level", "I"], ["Internal\\ Error", "Informational"]),
     (["zulog", "show", "--match", "a"], []),
     (["zulog", "show", "a"], ["a.log", "a b.log"]),
+    (["zulog", "show", "star*"], ["star*.log"]),
     (["zulog", "show", "--utc", "a.log", "b"], ["b.log"]),
     (["zulog", "html", "--output", "b"], ["b.log"]),
     (["zulog", "recover", "list", "--l"], ["--logs"]),
@@ -37,7 +38,7 @@ class Completion(unittest.TestCase):
     @classmethod
     def setUpClass(cls):
         cls.directory = tempfile.mkdtemp()
-        for name in ("a.log", "a b.log", "b.log"):
+        for name in ("a.log", "a b.log", "b.log", "star*.log", "starred.log"):
             open(os.path.join(cls.directory, name), "w", encoding="utf-8").close()
         cls.script = os.path.join(cls.directory, ".script")
         with open(cls.script, "wb") as file:

@@ -1,10 +1,15 @@
-"""Compares the manual with what the program shows: manualTest.py <zulog> <zulog.md>."""
+"""Compares the manual with what the program shows: manualTest.py <zulog> <zulog.md> [<zulog.1>].
 
+The last one is the page that is made of the manual, if the tool for that is there.
+"""
+
+import os
 import re
 import subprocess
 import sys
 import unittest
 
+MADE = sys.argv.pop(3) if len(sys.argv) > 3 else ""
 PAGE = open(sys.argv.pop(2), encoding="utf-8").read()
 ZULOG = sys.argv.pop(1)
 
@@ -62,6 +67,30 @@ class Manual(unittest.TestCase):
             shown = set().union(*(options_in(help_of(*each)) for each in commands)) - {"--help"}
             with self.subTest(command=command):
                 self.assertEqual(sorted(known), sorted(shown))
+
+    def test_has_the_options_of_the_program_itself(self):
+        shown = set(re.findall(r"--[a-z-]+", sections()["Synopsis"]))
+        self.assertEqual(shown, options_in(help_of()))
+
+    def test_has_the_values_of_options_that_have_a_fixed_set(self):
+        parts = sections()
+        for command, heading in (("show", "Options of form"), ("stats", "zulog stats FILE...")):
+            shown = re.findall(r"^  (--\w+) \w+:\{([\w,]+)\}", help_of(command), re.MULTILINE)
+            self.assertTrue(shown)
+            for option, values in shown:
+                self.assertIn(f"`{option} {values.replace(',', '|')}`", parts[heading])
+
+    def test_is_made_into_a_page_with_all_of_it(self):
+        if not os.path.exists(MADE):
+            self.skipTest("lowdown is missing, so there is no page for man")
+        with open(MADE, encoding="utf-8") as file:
+            page = file.read()
+        self.assertIn('.TH "ZULOG" "1"', page)
+        text = page.replace("\\-", "-")
+        self.assertEqual(options_of(PAGE), set(re.findall(r"\\fC(--[a-z-]+)", text)))
+        for heading in sections():
+            if heading != "zulog":
+                self.assertIn("\n" + heading + "\n", text)
 
 
 unittest.main()
