@@ -44,9 +44,9 @@ std::string newPath(const std::string& directory, std::uint32_t process)
            std::to_string(process);
 }
 
-std::uint64_t load(std::uint64_t& number)
+std::uint64_t load(const std::uint64_t& number)
 {
-    return std::atomic_ref(number).load(std::memory_order_acquire);
+    return __atomic_load_n(&number, __ATOMIC_ACQUIRE);
 }
 
 // Cuts the first line off. It has no line end.
@@ -190,7 +190,7 @@ void LgServiceControl::write(std::uint64_t number, const std::string& text)
     if (room) std::copy_n(text.data(), length, room);
     header._answer._length = static_cast<std::uint32_t>(length);
     header._answer._hash = LgControl::hashOf(text.data(), length, number);
-    std::atomic_ref(header._answerNumber).store(number, std::memory_order_release);
+    __atomic_store_n(&header._answerNumber, number, __ATOMIC_RELEASE);
 }
 
 std::string LgServiceControl::answerTo(std::string_view request)
