@@ -12,11 +12,6 @@ namespace
 
 constexpr std::size_t NONE = static_cast<std::size_t>(-1);
 
-std::uint64_t headOf(std::string_view bytes)
-{
-    return zlHashOf(bytes);
-}
-
 // Whether the file's bytes are the log's: a compressed file has other offsets.
 bool isPlain(ZlFile& file)
 {
@@ -77,11 +72,14 @@ std::int64_t ZlTail::getTime()
     return _time;
 }
 
-ZlPlace ZlTail::getPlace() const
+ZlPlace ZlTail::getPlace()
 {
     const std::uint64_t offset = _reader->getOffset();
     const std::string_view head = std::string_view(_head).substr(0, offset);
-    return {_identity, head.size(), headOf(head), offset};
+    // From its largest size on, it is the same for all places.
+    if (head.size() != _hashedSize) _hash = zlHashOf(head);
+    _hashedSize = head.size();
+    return {_identity, head.size(), _hash, offset};
 }
 
 void ZlTail::release(bool isAll)
@@ -97,7 +95,7 @@ void ZlTail::look()
         _reports.note("\"" + _name + "\" was emptied: lines may be missing");
         _reader.reset();
         _hasRecord = false;
-        _place = ZlPlace{_identity, 0, 0, 0};
+        _place = ZlPlace{_identity, 0, zlHashOf(""), 0};
         _isResumed = true;
         return;
     }
@@ -126,7 +124,7 @@ bool ZlTail::next()
 // The file was read to its end, and has a successor.
 void ZlTail::leave()
 {
-    _place = ZlPlace{_identity, _head.size(), headOf(_head), _reader->getOffset()};
+    _place = ZlPlace{_identity, _head.size(), zlHashOf(_head), _reader->getOffset()};
     _isResumed = false;
     _reader.reset();
 }
@@ -151,7 +149,7 @@ bool ZlTail::hasHead(const std::string& file) const
         std::size_t size = 0;
         for (std::size_t count = 1; count > 0 && size < head.size(); size += count)
             count = source->read(head.data() + size, head.size() - size);
-        return size == head.size() && headOf(head) == _place->_head;
+        return size == head.size() && zlHashOf(head) == _place->_head;
     }
     catch (const ZlError&)
     {
@@ -193,8 +191,10 @@ bool ZlTail::choose(const Files& files, std::size_t& index, std::uint64_t& offse
     if (found != NONE) return index < files.size();
     const auto isSame = [&](const auto& file) { return file.second == _place->_file; };
     const auto same = std::find_if(files.begin(), files.end(), isSame);
-    // What was rotated is removed from the oldest one on, so all of these are later ones.
-    index = same == files.end() ? 0 : static_cast<std::size_t>(same - files.begin());
+    // What was rotated is removed from the oldest one on, so all of these are later ones. But an
+    // empty file is not known again when it was compressed, so that says nothing of the others.
+    const std::size_t first = _place->_headSize > 0 ? 0 : files.size() - 1;
+    index = same == files.end() ? first : static_cast<std::size_t>(same - files.begin());
     reportMissing();
     return true;
 }
@@ -237,9 +237,14 @@ bool ZlTail::open(const std::string& file, const ZlFile::Identity& identity, std
         if (isThere) _isFailureReported = true;
         return false;
     }
+    // It was emptied meanwhile, and begins as before.
+    const bool isShorter = _file && _file->getSize() < offset;
+    if (isShorter) reportMissing();
     if (_isPresent) _reader->setLive();
     _identity = identity;
-    _known = offset;
+    _known = isShorter ? 0 : offset;
+    _hashedSize = 0;
+    _hash = zlHashOf("");
     _isSuperseded = false;
     _isDrained = false;
     _isFailureReported = false;

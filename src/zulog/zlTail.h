@@ -56,7 +56,7 @@ public:
     std::int64_t getTime();
 
     /// The place behind the record.
-    ZlPlace getPlace() const;
+    ZlPlace getPlace();
 
     void take()
     {
@@ -97,6 +97,9 @@ private:
     std::unique_ptr<ZlFile> _file;
     ZlFile::Identity _identity;
     std::string _head;
+    // Of the head of the last place.
+    std::size_t _hashedSize = 0;
+    std::uint64_t _hash = 0;
     // Records up to here were delivered before.
     std::uint64_t _known = 0;
     bool _isPresent = false;

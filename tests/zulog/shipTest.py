@@ -208,6 +208,8 @@ class Ship(unittest.TestCase):
         is_over = threading.Event()
         kills = [0] * SENDERS
         codes = []
+        # In which a shipper would send a part of its log.
+        life = min(0.3, LINES / 200000)
 
         def ship(sender):
             chance = random.Random(sender)
@@ -215,7 +217,7 @@ class Ship(unittest.TestCase):
                 shipper = subprocess.Popen(self.command(sender, destination, "--once"),
                                            stderr=subprocess.DEVNULL)
                 try:
-                    shipper.wait(0.02 + chance.random() * (0.3 if kills[sender] < 5 else PATIENCE))
+                    shipper.wait(0.01 + chance.random() * life if kills[sender] < 5 else PATIENCE)
                 except subprocess.TimeoutExpired:
                     shipper.kill()
                     kills[sender] += 1
@@ -229,7 +231,7 @@ class Ship(unittest.TestCase):
 
         receiver_kills = 0
         while any(thread.is_alive() for thread in threads):
-            is_over.wait(0.3 + self.random.random() * 0.3)
+            is_over.wait(life * (1 + self.random.random()))
             if receiver_kills < 5:
                 self.receiver.kill()
                 self.receiver.start()
@@ -237,6 +239,8 @@ class Ship(unittest.TestCase):
         for thread in threads:
             thread.join()
         doubled = self.expect_whole(sum(kills) + receiver_kills * SENDERS)
+        self.assertTrue(all(kills))
+        self.assertGreater(receiver_kills, 0)
         print(f"{sum(kills)} kills of shippers, {receiver_kills} of the receiver: "
               f"{doubled} lines twice")
 
