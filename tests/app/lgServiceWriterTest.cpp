@@ -2,6 +2,7 @@
 
 #include "app/lgLeftMap.h"
 #include "app/lgServiceRegistry.h"
+#include "app/lgServiceThreads.h"
 #include "base/lgInterProcessLock.h"
 #include "base/lgLog.h"
 #include "base/lgReader.h"
@@ -17,6 +18,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstdio>
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <functional>
@@ -92,7 +94,7 @@ protected:
 
     LgQueue& makeQueue()
     {
-        _queues.push_back(_map.makeQueue(static_cast<std::uint32_t>(_queues.size() + 1)));
+        _queues.push_back(_mapInUse->makeQueue(static_cast<std::uint32_t>(_queues.size() + 1)));
         LgLog::getRegistry()->registerQueue(_queues.back());
         return *_queues.back();
     }
@@ -138,6 +140,8 @@ protected:
     support::TempDir _other;
     LgServiceMap::Settings _settings;
     LgServiceMap _map;
+    // Where queues are made.
+    LgServiceMap* _mapInUse = &_map;
     Zu::LgServiceWaiting _waiting{_map};
     std::optional<support::RunningLogger> _logger;
     std::optional<LgServiceWriter> _writer;
@@ -443,6 +447,69 @@ TEST_F(LgServiceWriterLookTest, LogsThatAreOpenedAnewGetTheRest)
     EXPECT_TRUE(_writer->writeBatch());
     _writer->reopen();
     writeAll();
+    EXPECT_EQ(texts(), _expected);
+}
+
+// With the queues of the process, which a fork concerns.
+class LgServiceWriterForkTest : public LgServiceWriterLookTest
+{
+protected:
+    ~LgServiceWriterForkTest() override
+    {
+        _threads.stop();
+    }
+
+    void startThreads()
+    {
+        _settings._mapDirectory.clear();
+        _settings._characters = 32768;
+        _settings._limit = 1ULL << 30;
+        _logger.emplace();
+        _threads.start(_settings);
+        ASSERT_TRUE(_threads.map().isOpen());
+        _mapInUse = &_threads.map();
+        _writer.emplace(_threads.map(), _threads.waiting());
+        for (std::size_t i = 0; i < SILENT; ++i) makeQueue();
+    }
+
+    std::uint64_t waiting() const
+    {
+        const auto add = [](std::uint64_t sum, const LgQueue* queue)
+        { return sum + queue->getWaitingCount(); };
+        return std::accumulate(_queues.begin(), _queues.end(), std::uint64_t{0}, add);
+    }
+
+    // In the child of a fork. Returns whether its service has its own event to write, and no other.
+    bool writesOwnEvent()
+    {
+        _threads.start(_settings);
+        LgServiceWriter writer(_threads.map(), _threads.waiting());
+        add(*Zu::LgServiceThreads::queueOfThread(), "of the child");
+        const bool isWritten = writer.writeBatch();
+        const bool isLeft = writer.getEarliestLeft() != ~std::uint64_t{0} || writer.writeBatch();
+        _threads.stop();
+        _threads.leaveNothing();
+        return isWritten && !isLeft;
+    }
+
+    Zu::LgServiceThreads& _threads = Zu::LgServiceThreads::instance();
+};
+
+// What the look has found and not written yet is the parent's.
+TEST_F(LgServiceWriterForkTest, AForkBetweenTwoBatchesOfALookLeavesTheRestToTheParent)
+{
+    if (support::onWindows) GTEST_SKIP() << "Windows has no fork";
+    startThreads();
+    fill(3500);
+    EXPECT_TRUE(_writer->writeBatch());
+    const std::uint64_t left = _writer->getEarliestLeft();
+    EXPECT_NE(left, ~std::uint64_t{0});
+    if (support::forkProcess() == support::Side::CHILD) std::_Exit(writesOwnEvent() ? 0 : 1);
+    EXPECT_EQ(support::awaitForkedChild(), 0);
+    EXPECT_EQ(_writer->getEarliestLeft(), left);
+    EXPECT_EQ(waiting(), 3500 - MOST);
+    EXPECT_EQ(writeAll(), 3);
+    _expected.insert(_expected.begin() + MOST, "of the child");
     EXPECT_EQ(texts(), _expected);
 }
 
