@@ -7,6 +7,7 @@
 #include "baseApi.h"
 #include "inContextAliasMgrBase.h"
 
+#include <functional>
 #include <set>
 
 namespace Zu
@@ -33,6 +34,13 @@ public:
 
     /// Takes every alias out of use.
     static void finalizeAll();
+
+    /// Called with one alias.
+    using Visitor = std::function<void(const InContextAliasBase&)>;
+
+    /// Visits the aliases of the kind, clones included, in no particular order. For programs that
+    /// explain their options; the visitor must not make or destroy any.
+    static void visitAll(const Visitor& visitor);
 
     /// Writes the aliases with their values to standard error.
     static void dump();

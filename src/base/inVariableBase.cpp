@@ -188,6 +188,17 @@ InVariableBase* InVariableBase::queryViaHandle(const char* handle)
     return found != _handles->end() ? found->second : nullptr;
 }
 
+void InVariableBase::visitAll(const Visitor& visitor)
+{
+    if (!_handles) return;
+    for (const auto& [handle, variable] : *_handles) visitor(*variable);
+}
+
+void InVariableBase::visitAliases(const AliasVisitor& visitor) const
+{
+    for (const auto& alias : _contextAliases) visitor(*alias);
+}
+
 void InVariableBase::overrideViaHandle(const char* handle, const char* value,
                                        const char* description)
 {

@@ -9,6 +9,7 @@
 #include "inContextAliasBase.h"
 
 #include <cstdint>
+#include <functional>
 #include <map>
 #include <memory>
 #include <set>
@@ -77,6 +78,20 @@ public:
     /// for a variable that has its value and InEx::ExNoNewContextAliasAfterInit from the start of
     /// the first pass on.
     static void overrideViaHandle(const char* handle, const char* value, const char* description);
+
+    /// Called with one variable.
+    using Visitor = std::function<void(const InVariableBase&)>;
+
+    /// Visits the variables of the process in byte order of their handles. For programs that check
+    /// and explain their variables; the visitor must not make or destroy any.
+    static void visitAll(const Visitor& visitor);
+
+    /// Called with one alias.
+    using AliasVisitor = std::function<void(const InContextAliasBase&)>;
+
+    /// Visits the aliases of the variable, those of higher priority first. Overrides are among them
+    /// once the variable has been initialised.
+    void visitAliases(const AliasVisitor& visitor) const;
 
     /// Whether an override for the handle is still waiting for its variable.
     static bool isOverridden(const char* handle);

@@ -28,7 +28,13 @@ using MajorGroups = std::map<const char*, LgMajorGroup*, LessByBytes>;
 
 // The groups themselves live until the end of the process, one for each name: a minor group may
 // outlive finalize(), and when the logger starts again it belongs to the group of that name.
-using KeptGroups = std::map<std::string, LgMajorGroup, std::less<>>;
+struct KeptGroup
+{
+    LgMajorGroup _group;
+    // Since the logger started.
+    bool _isUsed = false;
+};
+using KeptGroups = std::map<std::string, KeptGroup, std::less<>>;
 
 KeptGroups& keptGroups()
 {
@@ -53,6 +59,17 @@ const char* nameCopy(const char* name)
         if (std::strcmp(copy.get(), name) == 0) return copy.get();
     names->emplace_back(duplicateString(name));
     return names->back().get();
+}
+
+KeptGroup& findOrMake(const char* name)
+{
+    ZU_ASSERT(names);
+    ZU_ASSERT(majorGroups);
+    KeptGroup& kept = keptGroups()[name];
+    if (majorGroups->count(name) > 0) return kept;
+    majorGroups->emplace(nameCopy(name), &kept._group);
+    kept = {};
+    return kept;
 }
 
 LgTypes::Level atLeastFatal(LgTypes::Level level)
@@ -107,14 +124,16 @@ std::uint32_t LgMajorGroup::getLevelMask(LgTypes::Level level)
 LgMajorGroup& LgMajorGroup::getInstanceForName(const char* name)
 {
     const std::lock_guard guard(mutex);
-    ZU_ASSERT(names);
-    ZU_ASSERT(majorGroups);
-    if (const auto found = majorGroups->find(name); found != majorGroups->end())
-        return *found->second;
-    LgMajorGroup& group = keptGroups()[name];
-    majorGroups->emplace(nameCopy(name), &group);
-    group = LgMajorGroup();
-    return group;
+    KeptGroup& kept = findOrMake(name);
+    kept._isUsed = true;
+    return kept._group;
+}
+
+bool LgMajorGroup::isUsed(const char* name)
+{
+    const std::lock_guard guard(mutex);
+    if (!majorGroups || !name || majorGroups->count(name) == 0) return false;
+    return keptGroups()[name]._isUsed;
 }
 
 void LgMajorGroup::parse(const char* text)
@@ -129,7 +148,8 @@ void LgMajorGroup::parse(const char* text)
         {
             // The level is converted first, so that a bad pair creates no group.
             const LgTypes::Level level = LgTypes::stringToLevel(nextToken(position, ','));
-            getInstanceForName(name).setLogThreshold(level, false);
+            const std::lock_guard guard(mutex);
+            findOrMake(name)._group.setLogThreshold(level, false);
         }
         catch (const LgEx::InvalidLevelString& exception)
         {
@@ -146,7 +166,7 @@ void LgMajorGroup::initialize(const char* text)
         ZU_ASSERT(!majorGroups);
         names = new Names;
         majorGroups = new MajorGroups;
-        for (auto& [name, group] : keptGroups()) group = LgMajorGroup();
+        for (auto& [name, kept] : keptGroups()) kept = {};
     }
     if (text) parse(text);
 }

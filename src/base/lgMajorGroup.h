@@ -64,6 +64,10 @@ public:
     /// and "majorGroups".
     static LgMajorGroup& getInstanceForName(const char* name);
 
+    /// Whether getInstanceForName() was called for this name since initialize(). A group that only
+    /// a text has configured is not used: no statement belongs to it. False for null.
+    static bool isUsed(const char* name);
+
     /// Sets the thresholds that the text lists, "group=level,group=level...". A text that is not a
     /// level is reported on standard output and its pair skipped. A pair without a level asserts
     /// "s".

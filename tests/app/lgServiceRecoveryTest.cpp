@@ -208,7 +208,8 @@ TEST_F(LgServiceRecoveryTest, AServiceThatOutlivesTheLoggerEndsWithIt)
     EXPECT_EQ(find()._lines, 1200);
 }
 
-// Of three maps of another directory one is kept; only the one with events is worth a line.
+// Of three maps of another directory one is kept; only the one with events is worth a line. Its
+// events could not be written, so they are still there when the process is killed.
 TEST_F(LgServiceRecoveryTest, MapsThatAreTooManyAreDiscardedAndEmptyOnesWithoutAWord)
 {
     TempDir maps;
@@ -225,13 +226,13 @@ TEST_F(LgServiceRecoveryTest, MapsThatAreTooManyAreDiscardedAndEmptyOnesWithoutA
     const auto countMaps = [&] { return Zu::lgNamesIn(maps.file(""), Zu::lgMapPrefix()).size(); };
     leave("_exit", other, 0);
     const TempDir third;
-    leave("kill", third, 5);
+    leave("blocked kill", third, 5);
     ASSERT_EQ(countMaps(), 2U);
     const ProgramResult first = leave("main", _logs, 0);
     EXPECT_EQ(first.err, "");
     EXPECT_EQ(countMaps(), 1U);
     const TempDir fourth;
-    leave("kill", fourth, 5);
+    leave("blocked kill", fourth, 5);
     const ProgramResult second = leave("main", _logs, 0);
     EXPECT_NE(second.err.find("are discarded: there are too many such files"), std::string::npos)
         << second.err;

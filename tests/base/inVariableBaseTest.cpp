@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <gtest/gtest.h>
 #include <memory>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -55,6 +56,57 @@ public:
         return "key";
     }
 };
+
+using Texts = std::vector<std::string>;
+
+Texts keysOf(const InVariableBase& variable)
+{
+    Texts keys;
+    variable.visitAliases([&](const Zu::InContextAliasBase& alias)
+                          { keys.emplace_back(alias.getKey()); });
+    return keys;
+}
+
+TEST(InVariableBase, IsVisitedWithItsAliases)
+{
+    ListingPackage package;
+    const InDefAlias usual("7", "usual");
+    const InEnvAlias environment("IN_VARIABLE_VISITED", "environment");
+    const InArgAlias option("v:", "option");
+    const InVariable<int> second("visited::b", package, usual, option, environment);
+    const InVariable<int> first("visited::a", package, usual);
+    const InVariable<int> none("visited::c", package, InVariableBase::_dummy);
+    Texts handles;
+    InVariableBase::visitAll(
+        [&](const InVariableBase& variable)
+        {
+            if (std::string(variable.getHandle()).rfind("visited::", 0) == 0)
+                handles.emplace_back(variable.getHandle());
+        });
+    EXPECT_EQ(handles, (Texts{"visited::a", "visited::b", "visited::c"}));
+    EXPECT_EQ(keysOf(first), Texts{"7"});
+    EXPECT_EQ(keysOf(second), (Texts{"v:", "IN_VARIABLE_VISITED", "7"}));
+    EXPECT_EQ(keysOf(none), Texts{});
+}
+
+TEST(InContextAliasMgr, VisitsTheAliasesOfItsKind)
+{
+    const auto options = []
+    {
+        std::multiset<std::string> keys;
+        Zu::InContextAliasMgr<InArgAlias>::visitAll([&](const Zu::InContextAliasBase& alias)
+                                                    { keys.insert(alias.getKey()); });
+        return keys;
+    };
+    const auto before = options();
+    EXPECT_EQ(before.count("q:"), 0U);
+    const InArgAlias option("q:", "option");
+    const InEnvAlias environment("q:", "not an option");
+    EXPECT_EQ(options().count("q:"), 1U);
+    ListingPackage package;
+    const InVariable<int> variable("visited::q", package, option);
+    EXPECT_EQ(options().count("q:"), 2U) << "with the variable's clone";
+}
 
 TEST(InVariableBase, JoinsItsPackageAndIsFoundByItsHandle)
 {

@@ -140,6 +140,26 @@ TEST_F(LgMajorGroupTest, NamingAGroupMakesItOnce)
     EXPECT_EQ(group.getLogLevels(), 0xF0U);
 }
 
+TEST_F(LgMajorGroupTest, IsUsedWhenTheProgramAskedForIt)
+{
+    EXPECT_FALSE(LgMajorGroup::isUsed("UI"));
+    initialize("UI=Error,Database=Error");
+    EXPECT_FALSE(LgMajorGroup::isUsed("UI"));
+    LgMajorGroup::getInstanceForName("UI");
+    LgMajorGroup::getInstanceForName("Other");
+    EXPECT_TRUE(LgMajorGroup::isUsed("UI"));
+    EXPECT_TRUE(LgMajorGroup::isUsed("Other"));
+    EXPECT_FALSE(LgMajorGroup::isUsed("Database"));
+    EXPECT_FALSE(LgMajorGroup::isUsed("unknown"));
+    EXPECT_FALSE(LgMajorGroup::isUsed(nullptr));
+    LgMajorGroup::parse("UI=Tracing");
+    EXPECT_TRUE(LgMajorGroup::isUsed("UI"));
+    LgMajorGroup::finalize();
+    EXPECT_FALSE(LgMajorGroup::isUsed("UI"));
+    initialize("UI=Error");
+    EXPECT_FALSE(LgMajorGroup::isUsed("UI"));
+}
+
 TEST_F(LgMajorGroupTest, ParsesWhatTheEnvironmentSays)
 {
     const struct

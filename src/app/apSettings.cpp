@@ -1,0 +1,193 @@
+#include "app/apSettings.h"
+
+#include "base/inContextAlias.h"
+#include "base/inVariable.h"
+
+#include <algorithm>
+#include <charconv>
+#include <system_error>
+
+namespace Zu
+{
+
+namespace
+{
+
+using Kind = ApSetting::Kind;
+
+// A bare option, or one of a variable.
+ApSetting ofOption(const InContextAliasBase& alias)
+{
+    ApSetting setting;
+    setting._letter = alias.getKey()[0];
+    setting._takesValue = setting._letter != 0 && alias.getKey()[1] == ':';
+    setting._description = alias.getDescription();
+    return setting;
+}
+
+Kind kindOf(const InVariableBase& variable)
+{
+    if (dynamic_cast<const InVariable<int>*>(&variable)) return Kind::Integer;
+    if (dynamic_cast<const InVariable<bool>*>(&variable)) return Kind::Switch;
+    return Kind::Text;
+}
+
+// The aliases come in the order of their priority.
+void takeAlias(ApSetting& setting, const InContextAliasBase& alias)
+{
+    if (dynamic_cast<const InArgAlias*>(&alias))
+    {
+        const ApSetting option = ofOption(alias);
+        setting._letter = option._letter;
+        setting._takesValue = option._takesValue;
+        setting._description = option._description;
+    }
+    else if (dynamic_cast<const InEnvAlias*>(&alias) && setting._variable.empty())
+    {
+        setting._variable = alias.getKey();
+        if (setting._description.empty()) setting._description = alias.getDescription();
+    }
+    else if (dynamic_cast<const InDefAlias*>(&alias) && !setting._default)
+    {
+        setting._default = alias.getKey();
+        setting._defaultText = alias.getDescription();
+    }
+}
+
+bool isSwitch(std::string text)
+{
+    for (char& c : text)
+        if (c >= 'A' && c <= 'Z') c = static_cast<char>(c + 32);
+    return text == "0" || text == "1" || text == "false" || text == "true";
+}
+
+bool isWithin(const ApSetting& setting, const std::string& text)
+{
+    int number = 0;
+    const char* const end = text.data() + text.size();
+    const auto [rest, error] = std::from_chars(text.data(), end, number);
+    return error == std::errc() && rest == end && number >= setting._least &&
+           number <= setting._most;
+}
+
+std::string expectedOf(const ApSetting& setting)
+{
+    if (setting._kind == Kind::Switch) return "0, 1, false or true";
+    if (setting._least == INT_MIN && setting._most == INT_MAX) return "a whole number";
+    if (setting._most == INT_MAX)
+        return "a whole number of at least " + std::to_string(setting._least);
+    if (setting._least == INT_MIN)
+        return "a whole number of at most " + std::to_string(setting._most);
+    return "a whole number from " + std::to_string(setting._least) + " to " +
+           std::to_string(setting._most);
+}
+
+// Empty if the text can be used. `place` is what has the text, such as "option '-p'".
+std::string errorOf(const ApSetting& setting, const std::string& place, const std::string& text)
+{
+    const bool isGood = setting._kind == Kind::Text ||
+                        (setting._kind == Kind::Switch ? isSwitch(text) : isWithin(setting, text));
+    return isGood ? "" : place + " needs " + expectedOf(setting) + ", not '" + text + "'";
+}
+
+// How a missing value may be given.
+std::string placesOf(const ApSetting& setting)
+{
+    std::string places;
+    if (setting._letter != 0) places = std::string("option '-") + setting._letter + "'";
+    if (!setting._longName.empty())
+        places += (places.empty() ? "option '--" : " or '--") + setting._longName + "'";
+    if (!setting._variable.empty())
+        places += (places.empty() ? "" : " or ") + ("the variable " + setting._variable);
+    return places;
+}
+
+} // namespace
+
+ApSettings ApSettings::ofProcess()
+{
+    std::map<char, ApSetting> withLetter;
+    std::vector<ApSetting> others;
+    InContextAliasMgr<InArgAlias>::visitAll(
+        [&](const InContextAliasBase& alias)
+        {
+            const ApSetting setting = ofOption(alias);
+            if (setting._letter != 0) withLetter.emplace(setting._letter, setting);
+        });
+    InVariableBase::visitAll(
+        [&](const InVariableBase& variable)
+        {
+            ApSetting setting;
+            setting._handle = variable.getHandle();
+            setting._kind = kindOf(variable);
+            variable.visitAliases([&](const InContextAliasBase& alias)
+                                  { takeAlias(setting, alias); });
+            if (setting._letter == 0)
+                others.push_back(setting);
+            else if (withLetter[setting._letter]._handle.empty())
+                withLetter[setting._letter] = setting;
+            else
+                others.push_back(setting);
+        });
+    std::vector<ApSetting> all;
+    for (auto& [letter, setting] : withLetter) all.push_back(std::move(setting));
+    for (ApSetting& setting : others) all.push_back(std::move(setting));
+    return ApSettings(std::move(all));
+}
+
+ApSetting* ApSettings::find(char letter)
+{
+    for (ApSetting& setting : _settings)
+        if (setting._letter == letter) return &setting;
+    return nullptr;
+}
+
+ApSetting* ApSettings::find(const std::string& handle)
+{
+    for (ApSetting& setting : _settings)
+        if (setting._handle == handle) return &setting;
+    return nullptr;
+}
+
+std::vector<ApOption> ApSettings::options() const
+{
+    std::vector<ApOption> options;
+    for (const ApSetting& setting : _settings)
+    {
+        const auto isSame = [&](const ApOption& known) { return known._letter == setting._letter; };
+        if (setting._letter != 0 && std::none_of(options.begin(), options.end(), isSame))
+            options.push_back({setting._letter, setting._takesValue, setting._longName});
+    }
+    return options;
+}
+
+std::vector<std::string> ApSettings::check(const ApCommandLine& line,
+                                           const std::vector<ApOption>& options,
+                                           const Environment& environment) const
+{
+    std::vector<std::string> errors;
+    for (const ApSetting& setting : _settings)
+    {
+        bool isGiven = false;
+        std::string error;
+        for (const ApGiven& given : line.given())
+        {
+            if (setting._letter == 0 || options[given._option]._letter != setting._letter) continue;
+            isGiven = true;
+            // An option without a value has the empty text, which a switch takes for "on".
+            error = setting._takesValue
+                        ? errorOf(setting, "option '" + given._spelling + "'", given._value)
+                        : "";
+            if (!error.empty()) break;
+        }
+        const char* const text =
+            isGiven || setting._variable.empty() ? nullptr : environment(setting._variable.c_str());
+        if (text) error = errorOf(setting, "the variable " + setting._variable, text);
+        if (!isGiven && !text && setting._isRequired && !setting._default)
+            error = placesOf(setting) + " is needed: " + setting._description;
+        if (!error.empty()) errors.push_back(error);
+    }
+    return errors;
+}
+
+} // namespace Zu

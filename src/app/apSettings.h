@@ -1,0 +1,94 @@
+/// @file
+/// What a program can be given: the options and variables that its packages declare. Internal to
+/// the kit.
+
+#ifndef ZU_APP_APSETTINGS_H
+#define ZU_APP_APSETTINGS_H
+
+#include "apCommandLine.h"
+
+#include <climits>
+#include <functional>
+#include <map>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace Zu
+{
+
+/// One value of a program, as its variable and the aliases declare it. Without a variable there is
+/// only the option.
+struct ApSetting
+{
+    /// What the texts of values are.
+    enum class Kind
+    {
+        Text,
+        Integer,
+        Switch
+    };
+
+    /// Of the variable; may be empty.
+    std::string _handle;
+    Kind _kind = Kind::Text;
+    /// The letter of the option, 0 for none, and its long name, which may be empty.
+    char _letter = 0;
+    bool _takesValue = false;
+    std::string _longName;
+    /// The environment variable; may be empty.
+    std::string _variable;
+    /// The compiled-in value and its description.
+    std::optional<std::string> _default;
+    std::string _defaultText;
+    /// What the value is for, in the words of the option or of the environment variable.
+    std::string _description;
+    /// Of an integer.
+    int _least = INT_MIN;
+    int _most = INT_MAX;
+    bool _isRequired = false;
+};
+
+/// All settings of a program, and the checks of what it was given.
+class ApSettings
+{
+public:
+    /// Looks up an environment variable: its value, or null.
+    using Environment = std::function<const char*(const char*)>;
+
+    /// The options and variables that exist in the process. Those with a letter come first, in the
+    /// order of their letters, then the others in that of their handles.
+    static ApSettings ofProcess();
+
+    /// No settings.
+    ApSettings() = default;
+
+    /// Those given; for tests.
+    explicit ApSettings(std::vector<ApSetting> settings) : _settings(std::move(settings)) {}
+
+    const std::vector<ApSetting>& get() const
+    {
+        return _settings;
+    }
+
+    /// The setting with this letter or handle; null if there is none. Valid while no other is
+    /// added.
+    ApSetting* find(char letter);
+    ApSetting* find(const std::string& handle);
+
+    /// The options that the settings have, in their order; those without a letter are left out.
+    std::vector<ApOption> options() const;
+
+    /// What is wrong with the values that would be used, each a sentence without a full stop:
+    /// an integer that is not whole or out of range, a switch that is neither on nor off, a
+    /// required value that is missing. A value that another one replaces is not looked at.
+    std::vector<std::string> check(const ApCommandLine& line, const std::vector<ApOption>& options,
+                                   const Environment& environment) const;
+
+private:
+    std::vector<ApSetting> _settings;
+};
+
+} // namespace Zu
+
+#endif
