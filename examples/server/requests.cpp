@@ -5,7 +5,7 @@
 #include <string_view>
 #include <system_error>
 
-ZU_DEFINE_LOG_GROUP(Requests);
+ZU_LOG_GROUP(Requests, "Server", serverPackage);
 
 namespace server
 {

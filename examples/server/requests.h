@@ -3,12 +3,15 @@
 #ifndef ZU_EXAMPLES_REQUESTS_H
 #define ZU_EXAMPLES_REQUESTS_H
 
+#include "app/apLogGroup.h"
+#include "app/apPackage.h"
 #include "app/lgService.h"
 #include "base/base.h"
 
 #include <string>
 
-// The log group of the server.
+// The package of the server, and its log group.
+ZU_DECLARE_PACKAGE(serverPackage);
 ZU_DECLARE_LOG_GROUP(Requests);
 
 namespace server

@@ -133,7 +133,7 @@ template <class Tag> class ZU_BASE_VISIBLE InInit<ApShort<Tag>> : public ApPacka
 {
 public:
     /// Names and registers the package; it needs "base", and what the clauses declare.
-    template <class... Clauses> explicit InInit(const char* name, Clauses... clauses);
+    template <class... Clauses> explicit InInit(const char* packageName, Clauses... clauses);
 
     /// The run-time type that identifies this package.
     static const std::type_info* getType()
@@ -174,7 +174,7 @@ template <class... Tags> void ApPackage::take(ApNeeds<Tags...>)
 
 template <class Tag>
 template <class... Clauses>
-InInit<ApShort<Tag>>::InInit(const char* name, Clauses... clauses) : ApPackage(name)
+InInit<ApShort<Tag>>::InInit(const char* packageName, Clauses... clauses) : ApPackage(packageName)
 {
     static_assert((0 + ... + int(std::is_same_v<Clauses, ApStart>)) <= 1,
                   "a package has one atStart()");

@@ -248,7 +248,8 @@ Texts ApProgram::State::errorsOf(const ApCommandLine& line,
 {
     Texts errors = line.errors();
     if (!_takesWords && !line.words().empty())
-        errors.push_back("nobody takes the word '" + line.words()[0] + "'");
+        errors.push_back("unexpected word '" + line.words()[0] +
+                         "': the program takes options only");
     else if (line.words().size() < _leastWords)
         errors.push_back("too few words: expected " + _wordsUsage);
     else if (_takesWords && line.words().size() > _mostWords)

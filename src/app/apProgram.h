@@ -29,7 +29,7 @@ namespace Zu
 ///    options and the environment variables with their descriptions and defaults; `--version` shows
 ///    the build record; `--completion` writes a completion for bash. Then the program ends with the
 ///    value 0: no package was started, no file opened.
-/// 2. refuses what can't be used: unknown options, words that nobody takes, numbers that are not
+/// 2. refuses what can't be used: unknown options, unexpected words, numbers that are not
 ///    whole or out of range, required values that are missing, a `ZU_LOG_GROUPS` that would end the
 ///    start-up. Each is a line on standard error that names the option or variable; the program
 ///    ends with the value 2.

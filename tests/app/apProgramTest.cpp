@@ -93,7 +93,11 @@ TEST(ApProgram, RefusesWhatItCannotUse)
         {{"--prot", "80"}, {}, "unknown option '--prot'; did you mean '--port'?"},
         {{"-q"}, {}, "unknown option '-q'"},
         {{"a", "b", "c", "d"}, {}, "too many words: expected [WORD]..."},
-        {{}, {{"FRONT_REQUIRES", "1"}}, "option '-k' or '--key' is needed: key of the storage"},
+        {{"a"},
+         {{"FRONT_WITHOUT_WORDS", "1"}},
+         "unexpected word 'a': the program takes options only"},
+        {{"-k", "x"}, {{"FRONT_REQUIRES", "1"}}, "too few words: expected [WORD]..."},
+        {{"a"}, {{"FRONT_REQUIRES", "1"}}, "option '-k' or '--key' is needed: key of the storage"},
     };
     const TempDir directory;
     for (const auto& row : cases)

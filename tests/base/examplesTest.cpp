@@ -59,17 +59,51 @@ std::vector<std::string> eventsOf(const std::string& file)
     return events;
 }
 
-TEST(Examples, LoggingGoesToStandardOutputFirstAndThenToTheFile)
+const std::vector<std::string> LATE_ORDERS = {"Warning: Orders order 1 is late by 0.500000 days",
+                                              "Warning: Orders order 2 is late by 1.000000 days",
+                                              "Warning: Orders order 3 is late by 1.500000 days"};
+
+TEST(Examples, LoggingGoesToTheFile)
 {
     const support::TempDir dir;
     const ProgramResult result = support::runProgram(
         "logging", {}, {{"B7Q_TEST_DIR", dir.path()}, {"ZU_LOG_GROUPS", std::nullopt}});
     EXPECT_EQ(result.exitCode, 0);
+    EXPECT_EQ(result.out, "");
+    EXPECT_EQ(result.err, "");
+    EXPECT_EQ(eventsOf(dir.file("events.log")), LATE_ORDERS);
+}
+
+TEST(Examples, LoggingInFullGoesToStandardOutputFirstAndThenToTheFile)
+{
+    const support::TempDir dir;
+    const ProgramResult result = support::runProgram(
+        "loggingInFull", {}, {{"B7Q_TEST_DIR", dir.path()}, {"ZU_LOG_GROUPS", std::nullopt}});
+    EXPECT_EQ(result.exitCode, 0);
     EXPECT_EQ(result.out, "Orders goes to standard output: no service runs yet\n");
-    EXPECT_EQ(eventsOf(dir.file("events.log")),
-              (std::vector<std::string>{"Warning: Orders order 1 is late by 0.500000 days",
-                                        "Warning: Orders order 2 is late by 1.000000 days",
-                                        "Warning: Orders order 3 is late by 1.500000 days"}));
+    EXPECT_EQ(eventsOf(dir.file("events.log")), LATE_ORDERS);
+}
+
+TEST(Examples, HelloIsGivenANameAndExplainsItself)
+{
+    const support::Environment none{{"HELLO_NAME", std::nullopt}};
+    EXPECT_EQ(support::runProgram("hello", {"-n", "Ada"}, none).out, "Hello, Ada!\n");
+    EXPECT_EQ(support::runProgram("hello", {"--name=Ada"}, none).out, "Hello, Ada!\n");
+    EXPECT_EQ(support::runProgram("hello", {}, {{"HELLO_NAME", "Ada"}}).out, "Hello, Ada!\n");
+    EXPECT_EQ(support::runProgram("hello", {}, none).out, "Hello, world!\n");
+    const ProgramResult refused = support::runProgram("hello", {"--nmae=Ada"}, none);
+    EXPECT_EQ(refused.err, "hello: unknown option '--nmae'; did you mean '--name'?\n"
+                           "hello: 'hello --help' shows what can be given\n");
+    EXPECT_EQ(refused.exitCode, 2);
+    EXPECT_EQ(support::runProgram("hello", {"--help"}, none).out,
+              "usage: hello [option]...\n"
+              "Greets whom you name.\n"
+              "\n"
+              "options:\n"
+              "  -n, --name=VALUE        name to greet [HELLO_NAME] [default: world, when nobody "
+              "says]\n"
+              "  -h, --help              shows this text, and ends\n"
+              "      --completion        writes a completion for bash, and ends\n");
 }
 
 // A line of what the log service displays.

@@ -91,7 +91,8 @@ int main(int argc, char** argv)
     Zu::ApProgram front("Shows what a front does.");
     program = &front;
     front.build(BUILD).longName('p', "port").longName('v', "verbose").longName('k', "key");
-    front.range("front::port", 0, 65535).words("[WORD]...", 0, 3);
+    front.range("front::port", 0, 65535);
+    if (!isSet("FRONT_WITHOUT_WORDS")) front.words("[WORD]...", isSet("FRONT_REQUIRES") ? 1 : 0, 3);
     if (isSet("FRONT_REQUIRES")) front.require("front::key");
     if (isSet("FRONT_WITHOUT_LOG")) front.withoutLog();
     if (isSet("FRONT_WRONG")) front.range("front::prot", 0, 1);
