@@ -1,5 +1,6 @@
 #include "app/lgControlFile.h"
 
+#include "app/lgNewFile.h"
 #include "base/osDescriptor.h"
 
 #include <cerrno>
@@ -88,14 +89,12 @@ bool LgControlFile::fail()
 
 bool LgControlFile::create(const std::string& path)
 {
-    const int flags = O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC | O_NOFOLLOW;
-    OsDescriptor file(osAboveStandard(::open(path.c_str(), flags, 0600)));
-    if (file.get() < 0) return fail();
+    const int own =
+        lgNewFile(path, [](int file) { return lock(file, LgControl::LOCK_OF_SERVICE); });
+    if (own < 0) return fail();
     _path = path;
-    _file = file.release();
-    const int own = descriptor(_file);
-    if (!lock(own, LgControl::LOCK_OF_SERVICE)) return fail();
-    // Nobody may have taken it for a remnant before.
+    _file = own;
+    // Where a file has its name from the beginning, it may have been taken for a remnant.
     struct stat status = {};
     if (fstat(own, &status) != 0 || status.st_nlink == 0) return fail();
     if (!isLengthAllowed() || ftruncate(own, LgControl::SIZE) != 0 ||

@@ -1,5 +1,6 @@
 #include "app/lgMapFile.h"
 
+#include "app/lgNewFile.h"
 #include "base/osDescriptor.h"
 
 #include <cerrno>
@@ -113,17 +114,10 @@ bool LgMapFile::fail()
 
 bool LgMapFile::create(const std::string& path)
 {
-    const int flags = O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC | O_NOFOLLOW;
-    OsDescriptor file(osAboveStandard(::open(path.c_str(), flags, 0600)));
-    if (file.get() < 0) return fail();
+    const int file = lgNewFile(path, &lockWhole);
+    if (file < 0) return fail();
     _path = path;
-    if (!lockWhole(file.get()))
-    {
-        fail();
-        remove();
-        return false;
-    }
-    _file = file.release();
+    _file = file;
     return true;
 }
 
