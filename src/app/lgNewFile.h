@@ -17,8 +17,8 @@ using LgPrepare = std::function<bool(int)>;
 /// Makes a file that only its user can read, prepares it, and gives it its name, which must be
 /// free. So no process finds it unlocked and takes it for one that was left. Where a file system
 /// has no files without names, it has its name from the beginning. Returns the descriptor, which is
-/// none of the standard streams' and not inherited; a negative number, with `errno` set, if anything
-/// fails: then there is no file.
+/// none of the standard streams' and not inherited; a negative number, with `errno` set, if
+/// anything fails: then there is no file.
 int lgNewFile(const std::string& path, const LgPrepare& prepare);
 
 /// The same with the name from the beginning.
