@@ -11,6 +11,7 @@
 
 #include <ostream>
 #include <typeinfo>
+#include <utility>
 
 namespace Zu
 {
@@ -29,12 +30,46 @@ void writeOverride(const char* title, const char* handle, const char* value,
     inDebugStream() << "----" << std::endl;
 }
 
+// Between the environment and the defaults.
+constexpr std::uint32_t SOURCE_PRIORITY = 5;
+
+// Constant-initialised: it may be set before main.
+constinit InValueSource* theSource = nullptr;
+
+// The value that a source gave to one variable.
+class InSourceAlias : public InContextAliasBase
+{
+public:
+    InSourceAlias(const char* handle, const char* value, const char* description)
+        : InContextAliasBase(description), _handle(handle)
+    {
+        initialize(value);
+    }
+    InContextAliasBase* clone() const override
+    {
+        return new InSourceAlias(*this);
+    }
+    std::uint32_t getPriority() const override
+    {
+        return SOURCE_PRIORITY;
+    }
+    const char* getKey() const override
+    {
+        return _handle.c_str();
+    }
+
+private:
+    std::string _handle;
+};
+
 const char* orEmpty(const char* text)
 {
     return text ? text : "";
 }
 
 } // namespace
+
+InValueSource::~InValueSource() = default;
 
 InVariableBase::InContextAliasDummy InVariableBase::_dummy
     ZU_INIT_ORDER(ZU_INIT_ORDER_DUMMY)("InVariableBase::_dummy");
@@ -155,6 +190,7 @@ void InVariableBase::initialize()
         _contextAlias = alias.get();
         break;
     }
+    if (theSource) takeFromSource();
     if (!_contextAlias || !inDebugInitialize()) return;
     inDebugStream() << "----" << std::endl;
     inDebugStream() << "Initializing variable  : " << _handle.get() << std::endl;
@@ -174,6 +210,21 @@ void InVariableBase::takeOverride()
     if (!_pendingOverrides->empty()) return;
     delete _pendingOverrides;
     _pendingOverrides = nullptr;
+}
+
+void InVariableBase::takeFromSource()
+{
+    if (_contextAlias && _contextAlias->getPriority() >= SOURCE_PRIORITY) return;
+    const char* const value = theSource->find(*this);
+    if (!value) return;
+    const auto taken = _contextAliases.insert(
+        std::make_unique<InSourceAlias>(_handle.get(), value, theSource->getDescription()));
+    _contextAlias = taken->get();
+}
+
+InValueSource* InVariableBase::setSource(InValueSource* source)
+{
+    return std::exchange(theSource, source);
 }
 
 void InVariableBase::finalize()

@@ -19,8 +19,25 @@ namespace Zu
 {
 
 class InPackageInitBase;
+class InVariableBase;
 struct InInitOvr;
 template <class Src, int Unique> class InContextAlias;
+
+/// A further source of values for variables, such as a file of settings: it is asked for a variable
+/// that neither an override nor the command line nor the environment has given a value, and prevails
+/// over defaults.
+class ZU_BASE_API InValueSource
+{
+public:
+    virtual ~InValueSource();
+
+    /// The text for this variable, which lives at least until the call returns; null if the source
+    /// has none. Called when the variable's package is initialised. Exceptions end the start-up.
+    virtual const char* find(const InVariableBase& variable) = 0;
+
+    /// What the source is, for dumps and reasons; owned by the source.
+    virtual const char* getDescription() const = 0;
+};
 
 /// A named configuration value of a package. When the package is initialised it takes the value of
 /// its highest-ranking alias that has one; when the package is finalised it loses it.
@@ -79,6 +96,11 @@ public:
     /// the first pass on.
     static void overrideViaHandle(const char* handle, const char* value, const char* description);
 
+    /// Sets the further source of values, for variables that are initialised from now on; null for
+    /// none. Returns the one before, which a new source may ask for what it has not itself. The
+    /// source is not owned. To be called before start-up, on one thread.
+    static InValueSource* setSource(InValueSource* source);
+
     /// Called with one variable.
     using Visitor = std::function<void(const InVariableBase&)>;
 
@@ -126,6 +148,7 @@ private:
     void joinPackage(const InContextAliasBase* const (&aliases)[10]);
     void removeHandle();
     void takeOverride();
+    void takeFromSource();
 
     const InContextAliasBase* _contextAlias;
     std::multiset<std::unique_ptr<InContextAliasBase>, HigherPriority> _contextAliases;

@@ -89,6 +89,112 @@ TEST(InVariableBase, IsVisitedWithItsAliases)
     EXPECT_EQ(keysOf(none), Texts{});
 }
 
+// Has a value for each variable whose handle begins so.
+class OneSource : public Zu::InValueSource
+{
+public:
+    explicit OneSource(const char* value) : _value(value), _before(InVariableBase::setSource(this))
+    {
+    }
+    ~OneSource() override
+    {
+        InVariableBase::setSource(_before);
+    }
+    const char* find(const InVariableBase& variable) override
+    {
+        _asked.emplace_back(variable.getHandle());
+        return _value;
+    }
+    const char* getDescription() const override
+    {
+        return "one source";
+    }
+
+    Texts _asked;
+
+private:
+    const char* _value;
+    InValueSource* _before;
+};
+
+// An alias that has its value already.
+class ReadyAlias : public Zu::InContextAliasBase
+{
+public:
+    ReadyAlias(std::uint32_t priority, const char* value)
+        : InContextAliasBase("ready"), _priority(priority), _value(value)
+    {
+        if (value) initialize(value);
+    }
+    InContextAliasBase* clone() const override
+    {
+        return new ReadyAlias(_priority, _value);
+    }
+    std::uint32_t getPriority() const override
+    {
+        return _priority;
+    }
+    const char* getKey() const override
+    {
+        return "ready";
+    }
+
+private:
+    std::uint32_t _priority;
+    const char* _value;
+};
+
+TEST(InVariableBase, AsksTheSourceBehindTheEnvironmentAndBeforeDefaults)
+{
+    const struct
+    {
+        std::uint32_t _priority;
+        const char* _own;
+        const char* _ofSource;
+        int _value;
+        bool _isAsked;
+    } cases[] = {
+        {0, "1", "2", 2, true},   {0, "1", nullptr, 1, true},  {10, "1", "2", 1, false},
+        {15, "1", "2", 1, false}, {10, nullptr, "2", 2, true},
+    };
+    for (const auto& row : cases)
+    {
+        ListingPackage package;
+        const ReadyAlias own(row._priority, row._own);
+        InVariable<int> variable("sourced", package, own);
+        OneSource source(row._ofSource);
+        variable.initialize();
+        EXPECT_EQ(variable.getValue(), row._value);
+        EXPECT_EQ(source._asked, row._isAsked ? Texts{"sourced"} : Texts{});
+        if (row._value == 2)
+        {
+            EXPECT_STREQ(variable.contextAlias()->getDescription(), "one source");
+            EXPECT_STREQ(variable.contextAlias()->getKey(), "sourced");
+            EXPECT_EQ(variable.contextAlias()->getPriority(), 5U);
+        }
+        variable.finalize();
+    }
+}
+
+TEST(InVariableBase, AVariableWithoutAliasesMayHaveItsValueFromASource)
+{
+    ListingPackage package;
+    InVariable<const char*> variable("sourced", package, InVariableBase::_dummy);
+    {
+        const OneSource none(nullptr);
+        variable.initialize();
+        EXPECT_FALSE(variable.isValid());
+        variable.finalize();
+        {
+            const OneSource source("text");
+            variable.initialize();
+            EXPECT_STREQ(variable.getValue(), "text");
+            variable.finalize();
+        }
+    }
+    EXPECT_EQ(InVariableBase::setSource(nullptr), nullptr) << "each has put back the one before";
+}
+
 TEST(InContextAliasMgr, VisitsTheAliasesOfItsKind)
 {
     const auto options = []
