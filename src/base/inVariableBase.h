@@ -23,9 +23,9 @@ class InVariableBase;
 struct InInitOvr;
 template <class Src, int Unique> class InContextAlias;
 
-/// A further source of values for variables, such as a file of settings: it is asked for a variable
-/// that neither an override nor the command line nor the environment has given a value, and prevails
-/// over defaults.
+/// A further source of values for variables, such as a file of settings. It is asked for a variable
+/// that neither an override nor the command line nor the environment has given a value, and
+/// prevails over defaults.
 class ZU_BASE_API InValueSource
 {
 public:
