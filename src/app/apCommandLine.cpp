@@ -111,11 +111,11 @@ std::vector<std::string> ApCommandLine::inLetters() const
     {
         const ApOption& option = _options[given._option];
         if (option._letter == 0) continue;
-        result.push_back(std::string("-") + option._letter);
+        result.emplace_back(std::string("-") + option._letter);
         if (option._takesValue) result.push_back(given._value);
     }
     if (_words.empty()) return result;
-    result.push_back("--");
+    result.emplace_back("--");
     result.insert(result.end(), _words.begin(), _words.end());
     return result;
 }

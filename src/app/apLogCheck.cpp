@@ -15,6 +15,7 @@ namespace
 std::vector<std::string> levels()
 {
     std::vector<std::string> names;
+    names.reserve(LgTypes::NUM_LEVELS);
     for (int level = 0; level < LgTypes::NUM_LEVELS; ++level)
         names.emplace_back(LgTypes::levelToString(static_cast<LgTypes::Level>(level)));
     return names;

@@ -99,6 +99,7 @@ struct ApProgram::State
     Texts _words;
     const LgService* _log = nullptr;
 
+    void nameOption(char letter, const std::string& name);
     void prepareSettings();
     ApSetting& settingOf(const std::string& handle);
     std::vector<ApOption> commonOptions() const;
@@ -107,6 +108,7 @@ struct ApProgram::State
                               const std::vector<ApOption>& options) const;
     void print(const std::string& text) const;
     int refuse(const Texts& errors) const;
+    int start(const Texts& words, const std::function<int()>& body);
     int runStarted(const std::function<int()>& body);
 };
 
@@ -180,22 +182,22 @@ ApSetting& ApProgram::State::settingOf(const std::string& handle)
     return *setting;
 }
 
+void ApProgram::State::nameOption(char letter, const std::string& name)
+{
+    ApSetting* const setting = letter != 0 ? _settings.find(letter) : nullptr;
+    if (!setting) throw std::logic_error(std::string("there is no option '-") + letter + "'");
+    std::vector<ApOption> others = _settings.options();
+    for (const ApOption& option : commonOptions()) others.push_back(option);
+    for (const ApOption& other : others)
+        if (other._longName == name && other._letter != letter)
+            throw std::logic_error("the name '--" + name + "' is taken");
+    setting->_longName = name;
+}
+
 void ApProgram::State::prepareSettings()
 {
     _settings = ApSettings::ofProcess();
-    for (const auto& [letter, name] : _longNames)
-    {
-        ApSetting* const setting = _settings.find(letter);
-        if (!setting || letter == 0)
-            throw std::logic_error(std::string("there is no option '-") + letter + "'");
-        for (const ApOption& common : commonOptions())
-            if (common._longName == name)
-                throw std::logic_error("the name '--" + name + "' is taken");
-        for (const ApOption& other : _settings.options())
-            if (other._longName == name && other._letter != letter)
-                throw std::logic_error("the name '--" + name + "' is taken");
-        setting->_longName = name;
-    }
+    for (const auto& [letter, name] : _longNames) nameOption(letter, name);
     for (const Range& range : _ranges)
     {
         ApSetting& setting = settingOf(range._handle);
@@ -256,6 +258,9 @@ Texts ApProgram::State::errorsOf(const ApCommandLine& line,
         errors.push_back("too many words: expected " + _wordsUsage);
     const Texts wrong = _settings.check(line, options, &std::getenv);
     errors.insert(errors.end(), wrong.begin(), wrong.end());
+    if (const char* const groups = std::getenv("ZU_LOG_GROUPS"))
+        if (const std::string error = apGroupsError(groups); !error.empty())
+            errors.push_back(error);
     return errors;
 }
 
@@ -289,6 +294,26 @@ int ApProgram::State::runStarted(const std::function<int()>& body)
     return body();
 }
 
+// Starts with the words in the form that the packages read.
+int ApProgram::State::start(const Texts& words, const std::function<int()>& body)
+{
+    std::vector<const char*> pointers;
+    for (const std::string& word : words) pointers.push_back(word.c_str());
+    pointers.push_back(nullptr);
+    int count = static_cast<int>(words.size());
+    const char* const* list = pointers.data();
+    try
+    {
+        const InInitGuard guard(count, list);
+        return runStarted(body);
+    }
+    catch (...)
+    {
+        print(reasonOf(std::current_exception()));
+        return FAILED;
+    }
+}
+
 int ApProgram::runBody(int argc, const char* const* argv, const std::function<int()>& body)
 {
     State& state = *_state;
@@ -297,37 +322,17 @@ int ApProgram::runBody(int argc, const char* const* argv, const std::function<in
     state._program = apProgramName(path);
     state.prepareSettings();
     std::vector<ApOption> options = state._settings.options();
-    const bool parses = !options.empty();
+    // Without options the packages take all words as they are.
+    const bool hasOptions = !options.empty();
     for (const ApOption& option : state.commonOptions()) options.push_back(option);
     const ApCommandLine line(options, words);
     if (const std::optional<int> answered = state.answer(line, options)) return *answered;
     if (const Texts errors = state.errorsOf(line, options); !errors.empty())
         return state.refuse(errors);
-    if (const char* const groups = std::getenv("ZU_LOG_GROUPS"))
-        if (const std::string error = apGroupsError(groups); !error.empty())
-        {
-            state.print(error);
-            return REFUSED;
-        }
     state._words = line.words();
-
-    Texts translated = parses ? line.inLetters() : line.words();
+    Texts translated = hasOptions ? line.inLetters() : line.words();
     translated.insert(translated.begin(), path);
-    std::vector<const char*> pointers;
-    for (const std::string& word : translated) pointers.push_back(word.c_str());
-    pointers.push_back(nullptr);
-    int count = static_cast<int>(translated.size());
-    const char* const* list = pointers.data();
-    try
-    {
-        const InInitGuard guard(count, list);
-        return state.runStarted(body);
-    }
-    catch (...)
-    {
-        state.print(reasonOf(std::current_exception()));
-        return FAILED;
-    }
+    return state.start(translated, body);
 }
 
 } // namespace Zu

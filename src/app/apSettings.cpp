@@ -54,6 +54,15 @@ void takeAlias(ApSetting& setting, const InContextAliasBase& alias)
     }
 }
 
+ApSetting ofVariable(const InVariableBase& variable)
+{
+    ApSetting setting;
+    setting._handle = variable.getHandle();
+    setting._kind = kindOf(variable);
+    variable.visitAliases([&](const InContextAliasBase& alias) { takeAlias(setting, alias); });
+    return setting;
+}
+
 bool isSwitch(std::string text)
 {
     for (char& c : text)
@@ -102,6 +111,22 @@ std::string placesOf(const ApSetting& setting)
     return places;
 }
 
+// An option without a value has the empty text, which a switch takes for "on".
+std::string errorOfOption(const ApSetting& setting, const ApGiven& given)
+{
+    if (!setting._takesValue) return {};
+    return errorOf(setting, "option '" + given._spelling + "'", given._value);
+}
+
+std::string errorWithoutOption(const ApSetting& setting, const ApSettings::Environment& environment)
+{
+    const char* const text =
+        setting._variable.empty() ? nullptr : environment(setting._variable.c_str());
+    if (text) return errorOf(setting, "the variable " + setting._variable, text);
+    if (!setting._isRequired || setting._default) return {};
+    return placesOf(setting) + " is needed: " + setting._description;
+}
+
 } // namespace
 
 ApSettings ApSettings::ofProcess()
@@ -117,21 +142,17 @@ ApSettings ApSettings::ofProcess()
     InVariableBase::visitAll(
         [&](const InVariableBase& variable)
         {
-            ApSetting setting;
-            setting._handle = variable.getHandle();
-            setting._kind = kindOf(variable);
-            variable.visitAliases([&](const InContextAliasBase& alias)
-                                  { takeAlias(setting, alias); });
-            if (setting._letter == 0)
-                others.push_back(setting);
-            else if (withLetter[setting._letter]._handle.empty())
+            const ApSetting setting = ofVariable(variable);
+            // An option belongs to the first of its variables.
+            if (setting._letter != 0 && withLetter[setting._letter]._handle.empty())
                 withLetter[setting._letter] = setting;
             else
                 others.push_back(setting);
         });
     std::vector<ApSetting> all;
-    for (auto& [letter, setting] : withLetter) all.push_back(std::move(setting));
-    for (ApSetting& setting : others) all.push_back(std::move(setting));
+    all.reserve(withLetter.size() + others.size());
+    for (const auto& [letter, setting] : withLetter) all.push_back(setting);
+    all.insert(all.end(), others.begin(), others.end());
     return ApSettings(std::move(all));
 }
 
@@ -174,17 +195,9 @@ std::vector<std::string> ApSettings::check(const ApCommandLine& line,
         {
             if (setting._letter == 0 || options[given._option]._letter != setting._letter) continue;
             isGiven = true;
-            // An option without a value has the empty text, which a switch takes for "on".
-            error = setting._takesValue
-                        ? errorOf(setting, "option '" + given._spelling + "'", given._value)
-                        : "";
-            if (!error.empty()) break;
+            if (error.empty()) error = errorOfOption(setting, given);
         }
-        const char* const text =
-            isGiven || setting._variable.empty() ? nullptr : environment(setting._variable.c_str());
-        if (text) error = errorOf(setting, "the variable " + setting._variable, text);
-        if (!isGiven && !text && setting._isRequired && !setting._default)
-            error = placesOf(setting) + " is needed: " + setting._description;
+        if (!isGiven) error = errorWithoutOption(setting, environment);
         if (!error.empty()) errors.push_back(error);
     }
     return errors;

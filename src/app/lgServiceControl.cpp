@@ -19,6 +19,14 @@ namespace Zu
 namespace
 {
 
+std::string quoted(std::string_view text)
+{
+    std::string result(1, '"');
+    result += text;
+    result += '"';
+    return result;
+}
+
 using Outcome = LgControlPeer::Outcome;
 
 template <std::size_t SIZE> void copyText(char (&to)[SIZE], const std::string& text)
@@ -199,7 +207,7 @@ std::string LgServiceControl::answerTo(std::string_view request)
     if (word == "status") return status();
     if (word == "set") return set(request);
     if (word == "reset") return reset(request);
-    return errorText("this service has no answer to \"" + std::string(word) + "\"");
+    return errorText("this service has no answer to " + quoted(word));
 }
 
 std::string LgServiceControl::status() const
@@ -235,10 +243,9 @@ std::string LgServiceControl::set(std::string_view lines)
     {
         const std::string_view line = takeLine(lines);
         const std::size_t end = line.rfind('=');
-        if (end == std::string_view::npos)
-            return errorText("\"" + std::string(line) + "\" names no level");
+        if (end == std::string_view::npos) return errorText(quoted(line) + " names no level");
         const std::string group(line.substr(0, end));
-        if (!find(group)) return errorText("there is no group \"" + group + "\"");
+        if (!find(group)) return errorText("there is no group " + quoted(group));
         try
         {
             const std::string level(line.substr(end + 1));
@@ -246,7 +253,7 @@ std::string LgServiceControl::set(std::string_view lines)
         }
         catch (const LgEx::InvalidLevelString&)
         {
-            return errorText("\"" + std::string(line.substr(end + 1)) + "\" is not a level");
+            return errorText(quoted(line.substr(end + 1)) + " is not a level");
         }
         text += (text.empty() ? "" : ", ") + std::string(line);
     }

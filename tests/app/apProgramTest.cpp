@@ -241,7 +241,8 @@ TEST(ApProgram, GroupsThatWouldEndTheStartAreRefused)
     EXPECT_EQ(result.err,
               "frontProgram: ZU_LOG_GROUPS is 'Web', where 'Web' has no level: expected "
               "GROUP=LEVEL,GROUP=LEVEL... with the levels Internal Error, Fatal Error, Error, "
-              "Warning, Informational, Tracing, Profiling\n");
+              "Warning, Informational, Tracing, Profiling\n" +
+                  SEE);
     EXPECT_EQ(result.exitCode, 2);
 }
 

@@ -59,6 +59,16 @@ protected:
         return names;
     }
 
+    // A temporary file may be among the names, and a file and its original.
+    std::set<std::string> rotatedNumbers() const
+    {
+        std::set<std::string> numbers;
+        for (const std::string& name : rotated())
+            if (name.find("compressing") == std::string::npos)
+                numbers.insert(name.substr(0, std::string("events.log.1").size()));
+        return numbers;
+    }
+
     static void logOne(const LgService& service, int number)
     {
         ZU_LOG_WARNING(Pack, "number " << number << ' ' << std::string(900, 'x') << " end");
@@ -136,12 +146,12 @@ TEST_F(LgServiceCompressorTest, NoMoreFilesAreKeptThanTheOptionSays)
     for (int i = 0; i < 12; ++i)
     {
         logOne(service, i);
-        // A temporary file may be among them, and a file and its original.
-        std::set<std::string> numbers;
-        for (std::string name : rotated())
-            if (name.find("compressing") == std::string::npos)
-                numbers.insert(name.substr(0, std::string("events.log.1").size()));
-        EXPECT_LE(numbers.size(), 3U);
+#ifdef _WIN32
+        // The name of a file that was removed stays until the compressor closes the file.
+        while (rotatedNumbers().size() > 3) std::this_thread::yield();
+#else
+        EXPECT_LE(rotatedNumbers().size(), 3U);
+#endif
     }
     const std::set<std::string> all{"events.log.1.gz", "events.log.2.gz", "events.log.3.gz"};
     while (rotated() != all) std::this_thread::yield();
