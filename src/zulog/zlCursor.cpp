@@ -13,7 +13,10 @@ namespace
 {
 
 constexpr std::string_view TITLE = "zulog cursor ";
-constexpr std::string_view VERSION = "1";
+constexpr std::string_view VERSION = "2";
+constexpr std::string_view EARLIER_VERSION = "1";
+constexpr std::uint32_t VERSION_NUMBER = 2;
+constexpr std::string_view UNKNOWN = "-";
 constexpr std::string_view SUM = "sum ";
 constexpr int HEX = 16;
 constexpr std::size_t HEX_DIGITS = 16;
@@ -52,13 +55,16 @@ public:
         const std::string_view title = takeLine();
         if (title.substr(0, TITLE.size()) != TITLE) refuse("is no cursor of zulog");
         const std::string_view version = title.substr(TITLE.size());
-        if (version != VERSION) refuseVersion(version);
+        if (version != VERSION && version != EARLIER_VERSION) refuseVersion(version);
+        _isEarlier = version == EARLIER_VERSION;
         ZlCursor cursor;
         cursor._destination = nameIn(takeWord(takeLine(), "to "));
         while (_rest.substr(0, SUM.size()) != SUM) addPlace(cursor, takeWord(takeLine(), "at "));
         const std::size_t size = whole.size() - _rest.size();
         if (takeLine() != std::string(SUM) + hexOf(zlHashOf(whole.substr(0, size)))) damaged();
         if (!_rest.empty()) damaged();
+        // Numbers and the order of places have one form only.
+        if (!_isEarlier && zlWriteCursor(cursor) != whole) damaged();
         return cursor;
     }
 
@@ -80,7 +86,7 @@ private:
         std::uint32_t number = 0;
         const char* const end = version.data() + version.size();
         const auto [place, error] = std::from_chars(version.data(), end, number);
-        if (error == std::errc() && place == end && number > 1)
+        if (error == std::errc() && place == end && number > VERSION_NUMBER)
             refuse("is the cursor of a newer zulog, of version " + std::to_string(number));
         damaged();
     }
@@ -111,6 +117,14 @@ private:
         return number;
     }
 
+    std::optional<std::uint64_t> takeHash(std::string_view& line) const
+    {
+        const bool isUnknown = line.substr(0, UNKNOWN.size()) == UNKNOWN;
+        if (!isUnknown) return takeNumber(line, HEX);
+        line = takeWord(line, "- ");
+        return std::nullopt;
+    }
+
     std::string nameIn(std::string_view text) const
     {
         std::string name;
@@ -136,13 +150,15 @@ private:
         place._headSize = takeNumber(line, 10);
         place._head = takeNumber(line, HEX);
         place._offset = takeNumber(line, 10);
-        const bool isHeadWhole = place._headSize <= ZlCursor::LARGEST_HEAD;
+        if (!_isEarlier) place._last = takeHash(line);
+        const bool isHeadWhole = place._headSize <= ZlPlace::LARGEST_HEAD;
         if (!isHeadWhole || line.empty()) damaged();
         if (!cursor._places.emplace(nameIn(line), place).second) damaged();
     }
 
     std::string_view _rest;
     const std::string& _name;
+    bool _isEarlier = false;
 };
 
 } // namespace
@@ -164,7 +180,9 @@ std::string zlWriteCursor(const ZlCursor& cursor)
         text += std::to_string(place._file._volume) + " ";
         text += std::to_string(place._file._number) + " ";
         text += std::to_string(place._headSize) + " " + hexOf(place._head) + " ";
-        text += std::to_string(place._offset) + " " + escaped(name) + "\n";
+        text += std::to_string(place._offset) + " ";
+        text += place._last ? hexOf(*place._last) : UNKNOWN;
+        text += " " + escaped(name) + "\n";
     }
     return text + std::string(SUM) + hexOf(zlHashOf(text)) + "\n";
 }

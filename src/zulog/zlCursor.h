@@ -25,6 +25,13 @@ struct ZlPlace
     std::uint64_t _head = 0;
     /// Behind the last record that was shipped, uncompressed.
     std::uint64_t _offset = 0;
+    /// The hash of the bytes in front of it, LARGEST_LAST of them, or all if there are fewer: what
+    /// was written anew may have the same head. Nothing if it is not known.
+    std::optional<std::uint64_t> _last;
+
+    /// The heads of files that are compared, and what is in front of places.
+    static constexpr std::uint64_t LARGEST_HEAD = 4096;
+    static constexpr std::uint64_t LARGEST_LAST = 4096;
 
     bool operator==(const ZlPlace& other) const = default;
 };
@@ -32,9 +39,6 @@ struct ZlPlace
 /// How far each log was shipped to one destination.
 struct ZlCursor
 {
-    /// The heads of files that are compared.
-    static constexpr std::uint64_t LARGEST_HEAD = 4096;
-
     std::string _destination;
     /// By the absolute name of the log.
     std::map<std::string, ZlPlace> _places;
@@ -44,16 +48,18 @@ struct ZlCursor
 
 /// The cursor as text, which ends with a checksum of the rest:
 ///
-///     zulog cursor 1
+///     zulog cursor 2
 ///     to relp://host:20514
-///     at 2049 131 4096 00c0ffee00c0ffee 81920 /var/log/events.log
+///     at 2049 131 4096 00c0ffee00c0ffee 81920 0ddba11fadedcafe /var/log/events.log
 ///     sum 0123456789abcdef
 ///
+/// The numbers of a place are those of ZlPlace in their order; a hash that is not known is "-".
 /// Line feeds and backslashes in names are "\n" and "\\".
 std::string zlWriteCursor(const ZlCursor& cursor);
 
-/// Reads the text. Raises ZlError, with the name of the file, for a text of another program, of a
-/// newer version, and for one that was changed or cut off.
+/// Reads the text, also of version 1, which has no hash of what is in front of a place. Raises
+/// ZlError, with the name of the file, for a text of another program, of a newer version, and for
+/// one that was changed or cut off. What is taken of version 2 is written as the same bytes.
 ZlCursor zlReadCursor(std::string_view text, const std::string& name);
 
 /// FNV-1a with 64 bits (Fowler, Noll, Vo 1991): tells accidents, not attackers.

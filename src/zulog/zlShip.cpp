@@ -14,6 +14,7 @@
 #include <cstdint>
 #include <filesystem>
 #include <functional>
+#include <map>
 #include <queue>
 #include <system_error>
 #include <thread>
@@ -227,9 +228,15 @@ void ZlShipper::collect()
 void ZlShipper::noteTaken(std::size_t taken)
 {
     auto entry = _entries.begin();
+    std::map<std::size_t, ZlPlace> places;
     for (; entry != _entries.end() && entry->_messages <= taken; ++entry)
-        _cursor._places[_tails[entry->_tail]->getName()] = entry->_place;
-    if (entry == _entries.begin()) return;
+        places[entry->_tail] = entry->_place;
+    if (places.empty()) return;
+    for (auto& [tail, place] : places)
+    {
+        _tails[tail]->complete(place);
+        _cursor._places[_tails[tail]->getName()] = place;
+    }
     const std::size_t messages = std::prev(entry)->_messages;
     for (std::size_t i = 0; i < messages; ++i) _bytes -= _messages[i].size();
     _messages.erase(_messages.begin(), _messages.begin() + static_cast<std::ptrdiff_t>(messages));

@@ -20,13 +20,57 @@ bool isPlain(ZlFile& file)
     return size < sizeof first || first[0] != '\x1f' || first[1] != '\x8b';
 }
 
+// Up to so many bytes of a ZlFile or ZlSource; fewer at the end.
+template <typename Source> std::string readUpTo(Source& source, std::size_t most)
+{
+    std::string text(most, '\0');
+    std::size_t size = 0;
+    for (std::size_t count = 1; count > 0 && size < most; size += count)
+        count = source.read(text.data() + size, most - size);
+    text.resize(size);
+    return text;
+}
+
+// False if there are fewer bytes.
+bool skip(ZlSource& source, std::uint64_t count)
+{
+    constexpr std::uint64_t PART = std::uint64_t{64} * 1024;
+    while (count > 0)
+    {
+        const std::size_t part = static_cast<std::size_t>(std::min(count, PART));
+        if (readUpTo(source, part).size() < part) return false;
+        count -= part;
+    }
+    return true;
+}
+
+std::size_t lastSizeOf(std::uint64_t offset)
+{
+    return static_cast<std::size_t>(std::min(offset, ZlPlace::LARGEST_LAST));
+}
+
+// Whether the bytes in front of the place are still there. In a plain file nothing else is read.
+bool hasLast(const std::string& name, const ZlPlace& place)
+{
+    const std::size_t size = lastSizeOf(place._offset);
+    const std::uint64_t begin = place._offset - size;
+    ZlFile file(name);
+    if (!isPlain(file))
+    {
+        const std::unique_ptr<ZlSource> source = zlOpenSource(name);
+        return skip(*source, begin) && zlHashOf(readUpTo(*source, size)) == place._last;
+    }
+    file.seek(begin);
+    return zlHashOf(readUpTo(file, size)) == place._last;
+}
+
 } // namespace
 
-// Keeps the first bytes that pass.
-class ZlTail::HeadSource : public ZlSource
+// Keeps the first bytes that pass, and the latest ones.
+class ZlTail::KeepingSource : public ZlSource
 {
 public:
-    HeadSource(std::unique_ptr<ZlSource> source, std::string& head)
+    KeepingSource(std::unique_ptr<ZlSource> source, std::string& head)
         : _source(std::move(source)), _head(head)
     {
         _head.clear();
@@ -35,10 +79,27 @@ public:
     std::size_t read(char* place, std::size_t size) override
     {
         const std::size_t count = _source->read(place, size);
-        const std::size_t room = ZlCursor::LARGEST_HEAD - _head.size();
+        const std::size_t room = ZlPlace::LARGEST_HEAD - _head.size();
         _head.append(place, std::min(count, room));
         _size += count;
+        if (count > 0) keep(std::string_view(place, count));
         return count;
+    }
+
+    // No place in front of this one is asked for any more.
+    void forget(std::uint64_t offset)
+    {
+        _needed = offset - lastSizeOf(offset);
+    }
+
+    // Nothing if these bytes are not kept any more.
+    std::optional<std::uint64_t> getLast(std::uint64_t offset) const
+    {
+        const std::size_t size = lastSizeOf(offset);
+        const std::uint64_t begin = _size - _latest.size();
+        if (offset > _size || offset - size < begin) return std::nullopt;
+        const std::size_t index = static_cast<std::size_t>(offset - size - begin);
+        return zlHashOf(std::string_view(_latest).substr(index, size));
     }
 
     std::uint64_t getSize() const
@@ -47,9 +108,23 @@ public:
     }
 
 private:
+    // More than a batch is, and than the reader reads ahead, which is the longest line at most.
+    static constexpr std::uint64_t MOST_KEPT = 2 * ZlReader::LONGEST;
+
+    void keep(std::string_view more)
+    {
+        const std::uint64_t begin = _size - more.size() - _latest.size();
+        const std::uint64_t first = std::max(_needed, _size - std::min(_size, MOST_KEPT));
+        if (first > begin) _latest.erase(0, static_cast<std::size_t>(first - begin));
+        _latest += more;
+    }
+
     const std::unique_ptr<ZlSource> _source;
     std::string& _head;
     std::uint64_t _size = 0;
+    // Up to the present size.
+    std::string _latest;
+    std::uint64_t _needed = 0;
 };
 
 ZlTail::ZlTail(std::string name, const Start& start, ZlReports& reports, ZlReader::Options options)
@@ -79,7 +154,15 @@ ZlPlace ZlTail::getPlace()
     // From its largest size on, it is the same for all places.
     if (head.size() != _hashedSize) _hash = zlHashOf(head);
     _hashedSize = head.size();
-    return {_identity, head.size(), _hash, offset};
+    return {_identity, head.size(), _hash, offset, std::nullopt};
+}
+
+void ZlTail::complete(ZlPlace& place) const
+{
+    if (_reader && place._file == _identity)
+        place._last = _source->getLast(place._offset);
+    else if (_left && place._file == _left->_file && place._offset == _left->_offset)
+        place._last = _left->_last;
 }
 
 void ZlTail::release(bool isAll)
@@ -89,13 +172,14 @@ void ZlTail::release(bool isAll)
 
 void ZlTail::look()
 {
+    if (_reader) _source->forget(_reader->getOffset());
     if (!_reader || !_isPresent) return;
     if (_file && _file->getSize() < _source->getSize())
     {
         _reports.note("\"" + _name + "\" was emptied: lines may be missing");
         _reader.reset();
         _hasRecord = false;
-        _place = ZlPlace{_identity, 0, zlHashOf(""), 0};
+        _place = ZlPlace{_identity, 0, zlHashOf(""), 0, std::nullopt};
         _isResumed = true;
         return;
     }
@@ -108,7 +192,11 @@ bool ZlTail::next()
     while (!_hasRecord)
     {
         if (!_reader && !openNext()) return false;
-        while (!_hasRecord && _reader->next()) _hasRecord = _reader->getOffset() > _known;
+        while (!_hasRecord && _reader->next())
+        {
+            _hasRecord = _reader->getOffset() > _known;
+            if (!_hasRecord) _source->forget(_reader->getOffset());
+        }
         if (_hasRecord) break;
         if (_isPresent && !_isSuperseded) return false;
         // A last line without its end comes before the next file.
@@ -124,7 +212,10 @@ bool ZlTail::next()
 // The file was read to its end, and has a successor.
 void ZlTail::leave()
 {
-    _place = ZlPlace{_identity, _head.size(), zlHashOf(_head), _reader->getOffset()};
+    const std::uint64_t offset = _reader->getOffset();
+    _place = ZlPlace{_identity, _head.size(), zlHashOf(_head), offset, _source->getLast(offset)};
+    // An empty file has no places, so the one in front of it counts.
+    if (offset > 0) _left = _place;
     _isResumed = false;
     _reader.reset();
 }
@@ -140,16 +231,16 @@ ZlTail::Files ZlTail::findFiles() const
     return files;
 }
 
-bool ZlTail::hasHead(const std::string& file) const
+// What was written anew behind the same head has other bytes in front of the place. That is of no
+// interest where the file was read to its end.
+bool ZlTail::hasPlace(const std::string& file) const
 {
     try
     {
         const std::unique_ptr<ZlSource> source = zlOpenSource(file);
-        std::string head(_place->_headSize, '\0');
-        std::size_t size = 0;
-        for (std::size_t count = 1; count > 0 && size < head.size(); size += count)
-            count = source->read(head.data() + size, head.size() - size);
-        return size == head.size() && zlHashOf(head) == _place->_head;
+        const std::string head = readUpTo(*source, _place->_headSize);
+        if (head.size() < _place->_headSize || zlHashOf(head) != _place->_head) return false;
+        return !_isResumed || !_place->_last || hasLast(file, *_place);
     }
     catch (const ZlError&)
     {
@@ -162,9 +253,9 @@ bool ZlTail::hasHead(const std::string& file) const
 std::size_t ZlTail::locate(const Files& files) const
 {
     for (std::size_t i = 0; i < files.size(); ++i)
-        if (files[i].second == _place->_file && hasHead(files[i].first)) return i;
+        if (files[i].second == _place->_file && hasPlace(files[i].first)) return i;
     for (std::size_t i = 0; _place->_headSize > 0 && i < files.size(); ++i)
-        if (hasHead(files[i].first)) return i;
+        if (hasPlace(files[i].first)) return i;
     return NONE;
 }
 
@@ -225,7 +316,7 @@ bool ZlTail::open(const std::string& file, const ZlFile::Identity& identity, std
         _isPresent = file == _name;
         _file = std::make_unique<ZlFile>(file);
         if (!isPlain(*_file)) _file.reset();
-        auto source = std::make_unique<HeadSource>(zlOpenSource(file), _head);
+        auto source = std::make_unique<KeepingSource>(zlOpenSource(file), _head);
         _source = source.get();
         _reader = std::make_unique<ZlReader>(file, std::move(source), _reports, _options);
     }

@@ -21,8 +21,8 @@ namespace Zu
 {
 
 /// The records of one log with their places, through the files that it was rotated to, up to the
-/// present file and along with it. A file is known again by its identity and its first bytes, and
-/// when it was compressed, by these alone. Not thread-safe.
+/// present file and along with it. A file is known again by its identity, its first bytes, and
+/// those in front of the place; when it was compressed, by the bytes alone. Not thread-safe.
 class ZlTail
 {
 public:
@@ -43,7 +43,8 @@ public:
         return _name;
     }
 
-    /// Looks whether the file was rotated or emptied.
+    /// Looks whether the file was rotated or emptied. Places from before are not completed any
+    /// more.
     void look();
 
     /// Makes the next record, unless the last one was not taken. False at the present end.
@@ -55,8 +56,12 @@ public:
     /// Of the record: what has none follows the one in front of it.
     std::int64_t getTime();
 
-    /// The place behind the record.
+    /// The place behind the record, without its last hash, which takes longer than a record.
     ZlPlace getPlace();
+
+    /// Adds the last hash to a place of this log, for a cursor that is written. Of a file that is
+    /// not read any more, only for its end.
+    void complete(ZlPlace& place) const;
 
     void take()
     {
@@ -68,14 +73,14 @@ public:
     void release(bool isAll);
 
 private:
-    class HeadSource;
+    class KeepingSource;
     using Files = std::vector<std::pair<std::string, ZlFile::Identity>>;
 
     Files findFiles() const;
     bool openNext();
     bool choose(const Files& files, std::size_t& index, std::uint64_t& offset);
     void reportMissing();
-    bool hasHead(const std::string& file) const;
+    bool hasPlace(const std::string& file) const;
     std::size_t locate(const Files& files) const;
     bool open(const std::string& file, const ZlFile::Identity& identity, std::uint64_t offset);
     void leave();
@@ -87,12 +92,14 @@ private:
     // Behind which the next file is searched for; and whether more of that file itself is.
     std::optional<ZlPlace> _place;
     bool _isResumed;
+    // The end of the last file that was left.
+    std::optional<ZlPlace> _left;
     bool _isMissingReported = false;
     bool _isFailureReported = false;
 
     std::unique_ptr<ZlReader> _reader;
     // The reader's.
-    HeadSource* _source = nullptr;
+    KeepingSource* _source = nullptr;
     // The same file, to look at; none for what grows no more.
     std::unique_ptr<ZlFile> _file;
     ZlFile::Identity _identity;

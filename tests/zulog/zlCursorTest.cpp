@@ -17,8 +17,8 @@ ZlCursor cursor()
 {
     ZlCursor cursor;
     cursor._destination = "relp://host:20514";
-    cursor._places["/var/log/a.log"] = {{2049, 131}, 4096, 0xc0ffee, 81920};
-    cursor._places["/var/log/line\nfeed\\.log"] = {{1, 2}, 0, 0, 0};
+    cursor._places["/var/log/a.log"] = {{2049, 131}, 4096, 0xc0ffee, 81920, 0xbead};
+    cursor._places["/var/log/line\nfeed\\.log"] = {{1, 2}, 0, 0, 0, std::nullopt};
     return cursor;
 }
 
@@ -52,32 +52,49 @@ std::string refusalOf(const std::string& text)
 TEST(ZlCursor, IsATextThatIsReadBack)
 {
     const std::string text = Zu::zlWriteCursor(cursor());
-    EXPECT_EQ(text, sealed("zulog cursor 1\n"
+    EXPECT_EQ(text, sealed("zulog cursor 2\n"
                            "to relp://host:20514\n"
-                           "at 2049 131 4096 0000000000c0ffee 81920 /var/log/a.log\n"
-                           "at 1 2 0 0000000000000000 0 /var/log/line\\nfeed\\\\.log\n"));
+                           "at 2049 131 4096 0000000000c0ffee 81920 000000000000bead "
+                           "/var/log/a.log\n"
+                           "at 1 2 0 0000000000000000 0 - /var/log/line\\nfeed\\\\.log\n"));
     EXPECT_EQ(Zu::zlReadCursor(text, "c"), cursor());
+}
+
+TEST(ZlCursor, AnEarlierVersionHasNoHashOfWhatIsInFrontOfAPlace)
+{
+    const std::string text = sealed("zulog cursor 1\n"
+                                    "to relp://host:20514\n"
+                                    "at 2049 131 4096 0000000000c0ffee 81920 /var/log/a.log\n"
+                                    "at 1 2 0 0000000000000000 0 /var/log/line\\nfeed\\\\.log\n");
+    ZlCursor expected = cursor();
+    expected._places["/var/log/a.log"]._last.reset();
+    EXPECT_EQ(Zu::zlReadCursor(text, "c"), expected);
 }
 
 TEST(ZlCursor, RefusesWhatItHasNotWritten)
 {
     const std::string damaged = "\"c\" is damaged; without it, all of the logs is shipped again";
-    const std::string head = "zulog cursor 1\nto x\n";
+    const std::string head = "zulog cursor 2\nto x\n";
     EXPECT_EQ(refusalOf(""), damaged);
     EXPECT_EQ(refusalOf("hello\n"), "\"c\" is no cursor of zulog");
-    EXPECT_EQ(refusalOf(sealed("zulog cursor 2\nto x\n")),
-              "\"c\" is the cursor of a newer zulog, of version 2");
+    EXPECT_EQ(refusalOf(sealed("zulog cursor 3\nto x\n")),
+              "\"c\" is the cursor of a newer zulog, of version 3");
     EXPECT_EQ(refusalOf(sealed(head)), "taken");
-    const std::string place = "at 1 2 3 0000000000000004 5 /a\n";
-    EXPECT_EQ(refusalOf(sealed(head + place)), "taken");
+    const std::string place = "at 1 2 3 0000000000000004 5 0000000000000006 /a\n";
+    const std::string other = "at 1 2 3 0000000000000004 5 - /b\n";
+    EXPECT_EQ(refusalOf(sealed(head + place + other)), "taken");
     for (const std::string& text :
          {head, head + "sum 0\n", sealed(head).substr(0, 40), sealed(head) + "more\n",
-          sealed("zulog cursor one\nto x\n"), sealed("zulog cursor 1\nfrom x\n"),
-          sealed(head + "at 1 2 3\n"), sealed(head + "at 1 2 3 0000000000000004 5 \n"),
-          sealed(head + "at -1 2 3 0000000000000004 5 /a\n"),
-          sealed(head + "at 1 2 4097 0000000000000004 5 /a\n"), sealed(head + place + place),
-          sealed(head + "at 1 2 3 4 99999999999999999999 /a\n"),
-          sealed(head + "at 1 2 3 4 5 /a\\x\n")})
+          sealed("zulog cursor one\nto x\n"), sealed("zulog cursor 2\nfrom x\n"),
+          sealed(head + "at 1 2 3\n"), sealed(head + "at 1 2 3 0000000000000004 5 - \n"),
+          sealed(head + "at -1 2 3 0000000000000004 5 - /a\n"),
+          sealed(head + "at 1 2 4097 0000000000000004 5 - /a\n"), sealed(head + place + place),
+          sealed(head + "at 1 2 3 0000000000000004 99999999999999999999 - /a\n"),
+          sealed(head + "at 1 2 3 0000000000000004 5 - /a\\x\n"), sealed(head + other + place),
+          sealed(head + "at 1 2 3 0000000000000004 5 /a\n"),
+          sealed(head + "at 1 2 3 0000000000000004 5 -/a\n"), sealed(head + "at 1 2 3 4 5 - /a\n"),
+          sealed(head + "at 01 2 3 0000000000000004 5 - /a\n"),
+          sealed(head + "at 1 2 3 000000000000000A 5 - /a\n")})
     {
         SCOPED_TRACE(text);
         EXPECT_EQ(refusalOf(text), damaged);

@@ -143,6 +143,27 @@ TEST_F(ZlShip, AFileThatIsGoneIsReportedAndTheRestFollows)
     EXPECT_EQ(receiver._messages.back(), "3");
 }
 
+// It begins as before, and is longer than the place already.
+TEST_F(ZlShip, AFileThatWasWrittenAnewBetweenTwoShippersIsShippedFromItsBeginning)
+{
+    std::string head = ORIGIN;
+    while (head.size() < Zu::ZlPlace::LARGEST_HEAD) head += line(0);
+    append(head + line(1) + line(2));
+    ship();
+    receiver._messages.clear();
+    std::filesystem::resize_file(log, 0);
+    append(head + line(3) + line(4) + line(5));
+    ship();
+    ASSERT_GE(receiver._messages.size(), 4U);
+    EXPECT_EQ(Texts(receiver._messages.end() - 4, receiver._messages.end()),
+              Texts({"0", "3", "4", "5"}));
+    EXPECT_NE(reported.str().find("lines may be missing"), std::string::npos) << reported.str();
+    receiver._messages.clear();
+    append(line(6));
+    ship();
+    EXPECT_EQ(receiver._messages, Texts({"6"}));
+}
+
 TEST_F(ZlShip, WhatWasNotTakenComesAgainInOrder)
 {
     std::string text = ORIGIN;

@@ -65,6 +65,7 @@ protected:
             {
                 texts.append(texts.empty() ? "" : " ").append(_tail->getRecord()._text);
                 _place = _tail->getPlace();
+                _tail->complete(*_place);
                 _tail->take();
             }
             _tail->release(false);
@@ -113,8 +114,8 @@ TEST_F(ZlTailTest, HeadsEndAtTheirLargestSize)
     start();
     look();
     EXPECT_EQ(_place->_offset, text.size());
-    EXPECT_EQ(_place->_headSize, Zu::ZlCursor::LARGEST_HEAD);
-    EXPECT_EQ(_place->_head, Zu::zlHashOf(text.substr(0, Zu::ZlCursor::LARGEST_HEAD)));
+    EXPECT_EQ(_place->_headSize, ZlPlace::LARGEST_HEAD);
+    EXPECT_EQ(_place->_head, Zu::zlHashOf(text.substr(0, ZlPlace::LARGEST_HEAD)));
 }
 
 TEST_F(ZlTailTest, GoesOnInAFileThatWasCompressed)
@@ -147,18 +148,131 @@ TEST_F(ZlTailTest, AFileThatWasEmptiedIsReportedOnce)
 TEST_F(ZlTailTest, AFileThatIsShorterThanThePlaceIsReadFromItsBeginning)
 {
     std::string text = ORIGIN;
-    for (std::uint32_t i = 0; text.size() < 2 * Zu::ZlCursor::LARGEST_HEAD; ++i) text += line(0);
+    for (std::uint32_t i = 0; text.size() < 2 * ZlPlace::LARGEST_HEAD; ++i) text += line(0);
     append(text);
     start();
     look();
     const std::string shorter =
-        text.substr(0, text.find('\n', Zu::ZlCursor::LARGEST_HEAD) + 1) + line(7);
+        text.substr(0, text.find('\n', ZlPlace::LARGEST_HEAD) + 1) + line(7);
     writeFile(_log, shorter);
     start(_place);
     const std::string texts = look();
     EXPECT_EQ(texts.substr(0, 1), "0");
     EXPECT_EQ(texts.back(), '7');
     EXPECT_EQ(countMissing(), 1U) << _reported.str();
+}
+
+// The hash is that of the last bytes in front of the place, of all if there are fewer.
+TEST_F(ZlTailTest, PlacesAreCompletedByWhatIsInFrontOfThem)
+{
+    std::string text = ORIGIN;
+    append(text + line(0));
+    start();
+    look();
+    EXPECT_EQ(_place->_last, Zu::zlHashOf(text + line(0)));
+    for (std::uint32_t i = 0; i < 1000; ++i) text += line(i);
+    writeFile(_log, text);
+    start();
+    look();
+    const std::size_t begin = text.size() - ZlPlace::LARGEST_LAST;
+    EXPECT_EQ(_place->_last, Zu::zlHashOf(std::string_view(text).substr(begin)));
+}
+
+TEST_F(ZlTailTest, OnlyPlacesSinceTheLastLookAreCompleted)
+{
+    std::string text = ORIGIN;
+    for (std::uint32_t i = 0; i < 1000; ++i) text += line(i);
+    append(text);
+    start();
+    ASSERT_TRUE(_tail->next());
+    ZlPlace first = _tail->getPlace();
+    _tail->take();
+    look();
+    _tail->complete(first);
+    EXPECT_EQ(first._last, Zu::zlHashOf(std::string_view(text).substr(0, first._offset)));
+    append(line(7));
+    EXPECT_EQ(look(), "7");
+    ZlPlace second = first;
+    _tail->complete(second);
+    EXPECT_EQ(second._last, std::nullopt);
+}
+
+TEST_F(ZlTailTest, TheEndOfAFileThatWasLeftIsCompleted)
+{
+    const std::string text = ORIGIN + line(1);
+    append(text);
+    start();
+    EXPECT_EQ(look(), "1");
+    ZlPlace left = *_place;
+    fs::rename(_log, _log + ".1");
+    append("");
+    EXPECT_EQ(look(), "");
+    left._last.reset();
+    _tail->complete(left);
+    EXPECT_EQ(left._last, Zu::zlHashOf(text));
+    --left._offset;
+    left._last.reset();
+    _tail->complete(left);
+    EXPECT_EQ(left._last, std::nullopt);
+}
+
+struct Replacement
+{
+    const char* _name;
+    // What is behind the same head now, in front of line 7. There were 100 lines of number 0.
+    std::uint32_t _number;
+    std::uint32_t _lines;
+    bool _isHashKnown;
+    bool _isCompressed;
+    bool _isNoticed;
+};
+
+constexpr Replacement REPLACEMENTS[] = {
+    {"the same bytes", 0, 100, true, false, false},
+    {"other bytes, of the same size", 9, 100, true, false, true},
+    {"other bytes, and more", 9, 150, true, false, true},
+    {"the same bytes, compressed", 0, 100, true, true, false},
+    {"other bytes, compressed", 9, 150, true, true, true},
+    {"fewer bytes", 0, 98, true, false, true},
+    {"fewer bytes, with no hash", 0, 98, false, false, true},
+    // A place of version 1 has no hash.
+    {"other bytes, with no hash", 9, 100, false, false, false},
+};
+
+TEST_F(ZlTailTest, AFileThatWasWrittenAnewBeyondThePlaceIsReadFromItsBeginning)
+{
+    std::string head = ORIGIN;
+    while (head.size() < ZlPlace::LARGEST_HEAD) head += line(0);
+    const auto textOf = [&](std::uint32_t number, std::uint32_t lines)
+    {
+        std::string text = head;
+        for (std::uint32_t i = 0; i < lines; ++i) text += line(number);
+        return text;
+    };
+    for (const Replacement& row : REPLACEMENTS)
+    {
+        SCOPED_TRACE(row._name);
+        _reported.str("");
+        _tail.reset();
+        fs::remove(_log + ".1.gz");
+        writeFile(_log, textOf(0, 100));
+        start();
+        look();
+        if (!row._isHashKnown) _place->_last.reset();
+        _tail.reset();
+        const std::string text = textOf(row._number, row._lines) + line(7);
+        writeFile(_log, text);
+        if (row._isCompressed)
+        {
+            compress(_log, text);
+            fs::rename(_log + ".gz", _log + ".1.gz");
+        }
+        start(_place);
+        const std::string texts = look();
+        EXPECT_EQ(texts.empty() ? '-' : texts.back(), '7');
+        EXPECT_EQ(texts.size() > 1, row._isNoticed) << texts;
+        EXPECT_EQ(countMissing(), row._isNoticed ? 1U : 0U) << _reported.str();
+    }
 }
 
 TEST_F(ZlTailTest, AnEmptyFileHasNothingThatWouldComeAgain)
