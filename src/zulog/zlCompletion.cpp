@@ -26,8 +26,14 @@ _zulog_files() {
     mapfile -t COMPREPLY < <(compgen -f -- "$word")
 }
 
+# Skips an option's value in the caller's loop.
+_zulog_skip() {
+    if [ "${COMP_WORDS[++i]}" = = ]; then ((++i)); fi
+}
+
 _zulog() {
     local word=${COMP_WORDS[COMP_CWORD]} before=${COMP_WORDS[COMP_CWORD - 1]} command=zulog i
+    local words=0
     # "--option=value" consists of three words.
     if [ "$word" = = ]; then
         word=
@@ -103,18 +109,33 @@ std::string namesOf(const CLI::App& app, bool areOptions)
     return names;
 }
 
-// Finds out which command is being written.
+bool takesValue(const CLI::Option& option)
+{
+    return !option.get_positional() && option.get_items_expected_max() > 0;
+}
+
+std::string firstNameOf(const std::string& path, const CLI::Option& option)
+{
+    return "\"" + path + " --" + option.get_lnames().front() + "\"";
+}
+
+// Finds out which command is being written, and how many words of its own are there already.
 void appendCommands(std::string& script, const CLI::App& app)
 {
     script += "    for ((i = 1; i < COMP_CWORD; ++i)); do\n"
               "        case \"$command ${COMP_WORDS[i]}\" in\n";
-    const auto add = [&](const CLI::App&, const std::string& path)
+    const auto add = [&](const CLI::App& command, const std::string& path)
     {
-        if (path == "zulog") return;
-        script += "            \"" + path + "\") command=\"" + path + "\" ;;\n";
+        if (path != "zulog")
+            script += "            \"" + path + "\") command=\"" + path + "\" ;;\n";
+        for (const CLI::Option* const option : command.get_options())
+            if (takesValue(*option))
+                script += "            " + firstNameOf(path, *option) + ") _zulog_skip ;;\n";
     };
     visit(app, "zulog", add);
-    script += "        esac\n    done\n";
+    script += "            \"$command -\"*) ;;\n"
+              "            *) ((++words)) ;;\n"
+              "        esac\n    done\n";
 }
 
 void appendChoice(std::string& script, const std::string& pattern, const std::string& action)
@@ -134,8 +155,8 @@ void appendValues(std::string& script, const CLI::App& app)
         std::string others;
         for (const CLI::Option* const option : command.get_options())
         {
-            if (option->get_positional() || option->get_items_expected_max() == 0) continue;
-            const std::string pattern = "\"" + path + " --" + option->get_lnames().front() + "\"";
+            if (!takesValue(*option)) continue;
+            const std::string pattern = firstNameOf(path, *option);
             const std::string action = completionOf(*option, option->get_type_name());
             if (action.empty())
                 others += (others.empty() ? "" : " | ") + pattern;
@@ -149,13 +170,18 @@ void appendValues(std::string& script, const CLI::App& app)
 }
 
 // What a positional word can be: a command, or what the first positional stands for. What follows
-// that is of another kind.
+// a positional of one word is of another kind, and is left to the user.
 std::string completionOfWord(const CLI::App& app)
 {
     if (const std::string names = namesOf(app, false); !names.empty())
         return "_zulog_values " + quoted(names);
     for (const CLI::Option* const option : app.get_options())
-        if (option->get_positional()) return completionOf(*option, option->get_name());
+    {
+        if (!option->get_positional()) continue;
+        const std::string action = completionOf(*option, option->get_name());
+        const bool isOne = option->get_items_expected_max() == 1;
+        return action.empty() || !isOne ? action : "((words > 0)) || " + action;
+    }
     return {};
 }
 

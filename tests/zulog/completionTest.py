@@ -30,7 +30,20 @@ ROWS = [
     (["zulog", "recover", "list", "--l"], ["--logs"]),
     (["zulog", "recover", "write", "b"], ["b.log"]),
     (["zulog", "level", "--r"], ["--reset"]),
+    # One process, and changes, of which nothing is known.
+    (["zulog", "level", ""], ["4711", "4712"]),
+    (["zulog", "level", "--reset", "47"], ["4711", "4712"]),
+    (["zulog", "level", "4711", ""], []),
+    (["zulog", "level", "--reset", "4711", ""], []),
+    (["zulog", "level", "4711", "Database", "=", ""], []),
+    (["zulog", "level", "--mappings", "b.log", ""], ["4711", "4712"]),
+    (["zulog", "level", "--mappings", "=", "b.log", ""], ["4711", "4712"]),
+    (["zulog", "level", "--mappings", "b.log", "4711", ""], []),
+    (["zulog", "level", "4711", "--mappings", "b"], ["b.log"]),
+    (["zulog", "level", "4711", "--r"], ["--reset"]),
+    (["zulog", "ps", "4711", ""], ["4711", "4712"]),
     (["zulog", "completion", ""], ["bash"]),
+    (["zulog", "completion", "bash", ""], []),
 ]
 
 
@@ -40,6 +53,14 @@ class Completion(unittest.TestCase):
         cls.directory = tempfile.mkdtemp()
         for name in ("a.log", "a b.log", "b.log", "star*.log", "starred.log"):
             open(os.path.join(cls.directory, name), "w", encoding="utf-8").close()
+        # The completion asks it for processes.
+        programs = os.path.join(cls.directory, ".programs")
+        os.mkdir(programs)
+        with open(os.path.join(programs, "zulog"), "w", encoding="utf-8") as file:
+            file.write("#!/bin/sh\n"
+                       "[ \"$*\" = ps ] && printf 'PROCESS PROGRAM\\n4711 a\\n4712 b\\n'\n")
+        os.chmod(file.name, 0o755)
+        cls.environment = {**os.environ, "PATH": programs + ":" + os.environ["PATH"]}
         cls.script = os.path.join(cls.directory, ".script")
         with open(cls.script, "wb") as file:
             file.write(subprocess.run([ZULOG, "completion", "bash"], check=True,
@@ -53,8 +74,8 @@ class Completion(unittest.TestCase):
         program = ('source "$1"; shift; COMP_WORDS=("$@"); COMP_CWORD=$(($# - 1)); _zulog; '
                    '[ ${#COMPREPLY[@]} -eq 0 ] || printf "%s\\n" "${COMPREPLY[@]}"')
         result = subprocess.run(["bash", "-c", program, "bash", self.script, *words], check=True,
-                                cwd=self.directory, stdout=subprocess.PIPE,
-                                stderr=subprocess.PIPE, text=True)
+                                cwd=self.directory, env=self.environment,
+                                stdout=subprocess.PIPE, stderr=subprocess.PIPE, text=True)
         self.assertEqual(result.stderr, "")
         return result.stdout.splitlines()
 

@@ -36,6 +36,8 @@ TEST(ZlCompletion, TakesCommandsOptionsAndSetsFromTheDefinition)
                                 "            _zulog_files\n            return"));
     // Nothing is known of its value.
     EXPECT_TRUE(hasLine(script, "        \"zulog outer inner --number\")\n            return"));
+    // A value is no word of the command.
+    EXPECT_TRUE(hasLine(script, "            \"zulog outer inner --output\") _zulog_skip ;;"));
     // It has no value.
     EXPECT_EQ(script.find("\"zulog outer inner --all\""), std::string::npos);
     EXPECT_TRUE(hasLine(script, "                _zulog_values "
