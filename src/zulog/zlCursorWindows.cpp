@@ -1,8 +1,8 @@
 #include "app/lgServiceFile.h"
 #include "zulog/zlCursor.h"
 #include "zulog/zlFormat.h"
+#include "zulog/zlNames.h"
 
-#include <filesystem>
 #include <windows.h>
 
 namespace Zu
@@ -24,14 +24,9 @@ namespace
                    LgServiceFile::errorText(static_cast<int>(error)));
 }
 
-std::filesystem::path pathOf(const std::string& name)
-{
-    return {std::u8string(name.begin(), name.end())};
-}
-
 HANDLE openFile(const std::string& name, DWORD access, DWORD sharing, DWORD creation)
 {
-    return CreateFileW(pathOf(name).c_str(), access, sharing, nullptr, creation,
+    return CreateFileW(zlPathOf(name).c_str(), access, sharing, nullptr, creation,
                        FILE_ATTRIBUTE_NORMAL, nullptr);
 }
 
@@ -87,7 +82,7 @@ void ZlCursorFile::replace(std::string_view text)
     CloseHandle(handle);
     if (!isWritten) failWith(temporary, "written", error);
     constexpr DWORD REPLACED = MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH;
-    if (!MoveFileExW(pathOf(temporary).c_str(), pathOf(_name).c_str(), REPLACED))
+    if (!MoveFileExW(zlPathOf(temporary).c_str(), zlPathOf(_name).c_str(), REPLACED))
         failWith(_name, "written", GetLastError());
 }
 

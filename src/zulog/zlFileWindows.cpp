@@ -2,6 +2,7 @@
 
 #include "app/lgServiceFile.h"
 #include "zulog/zlFormat.h"
+#include "zulog/zlNames.h"
 
 #include <filesystem>
 #include <windows.h>
@@ -29,7 +30,7 @@ HANDLE handleOf(std::intptr_t value)
 HANDLE openShared(const std::string& name, DWORD access)
 {
     constexpr DWORD SHARED = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
-    const std::filesystem::path path(std::u8string(name.begin(), name.end()));
+    const std::filesystem::path path = zlPathOf(name);
     return CreateFileW(path.c_str(), access, SHARED, nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL,
                        nullptr);
 }

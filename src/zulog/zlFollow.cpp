@@ -3,12 +3,10 @@
 #include <algorithm>
 #include <chrono>
 #include <cstdlib>
-#include <filesystem>
 #include <functional>
 #include <limits>
 #include <queue>
 #include <string_view>
-#include <system_error>
 #include <utility>
 
 namespace Zu
@@ -17,35 +15,10 @@ namespace Zu
 namespace
 {
 
-namespace fs = std::filesystem;
-
 // An event is written with its continuations at once, so they follow within this time.
 constexpr std::chrono::milliseconds PATIENCE{20};
 // How often directories are looked at that can't be watched.
 constexpr int PERIOD = 500;
-
-fs::path pathOf(const std::string& name)
-{
-    return fs::path(std::u8string(name.begin(), name.end()));
-}
-
-std::string nameOf(const fs::path& path)
-{
-    const std::u8string text = path.u8string();
-    return {text.begin(), text.end()};
-}
-
-bool isDirectory(const std::string& name)
-{
-    std::error_code error;
-    return fs::is_directory(pathOf(name), error);
-}
-
-std::string directoryOf(const std::string& name)
-{
-    const fs::path directory = pathOf(name).parent_path();
-    return directory.empty() ? "." : nameOf(directory);
-}
 
 // A file that others append to.
 class GrowingSource : public ZlSource
@@ -324,7 +297,8 @@ private:
 
 ZlFollower::ZlFollower(const ZlShowOptions& options, std::size_t lines, ZlOutput& output,
                        ZlReports& reports)
-    : _options(options), _reports(reports), _printer(options, output, reports)
+    : _options(options), _reports(reports), _printer(options, output, reports),
+      _words(options._words)
 {
     ZlListing listing;
     findLogs(listing);
@@ -342,18 +316,7 @@ ZlFollower::~ZlFollower() = default;
 
 void ZlFollower::findLogs(ZlListing& listing)
 {
-    std::vector<std::string> names;
-    for (const std::string& word : _options._words)
-    {
-        // It may be removed and made again.
-        const bool isOne = isDirectory(word);
-        if (isOne) _directories.insert(word);
-        if (isOne)
-            for (std::string& name : listing.findPresentLogs(word))
-                names.push_back(std::move(name));
-        else if (!_directories.contains(word))
-            names.push_back(word);
-    }
+    std::vector<std::string> names = _words.findLogs(listing);
     ZlReader::Options reading = zlReaderOptions(_options, names.size());
     reading._openFiles = _openFiles;
     for (std::string& name : names)
@@ -408,10 +371,7 @@ bool ZlFollower::show()
 
 std::vector<std::string> ZlFollower::getDirectories() const
 {
-    std::set<std::string> directories;
-    for (const std::string& word : _options._words)
-        directories.insert(_directories.contains(word) ? word : directoryOf(word));
-    return {directories.begin(), directories.end()};
+    return _words.getDirectories();
 }
 
 void zlFollow(const ZlShowOptions& options, std::size_t lines, ZlOutput& output, ZlReports& reports,

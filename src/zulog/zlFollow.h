@@ -5,6 +5,7 @@
 #define ZU_ZULOG_ZLFOLLOW_H
 
 #include "zlFile.h"
+#include "zlInputs.h"
 #include "zlReader.h"
 #include "zlShow.h"
 
@@ -52,8 +53,7 @@ private:
     ZlReports& _reports;
     ZlPrinter _printer;
     const std::shared_ptr<ZlOpenFiles> _openFiles = zlMakeOpenFiles();
-    // Words that were directories once.
-    std::set<std::string> _directories;
+    ZlLogWords _words;
     std::set<std::string> _names;
     std::vector<std::unique_ptr<Log>> _logs;
 };

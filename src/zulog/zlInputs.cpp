@@ -3,6 +3,7 @@
 #include "app/lgServiceFile.h"
 #include "zulog/zlFile.h"
 #include "zulog/zlFormat.h"
+#include "zulog/zlNames.h"
 
 #include <algorithm>
 #include <charconv>
@@ -24,17 +25,6 @@ namespace fs = std::filesystem;
 
 constexpr std::string_view LOG_ENDING = ".log";
 constexpr std::string_view COMPRESSED_ENDING = ".gz";
-
-fs::path pathOf(const std::string& name)
-{
-    return fs::path(std::u8string(name.begin(), name.end()));
-}
-
-std::string nameOf(const fs::path& path)
-{
-    const std::u8string text = path.u8string();
-    return {text.begin(), text.end()};
-}
 
 bool endsWith(std::string_view text, std::string_view ending)
 {
@@ -69,7 +59,7 @@ std::set<std::string> filesIn(const fs::path& directory, std::error_code& error)
     for (; !error && place != fs::directory_iterator(); place.increment(error))
     {
         std::error_code ignored;
-        if (!place->is_directory(ignored)) names.insert(nameOf(place->path().filename()));
+        if (!place->is_directory(ignored)) names.insert(zlNameOf(place->path().filename()));
     }
     return names;
 }
@@ -107,7 +97,7 @@ bool isLogFile(std::string_view name, std::string& log)
 
 void addDirectory(std::vector<ZlLog>& logs, const std::string& word, ZlReports& reports)
 {
-    const fs::path directory = pathOf(word);
+    const fs::path directory = zlPathOf(word);
     std::error_code error;
     const std::set<std::string> names = filesIn(directory, error);
     if (error)
@@ -127,7 +117,7 @@ void addDirectory(std::vector<ZlLog>& logs, const std::string& word, ZlReports& 
     if (found.empty()) reports.failed("there is no log in " + quoted(word));
     for (auto& [name, files] : found)
     {
-        for (std::string& file : files) file = nameOf(directory / pathOf(file));
+        for (std::string& file : files) file = zlNameOf(directory / zlPathOf(file));
         logs.push_back(std::move(files));
     }
 }
@@ -154,7 +144,7 @@ const std::set<std::string>& ZlListing::namesIn(const std::string& directory)
 {
     const auto [place, isNew] = _names.try_emplace(directory);
     std::error_code ignored;
-    if (isNew) place->second = filesIn(pathOf(directory), ignored);
+    if (isNew) place->second = filesIn(zlPathOf(directory), ignored);
     return place->second;
 }
 
@@ -165,19 +155,44 @@ std::vector<std::string> ZlListing::findPresentLogs(const std::string& directory
     {
         std::string log;
         if (isLogFile(name, log) && name == log)
-            files.push_back(nameOf(pathOf(directory) / pathOf(name)));
+            files.push_back(zlNameOf(zlPathOf(directory) / zlPathOf(name)));
     }
     return files;
 }
 
 ZlLog ZlListing::findRotated(const std::string& file)
 {
-    const fs::path path = pathOf(file);
+    const fs::path path = zlPathOf(file);
     const fs::path directory = path.parent_path();
-    ZlLog files =
-        rotatedIn(namesIn(directory.empty() ? "." : nameOf(directory)), nameOf(path.filename()));
-    for (std::string& name : files) name = nameOf(directory / pathOf(name));
+    ZlLog files = rotatedIn(namesIn(zlDirectoryOf(file)), zlNameOf(path.filename()));
+    for (std::string& name : files) name = zlNameOf(directory / zlPathOf(name));
     return files;
+}
+
+ZlLogWords::ZlLogWords(std::vector<std::string> words) : _words(std::move(words)) {}
+
+std::vector<std::string> ZlLogWords::findLogs(ZlListing& listing)
+{
+    std::vector<std::string> names;
+    for (const std::string& word : _words)
+    {
+        const bool isDirectory = zlIsDirectory(word);
+        if (isDirectory) _directories.insert(word);
+        if (isDirectory)
+            for (std::string& name : listing.findPresentLogs(word))
+                names.push_back(std::move(name));
+        else if (!_directories.contains(word))
+            names.push_back(word);
+    }
+    return names;
+}
+
+std::vector<std::string> ZlLogWords::getDirectories() const
+{
+    std::set<std::string> directories;
+    for (const std::string& word : _words)
+        directories.insert(_directories.contains(word) ? word : zlDirectoryOf(word));
+    return {directories.begin(), directories.end()};
 }
 
 bool zlIsNamedCompressed(const std::string& file)
@@ -192,8 +207,7 @@ std::vector<ZlLog> zlFindLogs(const std::vector<std::string>& words, bool areRot
     ZlListing listing;
     for (const std::string& word : words)
     {
-        std::error_code error;
-        if (word != "-" && fs::is_directory(pathOf(word), error))
+        if (word != "-" && zlIsDirectory(word))
         {
             addDirectory(logs, word, reports);
             continue;

@@ -51,6 +51,26 @@ private:
     std::map<std::string, std::set<std::string>> _names;
 };
 
+/// Words of the command line as logs that come and go: files, which need not be there yet, and
+/// directories, which have the logs of their files "*.log" at the moment. What was a directory once
+/// stays one, since it may be removed and made again. Not thread-safe.
+class ZlLogWords
+{
+public:
+    explicit ZlLogWords(std::vector<std::string> words);
+
+    /// The names of the present files of all logs, in the order of the words; those of a directory
+    /// sorted. A name may come several times.
+    std::vector<std::string> findLogs(ZlListing& listing);
+
+    /// The directories in which something may happen, sorted, each once.
+    std::vector<std::string> getDirectories() const;
+
+private:
+    const std::vector<std::string> _words;
+    std::set<std::string> _directories;
+};
+
 /// Whether a file is compressed, by its name.
 bool zlIsNamedCompressed(const std::string& file);
 

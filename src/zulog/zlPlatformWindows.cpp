@@ -3,6 +3,7 @@
 #include "app/lgMapFile.h"
 #include "app/lgServiceFile.h"
 #include "zulog/zlFile.h"
+#include "zulog/zlNames.h"
 
 #include <cstdlib>
 #include <fcntl.h>
@@ -83,7 +84,7 @@ bool ZlPlatform::closePager(std::FILE* pager)
 
 std::FILE* ZlPlatform::openToWrite(const std::string& name, bool isNew, std::string& reason)
 {
-    const std::filesystem::path path(std::u8string(name.begin(), name.end()));
+    const std::filesystem::path path = zlPathOf(name);
     const int how = _O_WRONLY | _O_CREAT | _O_BINARY | _O_NOINHERIT | (isNew ? _O_EXCL : _O_TRUNC);
     const int descriptor = _wopen(path.c_str(), how, _S_IREAD | _S_IWRITE);
     if (descriptor >= 0) return _fdopen(descriptor, "wb");

@@ -2,6 +2,7 @@
 
 #include "app/lgMapFile.h"
 #include "zulog/zlFile.h"
+#include "zulog/zlNames.h"
 #include "zulog/zlPlatform.h"
 
 #include <cerrno>
@@ -16,17 +17,12 @@ namespace
 
 namespace fs = std::filesystem;
 
-fs::path pathOf(const std::string& name)
-{
-    return fs::path(std::u8string(name.begin(), name.end()));
-}
-
 // Behind all links.
 std::string placeOf(const std::string& name)
 {
     std::error_code error;
-    const std::u8string place = fs::canonical(pathOf(name), error).u8string();
-    return error ? name : std::string(place.begin(), place.end());
+    const fs::path place = fs::canonical(zlPathOf(name), error);
+    return error ? name : zlNameOf(place);
 }
 
 } // namespace
@@ -35,21 +31,21 @@ ZlReplacement::ZlReplacement(const std::string& name)
     : _name(name), _place(placeOf(name)), _beside(_place)
 {
     std::error_code ignored;
-    const fs::file_status present = fs::status(pathOf(_place), ignored);
+    const fs::file_status present = fs::status(zlPathOf(_place), ignored);
     const bool isReplaced = !fs::exists(present) || fs::is_regular_file(present);
     if (isReplaced) _beside += "." + std::to_string(lgProcessFacts()._process) + ".new";
     std::string reason;
     _file = ZlPlatform::openToWrite(_beside, isReplaced, reason);
     if (!_file) fail("opened", reason);
     if (isReplaced && fs::exists(present))
-        fs::permissions(pathOf(_beside), present.permissions(), ignored);
+        fs::permissions(zlPathOf(_beside), present.permissions(), ignored);
 }
 
 ZlReplacement::~ZlReplacement()
 {
     if (_file) std::fclose(_file);
     std::error_code ignored;
-    if (_beside != _place) fs::remove(pathOf(_beside), ignored);
+    if (_beside != _place) fs::remove(zlPathOf(_beside), ignored);
 }
 
 void ZlReplacement::finish()
@@ -59,7 +55,7 @@ void ZlReplacement::finish()
     if (!isClosed) fail("written", std::generic_category().message(errno));
     if (_beside == _place) return;
     std::error_code error;
-    fs::rename(pathOf(_beside), pathOf(_place), error);
+    fs::rename(zlPathOf(_beside), zlPathOf(_place), error);
     if (error) fail("replaced", error.message());
     _beside = _place;
 }

@@ -2,8 +2,8 @@
 
 #include "zulog/zlFile.h"
 #include "zulog/zlFollow.h"
-#include "zulog/zlInputs.h"
 #include "zulog/zlJournal.h"
+#include "zulog/zlNames.h"
 #include "zulog/zlRelp.h"
 #include "zulog/zlSyslog.h"
 #include "zulog/zlTcp.h"
@@ -26,7 +26,6 @@ namespace Zu
 namespace
 {
 
-namespace fs = std::filesystem;
 using Kind = ZlDestination::Kind;
 
 // An event is written with its continuations at once, so they follow within this time.
@@ -39,35 +38,12 @@ constexpr std::chrono::milliseconds LONGEST_PAUSE{30000};
 // Then somebody who asked for once only is no longer kept waiting.
 constexpr int MOST_FAILURES = 6;
 
-fs::path pathOf(const std::string& name)
-{
-    return {std::u8string(name.begin(), name.end())};
-}
-
-std::string textOf(const fs::path& path)
-{
-    const std::u8string text = path.u8string();
-    return {text.begin(), text.end()};
-}
-
-bool isDirectory(const std::string& name)
-{
-    std::error_code ignored;
-    return fs::is_directory(pathOf(name), ignored);
-}
-
 // A cursor is used from anywhere.
 std::string absoluteOf(const std::string& name)
 {
     std::error_code error;
-    const fs::path path = fs::absolute(pathOf(name), error);
-    return error ? name : textOf(path.lexically_normal());
-}
-
-std::string directoryOf(const std::string& name)
-{
-    const std::string directory = textOf(pathOf(name).parent_path());
-    return directory.empty() ? "." : directory;
+    const std::filesystem::path path = std::filesystem::absolute(zlPathOf(name), error);
+    return error ? name : zlNameOf(path.lexically_normal());
 }
 
 bool isPort(std::string_view text)
@@ -150,7 +126,8 @@ std::optional<ZlDestination> zlParseDestination(std::string_view text)
 ZlShipper::ZlShipper(const ZlShipOptions& options, ZlTransport& transport, ZlMessageForm& form,
                      ZlCursorFile& file, ZlReports& reports)
     : _options(options), _transport(transport), _form(form), _file(file), _reports(reports),
-      _filter(options._show._selection, reports), _cursor(readCursor(file, options))
+      _filter(options._show._selection, reports), _cursor(readCursor(file, options)),
+      _words(options._show._words)
 {
 }
 
@@ -159,18 +136,7 @@ ZlShipper::~ZlShipper() = default;
 void ZlShipper::findLogs()
 {
     ZlListing listing;
-    std::vector<std::string> names;
-    for (const std::string& word : _options._show._words)
-    {
-        // It may be removed and made again.
-        const bool isOne = isDirectory(word);
-        if (isOne) _directories.insert(word);
-        if (isOne)
-            for (std::string& name : listing.findPresentLogs(word))
-                names.push_back(std::move(name));
-        else if (!_directories.contains(word))
-            names.push_back(word);
-    }
+    const std::vector<std::string> names = _words.findLogs(listing);
     const ZlReader::Options reading = zlReaderOptions(_options._show, names.size());
     for (const std::string& name : names)
     {
@@ -273,10 +239,7 @@ void ZlShipper::release(bool isAll)
 
 std::vector<std::string> ZlShipper::getDirectories() const
 {
-    std::set<std::string> directories;
-    for (const std::string& word : _options._show._words)
-        directories.insert(_directories.contains(word) ? word : directoryOf(word));
-    return {directories.begin(), directories.end()};
+    return _words.getDirectories();
 }
 
 void zlShip(const ZlShipOptions& options, ZlReports& reports, const std::atomic<bool>& isStopped)

@@ -6,6 +6,7 @@
 
 #include "zlCursor.h"
 #include "zlFilter.h"
+#include "zlInputs.h"
 #include "zlReports.h"
 #include "zlShow.h"
 #include "zlTail.h"
@@ -119,8 +120,7 @@ private:
     ZlReports& _reports;
     ZlFilter _filter;
     ZlCursor _cursor;
-    // Words that were directories once.
-    std::set<std::string> _directories;
+    ZlLogWords _words;
     std::set<std::string> _names;
     std::vector<std::unique_ptr<ZlTail>> _tails;
     // What was read and not taken.

@@ -88,4 +88,52 @@ TEST_F(ZlInputs, ReportsADirectoryWithoutALog)
               "zulog: there is no log in \"" + _directory.path().substr(0, 3));
 }
 
+using Names = std::vector<std::string>;
+
+// As one look finds them, without the directory.
+Names look(Zu::ZlLogWords& words)
+{
+    Zu::ZlListing listing;
+    Names names = words.findLogs(listing);
+    for (std::string& name : names) name = std::filesystem::path(name).filename().string();
+    return names;
+}
+
+TEST_F(ZlInputs, WordsAreFilesAndTheLogsOfDirectories)
+{
+    make({"a.log", "b.log", "b.log.1", "c.txt"});
+    Zu::ZlLogWords words(
+        {_directory.file("later.log"), _directory.path(), _directory.file("b.log")});
+    EXPECT_EQ(look(words), Names({"later.log", "a.log", "b.log", "b.log"}));
+    make({"0.log"});
+    EXPECT_EQ(look(words), Names({"later.log", "0.log", "a.log", "b.log", "b.log"}));
+}
+
+TEST_F(ZlInputs, AWordThatWasADirectoryIsNeverAFile)
+{
+    const std::string name = _directory.file("logs.log");
+    Zu::ZlLogWords words({name});
+    EXPECT_EQ(look(words), Names({"logs.log"}));
+    std::filesystem::create_directory(name);
+    make({"logs.log/a.log"});
+    EXPECT_EQ(look(words), Names({"a.log"}));
+    std::filesystem::remove_all(name);
+    EXPECT_EQ(look(words), Names());
+    make({"logs.log"});
+    EXPECT_EQ(look(words), Names());
+    std::filesystem::remove(name);
+    std::filesystem::create_directory(name);
+    make({"logs.log/b.log"});
+    EXPECT_EQ(look(words), Names({"b.log"}));
+}
+
+TEST_F(ZlInputs, WordsAreWatchedInTheDirectoriesThatTheyAreIn)
+{
+    const std::string path = _directory.path();
+    Zu::ZlLogWords words({path, _directory.file("a.log"), _directory.file("b.log"), "c.log"});
+    Zu::ZlListing listing;
+    words.findLogs(listing);
+    EXPECT_EQ(words.getDirectories(), Names({".", path}));
+}
+
 } // namespace
