@@ -37,10 +37,15 @@ public:
     struct Options
     {
         std::size_t _bufferSize = std::size_t{256} * 1024;
-        /// Events of other levels are skipped without a look at the rest of their lines: bit 1 <<
-        /// level. Those of unknown level are not.
+        /// The levels that are wanted: bit 1 << level. An event of another level is skipped with
+        /// its continuations, and what may be wrong behind its level is not reported. What has no
+        /// level where events have it is delivered, whatever is wanted: marks, events without a
+        /// level, unreadable lines.
         std::uint32_t _levels = ~0U;
-        /// Whether events of unknown level are skipped, too, and marks.
+        /// Whether that is skipped, too, without a look at it and so without reports. Only lines
+        /// that begin as marks do are read, for what marks say of processes and times. Nearly all
+        /// records are then events of wanted levels, but whoever takes them has to look: a line
+        /// that is no event may have a level by accident.
         bool _areMarksSkipped = false;
         /// Null if all files may be open.
         std::shared_ptr<ZlOpenFiles> _openFiles;

@@ -287,6 +287,27 @@ TEST(ZlReader, SkipsOtherLevelsAndCountsTheirLines)
     EXPECT_EQ(result._reports, "");
 }
 
+TEST(ZlReader, WhatHasNoLevelIsSkippedWithTheMarksOnly)
+{
+    const std::string text = BANNER + ORIGIN + tickLine(1, "Error: A one") +
+                             tickLine(2, "Warning: A two") + tickLine(3, "Nonsense: A three") +
+                             "torn\n" + STOPPED;
+    ZlReader::Options options;
+    options._levels = 1U << LgTypes::Error;
+    const Result levels = readAll(text, std::string::npos, options);
+    ASSERT_EQ(levels._records.size(), 5U);
+    EXPECT_EQ(levels._records[0]._kind, Kind::Start);
+    EXPECT_EQ(levels._records[1]._text, "one");
+    EXPECT_EQ(levels._records[2]._kind, Kind::Unreadable);
+    EXPECT_EQ(levels._records[3]._text, "torn");
+    EXPECT_EQ(levels._records[4]._kind, Kind::Stop);
+    EXPECT_NE(levels._reports, "");
+    options._areMarksSkipped = true;
+    const Result alone = readAll(text, std::string::npos, options);
+    EXPECT_EQ(textsOf(alone), Texts({"event: one"}));
+    EXPECT_EQ(alone._reports, "");
+}
+
 TEST(ZlReader, ReadsAnyBytes)
 {
     const std::string sample = BANNER + ORIGIN + tickLine(1, "Error: A one\n\ttwo") + STOPPED;
