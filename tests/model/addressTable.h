@@ -47,6 +47,11 @@ public:
         return value;
     }
 
+    template <class Function> void forEach(Function function)
+    {
+        for (std::size_t i = 0; i < _used; ++i) function(*_values[i]);
+    }
+
 private:
     static constexpr int BITS = 10;
 

@@ -10,11 +10,23 @@ namespace model
 namespace
 {
 
+// Blocks that are made, copied or released as a whole, and take most of the time then: a thread's
+// own. What accesses parts of them is seen.
+constexpr std::size_t LARGE = 4096;
+
 // An execution does not have more operations: a loop would be without end.
 constexpr std::size_t MAX_STEPS = 20000;
 
 // Not the beginning of time, in nanoseconds.
 constexpr std::int64_t SECOND = 1'000'000'000;
+
+// Longer than any limit.
+constexpr std::int64_t YEARS = SECOND * 86400 * 365 * 10;
+
+// The counter at the beginning of a scenario: not 0.
+constexpr std::uint64_t TICKS = 1'000'000;
+
+constexpr std::uint64_t NO_STORES = ~std::uint64_t{0};
 
 // Two light fences don't depend on each other, nor does one on what is not a heavy one.
 bool dependInOrder(Kind a, Kind b)
@@ -92,7 +104,7 @@ void Explorer::runThread(void* thread)
     self._fiber.stop();
 }
 
-void Explorer::begin(std::function<void()> body)
+std::uint64_t Explorer::begin(std::function<void()> body)
 {
     const Outside outside(theCurrent);
     if (_threads.size() == MAX_THREADS) throw std::length_error("too many threads");
@@ -108,8 +120,11 @@ void Explorer::begin(std::function<void()> body)
     thread._expired = 0;
     thread._ahead = 0;
     thread._next = Operation();
+    thread._wokenAlone = 0;
+    thread._storesAlone = NO_STORES;
     thread._fiber.begin(&runThread, &thread);
     _threads.push_back(&thread);
+    return _threads.size() - 1;
 }
 
 // Runs the scenario along the path, and beyond it with first choices.
@@ -121,7 +136,9 @@ void Explorer::runOnce()
     _threads.clear();
     _trace.clear();
     _outcome.clear();
+    _areOthersLeft = false;
     _time = SECOND;
+    _ticks = TICKS;
     _depth = 0;
     _decided = _path.size();
     begin(_scenario);
@@ -146,14 +163,17 @@ void Explorer::noteEnd()
     for (Thread* const thread : _threads)
     {
         if (thread->_isFinished) continue;
-        isFinished = false;
+        // For ever asleep, but nobody minds.
+        const bool isLeft =
+            _areOthersLeft && thread != _threads.front() && thread->_next._kind == Kind::WakeUp;
+        isFinished = isFinished && isLeft;
         // A lock that was put off may be taken by now.
         isPutOff = isPutOff || isEnabled(*thread);
         // What it waits for may depend on decisions.
         want(thread->_next, thread->_view._thread, thread->_view._cause);
     }
     if (!_result._violation.empty()) return;
-    if (isFinished)
+    if (isFinished && !isPutOff)
     {
         ++_result._executions;
         if (!_outcome.empty()) _result._outcomes.insert(_outcome);
@@ -217,8 +237,11 @@ bool Explorer::isImmediate(const Thread& thread) const
     case Kind::Fence:
         return next._order != Sequential;
     case Kind::Join:
+        if (next._operand != ALL_THREADS) return _threads[next._operand]->_isFinished;
         return std::all_of(_threads.begin() + 1, _threads.end(),
                            [](const Thread* other) { return other->_isFinished; });
+    case Kind::Sleep:
+        return _memory.getStoreCount() != thread._storesBefore;
     default:
         return false;
     }
@@ -233,7 +256,7 @@ bool Explorer::isEnabled(const Thread& thread)
 {
     const Operation& next = thread._next;
     if (thread._isFinished) return false;
-    if (next._kind == Kind::Join) return isImmediate(thread);
+    if (next._kind == Kind::Join || next._kind == Kind::Sleep) return isImmediate(thread);
     if (next._kind == Kind::WakeUp && !thread._isNotified && !mayExpire(thread)) return false;
     return !isLocking(next._kind) || _shared[next._mutex]._owner < 0;
 }
@@ -281,7 +304,27 @@ Explorer::Thread* Explorer::next()
         if (_choice < count) return thread;
         putOff(*thread);
     }
-    return nullptr;
+    return wakeOne();
+}
+
+// What a sleeping thread looks at has not changed, but its time goes on. Once it has looked in vain
+// at all that was stored, it is not woken again if that only helps threads that are put off.
+Explorer::Thread* Explorer::wakeOne()
+{
+    const bool isPutOff = std::any_of(_threads.begin(), _threads.end(),
+                                      [this](const Thread* thread) { return isEnabled(*thread); });
+    Thread* woken = nullptr;
+    for (Thread* const thread : _threads)
+    {
+        if (thread->_isFinished || thread->_next._kind != Kind::Sleep) continue;
+        if (isPutOff && thread->_storesAlone == _memory.getStoreCount()) continue;
+        if (!woken || thread->_wokenAlone < woken->_wokenAlone) woken = thread;
+    }
+    if (!woken) return nullptr;
+    ++woken->_wokenAlone;
+    woken->_storesAlone = _memory.getStoreCount();
+    _memory.catchUp(woken->_view);
+    return woken;
 }
 
 Explorer::Thread* Explorer::nextOfAll()
@@ -289,7 +332,7 @@ Explorer::Thread* Explorer::nextOfAll()
     std::vector<Thread*> able;
     for (Thread* const thread : _threads)
         if (countChoices(*thread) != 0) able.push_back(thread);
-    if (able.empty()) return nullptr;
+    if (able.empty()) return wakeOne();
     Thread* const thread = able[static_cast<std::size_t>(choose(static_cast<int>(able.size())))];
     _choice = choose(std::max(countChoices(*thread), 1));
     return thread;
@@ -355,7 +398,11 @@ void Explorer::carryOut(Thread& thread)
         notify(operation);
         break;
     case Kind::Join:
-        for (const Thread* const other : _threads) thread._view.join(other->_view);
+        for (const Thread* const other : _threads)
+            if (operation._operand == ALL_THREADS || other == _threads[operation._operand])
+                thread._view.join(other->_view);
+        break;
+    case Kind::Sleep:
         break;
     }
     thread._view.tick();
@@ -445,20 +492,46 @@ void Explorer::noteSite(Operation& operation)
     if (left != WithoutAcquire) operation._failureOrder = Relaxed;
 }
 
+int Explorer::chooseOne(int count)
+{
+    const Outside outside(theCurrent);
+    return choose(count);
+}
+
+// A limit may be over at each of the first sleeps.
+void Explorer::sleep(std::int64_t nanoseconds)
+{
+    const bool mayBeLong = running()._expired < _options._expiringWaits;
+    const bool isLong = mayBeLong && chooseOne(2) == 1;
+    setTime(getTime() + (isLong ? YEARS : nanoseconds));
+    if (isLong)
+    {
+        ++running()._expired;
+        return;
+    }
+    running()._storesBefore = _memory.getStoreCount();
+    Operation operation;
+    operation._kind = Kind::Sleep;
+    perform(operation);
+}
+
 void Explorer::read(std::uintptr_t address, std::size_t size)
 {
+    if (size > LARGE) return;
     const Outside outside(theCurrent);
     check(_memory.read(running()._view, address, size));
 }
 
 void Explorer::write(std::uintptr_t address, std::size_t size)
 {
+    if (size > LARGE) return;
     const Outside outside(theCurrent);
     check(_memory.write(running()._view, address, size));
 }
 
 void Explorer::release(std::uintptr_t address, std::size_t size)
 {
+    if (size > LARGE) return;
     const Outside outside(theCurrent);
     check(_memory.release(running()._view, address, size));
 }
@@ -489,9 +562,9 @@ void Explorer::check(const char* problem)
 std::string Explorer::describeTrace() const
 {
     static const char* const NAMES[] = {
-        "begins", "loads",       "stores",       "changes",      "compares",
-        "fence",  "light fence", "heavy fence",  "locks",        "unlocks",
-        "waits",  "wakes up",    "notifies one", "notifies all", "joins"};
+        "begins",       "loads",        "stores", "changes", "compares", "fence",
+        "light fence",  "heavy fence",  "locks",  "unlocks", "waits",    "wakes up",
+        "notifies one", "notifies all", "joins",  "sleeps"};
     static const char* const ORDERS[] = {"relaxed", "consume",         "acquire",
                                          "release", "acquire-release", "sequential"};
     std::ostringstream text;
@@ -526,12 +599,18 @@ void join()
 {
     Operation operation;
     operation._kind = Kind::Join;
+    operation._operand = ALL_THREADS;
     Explorer::current()->perform(operation);
 }
 
 void require(bool condition, const char* text)
 {
     if (!condition) Explorer::current()->fail(text);
+}
+
+void leaveOthers()
+{
+    Explorer::current()->leaveOthers();
 }
 
 void outcome(const std::string& text)

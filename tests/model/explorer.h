@@ -37,7 +37,20 @@ public:
     void read(std::uintptr_t address, std::size_t size);
     void write(std::uintptr_t address, std::size_t size);
     void release(std::uintptr_t address, std::size_t size);
-    void begin(std::function<void()> body);
+    // Returns which thread it is.
+    std::uint64_t begin(std::function<void()> body);
+    // One of several things that may happen.
+    int chooseOne(int count);
+    void sleep(std::int64_t nanoseconds);
+    std::uint64_t getRunning() const
+    {
+        return _running;
+    }
+    // Of the processor's counter.
+    std::uint64_t getTick()
+    {
+        return ++_ticks;
+    }
     // In nanoseconds.
     std::int64_t getTime()
     {
@@ -48,6 +61,10 @@ public:
         running()._ahead = std::max(running()._ahead, time);
     }
     [[noreturn]] void fail(const std::string& text);
+    void leaveOthers()
+    {
+        _areOthersLeft = true;
+    }
     void addOutcome(const std::string& text);
 
 private:
@@ -68,6 +85,10 @@ private:
         bool _isPutOff = false;
         std::uint64_t _storesBefore = 0;
         std::uint64_t _orderedBefore = 0;
+        // How often it was woken because nobody else could go on, and how many stores there were
+        // then.
+        std::uint64_t _wokenAlone = 0;
+        std::uint64_t _storesAlone = 0;
     };
 
     // A mutex or a condition variable.
@@ -115,6 +136,7 @@ private:
     bool backtrack();
     Thread* next();
     Thread* nextOfAll();
+    Thread* wakeOne();
     bool isImmediate(const Thread& thread) const;
     bool mayExpire(const Thread& thread) const;
     bool isEnabled(const Thread& thread);
@@ -156,7 +178,9 @@ private:
     std::vector<Store*> _sources;
     std::vector<Step> _trace;
     std::string _outcome;
+    bool _areOthersLeft = false;
     std::int64_t _time = 0;
+    std::uint64_t _ticks = 0;
 };
 
 // Memory of the heap for executions, which is the same in each of them.

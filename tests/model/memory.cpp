@@ -243,6 +243,18 @@ void Memory::noteSites(const View& view, const Operation& operation, const Store
     }
 }
 
+void Memory::catchUp(const View& view)
+{
+    const auto thread = static_cast<std::size_t>(view._thread);
+    _objects.forEach(
+        [&](Object& object)
+        {
+            if (object._stores.empty()) return;
+            Store& last = *object._stores.back();
+            last._first[thread] = std::min(last._first[thread], view.time());
+        });
+}
+
 void Memory::writeTo(View& view, const Operation& operation, std::size_t place)
 {
     std::vector<Store*>& stores = _objects[operation._address]._stores;

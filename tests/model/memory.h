@@ -91,6 +91,9 @@ public:
     void writeTo(View& view, const Operation& operation, std::size_t place);
     void fence(View& view, const Operation& operation);
 
+    // Has the thread see all that was stored, as time does, but not what came before it.
+    void catchUp(const View& view);
+
     // Has the sites noted that order something: where a thread acquired what another one released.
     void noteSites(const View& view, const Operation& operation, const Store& source,
                    std::map<Site, int>& sites) const;

@@ -41,9 +41,10 @@
 // without any reduction: only to check the reduction with small scenarios.
 //
 // What it leaves out: atomic objects of 16 bytes, accesses of different sizes to one of them,
-// spurious failures of compare_exchange_weak, try_lock, signals, forks, time, and what code does
-// that was not compiled for it (the standard library's compiled part, but memcpy and its kin are
-// seen). Loops that wait for another thread have to be bounded by the scenario.
+// spurious failures of compare_exchange_weak, blocks of more than 4096 bytes as a whole, signals,
+// forks, time, and what code does that was not compiled for it (the standard library's compiled
+// part, but memcpy and its kin are seen). Loops that wait for another thread have to be bounded by
+// the scenario, or sleep.
 //
 // A scenario must do the same in each run if it reads the same: what it changes outside of itself,
 // it has to restore. Memory of the heap that it gets is there until its end, at the same addresses
@@ -118,6 +119,9 @@ void thread(std::function<void()> body);
 
 // Waits for the end of all threads; for the first one.
 void join();
+
+// From here on, threads but the first that wait to be woken need not end.
+void leaveOthers();
 
 // Something that has to hold in every execution.
 void require(bool condition, const char* text);

@@ -49,8 +49,13 @@ enum class Kind
     WakeUp,
     NotifyOne,
     NotifyAll,
-    Join
+    // Waits for the end of all other threads, or of the one that is its operand.
+    Join,
+    // A pause between two looks at something that other threads change.
+    Sleep
 };
+
+constexpr std::uint64_t ALL_THREADS = ~std::uint64_t{0};
 
 // What a read-modify-write does.
 enum class Change

@@ -16,7 +16,15 @@ struct Scenario
 {
     std::string _name;
     std::function<void()> _run;
+    // How many waits with a limit may reach it in each thread.
+    int _expiringWaits = 0;
 };
+
+inline model::Result explore(const Scenario& scenario, model::Options options = {})
+{
+    options._expiringWaits = scenario._expiringWaits;
+    return model::explore(scenario._run, options);
+}
 
 // Whether there is time for larger configurations.
 inline bool isLongRun()
@@ -30,7 +38,7 @@ inline void exploreAll(const std::vector<Scenario>& scenarios)
     for (const Scenario& scenario : scenarios)
     {
         SCOPED_TRACE(scenario._name);
-        const model::Result result = model::explore(scenario._run);
+        const model::Result result = explore(scenario);
         EXPECT_EQ(result._violation, "");
         EXPECT_TRUE(result._isComplete);
         std::cout << "  " << scenario._name << ": " << result._executions << " executions, "

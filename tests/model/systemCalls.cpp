@@ -108,6 +108,12 @@ int perform(Kind kind, const void* mutex, const void* condition)
 
 constexpr std::int64_t SECOND = 1'000'000'000;
 
+// The system's name of a thread, which is not 0.
+pthread_t threadOf(std::uint64_t number)
+{
+    return number + 1;
+}
+
 int wait(pthread_cond_t* condition, pthread_mutex_t* mutex, const timespec* end)
 {
     Explorer* const explorer = Explorer::current();
@@ -120,6 +126,13 @@ int wait(pthread_cond_t* condition, pthread_mutex_t* mutex, const timespec* end)
     if (isNotified) return 0;
     explorer->setTime(end->tv_sec * SECOND + end->tv_nsec);
     return ETIMEDOUT;
+}
+
+int sleep(const timespec* time)
+{
+    if (Explorer* const explorer = Explorer::current())
+        explorer->sleep(time->tv_sec * SECOND + time->tv_nsec);
+    return 0;
 }
 
 void* allocate(std::size_t size)
@@ -152,10 +165,47 @@ extern "C"
         return perform(Kind::Unlock, mutex, nullptr);
     }
 
-    int pthread_mutex_trylock(pthread_mutex_t*)
+    // It may fail for no reason.
+    int pthread_mutex_trylock(pthread_mutex_t* mutex)
     {
-        if (Explorer::current()) model::require(false, "try_lock, which is not modelled");
+        Explorer* const explorer = Explorer::current();
+        if (explorer && explorer->chooseOne(2) == 1) return EBUSY;
+        return perform(Kind::Lock, mutex, nullptr);
+    }
+
+    int pthread_create(pthread_t* thread, const pthread_attr_t*, void* (*start)(void*), void* with)
+    {
+        Explorer* const explorer = Explorer::current();
+        if (!explorer) std::abort();
+        *thread = threadOf(explorer->begin([start, with] { start(with); }));
         return 0;
+    }
+
+    int pthread_join(pthread_t thread, void**)
+    {
+        Explorer* const explorer = Explorer::current();
+        if (!explorer) std::abort();
+        Operation operation;
+        operation._kind = Kind::Join;
+        operation._operand = thread - threadOf(0);
+        explorer->perform(operation);
+        return 0;
+    }
+
+    // Outside of a scenario there is the first thread alone.
+    pthread_t pthread_self()
+    {
+        const Explorer* const explorer = Explorer::current();
+        return threadOf(explorer ? explorer->getRunning() : 0);
+    }
+
+    // The library's own look at the processor's counter.
+    std::uint64_t __real__ZN2Zu9HwCounter9timeStampEv();
+
+    std::uint64_t __wrap__ZN2Zu9HwCounter9timeStampEv()
+    {
+        Explorer* const explorer = Explorer::current();
+        return explorer ? explorer->getTick() : __real__ZN2Zu9HwCounter9timeStampEv();
     }
 
     int pthread_cond_wait(pthread_cond_t* condition, pthread_mutex_t* mutex)
@@ -185,14 +235,14 @@ extern "C"
         return 0;
     }
 
-    int clock_nanosleep(clockid_t, int, const timespec*, timespec*)
+    int clock_nanosleep(clockid_t, int, const timespec* time, timespec*)
     {
-        return 0;
+        return sleep(time);
     }
 
-    int nanosleep(const timespec*, timespec*)
+    int nanosleep(const timespec* time, timespec*)
     {
-        return 0;
+        return sleep(time);
     }
 
     int pthread_cond_signal(pthread_cond_t* condition)
