@@ -19,7 +19,7 @@ TEST(LgServiceModel, WhoWaitsGoesOnWhenWhatItWaitsForIsThere)
 
 TEST(LgServiceModel, TheSameInALongRun)
 {
-    if (!isLongRun()) GTEST_SKIP() << "takes minutes; the variable ZU_MODEL_LONG asks for it";
+    if (!isLongRun()) GTEST_SKIP() << "takes very long; the variable ZU_MODEL_LONG asks for it";
     State::instance();
     exploreAll(serviceScenarios::forLongRun());
 }
