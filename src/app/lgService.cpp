@@ -5,6 +5,7 @@
 #include "app/lgServiceControl.h"
 #include "app/lgServiceEx.h"
 #include "app/lgServiceFatal.h"
+#include "app/lgServiceLimits.h"
 #include "app/lgServiceLog.h"
 #include "app/lgServicePlatform.h"
 #include "app/lgServiceReader.h"
@@ -205,10 +206,19 @@ LgServiceControl::Settings controlSettings(const LgServiceMap::Settings& setting
         reader.addHealth(health);
         health._lost = LgServiceThreads::instance().getLostCount() - lostBefore;
         health._recovered = recovered;
+        lgAddLimits(health);
         return health;
     };
     control._outputOf = &outputsOf;
     return control;
+}
+
+// Where there is no room for all, there is some when what waits is written.
+void reportLimits(LgServiceThreads& threads)
+{
+    if (lgReportLimits()) return;
+    threads.drain();
+    lgReportLimits();
 }
 
 } // namespace
@@ -283,6 +293,7 @@ void LgService::end()
     }
     LgServicePlatform::onHangup(nullptr);
     LgServiceFatal::end();
+    reportLimits(threads);
     LgLog::setLoggerActivation(false);
     _reader.reset();
     threads.stop();
@@ -297,6 +308,7 @@ LgServiceHealth LgService::health() const
     _reader->addHealth(health);
     health._lost = getLostCount();
     health._recovered = _recovered;
+    lgAddLimits(health);
     return health;
 }
 

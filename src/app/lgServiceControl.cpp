@@ -231,6 +231,7 @@ std::string LgServiceControl::status() const
     std::string all = LgJsonMembers(members).add("health", health.toJson()).object();
     if (all.size() <= LgControl::MOST_ANSWER) return all;
     health._queues.clear();
+    health._limits.clear();
     return members.add("health", health.toJson()).object();
 }
 

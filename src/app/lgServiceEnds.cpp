@@ -1,5 +1,6 @@
 #include "app/lgServiceEnds.h"
 
+#include "app/lgServiceLimits.h"
 #include "app/lgServiceLog.h"
 #include "app/lgServicePlatform.h"
 #include "app/lgServiceThreads.h"
@@ -23,6 +24,7 @@ void drain() noexcept
 void endProcess() noexcept
 {
     if (LgServicePlatform::isEnding()) return;
+    lgReportLimits();
     LgServiceThreads::instance().drain();
     LgServiceThreads::instance().leaveNothing();
 }

@@ -31,6 +31,30 @@ std::string textOf(const LgServiceHealth::File& file)
         .object();
 }
 
+std::string textOf(const LgServiceHealth::Limit& limit)
+{
+    return LgJsonMembers()
+        .add("file", lgJsonText(limit._file))
+        .add("line", static_cast<std::uint64_t>(limit._line))
+        .add("group", lgJsonText(limit._group))
+        .add("level", lgJsonText(LgTypes::levelToString(limit._level)))
+        .add("perSecond", limit._isPerSecond ? "true" : "false")
+        .add("number", limit._number)
+        .add("written", limit._written)
+        .add("leftOut", limit._leftOut)
+        .add("owed", limit._owed)
+        .object();
+}
+
+std::string textOf(const LgServiceHealth::LimitSum& sum)
+{
+    return LgJsonMembers()
+        .add("statements", sum._statements)
+        .add("written", sum._written)
+        .add("leftOut", sum._leftOut)
+        .object();
+}
+
 template <class Part> std::string listOf(const std::vector<Part>& parts)
 {
     std::string text = "[";
@@ -59,6 +83,9 @@ std::string LgServiceHealth::toJson() const
         .add("recovered", _recovered)
         .add("queues", listOf(_queues))
         .add("files", listOf(_files))
+        .add("perSecond", textOf(_perSecond))
+        .add("everyNth", textOf(_everyNth))
+        .add("limits", listOf(_limits))
         .object();
 }
 

@@ -17,7 +17,9 @@ TEST(LgServiceHealth, NothingIsAnObjectOfZeros)
     EXPECT_EQ(LgServiceHealth().toJson(),
               R"({"events":{"Internal Error":0,"Fatal Error":0,"Error":0,"Warning":0,)"
               R"("Informational":0,"Tracing":0,"Profiling":0},"lost":0,"unwritten":0,)"
-              R"("waiting":0,"behindMicroseconds":0,"recovered":0,"queues":[],"files":[]})");
+              R"("waiting":0,"behindMicroseconds":0,"recovered":0,"queues":[],"files":[],)"
+              R"("perSecond":{"statements":0,"written":0,"leftOut":0},)"
+              R"("everyNth":{"statements":0,"written":0,"leftOut":0},"limits":[]})");
 }
 
 LgServiceHealth fullHealth()
@@ -31,6 +33,11 @@ LgServiceHealth fullHealth()
     health._recovered = 4000;
     health._queues = {{4711, 4096, 1, 9, 5}, {4294967295U, 64, 2, 62, 0}};
     health._files = {{"/var/log/shop/events.log", true, 1048576, 3}, {"prof.log", false, 0, 0}};
+    health._perSecond = {2, 17, 12};
+    health._everyNth = {3, 18446744073709551615U, 9};
+    health._limits = {
+        {"C:\\a \"b\".cpp", 17, "Orders", Zu::LgTypes::InternalError, true, 5, 16, 12, 4},
+        {"b.cpp", 2, "", Zu::LgTypes::Tracing, false, 4294967295U, 1, 9, 9}};
     return health;
 }
 
@@ -41,7 +48,13 @@ constexpr const char* FULL_TEXT =
     R"({"thread":4711,"entries":4096,"waiting":1,"largest":9,"lost":5},)"
     R"({"thread":4294967295,"entries":64,"waiting":2,"largest":62,"lost":0}],"files":[)"
     R"({"path":"/var/log/shop/events.log","failing":true,"pending":1048576,"rotations":3},)"
-    R"({"path":"prof.log","failing":false,"pending":0,"rotations":0}]})";
+    R"({"path":"prof.log","failing":false,"pending":0,"rotations":0}],)"
+    R"("perSecond":{"statements":2,"written":17,"leftOut":12},)"
+    R"("everyNth":{"statements":3,"written":18446744073709551615,"leftOut":9},"limits":[)"
+    R"({"file":"C:\\a \"b\".cpp","line":17,"group":"Orders","level":"Internal Error",)"
+    R"("perSecond":true,"number":5,"written":16,"leftOut":12,"owed":4},)"
+    R"({"file":"b.cpp","line":2,"group":"","level":"Tracing",)"
+    R"("perSecond":false,"number":4294967295,"written":1,"leftOut":9,"owed":9}]})";
 
 TEST(LgServiceHealth, AllOfItIsOneObjectInOneLine)
 {

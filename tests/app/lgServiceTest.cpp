@@ -666,6 +666,19 @@ TEST(LgServiceProgram, MayExitWhileTheServiceLivesAndAThreadLogs)
     EXPECT_EQ(result.out, "lost some: 0\n");
 }
 
+TEST(LgServiceProgram, AnExitReportsWhatLimitedStatementsOwe)
+{
+    const support::TempDir dir;
+    const support::ProgramResult result =
+        support::runProgram("serviceProgram", {"owe"}, {{"B7Q_TEST_DIR", dir.path()}});
+    EXPECT_EQ(result.exitCode, 8);
+    const Texts events = fileTexts(dir.file("events.log"));
+    ASSERT_EQ(events.size(), 3U);
+    EXPECT_EQ(events[0], "Service number 0");
+    EXPECT_EQ(events[1], "Service number 3 (2 left out)");
+    EXPECT_EQ(events[2].rfind("Service (1 left out, serviceProgram.cpp:", 0), 0U) << events[2];
+}
+
 TEST(LgServiceProgram, AChildOfAForkEndsAndLogsToStandardOutput)
 {
     if (support::onWindows) GTEST_SKIP() << "Windows has no fork";

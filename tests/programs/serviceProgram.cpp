@@ -1,6 +1,7 @@
 // A client of the log service, for tests that need a whole process. The first word selects the
 // action.
 
+#include "app/lgLimit.h"
 #include "app/lgService.h"
 #include "app/lgServiceEx.h"
 #include "base/base.h"
@@ -85,6 +86,15 @@ void logFromThreads()
     while (endless && events < 100) std::this_thread::yield();
     std::cout << "lost some: " << (service->getLostCount() > 1000000000) << "\n";
     std::exit(7);
+}
+
+// The process ends while the service lives and a statement owes a count.
+[[noreturn]] void exitOwing()
+{
+    static const Zu::LgService* const service = new Zu::LgService;
+    for (int i = 0; service && i < 5; ++i)
+        ZU_LOG_EVERY(Service, Zu::LgTypes::Warning, 3, "number " << i);
+    std::exit(8);
 }
 
 void tellLock()
@@ -248,6 +258,7 @@ int run(const std::string& what, char** words)
     if (what == "threads") logFromThreads();
     if (what == "leave") leaveAnEvent();
     if (what == "exit") exitInTheMiddle();
+    if (what == "owe") exitOwing();
     if (what == "lock") tellLock();
     if (what == "fork") result = forkInTheMiddle();
     if (what == "forkInside") result = forkInAStatement();

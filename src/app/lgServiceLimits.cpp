@@ -1,0 +1,83 @@
+#include "app/lgServiceLimits.h"
+
+#include "app/lgLimit.h"
+#include "base/lgEvent.h"
+#include "base/lgLog.h"
+#include "base/lgQueue.h"
+#include "base/lgStream.h"
+
+#include <cstdint>
+#include <string_view>
+
+namespace Zu
+{
+
+namespace
+{
+
+LgServiceHealth::Limit partOf(const LgLimit& limit)
+{
+    LgServiceHealth::Limit part;
+    part._file = limit.getFile();
+    part._line = limit.getLine();
+    part._group = limit.getGroup();
+    part._level = limit.getLevel();
+    part._isPerSecond = limit.getKind() == LgLimit::Kind::PerSecond;
+    part._number = limit.getNumber();
+    // In this order, so that what is owed is not more than what was left out.
+    part._owed = limit.getOwedCount();
+    part._leftOut = limit.getLeftOutCount();
+    part._written = limit.getWrittenCount();
+    return part;
+}
+
+std::string_view plainName(std::string_view file)
+{
+    return file.substr(file.find_last_of("/\\") + 1);
+}
+
+bool report(LgLimit& limit)
+{
+    if (limit.getOwedCount() == 0) return true;
+    LgQueue& queue = LgLog::getQueue();
+    if (!queue.reserveEntry(limit.getLevel())) return false;
+    LgInsertion insertion(queue);
+    const std::uint64_t leftOut = limit.takeLeftOut();
+    // Another thread's line may have reported it by now; then nothing remains of this event.
+    if (leftOut == 0) return true;
+    queue.getStream() << limit.getGroup() << " (" << leftOut << " left out, "
+                      << plainName(limit.getFile()) << ':' << limit.getLine() << ')';
+    insertion.complete();
+    return true;
+}
+
+} // namespace
+
+void lgAddLimits(LgServiceHealth& health)
+{
+    const auto add = [&health](const LgLimit& limit)
+    {
+        const LgServiceHealth::Limit part = partOf(limit);
+        LgServiceHealth::LimitSum& sum = part._isPerSecond ? health._perSecond : health._everyNth;
+        ++sum._statements;
+        sum._written += part._written;
+        sum._leftOut += part._leftOut;
+        if (part._leftOut != 0) health._limits.push_back(part);
+    };
+    LgLimit::visitAll(add);
+}
+
+bool lgReportLimits() noexcept
+try
+{
+    if (!LgLog::isLoggerActive()) return true;
+    bool areReported = true;
+    LgLimit::visitAll([&](LgLimit& limit) { areReported = report(limit) && areReported; });
+    return areReported;
+}
+catch (...)
+{
+    return false;
+}
+
+} // namespace Zu
