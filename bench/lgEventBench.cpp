@@ -3,6 +3,7 @@
 // batches that fit into every ring; between batches, off the clock, everything is written.
 
 #include "app/lgService.h"
+#include "appFormat/lgFormatted.h"
 #include "base/lgEvent.h"
 #include "benchLogger.h"
 
@@ -130,6 +131,17 @@ void logEvent(Shape shape, int number)
         ZU_LOG_WARNING(Bench, "a text of some words " << number << number * 0.37 << WORD);
 }
 
+void logFormatted(Shape shape, int number)
+{
+    if (shape == LITERAL)
+        ZU_LOGF_WARNING(Bench, "a text of some words ");
+    else if (shape == TEXT_AND_INTEGERS)
+        ZU_LOGF_WARNING(Bench, "a text of some words {}{}", number,
+                        static_cast<unsigned int>(-number));
+    else
+        ZU_LOGF_WARNING(Bench, "a text of some words {}{:.6f}{}", number, number * 0.37, WORD);
+}
+
 void queue(benchmark::State& state, Shape shape)
 {
     const bench::Logger logger;
@@ -152,7 +164,7 @@ void queue(benchmark::State& state, Shape shape)
     state.counters["lost"] = static_cast<double>(bare.getLostCount());
 }
 
-void service(benchmark::State& state, Shape shape)
+template <class Event> void serviceWith(benchmark::State& state, Shape shape, Event event)
 {
     const bench::Logger logger;
     ZU_START_LOG_GROUP("Bench", Bench);
@@ -164,10 +176,20 @@ void service(benchmark::State& state, Shape shape)
             while (!own.isEmpty()) std::this_thread::yield();
         };
         runBatches(
-            state, [&](int number) { logEvent(shape, number); }, settle);
+            state, [&](int number) { event(shape, number); }, settle);
         state.counters["lost"] = static_cast<double>(theService.getLostCount());
     }
     ZU_STOP_LOG_GROUP(Bench);
+}
+
+void service(benchmark::State& state, Shape shape)
+{
+    serviceWith(state, shape, &logEvent);
+}
+
+void serviceFormatted(benchmark::State& state, Shape shape)
+{
+    serviceWith(state, shape, &logFormatted);
 }
 
 void logToPeer(spdlog::logger& peer, Shape shape, int number)
@@ -233,11 +255,9 @@ void registerShape(const std::string& name, Shape shape)
     {
         const char* _name;
         void (*_run)(benchmark::State&, Shape);
-    } works[] = {{"floor", floorOf},
-                 {"queue", queue},
-                 {"service", service},
-                 {"spdlogAsync", spdlogAsync},
-                 {"spdlogSync", spdlogSync}};
+    } works[] = {{"floor", floorOf},           {"queue", queue},
+                 {"service", service},         {"serviceFormatted", serviceFormatted},
+                 {"spdlogAsync", spdlogAsync}, {"spdlogSync", spdlogSync}};
     for (const auto& work : works)
         benchmark::RegisterBenchmark(("event/" + name + "/" + work._name).c_str(), work._run, shape)
             ->UseManualTime();

@@ -89,6 +89,9 @@ def checkPackage(source, place, prefix, toolchain, emulator, suffix):
     optional = place / "byPackage" / f"compressing{suffix}"
     if optional.exists():
         run(optional, prefix, emulator, ["compressed to a file of gzip"])
+    formatting = place / "byPackage" / f"formatting{suffix}"
+    if formatting.exists():
+        run(formatting, prefix, emulator, ["Formatting 2.5 by libfmt"])
     return optional.exists()
 
 
