@@ -81,7 +81,7 @@ auto lgFormatted(fmt::format_string<Arguments...> format, const char*, Arguments
 /// The text is that of fmt::format(), up to its first NUL. The format is a literal; a wrong one is
 /// an error of the compiler. If the group does not let the level through, no argument is evaluated.
 /// An argument may be anything that libfmt has a formatter for. An event that such a formatter logs
-/// itself is lost. After an exception, for instance fmt::format_error, no part of the event remains.
+/// itself is lost. After an exception, such as fmt::format_error, no part of the event remains.
 #define ZU_LOGF(group, level, ...)                                                                 \
     ZU_LOG(group, level, ::Zu::lgFormatted(FMT_STRING(ZU_LOGF_FIRST(__VA_ARGS__)), __VA_ARGS__))
 

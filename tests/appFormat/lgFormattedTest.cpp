@@ -52,31 +52,43 @@ protected:
     support::StreamCapture _capture{std::cout};
 };
 
-// One statement, and what libfmt itself makes of it.
-#define EXPECT_AS_FMT(...)                                                                         \
-    do                                                                                             \
+// A statement, and what libfmt itself makes of its format.
+struct Row
+{
+    void (*_log)();
+    std::string (*_format)();
+};
+
+#define STATEMENT(...)                                                                             \
     {                                                                                              \
-        const std::string before = _capture.text();                                                \
-        ZU_LOGF_WARNING(Formatted, __VA_ARGS__);                                                   \
-        EXPECT_EQ(_capture.text(), before + "Formatted " + fmt::format(__VA_ARGS__) + "\n");       \
-    } while (false)
+        [] { ZU_LOGF_WARNING(Formatted, __VA_ARGS__); }, [] { return fmt::format(__VA_ARGS__); }   \
+    }
+
+const std::string TEXT = "a text";
+
+const Row ROWS[] = {
+    STATEMENT("nothing"),
+    STATEMENT("order {} is late by {:.1f} days", 4711, 2.25),
+    STATEMENT("{1}{0} {{}} {0}", TEXT, 'c'),
+    STATEMENT("{:>10}|{:<10}|{:^10}|{:*^9}", TEXT, TEXT, TEXT, -42),
+    STATEMENT("{:#x} {:#b} {:+} {:08.3f} {:e} {}", 255, 5, 7, -3.14159, 12345.678, 0.1),
+    STATEMENT("{:{}.{}f}", 2.0 / 3, 12, 4),
+    STATEMENT("{} {} {}", true, std::numeric_limits<unsigned long long>::max(),
+              std::numeric_limits<long long>::min()),
+    STATEMENT("{}", formatted::Order{17}),
+    STATEMENT("{:?>5}", formatted::Order{17}),
+    STATEMENT("{}", std::string(499, 'x')),
+    STATEMENT("{}{}", std::string(499, 'x'), std::string(3000, 'y')),
+};
 
 TEST_F(LgFormatted, HasTheBytesOfFmt)
 {
-    const std::string text = "a text";
-    const int number = -42;
-    EXPECT_AS_FMT("nothing");
-    EXPECT_AS_FMT("order {} is late by {:.1f} days", 4711, 2.25);
-    EXPECT_AS_FMT("{1}{0} {{}} {0}", text, 'c');
-    EXPECT_AS_FMT("{:>10}|{:<10}|{:^10}|{:*^9}", text, text, text, number);
-    EXPECT_AS_FMT("{:#x} {:#b} {:+} {:08.3f} {:e} {}", 255, 5, 7, -3.14159, 12345.678, 0.1);
-    EXPECT_AS_FMT("{:{}.{}f}", 2.0 / 3, 12, 4);
-    EXPECT_AS_FMT("{} {} {}", true, std::numeric_limits<unsigned long long>::max(),
-                  std::numeric_limits<long long>::min());
-    EXPECT_AS_FMT("{}", formatted::Order{17});
-    EXPECT_AS_FMT("{:?>5}", formatted::Order{17});
-    EXPECT_AS_FMT("{}", std::string(499, 'x'));
-    EXPECT_AS_FMT("{}{}", std::string(499, 'x'), std::string(3000, 'y'));
+    for (const Row& row : ROWS)
+    {
+        const std::string before = _capture.text();
+        row._log();
+        EXPECT_EQ(_capture.text(), before + "Formatted " + row._format() + "\n");
+    }
 }
 
 TEST_F(LgFormatted, SaysWhatItIsMeantToSay)
@@ -100,6 +112,16 @@ TEST_F(LgFormatted, ADisabledLevelEvaluatesNothing)
     EXPECT_EQ(_capture.text(), "Formatted 1\n");
 }
 
+void logWide(int width)
+{
+    ZU_LOGF_WARNING(Formatted, "text {:{}}", 1, width);
+}
+
+void logText(const std::string& text)
+{
+    ZU_LOGF_WARNING(Formatted, "a {}", text);
+}
+
 TEST_F(LgFormatted, AWrongValueLeavesNoPartOfTheEvent)
 {
     Zu::LgQueue queue;
@@ -107,10 +129,9 @@ TEST_F(LgFormatted, AWrongValueLeavesNoPartOfTheEvent)
     theQueue = &queue;
     Zu::LgLog::setQueueFunction([] { return theQueue; });
     Zu::LgLog::setLoggerActivation(true);
-    const int width = -1;
-    EXPECT_THROW(ZU_LOGF_WARNING(Formatted, "text {:{}}", 1, width), fmt::format_error);
+    EXPECT_THROW(logWide(-1), fmt::format_error);
     EXPECT_TRUE(queue.isEmpty());
-    ZU_LOGF_WARNING(Formatted, "a {}", std::string("b\0c", 3));
+    logText(std::string("b\0c", 3));
     Zu::LgLog::setLoggerActivation(false);
     std::vector<char> text(Zu::LgStream::BufSize);
     queue.getStream() >> text.data();
