@@ -80,7 +80,7 @@ Texts logNotes()
 
 } // namespace
 
-struct ApProgram::State
+struct ApProgramState
 {
     std::string _purpose;
     std::optional<DbgBuildText> _build;
@@ -112,7 +112,7 @@ struct ApProgram::State
     int runStarted(const std::function<int()>& body);
 };
 
-ApProgram::ApProgram(std::string purpose) : _state(std::make_unique<State>())
+ApProgram::ApProgram(std::string purpose) : _state(std::make_unique<ApProgramState>())
 {
     _state->_purpose = std::move(purpose);
 }
@@ -175,14 +175,14 @@ const LgService& ApProgram::log() const
     return *_state->_log;
 }
 
-ApSetting& ApProgram::State::settingOf(const std::string& handle)
+ApSetting& ApProgramState::settingOf(const std::string& handle)
 {
     ApSetting* const setting = _settings.find(handle);
     if (!setting) throw std::logic_error("there is no variable with the handle '" + handle + "'");
     return *setting;
 }
 
-void ApProgram::State::nameOption(char letter, const std::string& name)
+void ApProgramState::nameOption(char letter, const std::string& name)
 {
     ApSetting* const setting = letter != 0 ? _settings.find(letter) : nullptr;
     if (!setting) throw std::logic_error(std::string("there is no option '-") + letter + "'");
@@ -194,7 +194,7 @@ void ApProgram::State::nameOption(char letter, const std::string& name)
     setting->_longName = name;
 }
 
-void ApProgram::State::prepareSettings()
+void ApProgramState::prepareSettings()
 {
     _settings = ApSettings::ofProcess();
     for (const auto& [letter, name] : _longNames) nameOption(letter, name);
@@ -207,7 +207,7 @@ void ApProgram::State::prepareSettings()
     for (const std::string& handle : _required) settingOf(handle)._isRequired = true;
 }
 
-std::vector<ApOption> ApProgram::State::commonOptions() const
+std::vector<ApOption> ApProgramState::commonOptions() const
 {
     const auto isTaken = [&](char letter)
     {
@@ -221,8 +221,8 @@ std::vector<ApOption> ApProgram::State::commonOptions() const
 }
 
 // The answer to a question, which is asked instead of running the program.
-std::optional<int> ApProgram::State::answer(const ApCommandLine& line,
-                                            const std::vector<ApOption>& options) const
+std::optional<int> ApProgramState::answer(const ApCommandLine& line,
+                                          const std::vector<ApOption>& options) const
 {
     const ApUsage usage{_program, _purpose, _wordsUsage, &_settings, commonOptions()};
     for (const ApGiven& given : line.given())
@@ -245,8 +245,8 @@ std::optional<int> ApProgram::State::answer(const ApCommandLine& line,
     return std::nullopt;
 }
 
-Texts ApProgram::State::errorsOf(const ApCommandLine& line,
-                                 const std::vector<ApOption>& options) const
+Texts ApProgramState::errorsOf(const ApCommandLine& line,
+                               const std::vector<ApOption>& options) const
 {
     Texts errors = line.errors();
     if (!_takesWords && !line.words().empty())
@@ -264,20 +264,20 @@ Texts ApProgram::State::errorsOf(const ApCommandLine& line,
     return errors;
 }
 
-void ApProgram::State::print(const std::string& text) const
+void ApProgramState::print(const std::string& text) const
 {
     // In one piece, so that other threads and processes do not come between.
     std::cerr << (_program + ": " + text + "\n") << std::flush;
 }
 
-int ApProgram::State::refuse(const Texts& errors) const
+int ApProgramState::refuse(const Texts& errors) const
 {
     for (const std::string& error : errors) print(error);
     print("'" + _program + " --help' shows what can be given");
     return REFUSED;
 }
 
-int ApProgram::State::runStarted(const std::function<int()>& body)
+int ApProgramState::runStarted(const std::function<int()>& body)
 {
     for (const std::string& note : logNotes()) print(note);
     if (!_hasLog) return body();
@@ -295,7 +295,7 @@ int ApProgram::State::runStarted(const std::function<int()>& body)
 }
 
 // Starts with the words in the form that the packages read.
-int ApProgram::State::start(const Texts& words, const std::function<int()>& body)
+int ApProgramState::start(const Texts& words, const std::function<int()>& body)
 {
     std::vector<const char*> pointers;
     for (const std::string& word : words) pointers.push_back(word.c_str());
@@ -316,7 +316,7 @@ int ApProgram::State::start(const Texts& words, const std::function<int()>& body
 
 int ApProgram::runBody(int argc, const char* const* argv, const std::function<int()>& body)
 {
-    State& state = *_state;
+    ApProgramState& state = *_state;
     const Texts words(argc > 0 ? argv + 1 : argv, argv + std::max(argc, 0));
     const std::string path = argc > 0 ? argv[0] : "";
     state._program = apProgramName(path);

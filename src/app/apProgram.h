@@ -22,6 +22,8 @@
 namespace Zu
 {
 
+struct ApProgramState;
+
 /// Runs a program as people expect it of one. What it can be given is what its packages declare:
 /// the aliases and variables. run()
 ///
@@ -109,11 +111,9 @@ public:
     const LgService& log() const;
 
 private:
-    struct State;
-
     int runBody(int argc, const char* const* argv, const std::function<int()>& body);
 
-    std::unique_ptr<State> _state;
+    std::unique_ptr<ApProgramState> _state;
 };
 
 /// Runs a program that declares nothing further: see ApProgram.
