@@ -9,6 +9,7 @@
 #include <gtest/gtest.h>
 #include <iterator>
 #include <set>
+#include <sstream>
 #include <string>
 #include <vector>
 
@@ -35,14 +36,20 @@ Names namesOfTargets()
     return names;
 }
 
+// Without those of which the libraries are missing.
+Names withoutMissing(Names names)
+{
+    std::istringstream missing(FUZZ_MISSING);
+    for (std::string name; missing >> name;) names.erase(name);
+    return names;
+}
+
 Names namesInList()
 {
     std::ifstream stream(FUZZ_TARGETS);
     Names names;
     for (std::string name; std::getline(stream, name);) names.insert(name);
-    // What its libraries are missing for.
-    names.erase(FUZZ_MISSING);
-    return names;
+    return withoutMissing(names);
 }
 
 Names namesOfCorpora()
@@ -50,8 +57,7 @@ Names namesOfCorpora()
     Names names;
     for (const fs::directory_entry& entry : fs::directory_iterator(CORPORA))
         names.insert(entry.path().filename().string());
-    names.erase(FUZZ_MISSING);
-    return names;
+    return withoutMissing(names);
 }
 
 TEST(FuzzCorpora, EveryTargetIsThere)

@@ -505,8 +505,58 @@ LOG_FILE = {
     "longMark": read(STARTUP + b"===== Started on " + LONG * 4 + b"\n\n" + STOP, STRETCHED),
 }
 
+
+
+# A byte for the one that is changed, and the text of a cursor, here with its checksum or without:
+# the target adds one.
+def fnv(content):
+    value = 0xCBF29CE484222325
+    for byte in content:
+        value = (value ^ byte) * 0x100000001B3 % (1 << 64)
+    return value
+
+
+def cursor(version, *lines, changed=128, is_sealed=False):
+    content = b"zulog cursor %d\n" % version + b"".join(line + b"\n" for line in lines)
+    if is_sealed:
+        content += b"sum %016x\n" % fnv(content)
+    return bytes([changed]) + content
+
+
+TO = b"to relp://host:20514"
+PLACE = b"at 2049 131 4096 00c0ffee00c0ffee 81920 0ddba11fadedcafe /var/log/a.log"
+OLD_PLACE = b"at 2049 131 4096 00c0ffee00c0ffee 81920 /var/log/a.log"
+
+CURSOR = {
+    "empty": cursor(2, TO),
+    "sealed": cursor(2, TO, PLACE, changed=255, is_sealed=True),
+    "severalPlaces": cursor(2, TO, PLACE, b"at 1 2 0 0000000000000000 0 - /var/log/b.log"),
+    "notInOrder": cursor(2, TO, b"at 1 2 0 0000000000000000 0 - /var/log/b.log", PLACE),
+    "samePlaceTwice": cursor(2, TO, PLACE, PLACE),
+    "largestNumbers": cursor(2, TO, b"at 18446744073709551615 18446744073709551615 4096 "
+                                    b"ffffffffffffffff 18446744073709551615 ffffffffffffffff /x"),
+    "numberTooLarge": cursor(2, TO, b"at 18446744073709551616 0 0 0000000000000000 0 - /x"),
+    "headTooLarge": cursor(2, TO, b"at 1 2 4097 0000000000000000 0 - /x"),
+    "leadingZero": cursor(2, TO, b"at 01 2 0 0000000000000000 0 - /x"),
+    "upperCase": cursor(2, TO, b"at 1 2 0 00000000000000FF 0 - /x"),
+    "shortHash": cursor(2, TO, b"at 1 2 0 0 0 - /x"),
+    "escapes": cursor(2, b"to a\\\\b\\nc", b"at 1 2 0 0000000000000000 0 - \\n\\\\ \xff\0"),
+    "badEscape": cursor(2, TO, b"at 1 2 0 0000000000000000 0 - /x\\"),
+    "noName": cursor(2, TO, b"at 1 2 0 0000000000000000 0 - "),
+    "earlier": cursor(1, TO, OLD_PLACE, changed=3),
+    "earlierSealed": cursor(1, TO, OLD_PLACE, changed=200, is_sealed=True),
+    "earlierWithHash": cursor(1, TO, PLACE),
+    "presentWithoutHash": cursor(2, TO, OLD_PLACE),
+    "newer": cursor(3, TO),
+    "otherProgram": b"\0cursor of something\n",
+    "moreBehind": cursor(2, TO, is_sealed=True) + b"more\n",
+    "cutOff": cursor(2, TO, PLACE, is_sealed=True)[:-1],
+    "sumOnly": b"\0sum 0000000000000000\n",
+}
+
 ALL = {
     "argAliases": ARG_ALIASES,
+    "cursor": CURSOR,
     "dtText": DT_TEXT,
     "filePath": FILE_PATH,
     "groupLevels": GROUP_LEVELS,
