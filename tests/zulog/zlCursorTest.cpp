@@ -71,34 +71,41 @@ TEST(ZlCursor, AnEarlierVersionHasNoHashOfWhatIsInFrontOfAPlace)
     EXPECT_EQ(Zu::zlReadCursor(text, "c"), expected);
 }
 
+constexpr const char* DAMAGED = "\"c\" is damaged; without it, all of the logs is shipped again";
+constexpr const char* HEAD = "zulog cursor 2\nto x\n";
+constexpr const char* PLACE = "at 1 2 3 0000000000000004 5 0000000000000006 /a\n";
+constexpr const char* OTHER_PLACE = "at 1 2 3 0000000000000004 5 - /b\n";
+
 TEST(ZlCursor, RefusesWhatItHasNotWritten)
 {
-    const std::string damaged = "\"c\" is damaged; without it, all of the logs is shipped again";
-    const std::string head = "zulog cursor 2\nto x\n";
-    EXPECT_EQ(refusalOf(""), damaged);
     EXPECT_EQ(refusalOf("hello\n"), "\"c\" is no cursor of zulog");
     EXPECT_EQ(refusalOf(sealed("zulog cursor 3\nto x\n")),
               "\"c\" is the cursor of a newer zulog, of version 3");
+    const std::string head = HEAD;
     EXPECT_EQ(refusalOf(sealed(head)), "taken");
-    const std::string place = "at 1 2 3 0000000000000004 5 0000000000000006 /a\n";
-    const std::string other = "at 1 2 3 0000000000000004 5 - /b\n";
-    EXPECT_EQ(refusalOf(sealed(head + place + other)), "taken");
-    for (const std::string& text :
-         {head, head + "sum 0\n", sealed(head).substr(0, 40), sealed(head) + "more\n",
-          sealed("zulog cursor one\nto x\n"), sealed("zulog cursor 2\nfrom x\n"),
-          sealed(head + "at 1 2 3\n"), sealed(head + "at 1 2 3 0000000000000004 5 - \n"),
-          sealed(head + "at -1 2 3 0000000000000004 5 - /a\n"),
-          sealed(head + "at 1 2 4097 0000000000000004 5 - /a\n"), sealed(head + place + place),
-          sealed(head + "at 1 2 3 0000000000000004 99999999999999999999 - /a\n"),
-          sealed(head + "at 1 2 3 0000000000000004 5 - /a\\x\n"), sealed(head + other + place),
-          sealed(head + "at 1 2 3 0000000000000004 5 /a\n"),
-          sealed(head + "at 1 2 3 0000000000000004 5 -/a\n"), sealed(head + "at 1 2 3 4 5 - /a\n"),
-          sealed(head + "at 01 2 3 0000000000000004 5 - /a\n"),
-          sealed(head + "at 1 2 3 000000000000000A 5 - /a\n")})
-    {
-        SCOPED_TRACE(text);
-        EXPECT_EQ(refusalOf(text), damaged);
-    }
+    for (const std::string& text : {std::string(), head, head + "sum 0\n",
+                                    sealed(head).substr(0, 40), sealed(head) + "more\n"})
+        EXPECT_EQ(refusalOf(text), DAMAGED) << text;
+}
+
+TEST(ZlCursor, RefusesLinesThatItHasNotWritten)
+{
+    for (const char* const text : {"zulog cursor one\nto x\n", "zulog cursor 2\nfrom x\n"})
+        EXPECT_EQ(refusalOf(sealed(text)), DAMAGED) << text;
+    const std::string head = HEAD;
+    const std::string both = head + PLACE + OTHER_PLACE;
+    EXPECT_EQ(refusalOf(sealed(both)), "taken");
+    EXPECT_EQ(refusalOf(sealed(both + "at 1 2 3 0000000000000004 5 - /c\n")), "taken");
+    // Numbers and the order of places have one form.
+    for (const char* const line :
+         {"at 1 2 3\n", "at 1 2 3 0000000000000004 5 - \n", "at -1 2 3 0000000000000004 5 - /c\n",
+          "at 1 2 4097 0000000000000004 5 - /c\n",
+          "at 1 2 3 0000000000000004 99999999999999999999 - /c\n",
+          "at 1 2 3 0000000000000004 5 - /c\\x\n", "at 1 2 3 0000000000000004 5 /c\n",
+          "at 1 2 3 0000000000000004 5 -/c\n", "at 1 2 3 4 5 - /c\n",
+          "at 01 2 3 0000000000000004 5 - /c\n", "at 1 2 3 000000000000000A 5 - /c\n", PLACE,
+          OTHER_PLACE, "at 1 2 3 0000000000000004 5 - /\n"})
+        EXPECT_EQ(refusalOf(sealed(both + line)), DAMAGED) << line;
 }
 
 TEST(ZlCursor, EveryChangedByteIsNoticed)

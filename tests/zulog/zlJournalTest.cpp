@@ -12,7 +12,6 @@ namespace
 {
 
 using logTexts::ORIGIN;
-using logTexts::STOPPED;
 using logTexts::TextSource;
 using logTexts::tickLine;
 using Texts = std::vector<std::string>;

@@ -54,6 +54,15 @@ protected:
         _tail = std::make_unique<ZlTail>(_log, from, _reports, Zu::ZlReader::Options());
     }
 
+    // As large a head as is compared, and lines behind it.
+    static std::string headAnd(std::uint32_t number, std::uint32_t lines)
+    {
+        std::string text = ORIGIN;
+        while (text.size() < ZlPlace::LARGEST_HEAD) text += line(0);
+        for (std::uint32_t i = 0; i < lines; ++i) text += line(number);
+        return text;
+    }
+
     // The texts of all that is there now, with blanks between them.
     std::string look()
     {
@@ -241,26 +250,18 @@ constexpr Replacement REPLACEMENTS[] = {
 
 TEST_F(ZlTailTest, AFileThatWasWrittenAnewBeyondThePlaceIsReadFromItsBeginning)
 {
-    std::string head = ORIGIN;
-    while (head.size() < ZlPlace::LARGEST_HEAD) head += line(0);
-    const auto textOf = [&](std::uint32_t number, std::uint32_t lines)
-    {
-        std::string text = head;
-        for (std::uint32_t i = 0; i < lines; ++i) text += line(number);
-        return text;
-    };
     for (const Replacement& row : REPLACEMENTS)
     {
         SCOPED_TRACE(row._name);
         _reported.str("");
         _tail.reset();
         fs::remove(_log + ".1.gz");
-        writeFile(_log, textOf(0, 100));
+        writeFile(_log, headAnd(0, 100));
         start();
         look();
         if (!row._isHashKnown) _place->_last.reset();
         _tail.reset();
-        const std::string text = textOf(row._number, row._lines) + line(7);
+        const std::string text = headAnd(row._number, row._lines) + line(7);
         writeFile(_log, text);
         if (row._isCompressed)
         {
