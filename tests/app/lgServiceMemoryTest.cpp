@@ -4,6 +4,8 @@
 
 #include "stress/failingMemory.h"
 #include "support/runningLogger.h"
+#include "support/tempDir.h"
+#include "support/variableGuard.h"
 
 #include <gtest/gtest.h>
 #include <new>
@@ -43,6 +45,14 @@ template <class Action> bool succeedsWithout(int allocation, const Action& actio
 class LgServiceMemoryTest : public testing::Test
 {
 protected:
+    // A service looks at all maps that others have left, and allocates for each.
+    LgServiceMemoryTest() : _mapDirectory("ZU_LOG_SERVICE_MAPPING_DIRECTORY")
+    {
+        _mapDirectory.set(_maps.path());
+    }
+
+    const support::TempDir _maps;
+    support::VariableGuard _mapDirectory;
     support::RunningLogger _logger;
     LgServiceThreads& _threads = LgServiceThreads::instance();
 };
