@@ -31,7 +31,10 @@ ApLogGroup::~ApLogGroup()
 
 void ApLogGroup::start()
 {
-    _handle = new LgMinorGroup(LgMajorGroup::getInstanceForName(_major), _name);
+    const LgMajorGroup& group = LgMajorGroup::getInstanceForName(_major);
+    // A major group is the same object after a new start.
+    if (!_started) _started = new LgMinorGroup(group, _name);
+    _handle = _started;
 }
 
 // Statements may follow, so their group stays.

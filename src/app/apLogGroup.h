@@ -39,6 +39,8 @@ private:
     LgMinorGroup*& _handle;
     // What the handle was before the start: another thread may still use it.
     LgMinorGroup* _early;
+    // What it is from the first start on.
+    LgMinorGroup* _started = nullptr;
 };
 
 } // namespace Zu

@@ -66,24 +66,24 @@ bool hasLast(const std::string& name, const ZlPlace& place)
 
 } // namespace
 
-// Keeps the first bytes that pass, and the latest ones.
-class ZlTail::KeepingSource : public ZlSource
+// The first bytes of a file that were read, and the latest ones. They outlive the reader's source,
+// which is closed at the end of the file.
+class ZlTail::Kept
 {
 public:
-    KeepingSource(std::unique_ptr<ZlSource> source, std::string& head)
-        : _source(std::move(source)), _head(head)
+    explicit Kept(std::string& head) : _head(head)
     {
         _head.clear();
     }
 
-    std::size_t read(char* place, std::size_t size) override
+    void add(std::string_view more)
     {
-        const std::size_t count = _source->read(place, size);
-        const std::size_t room = ZlPlace::LARGEST_HEAD - _head.size();
-        _head.append(place, std::min(count, room));
-        _size += count;
-        if (count > 0) keep(std::string_view(place, count));
-        return count;
+        _head += more.substr(0, ZlPlace::LARGEST_HEAD - _head.size());
+        const std::uint64_t begin = _size - _latest.size();
+        _size += more.size();
+        const std::uint64_t first = std::max(_needed, _size - std::min(_size, MOST_KEPT));
+        if (first > begin) _latest.erase(0, static_cast<std::size_t>(first - begin));
+        _latest += more;
     }
 
     // No place in front of this one is asked for any more.
@@ -111,20 +111,32 @@ private:
     // More than a batch is, and than the reader reads ahead, which is the longest line at most.
     static constexpr std::uint64_t MOST_KEPT = 2 * ZlReader::LONGEST;
 
-    void keep(std::string_view more)
-    {
-        const std::uint64_t begin = _size - more.size() - _latest.size();
-        const std::uint64_t first = std::max(_needed, _size - std::min(_size, MOST_KEPT));
-        if (first > begin) _latest.erase(0, static_cast<std::size_t>(first - begin));
-        _latest += more;
-    }
-
-    const std::unique_ptr<ZlSource> _source;
     std::string& _head;
     std::uint64_t _size = 0;
     // Up to the present size.
     std::string _latest;
     std::uint64_t _needed = 0;
+};
+
+// Keeps what passes.
+class ZlTail::KeepingSource : public ZlSource
+{
+public:
+    KeepingSource(std::unique_ptr<ZlSource> source, Kept& kept)
+        : _source(std::move(source)), _kept(kept)
+    {
+    }
+
+    std::size_t read(char* place, std::size_t size) override
+    {
+        const std::size_t count = _source->read(place, size);
+        if (count > 0) _kept.add(std::string_view(place, count));
+        return count;
+    }
+
+private:
+    const std::unique_ptr<ZlSource> _source;
+    Kept& _kept;
 };
 
 ZlTail::ZlTail(std::string name, const Start& start, ZlReports& reports, ZlReader::Options options)
@@ -160,7 +172,7 @@ ZlPlace ZlTail::getPlace()
 void ZlTail::complete(ZlPlace& place) const
 {
     if (_reader && place._file == _identity)
-        place._last = _source->getLast(place._offset);
+        place._last = _kept->getLast(place._offset);
     else if (_left && place._file == _left->_file && place._offset == _left->_offset)
         place._last = _left->_last;
 }
@@ -172,9 +184,9 @@ void ZlTail::release(bool isAll)
 
 void ZlTail::look()
 {
-    if (_reader) _source->forget(_reader->getOffset());
+    if (_reader) _kept->forget(_reader->getOffset());
     if (!_reader || !_isPresent) return;
-    if (_file && _file->getSize() < _source->getSize())
+    if (_file && _file->getSize() < _kept->getSize())
     {
         _reports.note("\"" + _name + "\" was emptied: lines may be missing");
         _reader.reset();
@@ -195,7 +207,7 @@ bool ZlTail::next()
         while (!_hasRecord && _reader->next())
         {
             _hasRecord = _reader->getOffset() > _known;
-            if (!_hasRecord) _source->forget(_reader->getOffset());
+            if (!_hasRecord) _kept->forget(_reader->getOffset());
         }
         if (_hasRecord) break;
         if (_isPresent && !_isSuperseded) return false;
@@ -213,7 +225,7 @@ bool ZlTail::next()
 void ZlTail::leave()
 {
     const std::uint64_t offset = _reader->getOffset();
-    _place = ZlPlace{_identity, _head.size(), zlHashOf(_head), offset, _source->getLast(offset)};
+    _place = ZlPlace{_identity, _head.size(), zlHashOf(_head), offset, _kept->getLast(offset)};
     // An empty file has no places, so the one in front of it counts.
     if (offset > 0) _left = _place;
     _isResumed = false;
@@ -316,8 +328,11 @@ bool ZlTail::open(const std::string& file, const ZlFile::Identity& identity, std
         _isPresent = file == _name;
         _file = std::make_unique<ZlFile>(file);
         if (!isPlain(*_file)) _file.reset();
-        auto source = std::make_unique<KeepingSource>(zlOpenSource(file), _head);
-        _source = source.get();
+        auto source = zlOpenSource(file);
+        // The former reader refers to what is replaced here.
+        _reader.reset();
+        _kept = std::make_unique<Kept>(_head);
+        source = std::make_unique<KeepingSource>(std::move(source), *_kept);
         _reader = std::make_unique<ZlReader>(file, std::move(source), _reports, _options);
     }
     catch (const ZlError& error)

@@ -73,6 +73,7 @@ public:
     void release(bool isAll);
 
 private:
+    class Kept;
     class KeepingSource;
     using Files = std::vector<std::pair<std::string, ZlFile::Identity>>;
 
@@ -97,9 +98,9 @@ private:
     bool _isMissingReported = false;
     bool _isFailureReported = false;
 
+    // What the reader's source adds to.
+    std::unique_ptr<Kept> _kept;
     std::unique_ptr<ZlReader> _reader;
-    // The reader's.
-    KeepingSource* _source = nullptr;
     // The same file, to look at; none for what grows no more.
     std::unique_ptr<ZlFile> _file;
     ZlFile::Identity _identity;

@@ -38,7 +38,7 @@ TEST(ApLogGroup, MayBeLoggedToAtAnyTime)
 
 TEST(ApLogGroup, LeavesItsPackageWhenItEnds)
 {
-    Zu::LgMinorGroup* handle = nullptr;
+    static Zu::LgMinorGroup* handle = nullptr;
     {
         const Zu::ApLogGroup group(Zu::packageOf<apLogGroupPackage>(), "ApOther", "Other", handle);
         ASSERT_TRUE(handle);
