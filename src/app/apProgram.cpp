@@ -3,6 +3,7 @@
 #include "app/apCommandLine.h"
 #include "app/apLogCheck.h"
 #include "app/apSettings.h"
+#include "app/apSettingsFile.h"
 #include "app/apUsage.h"
 #include "base/exBase.h"
 #include "base/inInitGuard.h"
@@ -32,6 +33,26 @@ struct Range
     std::string _handle;
     int _least;
     int _most;
+};
+
+// Variables take values from the file until the packages have stopped.
+class SourceGuard
+{
+public:
+    explicit SourceGuard(InValueSource* source) : _isSet(source)
+    {
+        if (_isSet) _before = InVariableBase::setSource(source);
+    }
+    SourceGuard(const SourceGuard&) = delete;
+    SourceGuard& operator=(const SourceGuard&) = delete;
+    ~SourceGuard()
+    {
+        if (_isSet) InVariableBase::setSource(_before);
+    }
+
+private:
+    bool _isSet;
+    InValueSource* _before = nullptr;
 };
 
 const char* reasonOf(const std::exception_ptr& error)
@@ -93,9 +114,12 @@ struct ApProgramState
     std::size_t _mostWords = 0;
     std::function<LgServiceOptions()> _logOptions;
     bool _hasLog = true;
+    const ApFileFormat* _format = nullptr;
+    std::string _settingsPath;
 
     std::string _program;
     ApSettings _settings;
+    ApSettingsFile _file;
     Texts _words;
     const LgService* _log = nullptr;
 
@@ -104,6 +128,7 @@ struct ApProgramState
     ApSetting& settingOf(const std::string& handle);
     std::vector<ApOption> commonOptions() const;
     Texts errorsOf(const ApCommandLine& line, const std::vector<ApOption>& options) const;
+    Texts loadFile(const ApCommandLine& line, const std::vector<ApOption>& options);
     std::optional<int> answer(const ApCommandLine& line,
                               const std::vector<ApOption>& options) const;
     void print(const std::string& text) const;
@@ -155,6 +180,13 @@ ApProgram& ApProgram::words(std::string usage, std::size_t least, std::size_t mo
 ApProgram& ApProgram::logOptions(std::function<LgServiceOptions()> options)
 {
     _state->_logOptions = std::move(options);
+    return *this;
+}
+
+ApProgram& ApProgram::settings(const ApFileFormat& format, std::string path)
+{
+    _state->_format = &format;
+    _state->_settingsPath = std::move(path);
     return *this;
 }
 
@@ -216,6 +248,7 @@ std::vector<ApOption> ApProgramState::commonOptions() const
     };
     std::vector<ApOption> options = {{isTaken('h') ? '\0' : 'h', false, "help"}};
     if (_build) options.push_back({0, false, "version"});
+    if (_format) options.push_back({0, true, "settings"});
     options.push_back({0, false, "completion"});
     return options;
 }
@@ -224,7 +257,8 @@ std::vector<ApOption> ApProgramState::commonOptions() const
 std::optional<int> ApProgramState::answer(const ApCommandLine& line,
                                           const std::vector<ApOption>& options) const
 {
-    const ApUsage usage{_program, _purpose, _wordsUsage, &_settings, commonOptions()};
+    const ApUsage usage{_program,   _purpose,        _wordsUsage,
+                        &_settings, commonOptions(), _settingsPath};
     for (const ApGiven& given : line.given())
     {
         const std::string& name = options[given._option]._longName;
@@ -256,12 +290,23 @@ Texts ApProgramState::errorsOf(const ApCommandLine& line,
         errors.push_back("too few words: expected " + _wordsUsage);
     else if (_takesWords && line.words().size() > _mostWords)
         errors.push_back("too many words: expected " + _wordsUsage);
-    const Texts wrong = _settings.check(line, options, &std::getenv);
+    const Texts wrong = _settings.check(
+        line, options, &std::getenv, [this](const std::string& name) { return _file.has(name); });
     errors.insert(errors.end(), wrong.begin(), wrong.end());
     if (const char* const groups = std::getenv("ZU_LOG_GROUPS"))
         if (const std::string error = apGroupsError(groups); !error.empty())
             errors.push_back(error);
     return errors;
+}
+
+// The last one that is named counts.
+Texts ApProgramState::loadFile(const ApCommandLine& line, const std::vector<ApOption>& options)
+{
+    if (!_format) return {};
+    std::string path = _settingsPath;
+    for (const ApGiven& given : line.given())
+        if (options[given._option]._longName == "settings") path = given._value;
+    return path.empty() ? Texts() : _file.load(path, *_format, _settings);
 }
 
 void ApProgramState::print(const std::string& text) const
@@ -302,6 +347,7 @@ int ApProgramState::start(const Texts& words, const std::function<int()>& body)
     pointers.push_back(nullptr);
     int count = static_cast<int>(words.size());
     const char* const* list = pointers.data();
+    const SourceGuard source(_format ? &_file : nullptr);
     try
     {
         const InInitGuard guard(count, list);
@@ -327,8 +373,10 @@ int ApProgram::runBody(int argc, const char* const* argv, const std::function<in
     for (const ApOption& option : state.commonOptions()) options.push_back(option);
     const ApCommandLine line(options, words);
     if (const std::optional<int> answered = state.answer(line, options)) return *answered;
-    if (const Texts errors = state.errorsOf(line, options); !errors.empty())
-        return state.refuse(errors);
+    Texts errors = state.loadFile(line, options);
+    const Texts others = state.errorsOf(line, options);
+    errors.insert(errors.end(), others.begin(), others.end());
+    if (!errors.empty()) return state.refuse(errors);
     state._words = line.words();
     Texts translated = hasOptions ? line.inLetters() : line.words();
     translated.insert(translated.begin(), path);

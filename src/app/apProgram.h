@@ -6,6 +6,7 @@
 
 #include "../base/dbgBuildText.h"
 #include "../base/lgEvent.h"
+#include "apFileFormat.h"
 #include "apLogGroup.h"
 #include "apPackage.h"
 #include "appApi.h"
@@ -82,6 +83,13 @@ public:
     /// How the log service is set up, asked when the packages are up; without it the environment
     /// decides alone.
     ApProgram& logOptions(std::function<LgServiceOptions()> options);
+
+    /// The program takes a file of settings, which `--settings` names; its values prevail over
+    /// defaults, and the environment over them. Without the option `path` is read, unless it is
+    /// empty; a program never looks for a file by itself. The file must be one that nobody else can
+    /// change. Whatever can't be used in it is refused, with its line. `format` must outlive the
+    /// object.
+    ApProgram& settings(const ApFileFormat& format, std::string path = {});
 
     /// The program has no log service: statements write to standard output.
     ApProgram& withoutLog();

@@ -79,26 +79,6 @@ bool isWithin(const ApSetting& setting, const std::string& text)
            number <= setting._most;
 }
 
-std::string expectedOf(const ApSetting& setting)
-{
-    if (setting._kind == Kind::Switch) return "0, 1, false or true";
-    if (setting._least == INT_MIN && setting._most == INT_MAX) return "a whole number";
-    if (setting._most == INT_MAX)
-        return "a whole number of at least " + std::to_string(setting._least);
-    if (setting._least == INT_MIN)
-        return "a whole number of at most " + std::to_string(setting._most);
-    return "a whole number from " + std::to_string(setting._least) + " to " +
-           std::to_string(setting._most);
-}
-
-// Empty if the text can be used. `place` is what has the text, such as "option '-p'".
-std::string errorOf(const ApSetting& setting, const std::string& place, const std::string& text)
-{
-    const bool isGood = setting._kind == Kind::Text ||
-                        (setting._kind == Kind::Switch ? isSwitch(text) : isWithin(setting, text));
-    return isGood ? "" : place + " needs " + expectedOf(setting) + ", not '" + text + "'";
-}
-
 // How a missing value may be given.
 std::string placesOf(const ApSetting& setting)
 {
@@ -115,19 +95,38 @@ std::string placesOf(const ApSetting& setting)
 std::string errorOfOption(const ApSetting& setting, const ApGiven& given)
 {
     if (!setting._takesValue) return {};
-    return errorOf(setting, "option '" + given._spelling + "'", given._value);
+    return setting.errorOf("option '" + given._spelling + "'", given._value);
 }
 
-std::string errorWithoutOption(const ApSetting& setting, const ApSettings::Environment& environment)
+std::string errorWithoutOption(const ApSetting& setting,
+                               const ApSettings::Environment& environment,
+                               const ApSettings::InFile& inFile)
 {
     const char* const text =
         setting._variable.empty() ? nullptr : environment(setting._variable.c_str());
-    if (text) return errorOf(setting, "the variable " + setting._variable, text);
-    if (!setting._isRequired || setting._default) return {};
+    if (text) return setting.errorOf("the variable " + setting._variable, text);
+    if (!setting._isRequired || setting._default || inFile(setting._handle)) return {};
     return placesOf(setting) + " is needed: " + setting._description;
 }
 
 } // namespace
+
+std::string ApSetting::expected() const
+{
+    if (_kind == Kind::Text) return "a text";
+    if (_kind == Kind::Switch) return "0, 1, false or true";
+    if (_least == INT_MIN && _most == INT_MAX) return "a whole number";
+    if (_most == INT_MAX) return "a whole number of at least " + std::to_string(_least);
+    if (_least == INT_MIN) return "a whole number of at most " + std::to_string(_most);
+    return "a whole number from " + std::to_string(_least) + " to " + std::to_string(_most);
+}
+
+std::string ApSetting::errorOf(const std::string& place, const std::string& text) const
+{
+    const bool isGood =
+        _kind == Kind::Text || (_kind == Kind::Switch ? isSwitch(text) : isWithin(*this, text));
+    return isGood ? "" : place + " needs " + expected() + ", not '" + text + "'";
+}
 
 ApSettings ApSettings::ofProcess()
 {
@@ -170,6 +169,11 @@ ApSetting* ApSettings::find(const std::string& handle)
     return nullptr;
 }
 
+const ApSetting* ApSettings::find(const std::string& handle) const
+{
+    return const_cast<ApSettings*>(this)->find(handle);
+}
+
 std::vector<ApOption> ApSettings::options() const
 {
     std::vector<ApOption> options;
@@ -184,7 +188,8 @@ std::vector<ApOption> ApSettings::options() const
 
 std::vector<std::string> ApSettings::check(const ApCommandLine& line,
                                            const std::vector<ApOption>& options,
-                                           const Environment& environment) const
+                                           const Environment& environment,
+                                           const InFile& inFile) const
 {
     std::vector<std::string> errors;
     for (const ApSetting& setting : _settings)
@@ -197,7 +202,7 @@ std::vector<std::string> ApSettings::check(const ApCommandLine& line,
             isGiven = true;
             if (error.empty()) error = errorOfOption(setting, given);
         }
-        if (!isGiven) error = errorWithoutOption(setting, environment);
+        if (!isGiven) error = errorWithoutOption(setting, environment, inFile);
         if (!error.empty()) errors.push_back(error);
     }
     return errors;

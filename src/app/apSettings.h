@@ -47,6 +47,13 @@ struct ApSetting
     int _least = INT_MIN;
     int _most = INT_MAX;
     bool _isRequired = false;
+
+    /// What a text has to be, such as "a whole number from 0 to 65535"; for messages.
+    std::string expected() const;
+
+    /// Empty if the text can be used; otherwise a sentence without a full stop about `place`, which
+    /// is what has the text, such as "option '-p'".
+    std::string errorOf(const std::string& place, const std::string& text) const;
 };
 
 /// All settings of a program, and the checks of what it was given.
@@ -55,6 +62,9 @@ class ApSettings
 public:
     /// Looks up an environment variable: its value, or null.
     using Environment = std::function<const char*(const char*)>;
+
+    /// Whether a file has a value for the variable with this handle.
+    using InFile = std::function<bool(const std::string&)>;
 
     /// The options and variables that exist in the process. Those with a letter come first, in the
     /// order of their letters, then the others in that of their handles.
@@ -75,6 +85,7 @@ public:
     /// added.
     ApSetting* find(char letter);
     ApSetting* find(const std::string& handle);
+    const ApSetting* find(const std::string& handle) const;
 
     /// The options that the settings have, in their order; those without a letter are left out.
     std::vector<ApOption> options() const;
@@ -83,7 +94,7 @@ public:
     /// an integer that is not whole or out of range, a switch that is neither on nor off, a
     /// required value that is missing. A value that another one replaces is not looked at.
     std::vector<std::string> check(const ApCommandLine& line, const std::vector<ApOption>& options,
-                                   const Environment& environment) const;
+                                   const Environment& environment, const InFile& inFile) const;
 
 private:
     std::vector<ApSetting> _settings;

@@ -59,6 +59,7 @@ std::string commonText(const ApOption& option)
 {
     if (option._longName == "help") return "shows this text, and ends";
     if (option._longName == "version") return "shows the version, and ends";
+    if (option._longName == "settings") return "reads settings from this file";
     return "writes a completion for bash, and ends";
 }
 
@@ -81,7 +82,12 @@ std::string ApUsage::help() const
         if (setting._letter != 0)
             text += row(spelling({setting._letter, setting._takesValue, setting._longName}),
                         setting._description + sourcesOf(setting, true));
-    for (const ApOption& option : _common) text += row(spelling(option), commonText(option));
+    for (const ApOption& option : _common)
+    {
+        const bool hasDefault = option._longName == "settings" && !_settingsFile.empty();
+        text += row(spelling(option),
+                    commonText(option) + (hasDefault ? " [default: " + _settingsFile + "]" : ""));
+    }
     std::string variables;
     for (const ApSetting& setting : _settings->get())
         if (setting._letter == 0 && !setting._variable.empty() && isOwn(setting))

@@ -27,6 +27,8 @@ struct ApUsage
     const ApSettings* _settings = nullptr;
     /// The options that every program has.
     std::vector<ApOption> _common;
+    /// The file of settings that is read if no other is named; empty for none.
+    std::string _settingsFile = {};
 
     /// The text of `--help`, with a line end.
     std::string help() const;

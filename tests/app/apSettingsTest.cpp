@@ -95,6 +95,8 @@ struct Case
     Texts _words;
     std::map<std::string, std::string> _environment;
     Texts _errors;
+    // The variable that has a value in a file.
+    std::string _inFile = "none";
 };
 
 void expectErrors(const ApSetting& setting, const std::vector<Case>& cases)
@@ -104,14 +106,13 @@ void expectErrors(const ApSetting& setting, const std::vector<Case>& cases)
     for (const Case& row : cases)
     {
         const ApCommandLine line(options, row._words);
-        const Texts errors = settings.check(line, options,
-                                            [&](const char* name) -> const char*
-                                            {
-                                                const auto found = row._environment.find(name);
-                                                return found != row._environment.end()
-                                                           ? found->second.c_str()
-                                                           : nullptr;
-                                            });
+        const auto environment = [&](const char* name) -> const char*
+        {
+            const auto found = row._environment.find(name);
+            return found != row._environment.end() ? found->second.c_str() : nullptr;
+        };
+        const auto inFile = [&](const std::string& handle) { return row._inFile == handle; };
+        const Texts errors = settings.check(line, options, environment, inFile);
         EXPECT_EQ(errors, row._errors) << testing::PrintToString(row._words);
     }
 }

@@ -80,6 +80,17 @@ TEST(ApUsage, LeavesOutWhatThereIsNot)
                             "      --help              shows this text, and ends\n");
 }
 
+TEST(ApUsage, NamesTheFileOfSettings)
+{
+    const ApSettings none;
+    const ApUsage usage{"a", "", "", &none, {{0, true, "settings"}}, "/etc/a.toml"};
+    EXPECT_EQ(usage.help(),
+              "usage: a [option]...\n"
+              "\n"
+              "options:\n"
+              "      --settings=VALUE    reads settings from this file [default: /etc/a.toml]\n");
+}
+
 TEST(ApUsage, CompletesOptions)
 {
     const ApSettings settings = someSettings();
