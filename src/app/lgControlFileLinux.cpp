@@ -89,10 +89,11 @@ bool LgControlFile::fail()
 
 bool LgControlFile::create(const std::string& path)
 {
+    // First, because it may raise an exception.
+    _path = path;
     const int own =
         lgNewFile(path, [](int file) { return lock(file, LgControl::LOCK_OF_SERVICE); });
     if (own < 0) return fail();
-    _path = path;
     _file = own;
     // Where a file has its name from the beginning, it may have been taken for a remnant.
     struct stat status = {};

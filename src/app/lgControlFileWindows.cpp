@@ -53,11 +53,12 @@ bool LgControlFile::fail()
 
 bool LgControlFile::create(const std::string& path)
 {
+    // First, because it may raise an exception.
+    _path = path;
     const HANDLE file =
         CreateFileA(path.c_str(), GENERIC_READ | GENERIC_WRITE | DELETE, SHARED_WITH_ALL, nullptr,
                     CREATE_NEW, FILE_ATTRIBUTE_TEMPORARY | FILE_FLAG_DELETE_ON_CLOSE, nullptr);
     if (file == INVALID_HANDLE_VALUE) return fail();
-    _path = path;
     _file = reinterpret_cast<std::intptr_t>(file);
     if (!lock(file, LgControl::LOCK_OF_SERVICE)) return fail();
     const HANDLE section =

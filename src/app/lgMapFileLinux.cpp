@@ -114,9 +114,10 @@ bool LgMapFile::fail()
 
 bool LgMapFile::create(const std::string& path)
 {
+    // First, because it may raise an exception.
+    _path = path;
     const int file = lgNewFile(path, &lockWhole);
     if (file < 0) return fail();
-    _path = path;
     _file = file;
     return true;
 }

@@ -50,11 +50,12 @@ bool LgMapFile::fail()
 // While the process lives, others may open it for reading only.
 bool LgMapFile::create(const std::string& path)
 {
+    // First, because it may raise an exception.
+    _path = path;
     const HANDLE file =
         CreateFileA(path.c_str(), GENERIC_READ | GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_DELETE,
                     nullptr, CREATE_NEW, FILE_ATTRIBUTE_TEMPORARY, nullptr);
     if (file == INVALID_HANDLE_VALUE) return fail();
-    _path = path;
     _file = reinterpret_cast<std::intptr_t>(file);
     return true;
 }
@@ -135,6 +136,8 @@ LgLeftFile::~LgLeftFile()
 
 LgLeftFile::Outcome LgLeftFile::open(const std::string& path)
 {
+    // First, because it may raise an exception.
+    _path = path;
     const HANDLE file = CreateFileA(path.c_str(), GENERIC_READ | GENERIC_WRITE, FILE_SHARE_DELETE,
                                     nullptr, OPEN_EXISTING, FILE_FLAG_OPEN_REPARSE_POINT, nullptr);
     if (file == INVALID_HANDLE_VALUE)
@@ -151,7 +154,6 @@ LgLeftFile::Outcome LgLeftFile::open(const std::string& path)
         CloseHandle(file);
         return Outcome::Refused;
     }
-    _path = path;
     _file = reinterpret_cast<std::intptr_t>(file);
     return Outcome::Opened;
 }
