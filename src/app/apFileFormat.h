@@ -26,6 +26,7 @@ struct ApFileValue
 
     /// The handle of the variable that it is for: "server::port". Tables and keys are joined so.
     std::string _name;
+    /// What it is in the file.
     Kind _kind = Kind::Text;
     /// The value as a variable takes it: a switch is "true" or "false".
     std::string _text;
@@ -37,9 +38,11 @@ struct ApFileValue
 class ZU_APP_API ApFileError : public std::runtime_error
 {
 public:
+    /// The line counts from 1 on; the reason is a sentence without a full stop.
     ApFileError(int line, const std::string& reason);
     ~ApFileError() override;
 
+    /// The line, from 1 on.
     int getLine() const
     {
         return _line;

@@ -98,8 +98,7 @@ std::string errorOfOption(const ApSetting& setting, const ApGiven& given)
     return setting.errorOf("option '" + given._spelling + "'", given._value);
 }
 
-std::string errorWithoutOption(const ApSetting& setting,
-                               const ApSettings::Environment& environment,
+std::string errorWithoutOption(const ApSetting& setting, const ApSettings::Environment& environment,
                                const ApSettings::InFile& inFile)
 {
     const char* const text =

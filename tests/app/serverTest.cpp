@@ -281,8 +281,7 @@ TEST_F(ServerTest, RefusesAPortThatIsNone)
         EXPECT_EQ(result.out, "") << port;
         EXPECT_EQ(result.err, std::string("server: option '-p' needs a whole number from 0 to "
                                           "65535, not '") +
-                                  port +
-                                  "'\nserver: 'server --help' shows what can be given\n");
+                                  port + "'\nserver: 'server --help' shows what can be given\n");
     }
 }
 
