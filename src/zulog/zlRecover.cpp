@@ -53,6 +53,90 @@ std::string mapDirectory(const ZlRecoverOptions& options)
     return directory;
 }
 
+std::string withoutSeparator(std::string path)
+{
+    const std::filesystem::path form(path);
+    return form.has_filename() || !form.has_parent_path() || !form.has_relative_path()
+               ? path
+               : form.parent_path().string();
+}
+
+// Without "." and "..", as far as that is possible without looking at any file.
+std::string lexicalOf(const std::string& directory)
+{
+    return withoutSeparator(std::filesystem::path(directory).lexically_normal().string());
+}
+
+std::string absoluteOf(const std::string& directory)
+{
+    std::error_code error;
+    const std::filesystem::path path = std::filesystem::absolute(directory, error);
+    return error ? directory : lexicalOf(path.string());
+}
+
+// Through links, as far as they are there.
+std::string resolvedOf(const std::string& directory)
+{
+    const std::string path = absoluteOf(directory);
+    std::error_code error;
+    const std::filesystem::path resolved = std::filesystem::weakly_canonical(path, error);
+    return error ? path : withoutSeparator(resolved.string());
+}
+
+// Nobody knows what a relative name in a map counts from: such a name must be given likewise.
+bool isSameDirectory(const std::string& ofMap, const std::string& named)
+{
+    if (ofMap == named) return true;
+    if (OsFilePath::isAbsolute(ofMap.c_str())) return resolvedOf(ofMap) == resolvedOf(named);
+    return !OsFilePath::isAbsolute(named.c_str()) && lexicalOf(ofMap) == lexicalOf(named);
+}
+
+// Whether a map is of a service with this log directory. The name of a map shows the directory as
+// it was written there; the map itself can be read only when its process has ended.
+class DirectoryFilter
+{
+public:
+    explicit DirectoryFilter(const std::string& named) : _named(named)
+    {
+        for (const std::string& form :
+             {named, lexicalOf(named), absoluteOf(named), resolvedOf(named)})
+        {
+            _prefixes.push_back(LgServiceMap::prefixFor(form));
+            _prefixes.push_back(LgServiceMap::prefixFor(form + OsFilePath::getSeparator()));
+        }
+    }
+
+    bool accepts(const std::string& directory, const std::string& name) const
+    {
+        const auto begins = [&name](const std::string& prefix) { return name.starts_with(prefix); };
+        if (std::any_of(_prefixes.begin(), _prefixes.end(), begins)) return true;
+        LgLeftFile file;
+        if (file.open(directory + name) != LgLeftFile::Outcome::Opened) return false;
+        LgServiceRecovery look(file, LgLineForm::Ticks, false, {});
+        return look.load() && isSameDirectory(look.getMap().getHeader()._directory, _named);
+    }
+
+private:
+    const std::string& _named;
+    std::vector<std::string> _prefixes;
+};
+
+// Those of the named log directory.
+std::vector<std::string> selectedPaths(const ZlRecoverOptions& options,
+                                       const std::string& directory, ZlReports& reports)
+{
+    const std::vector<std::string> names = LgServiceRecovery::mapsIn(directory);
+    const DirectoryFilter filter(options._logDirectory);
+    std::vector<std::string> paths;
+    for (const std::string& name : names)
+        if (filter.accepts(directory, name)) paths.push_back(directory + name);
+    if (paths.empty() && !names.empty())
+        reports.failed("no map is of a service with the log directory \"" +
+                       absoluteOf(options._logDirectory) + "\"; " + std::to_string(names.size()) +
+                       (names.size() == 1 ? " other is in " : " others are in ") + directory);
+    return paths;
+}
+
 std::vector<std::string> pathsOf(const ZlRecoverOptions& options, ZlReports& reports)
 {
     const std::string directory = mapDirectory(options);
@@ -66,10 +150,9 @@ std::vector<std::string> pathsOf(const ZlRecoverOptions& options, ZlReports& rep
         reports.failed("\"" + directory + "\" is not a directory");
         return paths;
     }
-    const std::string prefix =
-        options._logDirectory.empty() ? "" : LgServiceMap::prefixFor(options._logDirectory);
+    if (!options._logDirectory.empty()) return selectedPaths(options, directory, reports);
     for (const std::string& name : LgServiceRecovery::mapsIn(directory))
-        if (name.starts_with(prefix)) paths.push_back(directory + name);
+        paths.push_back(directory + name);
     return paths;
 }
 
@@ -410,7 +493,8 @@ std::string refusalOf(const ZlRecoverOptions& options, const std::string& direct
 {
     if (directory.size() >= LgMap::DIRECTORY_SIZE - 1)
         return "its log directory has too long a name";
-    const bool isNamed = directory == options._logDirectory;
+    const bool isNamed =
+        !options._logDirectory.empty() && isSameDirectory(directory, options._logDirectory);
     if (!OsFilePath::isAbsolute(directory.c_str()) && !isNamed)
         return "its log directory \"" + directory +
                "\" is relative to a directory that is not known";

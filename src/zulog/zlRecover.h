@@ -22,8 +22,10 @@ struct ZlRecoverOptions
 {
     /// Where the maps are; empty for the directory that a log service chooses by itself.
     std::string _mapDirectory;
-    /// Only what services with exactly this log directory left; empty for any. A relative log
-    /// directory counts from the current one, and only if it is named here.
+    /// Only what services with this log directory left, however it is spelled, also through links;
+    /// empty for any. That there are maps but none of them is a failure. If a service had a
+    /// relative log directory, that counts from the current one, and only if it is named here as
+    /// a relative one.
     std::string _logDirectory;
     /// Paths, or names in the directory; empty for all. One that is named and can't be used is
     /// reported as a failure.

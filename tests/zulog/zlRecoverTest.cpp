@@ -318,6 +318,50 @@ TEST_F(ZlRecover, OnlyMapsOfTheNamedLogDirectoryAreFound)
     EXPECT_TRUE(find().empty());
 }
 
+TEST_F(ZlRecover, TheLogDirectoryMayBeSpelledInSeveralWays)
+{
+    leaveLines(1, 3);
+    const std::filesystem::path logs(_logs.path());
+    const std::string spellings[] = {_logs.path() + "/", _logs.path() + "/.",
+                                     _logs.path() + "/../" + logs.filename().string(),
+                                     std::filesystem::relative(logs).string(),
+                                     "./" + std::filesystem::relative(logs).string() + "/"};
+    for (const std::string& spelling : spellings)
+    {
+        options._logDirectory = spelling;
+        EXPECT_EQ(find().size(), 1U) << spelling;
+    }
+}
+
+TEST_F(ZlRecover, TheLogDirectoryMayBeNamedThroughALink)
+{
+    leaveLines(1, 3);
+    const std::string link = _dir.file("link");
+    std::error_code error;
+    std::filesystem::create_directory_symlink(_logs.path(), link, error);
+    if (error) GTEST_SKIP() << "no symbolic links here: " << error.message();
+    options._logDirectory = link;
+    EXPECT_EQ(find().size(), 1U);
+}
+
+TEST_F(ZlRecover, MapsOfOtherLogDirectoriesAloneAreAFailure)
+{
+    leaveLines(1, 3);
+    options._logDirectory = _logs.path() + "x";
+    const std::string begin =
+        "no map is of a service with the log directory \"" + _logs.path() + "x\"; ";
+    const Result one = call(&Zu::zlRecoverList);
+    EXPECT_TRUE(one._hasFailed);
+    EXPECT_EQ(one._out, "");
+    EXPECT_NE(one._err.find(begin + "1 other is in " + _maps.file("")), std::string::npos)
+        << one._err;
+    const TempDir other;
+    leave("kill", 1, 3, 0, {{"B7Q_TEST_DIR", other.path()}});
+    const Result two = call(&Zu::zlRecoverList);
+    EXPECT_NE(two._err.find(begin + "2 others are in " + _maps.file("")), std::string::npos)
+        << two._err;
+}
+
 TEST_F(ZlRecover, WhatIsShownIsWhatIsWritten)
 {
     leaveLines(2, 30);
