@@ -10,9 +10,11 @@
 #include <algorithm>
 #include <bit>
 #include <cstdint>
+#include <filesystem>
 #include <memory>
 #include <nlohmann/json.hpp>
 #include <optional>
+#include <system_error>
 #include <utility>
 
 namespace Zu
@@ -60,7 +62,14 @@ bool isNamed(const ZlAsker& asker, const std::string& text)
 std::vector<Asker> findAll(const ZlControlOptions& options, ZlReports& reports)
 {
     std::vector<Asker> askers;
-    for (const std::string& path : zlFindControlFiles(controlDirectory(options)))
+    const std::string directory = controlDirectory(options);
+    std::error_code ignored;
+    if (!std::filesystem::is_directory(directory, ignored))
+    {
+        reports.failed("\"" + directory + "\" is not a directory");
+        return askers;
+    }
+    for (const std::string& path : zlFindControlFiles(directory))
     {
         auto asker = std::make_unique<ZlAsker>(path);
         if (asker->getState() == ZlAsker::State::Left) LgControlPeer::remove(path);
@@ -344,7 +353,8 @@ void zlShowProcesses(const ZlControlOptions& options, ZlOutput& out, ZlReports& 
     const std::vector<Asker> askers = find(options, reports);
     const bool isTable = options._processes.empty() && !options._isJson;
     Json list = Json::array();
-    if (isTable && askers.empty()) out.text() += "No process has a log service.\n";
+    if (isTable && askers.empty() && !reports.hasFailed())
+        out.text() += "No process has a log service.\n";
     if (isTable && !askers.empty()) appendHead(out.text(), options);
     for (const Asker& asker : askers)
     {

@@ -100,6 +100,16 @@ TEST(ZlControl, WithoutProcessesThereIsASentence)
     EXPECT_EQ(json.out, "{\"processes\":[]}\n");
 }
 
+TEST(ZlControl, ADirectoryThatIsNotThereIsAFailure)
+{
+    const support::TempDir dir;
+    const ProgramResult result =
+        support::runProgram("zulog", {"ps", "--mappings", dir.file("nowhere")});
+    EXPECT_EQ(result.exitCode, 1);
+    EXPECT_EQ(result.out, "");
+    EXPECT_TRUE(contains(result.err, "is not a directory")) << result.err;
+}
+
 TEST(ZlControl, ShowsARunningProcess)
 {
     const Controlled process;
