@@ -19,6 +19,8 @@ using Name = ZlCommand::Name;
 using Times = ZlFormatOptions::Times;
 
 constexpr int WRONG_USE = 2;
+constexpr const char* ALL_LEVEL_NAMES =
+    "Internal Error, Fatal Error, Error, Warning, Informational, Tracing or Profiling";
 
 // What most people choose from.
 constexpr const char* LEVEL_TYPE = "LEVEL:{Internal Error,Fatal Error,Error,Warning,Informational,"
@@ -425,10 +427,7 @@ void finishSelection(const Words& words, std::int64_t now, ZlSelection& selectio
     if (!words._level.empty())
     {
         const auto levels = zlParseLevels(words._level);
-        if (!levels)
-            refuse("--level", words._level,
-                   "Internal Error, Fatal Error, Error, Warning, Informational, Tracing or "
-                   "Profiling");
+        if (!levels) refuse("--level", words._level, ALL_LEVEL_NAMES);
         selection._levels = *levels;
     }
     for (const std::string& text : words._threads)
@@ -441,14 +440,24 @@ void finishSelection(const Words& words, std::int64_t now, ZlSelection& selectio
     refuseWrongExpressions("--exclude", selection._exclusions);
     if (!words._since.empty()) selection._since = timeOf("--since", words._since, now);
     if (!words._until.empty()) selection._until = timeOf("--until", words._until, now);
+    if (selection._since && selection._until && *selection._since > *selection._until)
+        throw CLI::ValidationError("--since is behind --until");
+}
+
+void refuseChange(const std::string& text)
+{
+    const std::size_t end = text.rfind('=');
+    if (end == std::string::npos || end == 0)
+        refuse("CHANGE", text, "a group and a level such as Database=Tracing");
+    throw CLI::ValidationError("CHANGE", "\"" + text.substr(end + 1) + "\" is no level: expected " +
+                                             ALL_LEVEL_NAMES);
 }
 
 void finishControl(const Words& words, ZlControlOptions& control)
 {
     if (!words._process.empty()) control._processes = {words._process};
     for (const std::string& text : words._changes)
-        if (!zlParseChange(text, control._changes.emplace_back()))
-            refuse("CHANGE", text, "a group and a level such as Database=Tracing");
+        if (!zlParseChange(text, control._changes.emplace_back())) refuseChange(text);
     control._isJson = words._list == "json";
 }
 
@@ -460,6 +469,15 @@ void finishShip(bool hasInput, ZlShipOptions& ship)
         refuse("--to", ship._destinationText,
                "relp://HOST:PORT, tcp://HOST:PORT, journal: or journal:PATH");
     ship._destination = *destination;
+}
+
+// Of the page, if none is given.
+std::string titleOf(const std::vector<std::string>& files)
+{
+    if (files.empty()) return {};
+    const std::size_t others = files.size() - 1;
+    if (others == 0) return files[0];
+    return files[0] + " and " + std::to_string(others) + (others == 1 ? " other" : " others");
 }
 
 void finish(const Words& words, const ZlSurroundings& surroundings, ZlCommand& command)
@@ -484,7 +502,7 @@ void finish(const Words& words, const ZlSurroundings& surroundings, ZlCommand& c
     command._stats._times = times;
     command._stats._hasBlocks = surroundings._isOutputTerminal;
     command._isStatsJson = words._figures == "json";
-    if (command._pageTitle.empty() && !words._files.empty()) command._pageTitle = words._files[0];
+    if (command._pageTitle.empty()) command._pageTitle = titleOf(words._files);
     command._recover._times = times;
     command._control._times = times;
     finishControl(words, command._control);

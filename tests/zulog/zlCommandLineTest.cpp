@@ -81,6 +81,14 @@ TEST(ZlCommandLine, ColoursAndPagesOnATerminal)
     }
 }
 
+TEST(ZlCommandLine, TheTitleOfAPageNamesTheFirstFileAndCountsTheOthers)
+{
+    EXPECT_EQ(read({"html", "rot"})._pageTitle, "rot");
+    EXPECT_EQ(read({"html", "rot", "b"})._pageTitle, "rot and 1 other");
+    EXPECT_EQ(read({"html", "rot", "b", "c"})._pageTitle, "rot and 2 others");
+    EXPECT_EQ(read({"html", "rot", "b", "--title", "Mine"})._pageTitle, "Mine");
+}
+
 TEST(ZlCommandLine, RefusesWhatItCantUse)
 {
     const struct
@@ -104,6 +112,11 @@ TEST(ZlCommandLine, RefusesWhatItCantUse)
         {{"show", "a", "--thread", "0xg"}, "--thread: \"0xg\" can't be used: expected a number"},
         {{"show", "a", "--process", "x"}, "--process"},
         {{"show", "a", "--since", "soon"}, "--since: \"soon\" can't be used: expected a time"},
+        {{"show", "a", "--since", "now", "--until", "5m ago"},
+         "zulog: --since is behind --until\n"},
+        {{"level", "12", "Server=loud"},
+         "\"loud\" is no level: expected Internal Error, Fatal Error, Error, Warning, "},
+        {{"level", "12", "Server"}, "\"Server\" can't be used: expected a group and a level"},
         {{"show", "a", "--context", "-1"}, "--context"},
         {{"show", "a", "--format", "xml"}, "xml"},
         {{"show", "a", "--utc", "--ticks"}, "--utc"},
