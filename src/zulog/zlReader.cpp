@@ -121,6 +121,21 @@ void ZlReader::setOrigin(const LgLineOrigin& origin)
     _owner._process = origin._process;
     _owner._processStart = origin._processStart;
     _owner._ticksPerSecond = origin._ticksPerSecond;
+    // A log of more processes than that has the host of the earlier ones only.
+    constexpr std::size_t MOST_OWNERS = 10000;
+    const auto place = _owners.find(origin._process);
+    if (place != _owners.end())
+        place->second = _owner;
+    else if (_owners.size() < MOST_OWNERS)
+        _owners.emplace(origin._process, _owner);
+}
+
+// Several processes may share a log, so that lines of one follow the start of another.
+const ZlOwner& ZlReader::ownerOf(std::uint32_t process) const
+{
+    if (_owner._process == process) return _owner;
+    const auto place = _owners.find(process);
+    return place == _owners.end() ? _nobody : place->second;
 }
 
 void ZlReader::forgetOrigin()
@@ -383,7 +398,7 @@ void ZlReader::readEvent(const ZlHead& head, std::string_view text)
         _record._wall = head._wall;
         _record._zone = head._zone;
         _record._process = head._process;
-        if (_owner._process != head._process) _record._owner = &_nobody;
+        _record._owner = &ownerOf(head._process);
     }
     else
     {

@@ -13,6 +13,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <deque>
+#include <map>
 #include <memory>
 #include <optional>
 #include <string>
@@ -142,6 +143,7 @@ private:
     void report(const char* reason);
     void setOrigin(const LgLineOrigin& origin);
     void forgetOrigin();
+    const ZlOwner& ownerOf(std::uint32_t process) const;
 
     std::vector<std::string> _files;
     std::size_t _nextFile = 0;
@@ -173,6 +175,8 @@ private:
     // Whose lines these are, and for lines of which that is not known.
     ZlOwner _owner;
     const ZlOwner _nobody;
+    // What the latest origin of each process says.
+    std::map<std::uint32_t, ZlOwner> _owners;
     std::optional<LgLineOrigin> _origin;
     // Whether that ends with the present record.
     bool _isOwnerOver = false;

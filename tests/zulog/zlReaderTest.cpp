@@ -72,6 +72,18 @@ TEST(ZlReader, LeavesOpenWhatTheFileDoesNotSay)
     EXPECT_EQ(result._reports, "");
 }
 
+TEST(ZlReader, KeepsTheHostOfAProcessWhenAnotherOneStarts)
+{
+    const std::string iso = "2026-11-22T10:00:00.000001Z ";
+    const std::string one = iso + "4711 (0x00000abc) Error: a\n";
+    const Result result =
+        readAll(BANNER + ORIGIN + one + BANNER + OTHER_ORIGIN + one + STOPPED + one);
+    ASSERT_EQ(result._records.size(), 6U);
+    EXPECT_EQ(result._records[1]._host, "alpha");
+    EXPECT_EQ(result._records[3]._host, "alpha");
+    EXPECT_EQ(result._records[5]._host, "alpha");
+}
+
 TEST(ZlReader, KnowsTheHostOfAProcessAlone)
 {
     const std::string iso = "2026-11-22T10:00:00.000001Z ";
