@@ -53,7 +53,7 @@ std::string mapDirectory(const ZlRecoverOptions& options)
     return directory;
 }
 
-std::string withoutSeparator(std::string path)
+std::string withoutSeparator(const std::string& path)
 {
     const std::filesystem::path form(path);
     return form.has_filename() || !form.has_parent_path() || !form.has_relative_path()
