@@ -10,6 +10,7 @@
 #include <sys/stat.h>
 #include <system_error>
 #include <unistd.h>
+#include <utility>
 
 namespace Zu
 {
@@ -89,11 +90,12 @@ bool LgControlFile::fail()
 
 bool LgControlFile::create(const std::string& path)
 {
-    // First, because it may raise an exception.
-    _path = path;
+    // First, because copying may raise an exception.
+    std::string name = path;
     const int own =
         lgNewFile(path, [](int file) { return lock(file, LgControl::LOCK_OF_SERVICE); });
     if (own < 0) return fail();
+    _path = std::move(name);
     _file = own;
     // Where a file has its name from the beginning, it may have been taken for a remnant.
     struct stat status = {};

@@ -1,6 +1,7 @@
 #include "app/lgControlFile.h"
 
 #include <system_error>
+#include <utility>
 #include <windows.h>
 
 namespace Zu
@@ -53,12 +54,13 @@ bool LgControlFile::fail()
 
 bool LgControlFile::create(const std::string& path)
 {
-    // First, because it may raise an exception.
-    _path = path;
+    // First, because copying may raise an exception.
+    std::string name = path;
     const HANDLE file =
         CreateFileA(path.c_str(), GENERIC_READ | GENERIC_WRITE | DELETE, SHARED_WITH_ALL, nullptr,
                     CREATE_NEW, FILE_ATTRIBUTE_TEMPORARY | FILE_FLAG_DELETE_ON_CLOSE, nullptr);
     if (file == INVALID_HANDLE_VALUE) return fail();
+    _path = std::move(name);
     _file = reinterpret_cast<std::intptr_t>(file);
     if (!lock(file, LgControl::LOCK_OF_SERVICE)) return fail();
     const HANDLE section =

@@ -18,6 +18,7 @@
 #include <sys/utsname.h>
 #include <system_error>
 #include <unistd.h>
+#include <utility>
 
 namespace Zu
 {
@@ -114,10 +115,11 @@ bool LgMapFile::fail()
 
 bool LgMapFile::create(const std::string& path)
 {
-    // First, because it may raise an exception.
-    _path = path;
+    // First, because copying may raise an exception.
+    std::string name = path;
     const int file = lgNewFile(path, &lockWhole);
     if (file < 0) return fail();
+    _path = std::move(name);
     _file = file;
     return true;
 }

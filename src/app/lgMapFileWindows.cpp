@@ -3,6 +3,7 @@
 #include <cstring>
 #include <memory>
 #include <system_error>
+#include <utility>
 #include <windows.h>
 
 namespace Zu
@@ -50,12 +51,13 @@ bool LgMapFile::fail()
 // While the process lives, others may open it for reading only.
 bool LgMapFile::create(const std::string& path)
 {
-    // First, because it may raise an exception.
-    _path = path;
+    // First, because copying may raise an exception.
+    std::string name = path;
     const HANDLE file =
         CreateFileA(path.c_str(), GENERIC_READ | GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_DELETE,
                     nullptr, CREATE_NEW, FILE_ATTRIBUTE_TEMPORARY, nullptr);
     if (file == INVALID_HANDLE_VALUE) return fail();
+    _path = std::move(name);
     _file = reinterpret_cast<std::intptr_t>(file);
     return true;
 }
@@ -136,8 +138,8 @@ LgLeftFile::~LgLeftFile()
 
 LgLeftFile::Outcome LgLeftFile::open(const std::string& path)
 {
-    // First, because it may raise an exception.
-    _path = path;
+    // First, because copying may raise an exception.
+    std::string name = path;
     const HANDLE file = CreateFileA(path.c_str(), GENERIC_READ | GENERIC_WRITE, FILE_SHARE_DELETE,
                                     nullptr, OPEN_EXISTING, FILE_FLAG_OPEN_REPARSE_POINT, nullptr);
     if (file == INVALID_HANDLE_VALUE)
@@ -154,6 +156,7 @@ LgLeftFile::Outcome LgLeftFile::open(const std::string& path)
         CloseHandle(file);
         return Outcome::Refused;
     }
+    _path = std::move(name);
     _file = reinterpret_cast<std::intptr_t>(file);
     return Outcome::Opened;
 }
