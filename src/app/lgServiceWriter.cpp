@@ -415,8 +415,8 @@ std::uint32_t LgServiceWriter::lossesOf(const Cursor& cursor, const LgQueue::Ent
         std::min<std::uint64_t>(count, lost > reported ? lost - reported : 0));
 }
 
-// Losses that raced with the writing of their entry are in no entry. When the thread has ended they
-// are known exactly.
+// Losses that raced with the writing of their entry are in no entry. When the thread or the service
+// ends they are known exactly.
 void LgServiceWriter::addRestOfLosses(std::uint32_t known)
 {
     LgQueue& queue = *_known[known]._queue;
@@ -621,14 +621,26 @@ void LgServiceWriter::endQueues()
     _ended.clear();
 }
 
+// What files that fail did not take, and the losses that are in no entry. Threads that live on have
+// such losses, too, and nobody may look at their queues again.
+void LgServiceWriter::writeLast()
+{
+    _cursors.clear();
+    std::uint32_t next = 0;
+    do
+    {
+        beginBatch();
+        _finished.clear();
+        while (next < _known.size() && _lines.size() < LgMap::MOST_EVENTS) addRestOfLosses(next++);
+        if (!_lines.empty() || isFailing()) writeCollected();
+    } while (next < _known.size());
+}
+
 LgServiceWriter::Rest LgServiceWriter::finish()
 {
     const LgInterProcessLockGuard guard(LgLog::getInterProcessLock());
     forEachLog([](std::uint32_t, LgServiceLog& log) { log.tryNow(); });
-    beginBatch();
-    _finished.clear();
-    _cursors.clear();
-    if (isFailing()) writeCollected();
+    writeLast();
     Rest rest = Rest::None;
     forEachLog(
         [&](std::uint32_t level, LgServiceLog& log)

@@ -88,7 +88,8 @@ public:
     void addHealth(LgServiceHealth& health, const std::vector<const LgQueue*>& queues) const;
 
     /// Tries files that fail once more. What waits for them is kept for the next service of this
-    /// process or of another one, or given up if the map has no room for it.
+    /// process or of another one, or given up if the map has no room for it. Reports the lost
+    /// events that no line has reported yet. Called when writeBatch() has found nothing.
     Rest finish();
 
     /// Closes all files; the next lines open them by their names.
@@ -167,6 +168,7 @@ private:
     void addEvent(Cursor& cursor);
     std::uint32_t lossesOf(const Cursor& cursor, const LgQueue::Entry& entry);
     void addRestOfLosses(std::uint32_t known);
+    void writeLast();
     void addLine(std::uint16_t inBatch, const LgLineEvent& event, std::uint32_t lost);
     std::uint16_t enter(const LgQueue& queue, std::uint32_t inMap);
     Output* outputOf(LgTypes::Level level);

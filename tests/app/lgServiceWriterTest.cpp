@@ -530,24 +530,26 @@ TEST_F(LgServiceWriterTest, WhatComesDuringABatchIsInTheNext)
     EXPECT_EQ(texts(), (Texts{"one", "two"}));
 }
 
+// Fills the queue; then so many events are lost.
+void flood(LgQueue& queue, int losses)
+{
+    while (queue.reserveEntry(LgTypes::Warning))
+    {
+        queue.getStream() << "x" << Zu::ends;
+        queue.addEntry();
+    }
+    while (--losses > 0) EXPECT_FALSE(queue.reserveEntry(LgTypes::Warning));
+}
+
 TEST_F(LgServiceWriterTest, LossesAddUpWhenTheThreadHasEnded)
 {
     start();
     LgQueue& queue = makeQueue();
     const std::uint32_t index = _map.indexOf(queue);
-    const auto flood = [&](int more)
-    {
-        while (queue.reserveEntry(LgTypes::Warning))
-        {
-            queue.getStream() << "x" << Zu::ends;
-            queue.addEntry();
-        }
-        while (--more > 0) EXPECT_FALSE(queue.reserveEntry(LgTypes::Warning));
-    };
-    flood(7);
+    flood(queue, 7);
     writeAll();
     EXPECT_EQ(lostInFile(), 7U);
-    flood(5);
+    flood(queue, 5);
     writeAll();
     EXPECT_EQ(lostInFile(), 12U);
     EXPECT_EQ(_map.queueAt(index)._reported, 12U);
@@ -565,6 +567,36 @@ TEST_F(LgServiceWriterTest, LossesAddUpWhenTheThreadHasEnded)
     EXPECT_EQ(lostInFile(), 15U);
     EXPECT_EQ(texts().back(), "Event overflow [3]");
     EXPECT_EQ(_map.queueAt(index)._block, 0U);
+}
+
+TEST_F(LgServiceWriterTest, LossesOfThreadsThatLiveOnAddUpWhenTheServiceEnds)
+{
+    _settings._entries = 64;
+    _settings._characters = 32768;
+    start();
+    // More than a batch can have lines for.
+    constexpr int THREADS = Zu::LgMap::MOST_EVENTS + 1;
+    std::uint64_t lost = 0;
+    for (int i = 0; i < THREADS; ++i) flood(makeQueue(), 2);
+    atSteps(
+        [&](Step at)
+        {
+            // If its entry of losses is in the batch, no entry has these.
+            if (at != Step::Committed) return;
+            for (LgQueue* const queue : _queues)
+                if (!queue->canReserve()) queue->reserveEntry(LgTypes::Warning);
+        });
+    writeAll();
+    LgServiceWriter::_atStep = nullptr;
+    for (const LgQueue* const queue : _queues) lost += queue->getLostCount();
+    EXPECT_LT(lostInFile(), lost);
+    EXPECT_EQ(_writer->finish(), LgServiceWriter::Rest::None);
+    EXPECT_EQ(lostInFile(), lost);
+    // The next service of the process does not report them again.
+    EXPECT_EQ(_writer->finish(), LgServiceWriter::Rest::None);
+    endQueues();
+    writeAll();
+    EXPECT_EQ(lostInFile(), lost);
 }
 
 TEST_F(LgServiceWriterTest, LossesOfAThreadThatFloodsItsQueueAddUp)
