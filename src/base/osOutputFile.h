@@ -61,7 +61,7 @@ ZU_BASE_API std::intptr_t osOpenOutputFile(const char* name, OsOutputMode mode);
 /// own, even if it is a link, and must not have a second name; a new file is readable by its owner
 /// only. Of the path, only the directory that contains the file is examined. On Windows the
 /// temporary directory is the user's, and files are opened without a check.
-void osOpenOutput(std::ofstream& file, const char* name, bool appends);
+ZU_BASE_API void osOpenOutput(std::ofstream& file, const char* name, bool appends);
 
 /// Hands an open descriptor to a stream, which then owns it. Returns false if that fails; the
 /// caller then still owns the descriptor.

@@ -110,6 +110,11 @@ TestGroup* TestGroup::getInstance(const char* name)
     return nullptr;
 }
 
+void TestGroup::visitAll(const Visitor& visitor)
+{
+    for (TestGroup* const group : instances()) visitor(*group);
+}
+
 bool TestGroup::isPixified()
 {
     return _isPixified;

@@ -6,6 +6,7 @@
 
 #include "baseApi.h"
 
+#include <functional>
 #include <iosfwd>
 #include <memory>
 #include <vector>
@@ -64,6 +65,13 @@ public:
 
     /// The first group of this name; null if there is none, and for null.
     static TestGroup* getInstance(const char* name);
+
+    /// Called with a group, which may be one without a name.
+    using Visitor = std::function<void(TestGroup& group)>;
+
+    /// Visits the groups in the order in which they registered themselves. For programs that run
+    /// them in a way of their own. The visitor must not make groups.
+    static void visitAll(const Visitor& visitor);
 
     /// Whether the program was instrumented for profiling, as TestMgr finds out from its name.
     static bool isPixified();

@@ -118,6 +118,18 @@ TEST_F(TestGroupTest, AGroupIsFoundByItsName)
     EXPECT_EQ(TestGroup::getInstance(nullptr), nullptr);
 }
 
+TEST_F(TestGroupTest, AllGroupsAreVisitedInTheOrderOfTheirRegistration)
+{
+    static PlainGroup first("TestGroupTest.visited");
+    static PlainGroup unnamed;
+    static PlainGroup last("TestGroupTest.visited2");
+    std::vector<TestGroup*> visited;
+    TestGroup::visitAll([&](TestGroup& group) { visited.push_back(&group); });
+    ASSERT_GE(visited.size(), 3U);
+    EXPECT_EQ(std::vector<TestGroup*>(visited.end() - 3, visited.end()),
+              (std::vector<TestGroup*>{&first, &unnamed, &last}));
+}
+
 TEST_F(TestGroupTest, TheTextsAreCopied)
 {
     std::string name = "TestGroupTest.copied";
