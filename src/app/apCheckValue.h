@@ -22,8 +22,9 @@ namespace Zu
 /// What is shown for a value that can't be printed.
 inline constexpr const char* AP_NOT_PRINTABLE = "(not printable)";
 
-/// The text between double quotes, with "\"", "\\", "\n", "\r", "\t" for these characters, and
-/// "\x1b" for other control characters. Any thread.
+/// The text between double quotes, with escapes as in C++ for quotes, backslashes, line feeds,
+/// carriage returns and tabs, and one of two hexadecimal digits for other control characters. Any
+/// thread.
 ZU_APP_API std::string apQuoted(std::string_view text);
 
 /// @{
