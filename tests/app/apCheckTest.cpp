@@ -140,6 +140,18 @@ TEST(ApCheck, ACheckOutsideOfTheGroupsFailsTheProgramEvenIfItHolds)
     }
 }
 
+TEST(ApCheck, EveryCheckOutsideIsReported)
+{
+    const std::string plain =
+        withoutNumbers(runChecks({"Quiet"}, {{"CHECK_PROGRAM", "plain"}}).out);
+    EXPECT_EQ(plain.rfind(OUTSIDE + "isRequested(\"plain\")\n", 0), 0U) << plain;
+    EXPECT_NE(plain.find("1 group, 2 checks, 1 failure, "), std::string::npos) << plain;
+    const std::string wrong =
+        withoutNumbers(runChecks({"Quiet"}, {{"CHECK_PROGRAM", "wrong"}}).out);
+    EXPECT_EQ(wrong.rfind(OUTSIDE + "calls == 5\n    calls: 0\n", 0), 0U) << wrong;
+    EXPECT_NE(wrong.find("1 group, 2 checks, 1 failure, "), std::string::npos) << wrong;
+}
+
 TEST(ApCheck, ACheckAfterTheRunChangesTheProgramsExitValue)
 {
     for (const std::string where : {"after", "late"})

@@ -261,6 +261,43 @@ TEST(ApTestRunner, WritesAReportForOtherPrograms)
     EXPECT_EQ(xml.substr(xml.size() - end.size()), end);
 }
 
+TEST(ApTestRunner, OutputThatCannotBeWrittenFailsTheRun)
+{
+    if (support::onWindows) GTEST_SKIP() << "there is no full device";
+    const TempDir directory;
+    const std::string err = directory.file("err");
+    for (const char* const word : {"Passing", "--list", "--help"})
+    {
+        ProgramResult result;
+        support::runToFiles(support::programPath("checkProgram"), {word},
+                            {{"CHECK_PROGRAM", std::nullopt}}, "/dev/full", err, result);
+        EXPECT_EQ(support::readFile(err), "checkProgram: standard output can't be written\n");
+        EXPECT_EQ(result.exitCode, 2) << word;
+    }
+}
+
+TEST(ApTestRunner, GroupsKnowAProgramThatIsInstrumented)
+{
+    namespace fs = std::filesystem;
+    const TempDir directory;
+    const fs::path original = support::programPath("checkProgram");
+    // On Windows the libraries are beside it.
+    const fs::path place = support::onWindows ? original.parent_path() : fs::path(directory.path());
+    const std::string unique = fs::path(directory.path()).filename().string();
+    for (const std::string name : {".pixie", ".pixi"})
+    {
+        const fs::path copy = place / (unique + name + original.extension().string());
+        fs::copy_file(original, copy);
+        ProgramResult result;
+        support::runToFiles(copy.string(), {"Quiet"}, {{"CHECK_PROGRAM", std::nullopt}},
+                            directory.file("out"), directory.file("err"), result);
+        fs::remove(copy);
+        EXPECT_EQ(result.exitCode, 0);
+        const std::string out = support::readFile(directory.file("out"));
+        EXPECT_EQ(out.find("pixified") != std::string::npos, name == ".pixie") << out;
+    }
+}
+
 // The block of a document behind the line that names it.
 std::string outputIn(const std::string& document, const std::string& name)
 {

@@ -26,6 +26,8 @@ bool isRequested(const std::string& what)
     return text && text == what;
 }
 
+int calls = 0;
+
 void checkOutside(const std::string& where)
 {
     if (isRequested(where)) ZU_CHECK_EQUAL(where.size(), where.size());
@@ -38,6 +40,8 @@ ZU_PACKAGE(checking, "checking",
                []
                {
                    checkOutside("start");
+                   if (isRequested("plain")) ZU_CHECK(isRequested("plain"));
+                   if (isRequested("wrong")) ZU_CHECK_EQUAL(calls, 5);
                    if (isRequested("brokenStart")) throw std::runtime_error("no start");
                    std::cout << "packages start\n";
                }),
@@ -87,8 +91,6 @@ struct Opaque
         return false;
     }
 };
-
-int calls = 0;
 
 int countCall()
 {
@@ -202,6 +204,7 @@ public:
     void run(int argc, char** const argv) override
     {
         std::cout << "run " << argc << " " << argv[0] << (argv[1] ? "" : " null") << "\n";
+        if (isPixified()) std::cout << "pixified\n";
         ZU_CHECK(!isRequested("loud"));
     }
 
