@@ -107,6 +107,7 @@ void Explorer::runThread(void* thread)
 std::uint64_t Explorer::begin(std::function<void()> body)
 {
     const Outside outside(theCurrent);
+    passOn();
     if (_threads.size() == MAX_THREADS) throw std::length_error("too many threads");
     Thread& thread = *_pool[_threads.size()];
     const View* const creator = _threads.empty() ? nullptr : &running()._view;
@@ -141,6 +142,8 @@ void Explorer::runOnce()
     _ticks = TICKS;
     _depth = 0;
     _decided = _path.size();
+    _watchedSize = 0;
+    if (_options._watcher) _options._watcher->begin();
     begin(_scenario);
     while (Thread* const thread = next())
     {
@@ -150,6 +153,7 @@ void Explorer::runOnce()
         theCurrent = this;
         thread->_fiber.go();
         theCurrent = nullptr;
+        passOn();
         if (!_result._violation.empty()) break;
         if (_trace.size() > MAX_STEPS) check("a loop without end");
     }
@@ -177,6 +181,8 @@ void Explorer::noteEnd()
     {
         ++_result._executions;
         if (!_outcome.empty()) _result._outcomes.insert(_outcome);
+        const std::string problem = _options._watcher ? _options._watcher->end() : std::string();
+        if (!problem.empty()) check(problem.c_str());
     }
     else if (isPutOff)
         ++_result._deadEnds;
@@ -417,11 +423,13 @@ void Explorer::access(Thread& thread, Operation& operation)
         const int place = choose(places);
         _memory.writeTo(thread._view, operation, static_cast<std::size_t>(place));
         operation._value = operation._operand;
+        passOn(thread, operation._address, operation._size);
         return;
     }
     Store& source = *_sources[static_cast<std::size_t>(_choice)];
     if (operation._site != 0) _memory.noteSites(thread._view, operation, source, _result._sites);
     operation._isDone = _memory.readFrom(thread._view, operation, source);
+    if (operation._isDone) passOn(thread, operation._address, operation._size);
 }
 
 void Explorer::lock(Thread& thread, Operation& operation)
@@ -465,6 +473,7 @@ std::uint64_t Explorer::perform(Operation operation, bool* isDone)
     Thread& thread = running();
     {
         const Outside outside(theCurrent);
+        passOn();
         noteSite(operation);
         thread._next = operation;
         if (isAtomicAccess(operation._kind)) check(_memory.prepare(thread._view, operation));
@@ -524,6 +533,7 @@ void Explorer::read(std::uintptr_t address, std::size_t size)
 
 void Explorer::write(std::uintptr_t address, std::size_t size)
 {
+    watch(address, size);
     if (size > LARGE) return;
     const Outside outside(theCurrent);
     check(_memory.write(running()._view, address, size));
@@ -540,6 +550,41 @@ void Explorer::addOutcome(const std::string& text)
 {
     const Outside outside(theCurrent);
     _outcome.append(_outcome.empty() ? "" : " ").append(text);
+}
+
+void Explorer::note(std::uint64_t what)
+{
+    if (!_options._watcher) return;
+    const Outside outside(theCurrent);
+    passOn();
+    _options._watcher->noted(pointOf(running()), what);
+}
+
+// The call comes before the access: what it writes is there when the thread's next one comes.
+void Explorer::watch(std::uintptr_t address, std::size_t size)
+{
+    if (!_options._watcher) return;
+    const Outside outside(theCurrent);
+    passOn();
+    _watched = address;
+    _watchedSize = size;
+}
+
+void Explorer::passOn()
+{
+    if (_watchedSize > 0) passOn(running(), _watched, _watchedSize);
+    _watchedSize = 0;
+}
+
+void Explorer::passOn(const Thread& thread, std::uintptr_t address, std::size_t size) const
+{
+    if (!_options._watcher || !_options._watcher->includes(address)) return;
+    _options._watcher->written(pointOf(thread), reinterpret_cast<const void*>(address), size);
+}
+
+Watcher::Point Explorer::pointOf(const Thread& thread)
+{
+    return {thread._view._thread, thread._view.time(), thread._view._cause.data()};
 }
 
 void Explorer::fail(const std::string& text)
@@ -616,6 +661,11 @@ void leaveOthers()
 void outcome(const std::string& text)
 {
     Explorer::current()->addOutcome(text);
+}
+
+void note(std::uint64_t what)
+{
+    Explorer::current()->note(what);
 }
 
 bool heavyBarrier()

@@ -66,6 +66,7 @@ public:
         _areOthersLeft = true;
     }
     void addOutcome(const std::string& text);
+    void note(std::uint64_t what);
 
 private:
     struct Thread
@@ -151,6 +152,10 @@ private:
     void notify(const Operation& operation);
     void want(const Operation& operation, int thread, const Times& cause);
     void noteEnd();
+    void watch(std::uintptr_t address, std::size_t size);
+    void passOn();
+    void passOn(const Thread& thread, std::uintptr_t address, std::size_t size) const;
+    static Watcher::Point pointOf(const Thread& thread);
     void noteSite(Operation& operation);
     void check(const char* problem);
     std::string describeTrace() const;
@@ -181,6 +186,9 @@ private:
     bool _areOthersLeft = false;
     std::int64_t _time = 0;
     std::uint64_t _ticks = 0;
+    // What the running thread is about to write, for the watcher.
+    std::uintptr_t _watched = 0;
+    std::size_t _watchedSize = 0;
 };
 
 // Memory of the heap for executions, which is the same in each of them.

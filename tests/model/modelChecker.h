@@ -53,6 +53,7 @@
 #ifndef ZU_TESTS_MODEL_MODELCHECKER_H
 #define ZU_TESTS_MODEL_MODELCHECKER_H
 
+#include <cstddef>
 #include <cstdint>
 #include <functional>
 #include <map>
@@ -74,6 +75,49 @@ enum Weakening
     WithoutLightFence = 4
 };
 
+// Gets all that is written to a part of the memory, and what the scenario notes, thread by thread.
+// With that, whatever the threads may have done so far at any moment of an execution is known.
+class Watcher
+{
+public:
+    // Where a thread stands: its own time, and for each thread the last operation without which
+    // this one would not be here.
+    struct Point
+    {
+        int _thread;
+        std::uint32_t _time;
+        const std::uint32_t* _cause;
+    };
+
+    Watcher(const void* place, std::size_t size)
+        : _begin(reinterpret_cast<std::uintptr_t>(place)), _end(_begin + size)
+    {
+    }
+    Watcher(const Watcher&) = delete;
+    Watcher& operator=(const Watcher&) = delete;
+    virtual ~Watcher() = default;
+
+    bool includes(std::uintptr_t address) const
+    {
+        return address >= _begin && address < _end;
+    }
+
+    // An execution begins.
+    virtual void begin() = 0;
+
+    // These bytes were written, and have their new values.
+    virtual void written(const Point& point, const void* place, std::size_t size) = 0;
+
+    virtual void noted(const Point& point, std::uint64_t what) = 0;
+
+    // An execution has come to its end. Returns what is wrong with it; empty if nothing.
+    virtual std::string end() = 0;
+
+private:
+    std::uintptr_t _begin;
+    std::uintptr_t _end;
+};
+
 struct Options
 {
     // Runs all interleavings, without reduction.
@@ -86,6 +130,7 @@ struct Options
     std::uint64_t _limit = 100'000'000;
     // Operations that are weaker than they are written, as bits.
     std::map<Site, int> _weakened;
+    Watcher* _watcher = nullptr;
 };
 
 struct Result
@@ -128,6 +173,9 @@ void require(bool condition, const char* text);
 
 // Notes a result, of which there may be several in an execution: they are joined by blanks.
 void outcome(const std::string& text);
+
+// Something for the watcher.
+void note(std::uint64_t what);
 
 // Has all other threads pass a barrier. Returns true, as the system's does.
 bool heavyBarrier();

@@ -1,0 +1,50 @@
+// The hand-over from a process that is killed to the next one, explored exhaustively.
+
+#include "exploreHandOver.h"
+#include "recoveryScenarios.h"
+
+#include <gtest/gtest.h>
+
+namespace
+{
+
+using recoveryScenarios::Prepared;
+
+TEST(LgServiceRecoveryModel, EachAcceptedEventIsThereOnceWhereverAProcessIsKilled)
+{
+    Prepared::instance();
+    exploreHandOver(recoveryScenarios::all(), {0, false});
+}
+
+TEST(LgServiceRecoveryModel, TheSameWhereverItsRecoveryIsKilled)
+{
+    Prepared::instance();
+    exploreHandOver(recoveryScenarios::simple(), {1, true});
+}
+
+TEST(LgServiceRecoveryModel, TheSameWithLossesAndSeveralQueuesAndFilesThatFail)
+{
+    if (!isOpenRun())
+        GTEST_SKIP() << "what the first recovery finds out of the last batch is lost if it is "
+                        "killed behind its own batch; the variable ZU_MODEL_OPEN asks for it";
+    Prepared::instance();
+    exploreHandOver(recoveryScenarios::all(), {1, false});
+}
+
+TEST(LgServiceRecoveryModel, ThreadsThatLogWhileAServiceEnds)
+{
+    if (!isOpenRun())
+        GTEST_SKIP() << "a line for losses that are in no entry counts as an event of the batch; "
+                        "the variable ZU_MODEL_OPEN asks for it";
+    Prepared::instance();
+    exploreHandOver(recoveryScenarios::besideTheEnd(), {1, false});
+}
+
+TEST(LgServiceRecoveryModel, LongerScenarios)
+{
+    if (!isLongRun()) GTEST_SKIP() << "takes 15 s; the variable ZU_MODEL_LONG asks for it";
+    Prepared::instance();
+    exploreHandOver(recoveryScenarios::forLongRun(), {0, false});
+}
+
+} // namespace
