@@ -212,7 +212,7 @@ bool HandOver::isNew(int kills)
 {
     const std::uint64_t key = _state.getKey();
     for (std::size_t i = static_cast<std::size_t>(kills); i < _seen.size(); ++i)
-        if (_seen[i].count(key) > 0) return false;
+        if (_seen[i].contains(key)) return false;
     _seen[static_cast<std::size_t>(kills)].insert(key);
     return true;
 }

@@ -42,7 +42,7 @@ TEST(LgServiceRecoveryModel, ThreadsThatLogWhileAServiceEnds)
 
 TEST(LgServiceRecoveryModel, LongerScenarios)
 {
-    if (!isLongRun()) GTEST_SKIP() << "takes 15 s; the variable ZU_MODEL_LONG asks for it";
+    if (!isLongRun()) GTEST_SKIP() << "takes 5 s; the variable ZU_MODEL_LONG asks for it";
     Prepared::instance();
     exploreHandOver(recoveryScenarios::forLongRun(), {0, false});
 }

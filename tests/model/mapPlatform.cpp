@@ -144,7 +144,7 @@ void setState(LeftState* state)
     hasOther = false;
 }
 
-const std::vector<std::size_t>& getSteps()
+std::vector<std::size_t> getSteps()
 {
     return theSteps;
 }

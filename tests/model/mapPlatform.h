@@ -44,7 +44,7 @@ const char* kept();
 void setState(handOver::LeftState* state);
 
 // How many changes the state had each time when the recovery may be killed, since setState().
-const std::vector<std::size_t>& getSteps();
+std::vector<std::size_t> getSteps();
 
 // Whether it read what it should not look at.
 bool hasReadOther();
