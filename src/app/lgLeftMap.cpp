@@ -102,6 +102,8 @@ void LgLeftMap::loadBatch(const Read& read)
         ++events;
     }
     if (events > LgMap::MOST_EVENTS) return;
+    for (std::uint32_t i = 0; i < _batch._queueCount; ++i)
+        if (_batch._queues[i]._restLines != 0 && _batchLines[i] > 0) --_batchLines[i];
     _state = static_cast<LgMap::State>(state);
 }
 
@@ -162,7 +164,7 @@ void LgLeftMap::loadQueue(const Read& read, std::uint32_t index)
     queue._index = index;
     queue._reported = facts._reported;
     for (std::uint32_t i = 0; _state != LgMap::Idle && i < _batch._queueCount; ++i)
-        if (_batch._queues[i]._queue == index) goBack(queue, i);
+        if (_batch._queues[i]._queue == index) goBack(queue, i, end);
     if (!isThere || queue._entry >= facts._entries || end >= facts._entries ||
         queue._text >= facts._characters || textEnd >= facts._characters)
     {
@@ -172,8 +174,33 @@ void LgLeftMap::loadQueue(const Read& read, std::uint32_t index)
     _queues.push_back(queue);
     const std::size_t first = _events.size();
     loadEvents(read, queue, end, textEnd);
-    takeLossesOfBatch(queue, first);
+    addRestOfBatch(_queues.back(), first);
+    takeLossesOfBatch(_queues.back(), first);
     addRestOfLosses(queue, first);
+}
+
+// The line of the batch says how many.
+void LgLeftMap::addRestOfBatch(Queue& queue, std::size_t first)
+{
+    if (!queue._hasRest || _events.size() < first + queue._inBatch) return;
+    Event event{_header._originTick,
+                queue._facts._thread,
+                static_cast<std::uint32_t>(_queues.size() - 1),
+                true,
+                true,
+                std::numeric_limits<std::int32_t>::max(),
+                {},
+                queue._entry,
+                queue._text};
+    if (queue._inBatch > 0)
+    {
+        const Event& before = _events[first + queue._inBatch - 1];
+        event._time = before._time;
+        event._nextEntry = before._nextEntry;
+        event._nextText = before._nextText;
+    }
+    _events.insert(_events.begin() + static_cast<std::ptrdiff_t>(first + queue._inBatch++),
+                   std::move(event));
 }
 
 // What the batch reports of an entry of lost events: the producer may have counted more there
@@ -198,21 +225,22 @@ void LgLeftMap::takeLossesOfBatch(const Queue& queue, std::size_t first)
 void LgLeftMap::addRestOfLosses(const Queue& queue, std::size_t first)
 {
     std::uint64_t known = queue._reported;
-    if (queue._lost <= known) return;
+    if (queue._lost == 0) return;
     for (std::size_t i = first; i < _events.size(); ++i)
     {
         if (!_events[i]._isOverflow) continue;
         // Its place may have the count of an earlier burst in it.
-        const std::uint64_t rest = queue._lost - known;
+        const std::uint64_t rest = queue._lost - std::min(known, queue._lost);
         if (static_cast<std::uint32_t>(_events[i]._value) > rest)
             _events[i]._value = static_cast<std::int32_t>(rest);
         known += static_cast<std::uint32_t>(_events[i]._value);
     }
-    if (queue._lost == known) return;
+    if (queue._lost <= known) return;
     constexpr std::uint64_t MOST = std::numeric_limits<std::int32_t>::max();
     Event event{_header._originTick,
                 queue._facts._thread,
                 static_cast<std::uint32_t>(_queues.size() - 1),
+                true,
                 true,
                 static_cast<std::int32_t>(std::min(queue._lost - known, MOST)),
                 {},
@@ -230,19 +258,25 @@ void LgLeftMap::addRestOfLosses(const Queue& queue, std::size_t first)
 // To where the queue was before the batch. If its positions are being moved already, its producer
 // may have overwritten what is before them: then to where it is behind the batch. The text moves
 // first.
-void LgLeftMap::goBack(Queue& queue, std::uint32_t inBatch) const
+void LgLeftMap::goBack(Queue& queue, std::uint32_t inBatch, std::uint32_t end) const
 {
     const LgMap::BatchQueue& before = _batch._queues[inBatch];
     const bool isMoved = queue._entry != before._entry || queue._text != before._text;
     if (_state == LgMap::Written && isMoved)
     {
-        queue._entry = (before._entry + _batchLines[inBatch]) & (queue._facts._entries - 1);
+        // The entries move in one step, behind the text. Losses that are in no entry have a line.
+        if (queue._entry != before._entry) return;
+        const std::uint32_t mask = queue._facts._entries - 1;
+        queue._entry =
+            (before._entry + std::min(_batchLines[inBatch], (end - before._entry) & mask)) & mask;
+        queue._isMoving = true;
         return;
     }
     queue._entry = before._entry;
     queue._text = before._text;
     queue._reported = before._reported;
     queue._inBatch = _batchLines[inBatch];
+    queue._hasRest = before._restLines != 0;
 }
 
 void LgLeftMap::loadEvents(const Read& read, const Queue& queue, std::uint32_t end,
@@ -278,8 +312,15 @@ void LgLeftMap::loadEvents(const Read& read, const Queue& queue, std::uint32_t e
     for (std::uint32_t i = 0; i < count; ++i)
     {
         const LgMap::Entry& entry = entries[i];
-        Event event{
-            entry._time, facts._thread, number, entry._isOverflow != 0, entry._value, {}, 0, 0};
+        Event event{entry._time,
+                    facts._thread,
+                    number,
+                    entry._isOverflow != 0,
+                    false,
+                    entry._value,
+                    {},
+                    0,
+                    0};
         if (event._isOverflow && event._value < 1)
         {
             _damaged += count - i;

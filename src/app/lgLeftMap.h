@@ -32,6 +32,8 @@ public:
         /// Which of getQueues() it is from.
         std::uint32_t _queue;
         bool _isOverflow;
+        /// Whether it stands for losses that are in no entry.
+        bool _isRest;
         /// The level, or how many events were lost.
         std::int32_t _value;
         std::string _text;
@@ -52,6 +54,10 @@ public:
         std::uint64_t _reported;
         /// How many of its first events the last batch consists of.
         std::uint32_t _inBatch;
+        /// Whether its positions were being moved: that of the entries is not where it belongs yet.
+        bool _isMoving;
+        /// Whether another line of that batch stands for losses that are in no entry.
+        bool _hasRest;
     };
 
     /// What waits for a log file that fails.
@@ -135,8 +141,9 @@ private:
     void loadBatch(const Read& read);
     void loadWaiting(const Read& read);
     void loadQueue(const Read& read, std::uint32_t index);
-    void goBack(Queue& queue, std::uint32_t inBatch) const;
+    void goBack(Queue& queue, std::uint32_t inBatch, std::uint32_t end) const;
     void loadEvents(const Read& read, const Queue& queue, std::uint32_t end, std::uint32_t textEnd);
+    void addRestOfBatch(Queue& queue, std::size_t first);
     void takeLossesOfBatch(const Queue& queue, std::size_t first);
     void addRestOfLosses(const Queue& queue, std::size_t first);
     void order();
@@ -144,7 +151,7 @@ private:
     LgMap::Header _header{};
     LgMap::Batch _batch{};
     LgMap::State _state = LgMap::Idle;
-    // How many lines of the batch are of each of its queues.
+    // How many entries of each of its queues the batch consists of.
     std::uint32_t _batchLines[LgMap::MOST_LINES] = {};
     std::vector<Waiting> _waiting = std::vector<Waiting>(LgMap::MOST_FILES);
     std::vector<Queue> _queues;

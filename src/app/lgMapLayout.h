@@ -160,7 +160,8 @@ struct BatchQueue
     std::uint32_t _queue;
     std::uint32_t _entry;
     std::uint32_t _text;
-    std::uint32_t _reserved;
+    /// How many of its lines, the last ones, stand for losses that are in no entry: 0 or 1.
+    std::uint32_t _restLines;
     /// How many of its lost events were reported before.
     std::uint64_t _reported;
 };

@@ -116,6 +116,7 @@ LgServiceRecovery::Outcome LgServiceRecovery::run()
         _positions.push_back({queue._index, queue._entry, queue._text, 0, queue._reported});
     const std::vector<char> isWritten = findWritten();
     findWaiting();
+    if (!storeFound()) return Outcome::Unfinished;
     const std::size_t count = _map.getEvents().size();
     if ((count > 0 || isWaitingLeft()) && !hasAllLogs()) return Outcome::Unfinished;
     // First the events of the batch that was being written, and what waited before: what is known
@@ -144,6 +145,26 @@ LgServiceRecovery::Outcome LgServiceRecovery::run()
         _reason = std::to_string(_map.getDamaged()) + " of them could not be read";
     _file.remove();
     return Outcome::Complete;
+}
+
+// What only the last batch shows, before another one takes its place: where queues were being moved
+// to, and that lines that waited are written.
+bool LgServiceRecovery::storeFound()
+{
+    for (const LgLeftMap::Queue& queue : _map.getQueues())
+    {
+        const std::uint64_t place = queue._facts._block + queue._facts._entriesBegin;
+        if (!queue._isMoving) continue;
+        if (!_file.write(place, &queue._entry, sizeof queue._entry)) return false;
+        at();
+    }
+    for (std::uint32_t i = 0; i < LgTypes::NUM_LEVELS; ++i)
+    {
+        const LgLeftMap::Waiting& waiting = _map.getWaiting()[i];
+        const bool isNothing = waiting._text.empty() && waiting._dropped == 0;
+        if (_waiting[i]._isDone && !isNothing && !storeNothing(i, waiting._batch)) return false;
+    }
+    return true;
 }
 
 void LgServiceRecovery::findLogs()
@@ -446,17 +467,22 @@ bool LgServiceRecovery::storeWaitingDone(std::uint64_t number)
     for (const Output& output : _outputs)
     {
         if (output._waiting == LgMap::NONE) continue;
-        const std::uint64_t place =
-            offsetof(LgMap::Header, _waiting) + output._waiting * sizeof(LgMap::WaitingLog);
-        const std::uint32_t other = 1 - (_map.getHeader()._waiting[output._waiting]._current & 1);
-        const LgMap::Waiting nothing = {0, 0, LgMap::hashBytes("", 0), number, 0, 0};
-        if (!_file.write(place + other * sizeof nothing, &nothing, sizeof nothing)) return false;
-        at();
-        if (!_file.write(place + offsetof(LgMap::WaitingLog, _current), &other, sizeof other))
-            return false;
-        at();
+        if (!storeNothing(output._waiting, number)) return false;
         _waiting[output._waiting]._isDone = true;
     }
+    return true;
+}
+
+bool LgServiceRecovery::storeNothing(std::uint32_t log, std::uint64_t batch)
+{
+    const std::uint64_t place = offsetof(LgMap::Header, _waiting) + log * sizeof(LgMap::WaitingLog);
+    const std::uint32_t other = 1 - (_map.getHeader()._waiting[log]._current & 1);
+    const LgMap::Waiting nothing = {0, 0, LgMap::hashBytes("", 0), batch, 0, 0};
+    if (!_file.write(place + other * sizeof nothing, &nothing, sizeof nothing)) return false;
+    at();
+    if (!_file.write(place + offsetof(LgMap::WaitingLog, _current), &other, sizeof other))
+        return false;
+    at();
     return true;
 }
 
@@ -539,6 +565,7 @@ void LgServiceRecovery::addEvent(const LgLeftMap::Event& event, std::uint32_t in
 {
     const std::uint32_t lost = event._isOverflow ? static_cast<std::uint32_t>(event._value) : 0;
     LgMap::BatchLine line{0, 0, static_cast<std::uint16_t>(inBatch), LgMap::NONE, lost};
+    if (event._isRest) _batch._queues[inBatch]._restLines = 1;
     if (output)
     {
         const std::size_t before = output->_text.size();

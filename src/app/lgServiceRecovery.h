@@ -141,6 +141,7 @@ private:
         bool _isDone = true;
     };
 
+    bool storeFound();
     void findLogs();
     Output* outputOf(LgTypes::Level level);
     Output& outputOfWaiting(std::uint32_t log);
@@ -152,6 +153,7 @@ private:
     bool chooseWaiting();
     void addWaiting(Output& output, LgMap::BatchFile& file);
     bool storeWaitingDone(std::uint64_t number);
+    bool storeNothing(std::uint32_t log, std::uint64_t batch);
     std::vector<std::vector<char>> findWrittenLines();
     static bool isAt(Place& place, const LgMap::BatchLine& line);
     void beginBatch();

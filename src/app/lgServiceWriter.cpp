@@ -430,6 +430,7 @@ void LgServiceWriter::addRestOfLosses(std::uint32_t known)
         enter(queue, inMap),
         {HwCounter::timeStamp(), queue.getThreadId(), LgTypes::Informational, overflowText(count)},
         count);
+    _queues.back()._restLines = 1;
     _finished.push_back({&queue, queue.getReadPosition(), 0, known, inMap, 0, count});
 }
 
@@ -626,6 +627,8 @@ void LgServiceWriter::endQueues()
 void LgServiceWriter::writeLast()
 {
     _cursors.clear();
+    // Queues of threads that have ended since the last look are gone.
+    lookAtRegistry();
     std::uint32_t next = 0;
     do
     {

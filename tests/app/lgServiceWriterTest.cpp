@@ -599,6 +599,24 @@ TEST_F(LgServiceWriterTest, LossesOfThreadsThatLiveOnAddUpWhenTheServiceEnds)
     EXPECT_EQ(lostInFile(), lost);
 }
 
+TEST_F(LgServiceWriterTest, TheEndLooksAtTheQueuesThatThereAreThen)
+{
+    _settings._entries = 64;
+    _settings._characters = 32768;
+    start();
+    const std::size_t before = LgLog::getRegistry()->getQueueList().size();
+    flood(makeQueue(), 7);
+    endQueues();
+    for (int i = 0; i < 3 && LgLog::getRegistry()->getQueueList().size() > before; ++i)
+        _writer->writeBatch();
+    ASSERT_EQ(LgLog::getRegistry()->getQueueList().size(), before);
+    // The memory of the queue that is gone is that of one of these.
+    flood(makeQueue(), 5);
+    flood(makeQueue(), 3);
+    EXPECT_EQ(_writer->finish(), LgServiceWriter::Rest::None);
+    EXPECT_EQ(lostInFile(), 15U);
+}
+
 TEST_F(LgServiceWriterTest, LossesOfAThreadThatFloodsItsQueueAddUp)
 {
     _settings._entries = 64;

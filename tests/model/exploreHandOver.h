@@ -6,16 +6,9 @@
 #include "handOver.h"
 #include "scenario.h"
 
-#include <cstdlib>
 #include <gtest/gtest.h>
 #include <iostream>
 #include <vector>
-
-// Whether what is known to fail is to be run.
-inline bool isOpenRun()
-{
-    return std::getenv("ZU_MODEL_OPEN") != nullptr;
-}
 
 inline model::Result explore(const Scenario& scenario, handOver::HandOver& handOver)
 {

@@ -53,9 +53,6 @@ TEST(PlantedErrors, OfTheRecoveryAreNoticed)
 // Otherwise a scenario would fail without an error as well.
 TEST(PlantedErrors, OfLossesThatAreRecoveredAreNoticed)
 {
-    if (!isOpenRun())
-        GTEST_SKIP() << "waits for the recovery of losses wherever a recovery is killed; the "
-                        "variable ZU_MODEL_OPEN asks for it";
     plant(16, 16, recoveryScenarios::all(), {1, false});
 }
 
