@@ -22,6 +22,9 @@ namespace Zu
 ///   standard output, as all statements do without a service.
 ///
 /// What statements refer to is never destroyed, so destructors of static objects may log.
+///
+/// Thread-safety: any thread may execute statements, but none while the package starts, since that
+/// changes the handle.
 class ZU_APP_API ApLogGroup : public ApPart
 {
 public:

@@ -72,6 +72,22 @@ std::string nameOf(PSID who)
     return text;
 }
 
+// Whether the entry gives nobody access to this file.
+bool isHarmless(const ACE_HEADER& header)
+{
+    return (header.AceFlags & INHERIT_ONLY_ACE) != 0 || header.AceType == ACCESS_DENIED_ACE_TYPE ||
+           header.AceType == ACCESS_DENIED_OBJECT_ACE_TYPE ||
+           header.AceType == ACCESS_DENIED_CALLBACK_ACE_TYPE ||
+           header.AceType == ACCESS_DENIED_CALLBACK_OBJECT_ACE_TYPE;
+}
+
+// Whether mask and user stand where those of a plain entry are.
+bool hasPlainForm(const ACE_HEADER& header)
+{
+    return header.AceType == ACCESS_ALLOWED_ACE_TYPE ||
+           header.AceType == ACCESS_ALLOWED_CALLBACK_ACE_TYPE;
+}
+
 // Why the entries of a list do not do; empty if they do.
 std::string refusalOf(ACL* list)
 {
@@ -82,8 +98,8 @@ std::string refusalOf(ACL* list)
         void* entry = nullptr;
         if (!GetAce(list, i, &entry)) return textOf(GetLastError());
         const auto* const header = static_cast<ACE_HEADER*>(entry);
-        if (header->AceType != ACCESS_ALLOWED_ACE_TYPE || (header->AceFlags & INHERIT_ONLY_ACE))
-            continue;
+        if (isHarmless(*header)) continue;
+        if (!hasPlainForm(*header)) return "it has an access rule of an unknown type";
         auto* const allowed = static_cast<ACCESS_ALLOWED_ACE*>(entry);
         if ((allowed->Mask & CHANGES) == 0 || isTrusted(&allowed->SidStart)) continue;
         return "others can change it: " + nameOf(&allowed->SidStart) + " may write";

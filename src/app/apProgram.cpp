@@ -10,6 +10,7 @@
 #include "base/lgMajorGroup.h"
 
 #include <algorithm>
+#include <array>
 #include <cstdlib>
 #include <exception>
 #include <iostream>
@@ -24,6 +25,9 @@ namespace
 
 constexpr int FAILED = 1;
 constexpr int REFUSED = 2;
+
+// The names of the options that all programs have, or may come to have.
+constexpr std::array<const char*, 4> COMMON_NAMES = {"help", "version", "settings", "completion"};
 
 using Texts = std::vector<std::string>;
 
@@ -55,26 +59,24 @@ private:
     InValueSource* _before = nullptr;
 };
 
-const char* reasonOf(const std::exception_ptr& error)
+std::string reasonOf(const std::exception_ptr& error)
 {
-    static thread_local std::string reason;
     try
     {
         std::rethrow_exception(error);
     }
     catch (const std::exception& exception)
     {
-        reason = exception.what();
+        return exception.what();
     }
     catch (const ExBase& exception)
     {
-        reason = exception.getReason();
+        return exception.getReason();
     }
     catch (...)
     {
-        reason = "an exception of an unknown type";
+        return "an exception of an unknown type";
     }
-    return reason.c_str();
 }
 
 Texts usedGroups()
@@ -218,11 +220,13 @@ void ApProgramState::nameOption(char letter, const std::string& name)
 {
     ApSetting* const setting = letter != 0 ? _settings.find(letter) : nullptr;
     if (!setting) throw std::logic_error(std::string("there is no option '-") + letter + "'");
-    std::vector<ApOption> others = _settings.options();
-    for (const ApOption& option : commonOptions()) others.push_back(option);
-    for (const ApOption& other : others)
-        if (other._longName == name && other._letter != letter)
-            throw std::logic_error("the name '--" + name + "' is taken");
+    const std::vector<ApOption> options = _settings.options();
+    const bool isTaken =
+        std::find(COMMON_NAMES.begin(), COMMON_NAMES.end(), name) != COMMON_NAMES.end() ||
+        std::any_of(options.begin(), options.end(),
+                    [&](const ApOption& other)
+                    { return other._longName == name && other._letter != letter; });
+    if (isTaken) throw std::logic_error("the name '--" + name + "' is taken");
     setting->_longName = name;
 }
 
@@ -284,12 +288,12 @@ Texts ApProgramState::errorsOf(const ApCommandLine& line,
 {
     Texts errors = line.errors();
     if (!_takesWords && !line.words().empty())
-        errors.push_back("unexpected word '" + line.words()[0] +
+        errors.push_back("unexpected argument '" + line.words()[0] +
                          "': the program takes options only");
     else if (line.words().size() < _leastWords)
-        errors.push_back("too few words: expected " + _wordsUsage);
+        errors.push_back("too few arguments: expected " + _wordsUsage);
     else if (_takesWords && line.words().size() > _mostWords)
-        errors.push_back("too many words: expected " + _wordsUsage);
+        errors.push_back("too many arguments: expected " + _wordsUsage);
     const Texts wrong = _settings.check(
         line, options, &std::getenv, [this](const std::string& name) { return _file.has(name); });
     errors.insert(errors.end(), wrong.begin(), wrong.end());
@@ -305,7 +309,11 @@ Texts ApProgramState::loadFile(const ApCommandLine& line, const std::vector<ApOp
     if (!_format) return {};
     std::string path = _settingsPath;
     for (const ApGiven& given : line.given())
-        if (options[given._option]._longName == "settings") path = given._value;
+    {
+        if (options[given._option]._longName != "settings") continue;
+        path = given._value;
+        if (path.empty()) return {"option '--settings' needs the path of a file"};
+    }
     return path.empty() ? Texts() : _file.load(path, *_format, _settings);
 }
 

@@ -32,12 +32,14 @@ struct ApProgramState;
 ///    options and the environment variables with their descriptions and defaults; `--version` shows
 ///    the build record; `--completion` writes a completion for bash. Then the program ends with the
 ///    value 0: no package was started, no file opened.
-/// 2. refuses what can't be used: unknown options, unexpected words, numbers that are not
-///    whole or out of range, required values that are missing, a `ZU_LOG_GROUPS` that would end the
-///    start-up. Each is a line on standard error that names the option or variable; the program
-///    ends with the value 2.
+/// 2. refuses what can't be used: unknown options, unexpected arguments, numbers that are not
+///    whole or out of range, required values that are missing, a `ZU_LOG_GROUPS` that has not the
+///    form GROUP=LEVEL,GROUP=LEVEL... Each is a line on standard error that names the option or
+///    variable; the program ends with the value 2.
 /// 3. starts the packages with InInitGuard, then the log service. What fails is a line on standard
-///    error, and the program ends with the value 1. Groups and levels in `ZU_LOG_GROUPS` and
+///    error, and the program ends with the value 1; packages that were started by then are not
+///    stopped if the exception of the failing one is none of InEx, as InInitGuard has it. Groups
+///    and levels in `ZU_LOG_GROUPS` and
 ///    `ZU_LOG_DEFAULT_LEVEL` that do not exist are reported there, with the names that do.
 /// 4. calls the program, and returns its value. An exception is a line on standard error and the
 ///    value 1, as is one of the shut-down.

@@ -38,12 +38,22 @@ void takeAlias(ApSetting& setting, const InContextAliasBase& alias)
     if (dynamic_cast<const InArgAlias*>(&alias))
     {
         const ApSetting option = ofOption(alias);
+        if (setting._letter != 0)
+        {
+            setting._moreLetters += option._letter;
+            return;
+        }
         setting._letter = option._letter;
         setting._takesValue = option._takesValue;
         setting._description = option._description;
     }
-    else if (dynamic_cast<const InEnvAlias*>(&alias) && setting._variable.empty())
+    else if (dynamic_cast<const InEnvAlias*>(&alias))
     {
+        if (!setting._variable.empty())
+        {
+            setting._moreVariables.emplace_back(alias.getKey());
+            return;
+        }
         setting._variable = alias.getKey();
         if (setting._description.empty()) setting._description = alias.getDescription();
     }
@@ -91,19 +101,27 @@ std::string placesOf(const ApSetting& setting)
     return places;
 }
 
-// An option without a value has the empty text, which a switch takes for "on".
-std::string errorOfOption(const ApSetting& setting, const ApGiven& given)
+bool isOptionOf(const ApSetting& setting, char letter)
 {
-    if (!setting._takesValue) return {};
+    return letter != 0 &&
+           (setting._letter == letter || setting._moreLetters.find(letter) != std::string::npos);
+}
+
+// An option without a value has the empty text, which a switch takes for "on".
+std::string errorOfOption(const ApSetting& setting, const ApOption& option, const ApGiven& given)
+{
+    if (!option._takesValue) return {};
     return setting.errorOf("option '" + given._spelling + "'", given._value);
 }
 
 std::string errorWithoutOption(const ApSetting& setting, const ApSettings::Environment& environment,
                                const ApSettings::InFile& inFile)
 {
-    const char* const text =
-        setting._variable.empty() ? nullptr : environment(setting._variable.c_str());
-    if (text) return setting.errorOf("the variable " + setting._variable, text);
+    std::vector<std::string> variables = setting._moreVariables;
+    if (!setting._variable.empty()) variables.insert(variables.begin(), setting._variable);
+    for (const std::string& variable : variables)
+        if (const char* const text = environment(variable.c_str()))
+            return setting.errorOf("the variable " + variable, text);
     if (!setting._isRequired || setting._default || inFile(setting._handle)) return {};
     return placesOf(setting) + " is needed: " + setting._description;
 }
@@ -140,12 +158,16 @@ ApSettings ApSettings::ofProcess()
     InVariableBase::visitAll(
         [&](const InVariableBase& variable)
         {
-            const ApSetting setting = ofVariable(variable);
+            ApSetting setting = ofVariable(variable);
             // An option belongs to the first of its variables.
             if (setting._letter != 0 && withLetter[setting._letter]._handle.empty())
+            {
                 withLetter[setting._letter] = setting;
-            else
-                others.push_back(setting);
+                return;
+            }
+            if (setting._letter != 0) setting._moreLetters.insert(0, 1, setting._letter);
+            setting._letter = 0;
+            others.push_back(setting);
         });
     std::vector<ApSetting> all;
     all.reserve(withLetter.size() + others.size());
@@ -163,6 +185,7 @@ ApSetting* ApSettings::find(char letter)
 
 ApSetting* ApSettings::find(const std::string& handle)
 {
+    if (handle.empty()) return nullptr;
     for (ApSetting& setting : _settings)
         if (setting._handle == handle) return &setting;
     return nullptr;
@@ -191,18 +214,21 @@ std::vector<std::string> ApSettings::check(const ApCommandLine& line,
                                            const InFile& inFile) const
 {
     std::vector<std::string> errors;
+    const auto add = [&](const std::string& error)
+    {
+        const bool isNew = std::find(errors.begin(), errors.end(), error) == errors.end();
+        if (!error.empty() && isNew) errors.push_back(error);
+    };
     for (const ApSetting& setting : _settings)
     {
         bool isGiven = false;
-        std::string error;
         for (const ApGiven& given : line.given())
         {
-            if (setting._letter == 0 || options[given._option]._letter != setting._letter) continue;
+            if (!isOptionOf(setting, options[given._option]._letter)) continue;
             isGiven = true;
-            if (error.empty()) error = errorOfOption(setting, given);
+            add(errorOfOption(setting, options[given._option], given));
         }
-        if (!isGiven) error = errorWithoutOption(setting, environment, inFile);
-        if (!error.empty()) errors.push_back(error);
+        if (!isGiven) add(errorWithoutOption(setting, environment, inFile));
     }
     return errors;
 }

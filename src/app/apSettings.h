@@ -36,8 +36,13 @@ struct ApSetting
     char _letter = 0;
     bool _takesValue = false;
     std::string _longName;
+    /// The letters of further options that set the variable; each has a setting of its own, without
+    /// a handle, or belongs to another variable.
+    std::string _moreLetters;
     /// The environment variable; may be empty.
     std::string _variable;
+    /// Further ones, which are read in this order if those before are not set.
+    std::vector<std::string> _moreVariables;
     /// The compiled-in value and its description.
     std::optional<std::string> _default;
     std::string _defaultText;
@@ -81,8 +86,8 @@ public:
         return _settings;
     }
 
-    /// The setting with this letter or handle; null if there is none. Valid while no other is
-    /// added.
+    /// The setting with this letter or handle; null if there is none, or for an empty handle. Valid
+    /// while no other is added.
     ApSetting* find(char letter);
     ApSetting* find(const std::string& handle);
     const ApSetting* find(const std::string& handle) const;
@@ -92,7 +97,8 @@ public:
 
     /// What is wrong with the values that would be used, each a sentence without a full stop:
     /// an integer that is not whole or out of range, a switch that is neither on nor off, a
-    /// required value that is missing. A value that another one replaces is not looked at.
+    /// required value that is missing. Each option is checked as often as it is given; variables of
+    /// the environment that an option or another one replaces are not looked at.
     std::vector<std::string> check(const ApCommandLine& line, const std::vector<ApOption>& options,
                                    const Environment& environment, const InFile& inFile) const;
 

@@ -63,6 +63,14 @@ std::string commonText(const ApOption& option)
     return "writes a completion for bash, and ends";
 }
 
+// As one word of a shell.
+std::string quoted(const std::string& word)
+{
+    std::string text = "'";
+    for (const char c : word) text += c == '\'' ? "'\\''" : std::string(1, c);
+    return text + "'";
+}
+
 void appendFact(std::string& text, const char* title, const char* fact)
 {
     if (fact && *fact != '\0' && std::strcmp(fact, DbgBuildText::UNKNOWN) != 0)
@@ -114,7 +122,7 @@ std::string ApUsage::completion() const
            "    [[ ${COMP_WORDS[COMP_CWORD]} == -* ]] || return 0\n"
            "    mapfile -t COMPREPLY < <(compgen -W '" +
            options.substr(1) + "' -- \"${COMP_WORDS[COMP_CWORD]}\")\n}\n" +
-           "complete -o default -F " + function + " '" + _program + "'\n";
+           "complete -o default -F " + function + " " + quoted(_program) + "\n";
 }
 
 std::string apVersion(const DbgBuildText& build)

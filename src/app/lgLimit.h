@@ -161,9 +161,9 @@ inline LgStream& operator<<(LgStream& stream, const LgLeftOut& leftOut)
 ///
 ///     ZU_LOG_AT_MOST(Orders, ::Zu::LgTypes::Warning, 5, "order " << order << " is late");
 ///
-/// Seconds are those of HwCounter, one behind the other: the first `number` executions in each
-/// second write, and the others do not; so two seconds of which one ends and the other begins may
-/// have twice the number in a shorter time. The next line says how many were left out, " (12 left
+/// Seconds are those of HwCounter, and do not overlap: the first `number` executions in each second
+/// are written, the others are left out. A burst across the end of a second can thus write twice
+/// the number within less than a second. The next line says how many were left out, " (12 left
 /// out)" at its end. The limit is that of this statement and of the process, not of a thread; each
 /// instance of a template has its own.
 ///
@@ -172,28 +172,27 @@ inline LgStream& operator<<(LgStream& stream, const LgLeftOut& leftOut)
 /// LgServiceHealth have the counts; when the service ends, each statement whose last executions
 /// were left out writes one line.
 #define ZU_LOG_AT_MOST(group, level, number, ...)                                                  \
-    ZU_LOG_LIMITED(ZU_XGLUE(zuLimit, __COUNTER__), group, level, PerSecond, number, __VA_ARGS__)
+    ZU_LOG_LIMITED(group, level, PerSecond, number, __VA_ARGS__)
 
 /// Logs like ZU_LOG, but only every `number`th execution, a constant of at least 1: with 100 the
 /// first one, the 101st and so on. The rest is that of ZU_LOG_AT_MOST; the clock is not read.
 #define ZU_LOG_EVERY(group, level, number, ...)                                                    \
-    ZU_LOG_LIMITED(ZU_XGLUE(zuLimit, __COUNTER__), group, level, EveryNth, number, __VA_ARGS__)
+    ZU_LOG_LIMITED(group, level, EveryNth, number, __VA_ARGS__)
 
-/// A limited statement, with the beginning of the names of the variables that it defines.
-#define ZU_LOG_LIMITED(names, group, level, kind, number, ...)                                     \
+/// A limited statement. Its variables have the same names everywhere, so that an inline function
+/// with such a statement is the same in all translation units.
+#define ZU_LOG_LIMITED(group, level, kind, number, ...)                                            \
     do                                                                                             \
     {                                                                                              \
         static_assert((number) >= 1, "the limit of a log statement is at least 1");                \
-        const ::Zu::LgTypes::Level ZU_XGLUE(names, Level) = level;                                 \
-        const ::Zu::LgEvent ZU_XGLUE(names, Event)(ZU_XGLUE(MinorLevel, group),                    \
-                                                   ZU_XGLUE(names, Level));                        \
-        if (ZU_XGLUE(names, Event).isEnabled())                                                    \
+        const ::Zu::LgTypes::Level zuLimitLevel = level;                                           \
+        const ::Zu::LgEvent zuLimitEvent(ZU_XGLUE(MinorLevel, group), zuLimitLevel);               \
+        if (zuLimitEvent.isEnabled())                                                              \
         {                                                                                          \
-            static ::Zu::LgLimit names(::Zu::LgLimit::Kind::kind, number, __FILE__, __LINE__,      \
-                                       #group);                                                    \
-            if (names.letsThrough(ZU_XGLUE(names, Level)))                                         \
-                ZU_XGLUE(names, Event)                                                             \
-                    .write(::Zu::LgParts() << __VA_ARGS__ << ::Zu::LgLeftOut(names));              \
+            static ::Zu::LgLimit zuLimit(::Zu::LgLimit::Kind::kind, number, __FILE__, __LINE__,    \
+                                         #group);                                                  \
+            if (zuLimit.letsThrough(zuLimitLevel))                                                 \
+                zuLimitEvent.write(::Zu::LgParts() << __VA_ARGS__ << ::Zu::LgLeftOut(zuLimit));    \
         }                                                                                          \
     } while (false)
 

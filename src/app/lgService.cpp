@@ -213,14 +213,6 @@ LgServiceControl::Settings controlSettings(const LgServiceMap::Settings& setting
     return control;
 }
 
-// Where there is no room for all, there is some when what waits is written.
-void reportLimits(LgServiceThreads& threads)
-{
-    if (lgReportLimits()) return;
-    threads.drain();
-    lgReportLimits();
-}
-
 } // namespace
 
 LgService::LgService(LgServiceOptions options, bool) : _options(std::move(options))
@@ -293,7 +285,7 @@ void LgService::end()
     }
     LgServicePlatform::onHangup(nullptr);
     LgServiceFatal::end();
-    reportLimits(threads);
+    lgReportAllLimits([] { LgServiceThreads::instance().drain(); });
     LgLog::setLoggerActivation(false);
     _reader.reset();
     threads.stop();

@@ -24,7 +24,7 @@ void drain() noexcept
 void endProcess() noexcept
 {
     if (LgServicePlatform::isEnding()) return;
-    lgReportLimits();
+    lgReportAllLimits(&drain);
     LgServiceThreads::instance().drain();
     LgServiceThreads::instance().leaveNothing();
 }

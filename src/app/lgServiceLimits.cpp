@@ -6,6 +6,7 @@
 #include "base/lgQueue.h"
 #include "base/lgStream.h"
 
+#include <cstddef>
 #include <cstdint>
 #include <string_view>
 
@@ -40,7 +41,7 @@ bool report(LgLimit& limit)
 {
     if (limit.getOwedCount() == 0) return true;
     LgQueue& queue = LgLog::getQueue();
-    if (!queue.reserveEntry(limit.getLevel())) return false;
+    if (!queue.canReserve() || !queue.reserveEntry(limit.getLevel())) return false;
     LgInsertion insertion(queue);
     const std::uint64_t leftOut = limit.takeLeftOut();
     // Another thread's line may have reported it by now; then nothing remains of this event.
@@ -67,17 +68,30 @@ void lgAddLimits(LgServiceHealth& health)
     LgLimit::visitAll(add);
 }
 
-bool lgReportLimits() noexcept
+std::size_t lgReportLimits() noexcept
 try
 {
-    if (!LgLog::isLoggerActive()) return true;
-    bool areReported = true;
-    LgLimit::visitAll([&](LgLimit& limit) { areReported = report(limit) && areReported; });
-    return areReported;
+    std::size_t left = 0;
+    if (!LgLog::isLoggerActive()) return 0;
+    LgLimit::visitAll([&](LgLimit& limit) { left += report(limit) ? 0U : 1U; });
+    return left;
 }
 catch (...)
 {
-    return false;
+    return 0;
+}
+
+void lgReportAllLimits(void (*drain)()) noexcept
+{
+    std::size_t before = 0;
+    std::size_t left = lgReportLimits();
+    do
+    {
+        if (left == 0) return;
+        drain();
+        before = left;
+        left = lgReportLimits();
+    } while (left < before);
 }
 
 } // namespace Zu

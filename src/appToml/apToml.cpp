@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstdint>
 #include <limits>
+#include <string_view>
 #include <toml++/toml.h>
 
 namespace Zu
@@ -56,6 +57,67 @@ void addTable(Values& values, const std::string& prefix, const toml::table& tabl
     }
 }
 
+// How deep tables may stand in each other. The parser recurses, and a stack has an end.
+constexpr std::size_t DEEPEST = 64;
+
+// Finds keys of too many parts in front of the parser: counts the dots and braces that are open,
+// outside of texts and comments.
+class DepthCheck
+{
+public:
+    explicit DepthCheck(std::string_view content) : _rest(content) {}
+
+    void run()
+    {
+        for (; !_rest.empty(); _rest.remove_prefix(std::min<std::size_t>(1, _rest.size())))
+        {
+            const char c = _rest.front();
+            if (c == '"' || c == '\'')
+                skipText(c);
+            else if (c == '#')
+                _rest.remove_prefix(std::min(_rest.find('\n'), _rest.size() - 1));
+            if (!_rest.empty()) take(_rest.front());
+        }
+    }
+
+private:
+    void take(char c)
+    {
+        if (c == '\n') ++_line;
+        if (c == '.' || c == '{') ++_keys.back();
+        if (c == '{') _keys.push_back(_keys.back());
+        if (c == '}' && _keys.size() > 1) _keys.pop_back();
+        // A new key in the same table.
+        const bool isNewKey = c == ',' || (c == '\n' && _keys.size() == 1);
+        if (isNewKey) _keys.back() = _keys.size() > 1 ? _keys[_keys.size() - 2] : 0;
+        if (_keys.back() > DEEPEST)
+            throw ApFileError(_line, "a key has more than " + std::to_string(DEEPEST) + " parts");
+    }
+
+    // To its last character; three quotes begin a text of several lines.
+    void skipText(char quote)
+    {
+        const std::string threeQuotes(3, quote);
+        const bool isLong = _rest.substr(0, 3) == threeQuotes;
+        const std::string end = isLong ? threeQuotes : std::string(1, quote);
+        _rest.remove_prefix(end.size());
+        while (!_rest.empty() && _rest.substr(0, end.size()) != end)
+        {
+            if (_rest.front() == '\n' && !isLong) return;
+            if (_rest.front() == '\n') ++_line;
+            const bool isEscape = quote == '"' && _rest.front() == '\\' && _rest.size() > 1;
+            if (isEscape && _rest[1] == '\n') ++_line;
+            _rest.remove_prefix(isEscape ? 2 : 1);
+        }
+        _rest.remove_prefix(std::min(end.size() - 1, _rest.size()));
+    }
+
+    std::string_view _rest;
+    int _line = 1;
+    // How deep the present key is, in the file and in each inline table that is open.
+    std::vector<std::size_t> _keys = {0};
+};
+
 } // namespace
 
 ApToml::~ApToml() = default;
@@ -63,6 +125,7 @@ ApToml::~ApToml() = default;
 std::vector<ApFileValue> ApToml::read(const std::string& content) const
 {
     Values values;
+    DepthCheck(content).run();
     try
     {
         addTable(values, "", toml::parse(content));

@@ -12,7 +12,7 @@ using Texts = std::vector<std::string>;
 const std::string LEVELS =
     "Internal Error, Fatal Error, Error, Warning, Informational, Tracing, Profiling";
 
-TEST(ApLogCheck, FindsWhatWouldEndTheStart)
+TEST(ApLogCheck, FindsWhatHasNotTheForm)
 {
     const std::string expected = ": expected GROUP=LEVEL,GROUP=LEVEL... with the levels " + LEVELS;
     const struct

@@ -1,5 +1,6 @@
 #include "app/apProgram.h"
 
+#include "base/inContextAlias.h"
 #include "support/childProcess.h"
 #include "support/platform.h"
 #include "support/tempDir.h"
@@ -9,6 +10,7 @@
 #include <fstream>
 #include <gtest/gtest.h>
 #include <iterator>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -92,11 +94,11 @@ TEST(ApProgram, RefusesWhatItCannotUse)
          "the variable FRONT_LOUD needs 0, 1, false or true, not 'yes'"},
         {{"--prot", "80"}, {}, "unknown option '--prot'; did you mean '--port'?"},
         {{"-q"}, {}, "unknown option '-q'"},
-        {{"a", "b", "c", "d"}, {}, "too many words: expected [WORD]..."},
+        {{"a", "b", "c", "d"}, {}, "too many arguments: expected [WORD]..."},
         {{"a"},
          {{"FRONT_WITHOUT_WORDS", "1"}},
-         "unexpected word 'a': the program takes options only"},
-        {{"-k", "x"}, {{"FRONT_REQUIRES", "1"}}, "too few words: expected [WORD]..."},
+         "unexpected argument 'a': the program takes options only"},
+        {{"-k", "x"}, {{"FRONT_REQUIRES", "1"}}, "too few arguments: expected [WORD]..."},
         {{"a"}, {{"FRONT_REQUIRES", "1"}}, "option '-k' or '--key' is needed: key of the storage"},
     };
     const TempDir directory;
@@ -119,6 +121,26 @@ TEST(ApProgram, ReportsEveryMistakeOfACommandLine)
               "frontProgram: unknown option '--nothing'\n"
               "frontProgram: option '-p' needs a whole number from 0 to 65535, not 'x'\n" +
                   SEE);
+}
+
+TEST(ApProgram, NamesThatAllProgramsHaveAreTaken)
+{
+    const Zu::InArgAlias option("Z", "an option");
+    const char* const words[] = {"program", "--version", nullptr};
+    for (const char* const name : {"help", "version", "settings", "completion"})
+    {
+        Zu::ApProgram program;
+        program.longName('Z', name);
+        try
+        {
+            program.run(2, words, [] {});
+            FAIL() << name;
+        }
+        catch (const std::logic_error& error)
+        {
+            EXPECT_EQ(std::string(error.what()), std::string("the name '--") + name + "' is taken");
+        }
+    }
 }
 
 TEST(ApProgram, ExplainsItselfWithoutStartingAnything)

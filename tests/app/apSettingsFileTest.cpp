@@ -62,7 +62,9 @@ ApSettings someSettings()
     name._handle = "name";
     ApSetting own;
     own._handle = "Zu::own";
-    return ApSettings({port, loud, name, own});
+    ApSetting bare;
+    bare._letter = 'b';
+    return ApSettings({bare, port, loud, name, own});
 }
 
 Texts take(ApSettingsFile& file, const std::string& content)
@@ -104,12 +106,35 @@ TEST(ApSettingsFile, ReportsWhatTheyDoNotTake)
         {"i server::loud 1", {"f.toml:1: 'server::loud' needs 0, 1, false or true, not '1'"}},
         {"i name 1", {"f.toml:1: 'name' needs a text, not '1'"}},
         {"t name x\n!", {"f.toml:2: it is no line"}},
+        {"t name x\nt name y", {"f.toml:2: 'name' has a value already"}},
     };
     for (const auto& row : cases)
     {
         ApSettingsFile file;
         EXPECT_EQ(take(file, row._content), row._errors);
     }
+}
+
+// One text with a null character.
+class NullFormat : public Zu::ApFileFormat
+{
+public:
+    std::vector<ApFileValue> read(const std::string&) const override
+    {
+        ApFileValue value;
+        value._name = "name";
+        value._text = std::string("x\0y", 3);
+        value._line = 7;
+        return {value};
+    }
+};
+
+TEST(ApSettingsFile, RefusesTextsThatAVariableCannotHold)
+{
+    ApSettingsFile file;
+    EXPECT_EQ(file.take("f.toml", "", NullFormat(), someSettings()),
+              Texts{"f.toml:7: the text of 'name' has a null character"});
+    EXPECT_FALSE(file.has("name"));
 }
 
 class AnyPackage : public Zu::InPackageInitBase

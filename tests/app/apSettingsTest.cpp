@@ -75,6 +75,57 @@ TEST(ApSettings, AreWhatAliasesAndVariablesDeclare)
     EXPECT_LT(first, other) << "those with a letter come first";
 }
 
+TEST(ApSettings, FurtherOptionsAndVariablesSetTheSameValue)
+{
+    AnyPackage package;
+    const Zu::InArgAlias port("P:", "port to listen on");
+    const Zu::InArgAlias old("O:", "the same, as it was once called");
+    const Zu::InEnvAlias variable("AP_SETTINGS_PORT", "port of the server");
+    const Zu::InEnvAlias oldVariable("AP_SETTINGS_OLD", "port of the server");
+    const Zu::InVariable<int> number("apSettings::port", package, port, old, variable, oldVariable);
+    const Zu::InVariable<bool> isOn("apSettings::switch", package, old);
+    const ApSettings settings = ApSettings::ofProcess();
+
+    const ApSetting* const setting = settings.find("apSettings::port");
+    ASSERT_TRUE(setting);
+    const std::string letters = setting->_letter + setting->_moreLetters;
+    EXPECT_TRUE(letters == "PO" || letters == "OP") << letters;
+    const std::string variables =
+        setting->_variable + testing::PrintToString(setting->_moreVariables);
+    EXPECT_TRUE(variables == "AP_SETTINGS_PORT{ \"AP_SETTINGS_OLD\" }" ||
+                variables == "AP_SETTINGS_OLD{ \"AP_SETTINGS_PORT\" }")
+        << variables;
+    std::string shown;
+    for (const ApOption& option : settings.options()) shown += option._letter;
+    EXPECT_EQ(shown.find('O'), shown.rfind('O')) << shown;
+    EXPECT_NE(shown.find('P'), shown.npos) << shown;
+    int rows = 0;
+    for (const ApSetting& other : settings.get()) rows += other._letter == 'O' ? 1 : 0;
+    EXPECT_EQ(rows, 1);
+
+    const ApSetting* const other = settings.find("apSettings::switch");
+    ASSERT_TRUE(other);
+    EXPECT_EQ(other->_letter == 'O' || other->_moreLetters == "O", true);
+
+    const std::vector<ApOption> options = settings.options();
+    const auto errorsOf = [&](const Texts& words, const char* name, const char* text)
+    {
+        const auto environment = [&](const char* asked)
+        { return std::string(asked) == name ? text : nullptr; };
+        Texts errors;
+        for (const std::string& error : settings.check(ApCommandLine(options, words), options,
+                                                       environment, [](auto&&) { return false; }))
+            if (error.find("whole number") != error.npos) errors.push_back(error);
+        return errors;
+    };
+    const std::string expected = " needs a whole number, not 'x'";
+    EXPECT_EQ(errorsOf({"-P", "x"}, "", ""), Texts{"option '-P'" + expected});
+    EXPECT_EQ(errorsOf({"-O", "x"}, "", ""), Texts{"option '-O'" + expected});
+    EXPECT_EQ(errorsOf({"-O", "1"}, "AP_SETTINGS_PORT", "x"), Texts{});
+    for (const char* const name : {"AP_SETTINGS_PORT", "AP_SETTINGS_OLD"})
+        EXPECT_EQ(errorsOf({}, name, "x"), Texts{std::string("the variable ") + name + expected});
+}
+
 ApSetting integer(char letter, const char* variable, int least = INT_MIN, int most = INT_MAX)
 {
     ApSetting setting;
@@ -137,6 +188,9 @@ TEST(ApSettings, IntegersAreWholeAndInRange)
                   {{"-p", "1.0"}, {}, refused("option '-p'", "1.0")},
                   {{"-p", "99999999999"}, {}, refused("option '-p'", "99999999999")},
                   {{"-p", "x", "-p", "1"}, {}, refused("option '-p'", "x")},
+                  {{"-p", "x", "-p", "y"},
+                   {},
+                   {refused("option '-p'", "x")[0], refused("option '-p'", "y")[0]}},
                   {{}, {{"PORT", "80"}}, {}},
                   {{}, {{"PORT", ""}}, refused("the variable PORT", "")},
                   {{}, {{"PORT", "80 "}}, refused("the variable PORT", "80 ")},

@@ -104,6 +104,9 @@ TEST(ApUsage, CompletesOptions)
         "--help' -- \"${COMP_WORDS[COMP_CWORD]}\")\n"
         "}\n"
         "complete -o default -F _complete_my_server 'my-server'\n");
+    const ApUsage quoted{"it's", "", "", &settings, {{'h', false, "help"}}};
+    EXPECT_NE(quoted.completion().find("\ncomplete -o default -F _complete_it_s 'it'\\''s'\n"),
+              std::string::npos);
 }
 
 TEST(ApUsage, VersionsAreWhatTheRecordHas)

@@ -5,7 +5,11 @@
 #include "base/lgQueue.h"
 #include "support/runningLogger.h"
 
+#include <algorithm>
+#include <cstddef>
+#include <cstdint>
 #include <gtest/gtest.h>
+#include <list>
 #include <string>
 #include <vector>
 
@@ -39,17 +43,37 @@ protected:
         for (int i = 0; i <= times; ++i) limit.letsThroughIn(1, level);
     }
 
+    // Loses one event.
+    void fill()
+    {
+        while (_queue.reserveEntry(Zu::LgTypes::Warning))
+        {
+            _queue.getStream() << "x" << Zu::ends;
+            _queue.addEntry();
+        }
+    }
+
+    // Empty for an entry of losses.
+    static std::string takeOne()
+    {
+        std::string text;
+        const Zu::LgQueue::Entry& entry = theQueue->readEntry();
+        if (!entry.isOverflowEntry())
+        {
+            std::vector<char> characters(Zu::LgStream::BufSize);
+            theQueue->getStream() >> characters.data();
+            text = Zu::LgTypes::levelToString(entry.getLevel()) + std::string(": ") +
+                   characters.data();
+        }
+        theQueue->removeEntry();
+        return text;
+    }
+
     std::vector<std::string> taken()
     {
         std::vector<std::string> texts;
-        for (std::vector<char> text(Zu::LgStream::BufSize); !_queue.isEmpty(); _queue.removeEntry())
-        {
-            const Zu::LgQueue::Entry& entry = _queue.readEntry();
-            if (entry.isOverflowEntry()) continue;
-            _queue.getStream() >> text.data();
-            texts.push_back(Zu::LgTypes::levelToString(entry.getLevel()) + std::string(": ") +
-                            text.data());
-        }
+        while (!_queue.isEmpty())
+            if (const std::string text = takeOne(); !text.empty()) texts.push_back(text);
         return texts;
     }
 
@@ -65,10 +89,10 @@ TEST_F(LgServiceLimits, EachStatementThatOwesACountHasOneEvent)
     leaveOut(first, 2, Zu::LgTypes::Warning);
     leaveOut(second, 0, Zu::LgTypes::Warning);
     leaveOut(third, 1, Zu::LgTypes::Profiling);
-    EXPECT_TRUE(Zu::lgReportLimits());
+    EXPECT_EQ(Zu::lgReportLimits(), 0U);
     EXPECT_EQ(taken(), (std::vector<std::string>{"Profiling: Third (1 left out, third.cpp:5)",
                                                  "Warning: First (2 left out, first.cpp:3)"}));
-    EXPECT_TRUE(Zu::lgReportLimits());
+    EXPECT_EQ(Zu::lgReportLimits(), 0U);
     EXPECT_TRUE(taken().empty()) << "it is reported once";
 }
 
@@ -76,12 +100,44 @@ TEST_F(LgServiceLimits, WithoutRoomTheCountStays)
 {
     static LgLimit limit(LgLimit::Kind::PerSecond, 1, "room.cpp", 3, "Room");
     leaveOut(limit, 2, Zu::LgTypes::Warning);
-    while (_queue.reserveEntry(Zu::LgTypes::Warning))
+    fill();
+    const std::uint64_t lost = _queue.getLostCount();
+    EXPECT_EQ(Zu::lgReportLimits(), 1U);
+    EXPECT_EQ(limit.getOwedCount(), 2U);
+    EXPECT_EQ(_queue.getLostCount(), lost) << "a report that waits is not lost";
+}
+
+TEST_F(LgServiceLimits, MoreThanAQueueTakesAreReportedInTurns)
+{
+    constexpr int COUNT = 40;
+    static std::list<LgLimit> limits;
+    for (int i = 0; i < COUNT; ++i)
+        leaveOut(limits.emplace_back(LgLimit::Kind::PerSecond, 1, "turn.cpp", i, "Turn"), 1,
+                 Zu::LgTypes::Warning);
+    // Room for three at a time.
+    fill();
+    static std::vector<std::string> texts;
+    const auto drain = []
     {
-        _queue.getStream() << "x" << Zu::ends;
-        _queue.addEntry();
-    }
-    EXPECT_FALSE(Zu::lgReportLimits());
+        for (int i = 0; i < 3; ++i) texts.push_back(takeOne());
+    };
+    Zu::lgReportAllLimits(drain);
+    while (!_queue.isEmpty()) texts.push_back(takeOne());
+    EXPECT_EQ(std::count_if(texts.begin(), texts.end(),
+                            [](const std::string& text)
+                            { return text.rfind("Warning: Turn (1 left out", 0) == 0; }),
+              COUNT);
+    EXPECT_EQ(_queue.getLostCount(), 1U) << "that of fill()";
+}
+
+TEST_F(LgServiceLimits, ADrainThatMakesNoRoomIsTheLastOne)
+{
+    static LgLimit limit(LgLimit::Kind::PerSecond, 1, "stuck.cpp", 3, "Stuck");
+    leaveOut(limit, 2, Zu::LgTypes::Warning);
+    fill();
+    static int drains = 0;
+    Zu::lgReportAllLimits([] { ++drains; });
+    EXPECT_EQ(drains, 1);
     EXPECT_EQ(limit.getOwedCount(), 2U);
 }
 
@@ -90,7 +146,7 @@ TEST_F(LgServiceLimits, NothingIsReportedWithoutALogger)
     static LgLimit limit(LgLimit::Kind::PerSecond, 1, "inactive.cpp", 3, "Inactive");
     leaveOut(limit, 2, Zu::LgTypes::Warning);
     Zu::LgLog::setLoggerActivation(false);
-    EXPECT_TRUE(Zu::lgReportLimits());
+    EXPECT_EQ(Zu::lgReportLimits(), 0U);
     EXPECT_EQ(limit.getOwedCount(), 2U);
 }
 

@@ -81,6 +81,57 @@ TEST(ApToml, RefusesWhatNoVariableTakes)
     for (const auto& row : cases) EXPECT_EQ(read(row._content), row._error + expected);
 }
 
+std::string repeated(const std::string& text, int times)
+{
+    std::string all;
+    for (int i = 0; i < times; ++i) all += text;
+    return all;
+}
+
+TEST(ApToml, RefusesTablesThatAreTooDeep)
+{
+    const std::string refusal = " a key has more than 64 parts\n";
+    const struct
+    {
+        std::string _content;
+        std::string _line;
+    } cases[] = {
+        {repeated("a.", 64) + "a = 1", ""},
+        {repeated("a.", 65) + "a = 1", "1"},
+        {repeated("a.", 100'000) + "a = 1", "1"},
+        {"b = 1\n[" + repeated("a.", 100'000) + "a]\nb = 1", "2"},
+        {"a = " + repeated("{a = ", 65) + "1" + repeated("}", 65), "1"},
+        {"a = " + repeated("{a.b.c = ", 30) + "1" + repeated("}", 30), "1"},
+        {"a = " + repeated("{b = 1, a = ", 20) + "1" + repeated("}", 20), ""},
+        {"# " + repeated(".", 70) + "\n\na." + repeated("a.", 70) + "a = 1", "3"},
+        {"b = 'x\\'\na." + repeated("a.", 70) + "a = 1", "2"},
+        {"b = \"x\\\"\"\na." + repeated("a.", 70) + "a = 1", "2"},
+        {"b = \"\"\"\n\"\\\"\n\"\"\"\n" + repeated("a.", 70) + "a = 1", "4"},
+        {"b = '''\n\n'''\n" + repeated("a.", 70) + "a = 1", "4"},
+        {"b = ''\nc = \"\"\n" + repeated("a.", 70) + "a = 1", "3"},
+    };
+    for (const auto& row : cases)
+    {
+        const std::string text = read(row._content);
+        if (row._line.empty())
+            EXPECT_NE(text[0], '!') << row._content;
+        else
+            EXPECT_EQ(text, "! " + row._line + refusal) << row._content.substr(0, 100);
+    }
+}
+
+TEST(ApToml, DotsInTextsAndCommentsAreNoKeys)
+{
+    const std::string dots = repeated("{.", 70);
+    for (const std::string quote : {"'", "\"", "'''", "\"\"\""})
+        EXPECT_EQ(read("a = " + quote + dots + quote + " # " + dots), "1 a t " + dots + "\n");
+    EXPECT_EQ(read("a = \"\"\"" + dots + "\\\n" + dots + "\"\"\""), "1 a t " + dots + dots + "\n");
+    EXPECT_EQ(read("\"" + dots + "\" = 1"), "1 " + dots + " i 1\n");
+    std::string array = "a = [";
+    for (int i = 0; i < 100; ++i) array += "1.5, ";
+    EXPECT_EQ(read(array + "]").substr(0, 14), "! 1 'a' is an ");
+}
+
 TEST(ApToml, ReportsTheLineOfWhatIsNotToml)
 {
     for (const char* const content : {"a", "a = ", "a = 1\nb = 'x", "[a\nb = 1", "a = 1\na = 2",

@@ -78,6 +78,10 @@ TEST_F(SettingsProgramTest, RefusesAFileWithAMistakeByItsLine)
 
 TEST_F(SettingsProgramTest, RefusesAFileThatIsNotThereAndAMissingValue)
 {
+    EXPECT_EQ(run({"--settings="}).err,
+              "settingsProgram: option '--settings' needs the path of a file\n"
+              "settingsProgram: the variable SETTINGS_KEY is needed: key\n"
+              "settingsProgram: 'settingsProgram --help' shows what can be given\n");
     const ProgramResult result = run({"--settings", _dir.file("none")});
     EXPECT_EQ(result.err.rfind("settingsProgram: " + _dir.file("none") + ": can't be read: ", 0),
               0U)
