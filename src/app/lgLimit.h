@@ -192,7 +192,8 @@ inline LgStream& operator<<(LgStream& stream, const LgLeftOut& leftOut)
             static ::Zu::LgLimit zuLimit(::Zu::LgLimit::Kind::kind, number, __FILE__, __LINE__,    \
                                          #group);                                                  \
             if (zuLimit.letsThrough(zuLimitLevel))                                                 \
-                zuLimitEvent.write(::Zu::LgParts() << __VA_ARGS__ << ::Zu::LgLeftOut(zuLimit));    \
+                zuLimitEvent.write(::Zu::LgParts() << __VA_ARGS__ << ::Zu::LgLeftOut(zuLimit),     \
+                                   __FILE__, __LINE__);                                            \
         }                                                                                          \
     } while (false)
 

@@ -11,6 +11,7 @@
 #include "app/lgServiceReader.h"
 #include "app/lgServiceRecovery.h"
 #include "app/lgServiceThreads.h"
+#include "app/lgSuffix.h"
 #include "base/exBase.h"
 #include "base/hwCounter.h"
 #include "base/lgLog.h"
@@ -256,6 +257,7 @@ LgService::LgService(LgServiceOptions options, bool) : _options(std::move(option
     LgLog::setEndFunction(&endWithLogger);
     if (_options._reopenOnHangup) LgServicePlatform::onHangup(&LgServiceReader::reopen);
     if (_options._drainOnFatalSignals) LgServiceFatal::begin(LgServiceThreads::instance());
+    LgSuffix::showPlaces(_options._sourceLocation);
     LgLog::setLoggerActivation(true);
 }
 
@@ -287,6 +289,7 @@ void LgService::end()
     LgServiceFatal::end();
     lgReportAllLimits([] { LgServiceThreads::instance().drain(); });
     LgLog::setLoggerActivation(false);
+    LgSuffix::showPlaces(false);
     _reader.reset();
     threads.stop();
     living = nullptr;

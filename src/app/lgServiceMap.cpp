@@ -235,7 +235,29 @@ LgQueue* LgServiceMap::makeQueue(std::uint32_t threadId, const LgQueue::Observer
     if (isOpen())
         reportOnce("The events of some threads are not kept in case the process is killed",
                    _file->getError());
-    return new LgQueue(threadId);
+    auto onHeap = std::make_unique<LgQueue>(threadId);
+    _onHeap[onHeap.get()] = 0;
+    return onHeap.release();
+}
+
+std::optional<std::uint64_t> LgServiceMap::getReportedOnHeap(const LgQueue& queue)
+{
+    const std::lock_guard guard(_mutex);
+    const auto found = _onHeap.find(&queue);
+    return found != _onHeap.end() ? std::optional(found->second) : std::nullopt;
+}
+
+void LgServiceMap::addReportedOnHeap(const LgQueue& queue, std::uint64_t count)
+{
+    const std::lock_guard guard(_mutex);
+    const auto found = _onHeap.find(&queue);
+    if (found != _onHeap.end()) found->second += count;
+}
+
+void LgServiceMap::forgetOnHeap(const LgQueue& queue)
+{
+    const std::lock_guard guard(_mutex);
+    _onHeap.erase(&queue);
 }
 
 LgQueue* LgServiceMap::makeInFile(std::uint32_t threadId, const LgQueue::Observer* observer)

@@ -10,6 +10,7 @@
 
 #include <cstdint>
 #include <list>
+#include <map>
 #include <memory>
 #include <mutex>
 #include <optional>
@@ -71,6 +72,16 @@ public:
 
     /// The index of a queue in the table of queues; LgMap::NONE if it is not in this file.
     std::uint32_t indexOf(const LgQueue& queue) const;
+
+    /// How many lost events of a queue that makeQueue() has put on the heap were reported; nothing
+    /// for any other queue.
+    std::optional<std::uint64_t> getReportedOnHeap(const LgQueue& queue);
+
+    /// Adds to that number; does nothing for any other queue.
+    void addReportedOnHeap(const LgQueue& queue, std::uint64_t count);
+
+    /// For a queue that is about to end.
+    void forgetOnHeap(const LgQueue& queue);
 
     LgMap::Header& header()
     {
@@ -185,6 +196,8 @@ private:
     std::list<Block*> _blocks;
     std::vector<std::uint32_t> _freeIndices;
     std::vector<Copy> _kept;
+    // The queues on the heap, and how many of their lost events were reported.
+    std::map<const LgQueue*, std::uint64_t> _onHeap;
     // How many entries of the table of queues have room.
     std::uint32_t _tableRoom = 0;
     bool _hasReported = false;

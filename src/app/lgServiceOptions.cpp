@@ -453,6 +453,7 @@ constexpr Option OPTIONS[] = {
     option<Flag, &LgServiceOptions::_processInNames>("process-in-names"),
     option<LineForms, &LgServiceOptions::_lineForm>("line-form"),
     option<Flag, &LgServiceOptions::_rawText>("raw-text"),
+    option<Flag, &LgServiceOptions::_sourceLocation>("source-location"),
     option<Size<0, 1024 * GI>, &LgServiceOptions::_rotateSize>("rotate-size"),
     option<TimeOfDay, &LgServiceOptions::_rotateMinute>("rotate-time"),
     option<Number<1, 1000>, &LgServiceOptions::_keptFiles>("kept-files"),

@@ -53,6 +53,9 @@ struct LgServiceOptions
     LineForm _lineForm = LineForm::Ticks;
     /// Whether texts are written as they are, so that a line feed in a text begins a new line.
     bool _rawText = false;
+    /// Whether the text of each statement is followed by the file and the line of the statement, as
+    /// in " [orders.cpp:17]".
+    bool _sourceLocation = false;
 
     /// The bytes at which a file is rotated; 0 for never.
     std::uint64_t _rotateSize = 0;

@@ -5,6 +5,7 @@
 #define ZU_APP_LGSERVICEPLATFORM_H
 
 #include <memory>
+#include <string>
 
 namespace Zu::LgServicePlatform
 {
@@ -21,6 +22,10 @@ bool nap();
 
 /// Has the calling thread run only when others leave it a processor, as far as the system allows.
 void lowerPriority();
+
+/// Gives the calling thread this name, in UTF-8 and not empty, as far as the system can: Linux
+/// keeps the first 15 bytes.
+void nameThread(const std::string& name);
 
 /// Has `prepare` called before a fork, and `parent` and `child` after it in the two processes. Does
 /// nothing where there is no fork. Raises std::system_error if the system refuses.

@@ -2,9 +2,11 @@
 
 #include "base/compiler.h"
 
+#include <algorithm>
 #include <atomic>
 #include <cerrno>
 #include <csignal>
+#include <cstddef>
 #include <cstdlib>
 #include <ctime>
 #include <linux/membarrier.h>
@@ -198,6 +200,17 @@ void lowerPriority()
 {
     constexpr int NICE = 10;
     setpriority(PRIO_PROCESS, static_cast<id_t>(syscall(SYS_gettid)), NICE);
+}
+
+void nameThread(const std::string& name)
+{
+    constexpr std::size_t LONGEST = 15;
+    std::size_t length = std::min(name.size(), LONGEST);
+    // Not within a character.
+    const auto isContinuation = [&](std::size_t at)
+    { return at < name.size() && (static_cast<unsigned char>(name[at]) & 0xc0U) == 0x80; };
+    while (length > 0 && isContinuation(length)) --length;
+    pthread_setname_np(pthread_self(), name.substr(0, length).c_str());
 }
 
 void onFork(void (*prepare)(), void (*parent)(), void (*child)())

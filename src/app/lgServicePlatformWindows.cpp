@@ -1,7 +1,9 @@
 #include "app/lgServicePlatform.h"
 
+#include <algorithm>
 #include <atomic>
 #include <csignal>
+#include <cstddef>
 #include <windows.h>
 
 namespace Zu::LgServicePlatform
@@ -75,6 +77,20 @@ bool nap()
 void lowerPriority()
 {
     SetThreadPriority(GetCurrentThread(), THREAD_PRIORITY_LOWEST);
+}
+
+void nameThread(const std::string& name)
+{
+    // Not in each version of the system.
+    using Function = HRESULT(WINAPI*)(HANDLE, PCWSTR);
+    static const auto function = reinterpret_cast<Function>(reinterpret_cast<void*>(
+        GetProcAddress(GetModuleHandleA("kernelbase.dll"), "SetThreadDescription")));
+    if (!function) return;
+    const int size = static_cast<int>(name.size());
+    std::wstring wide(name.size(), L'\0');
+    const int length = MultiByteToWideChar(CP_UTF8, 0, name.data(), size, wide.data(), size);
+    wide.resize(static_cast<std::size_t>(std::max(length, 0)));
+    function(GetCurrentThread(), wide.c_str());
 }
 
 void onFork(void (*)(), void (*)(), void (*)()) {}

@@ -403,13 +403,21 @@ void LgServiceWriter::addEvent(Cursor& cursor)
     queue.stepEntry(cursor._position);
 }
 
+// Nothing if nobody has counted: for a queue that is not the service's.
+std::optional<std::uint64_t> LgServiceWriter::reportedOf(const LgQueue& queue, std::uint32_t inMap)
+{
+    if (inMap == LgMap::NONE) return _map.getReportedOnHeap(queue);
+    return _map.queueAt(inMap)._reported;
+}
+
 // An entry's place in the ring may have the count of an earlier burst in it: no more is reported
 // than was lost.
 std::uint32_t LgServiceWriter::lossesOf(const Cursor& cursor, const LgQueue::Entry& entry)
 {
     const auto count = static_cast<std::uint32_t>(entry.getOverflowCount());
-    if (cursor._inMap == LgMap::NONE) return count;
-    const std::uint64_t reported = _map.queueAt(cursor._inMap)._reported + cursor._lost;
+    const auto before = reportedOf(*cursor._queue, cursor._inMap);
+    if (!before) return count;
+    const std::uint64_t reported = *before + cursor._lost;
     const std::uint64_t lost = cursor._queue->getLostCount();
     return static_cast<std::uint32_t>(
         std::min<std::uint64_t>(count, lost > reported ? lost - reported : 0));
@@ -421,11 +429,10 @@ void LgServiceWriter::addRestOfLosses(std::uint32_t known)
 {
     LgQueue& queue = *_known[known]._queue;
     const std::uint32_t inMap = _known[known]._inMap;
-    if (inMap == LgMap::NONE) return;
-    LgMap::Queue& slot = _map.queueAt(inMap);
     const std::uint64_t lost = queue.getLostCount();
-    if (lost <= slot._reported) return;
-    const auto count = static_cast<std::uint32_t>(lost - slot._reported);
+    const std::uint64_t reported = lost > 0 ? reportedOf(queue, inMap).value_or(lost) : 0;
+    if (lost <= reported) return;
+    const auto count = static_cast<std::uint32_t>(lost - reported);
     addLine(
         enter(queue, inMap),
         {HwCounter::timeStamp(), queue.getThreadId(), LgTypes::Informational, overflowText(count)},
@@ -599,7 +606,9 @@ void LgServiceWriter::move()
 void LgServiceWriter::move(Cursor& cursor)
 {
     if (cursor._inBatch == LgMap::NONE) return;
-    if (cursor._inMap != LgMap::NONE) _map.queueAt(cursor._inMap)._reported += cursor._lost;
+    const bool isInMap = cursor._inMap != LgMap::NONE;
+    if (!isInMap && cursor._lost > 0) _map.addReportedOnHeap(*cursor._queue, cursor._lost);
+    if (isInMap) _map.queueAt(cursor._inMap)._reported += cursor._lost;
     cursor._queue->removeUpTo(cursor._position);
     _known[cursor._known]._next = cursor._position._entry;
     cursor._inBatch = LgMap::NONE;
@@ -617,6 +626,7 @@ void LgServiceWriter::endQueues()
         LgQueue* const queue = _known[known]._queue;
         _status._fills.erase(queue);
         LgLog::getRegistry()->deregisterQueue(queue);
+        _map.forgetOnHeap(*queue);
         LgQueue::end(queue);
     }
     _ended.clear();

@@ -166,6 +166,7 @@ private:
     void collect();
     void collectEvents();
     void addEvent(Cursor& cursor);
+    std::optional<std::uint64_t> reportedOf(const LgQueue& queue, std::uint32_t inMap);
     std::uint32_t lossesOf(const Cursor& cursor, const LgQueue::Entry& entry);
     void addRestOfLosses(std::uint32_t known);
     void writeLast();

@@ -12,6 +12,7 @@ enum Slot
 {
     Queue,
     Traces,
+    Context,
     Count
 };
 

@@ -26,7 +26,7 @@ template <Slot slot> void keyEnded(void* value)
     threadEnded[slot](value);
 }
 
-constexpr ThreadEnded KEY_ENDED[Count] = {&keyEnded<Queue>, &keyEnded<Traces>};
+constexpr ThreadEnded KEY_ENDED[Count] = {&keyEnded<Queue>, &keyEnded<Traces>, &keyEnded<Context>};
 
 } // namespace
 

@@ -10,7 +10,7 @@ namespace Zu::ThreadSlot
 namespace
 {
 
-DWORD slots[Count] = {FLS_OUT_OF_INDEXES, FLS_OUT_OF_INDEXES};
+DWORD slots[Count] = {FLS_OUT_OF_INDEXES, FLS_OUT_OF_INDEXES, FLS_OUT_OF_INDEXES};
 ThreadEnded threadEnded[Count] = {};
 BOOLEAN(WINAPI* shutdownInProgress)() = nullptr;
 
@@ -23,7 +23,8 @@ template <Slot slot> void WINAPI slotEnded(void* value)
     threadEnded[slot](value);
 }
 
-constexpr PFLS_CALLBACK_FUNCTION SLOT_ENDED[Count] = {&slotEnded<Queue>, &slotEnded<Traces>};
+constexpr PFLS_CALLBACK_FUNCTION SLOT_ENDED[Count] = {&slotEnded<Queue>, &slotEnded<Traces>,
+                                                      &slotEnded<Context>};
 
 [[noreturn]] void raise(const char* call)
 {

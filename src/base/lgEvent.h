@@ -130,6 +130,14 @@ public:
         queue.endInsertion();
     }
 
+    /// The same for a statement in this file and line; see LgQueue::setSuffixFunction().
+    void complete(const char* file, int line)
+    {
+        LgQueue& queue = *_queue;
+        _queue = nullptr;
+        queue.endInsertion(file, line);
+    }
+
 private:
     LgQueue* _queue;
 };
@@ -164,29 +172,32 @@ public:
         return _minor->isLevelEnabled(_level);
     }
 
-    /// Logs the group's name, a blank and the parts.
-    template <class Parts> void write(const Parts& parts) const
+    /// Logs the group's name, a blank and the parts of a statement in this file and line. The
+    /// suffix of LgQueue::setSuffixFunction() stands behind them.
+    template <class Parts> void write(const Parts& parts, const char* file, int line) const
     {
         if (LgLog::isLoggerActive())
-            writeToQueue(LgLog::getQueue(), parts);
+            writeToQueue(LgLog::getQueue(), parts, file, line);
         else if (LgLog::isInactiveOutputAllowed(_level))
-            writeDirectly(parts);
+            writeDirectly(parts, file, line);
     }
 
 private:
-    template <class Parts> void writeToQueue(LgQueue& queue, const Parts& parts) const
+    template <class Parts>
+    void writeToQueue(LgQueue& queue, const Parts& parts, const char* file, int line) const
     {
         if (!queue.reserveEntry(_level)) return;
         LgInsertion insertion(queue);
         insertInto(queue.getStream(), parts);
-        insertion.complete();
+        insertion.complete(file, line);
     }
 
-    template <class Parts> void writeDirectly(const Parts& parts) const
+    template <class Parts> void writeDirectly(const Parts& parts, const char* file, int line) const
     {
-        LgDirectLine line;
-        insertInto(line.getStream(), parts);
-        line.write();
+        LgDirectLine direct;
+        insertInto(direct.getStream(), parts);
+        LgQueue::insertSuffix(direct.getStream(), file, line);
+        direct.write();
     }
 
     template <class Parts> void insertInto(LgStream& stream, const Parts& parts) const
@@ -255,7 +266,7 @@ private:
     do                                                                                             \
     {                                                                                              \
         const ::Zu::LgEvent event(ZU_XGLUE(MinorLevel, group), level);                             \
-        if (event.isEnabled()) event.write(::Zu::LgParts() << __VA_ARGS__);                        \
+        if (event.isEnabled()) event.write(::Zu::LgParts() << __VA_ARGS__, __FILE__, __LINE__);    \
     } while (false)
 
 /// @{

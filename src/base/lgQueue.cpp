@@ -16,6 +16,7 @@ namespace
 constexpr unsigned int TEXT_INSERTED = 1;
 
 constinit std::atomic<LgQueue::RoomFunction> roomFunction{nullptr};
+constinit std::atomic<LgQueue::SuffixFunction> suffixFunction{nullptr};
 
 } // namespace
 
@@ -144,6 +145,31 @@ void LgQueue::end(LgQueue* queue)
 void LgQueue::setRoomFunction(RoomFunction function)
 {
     roomFunction.store(function, std::memory_order_release);
+}
+
+void LgQueue::setSuffixFunction(SuffixFunction function)
+{
+    suffixFunction.store(function, std::memory_order_release);
+}
+
+void LgQueue::insertSuffix(LgStream& stream, const char* file, int line)
+{
+    const SuffixFunction function = suffixFunction.load(std::memory_order_acquire);
+    if (function) function(stream, file, line);
+}
+
+void LgQueue::endInsertion(const char* file, int line)
+{
+    try
+    {
+        insertSuffix(_stream, file, line);
+    }
+    catch (...)
+    {
+        cancelInsertion();
+        throw;
+    }
+    endInsertion();
 }
 
 LgQueue::Places LgQueue::getPlaces() const

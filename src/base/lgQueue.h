@@ -202,6 +202,17 @@ public:
     /// without room are lost. Any thread may call it.
     static void setRoomFunction(RoomFunction function);
 
+    /// Inserts what shall stand behind the text of a statement, in the thread that executes it:
+    /// `file` and `line` are where the statement is. What it raises withdraws the event.
+    using SuffixFunction = void (*)(LgStream& stream, const char* file, int line);
+
+    /// Sets the function for the statements of all threads; null, the default, for none. Any thread
+    /// may call it.
+    static void setSuffixFunction(SuffixFunction function);
+
+    /// Inserts what the function inserts, if there is one. For a text that goes through no queue.
+    static void insertSuffix(LgStream& stream, const char* file, int line);
+
     // For the producer.
 
     /// Starts an event. If it returns true, the text goes into getStream() and addEntry() publishes
@@ -259,6 +270,9 @@ public:
         _inserting = false;
         addEntry();
     }
+
+    /// The same behind the suffix of a statement in this file and line.
+    void endInsertion(const char* file, int line);
 
     /// Withdraws the event with the part of its text already inserted, because an insertion failed.
     void cancelInsertion();

@@ -1,6 +1,7 @@
 #include "zulog/zlJson.h"
 
 #include "app/lgServiceLine.h"
+#include "zulog/zlSuffix.h"
 #include "zulog/zlText.h"
 #include "zulog/zlTime.h"
 
@@ -45,6 +46,7 @@ public:
         if (record._kind == ZlRecord::Kind::Overflow || record._kind == ZlRecord::Kind::NotWritten)
             line["count"] = record._count;
         line["text"] = zlTextOf(record, _isRaw);
+        if (record._kind == ZlRecord::Kind::Event) addSuffix(line, lgUnescaped(record._text));
         line["file"] = *record._file;
         line["line"] = record._line;
         zlAppendJson(out, line.dump(-1, ' ', false, REPLACED));
@@ -52,6 +54,14 @@ public:
     }
 
 private:
+    static void addSuffix(nlohmann::ordered_json& line, std::string_view text)
+    {
+        const ZlSuffix suffix = zlSuffixOf(text);
+        if (!suffix._source.empty()) line["source"] = suffix._source;
+        // Of fields with the same name, the innermost.
+        for (const auto& [name, value] : suffix._fields) line["context"][name] = value;
+    }
+
     const bool _isRaw;
     ZlTimeWriter _times;
 };

@@ -56,6 +56,7 @@ const Known KNOWN[] = {
     {"process-in-names", "ZU_LOG_SERVICE_PROCESS_IN_NAMES", TRUTH, "1", "true", "false"},
     {"line-form", "ZU_LOG_SERVICE_LINE_FORM", "ticks, local or utc", "utc", "utc", "ticks"},
     {"raw-text", "ZU_LOG_SERVICE_RAW_TEXT", TRUTH, "yes", "true", "false"},
+    {"source-location", "ZU_LOG_SERVICE_SOURCE_LOCATION", TRUTH, "on", "true", "false"},
     {"rotate-size", "ZU_LOG_SERVICE_ROTATE_SIZE",
      "a number of bytes from 0 to 1024G, with K, M or G behind it if wanted, e.g. 64M", "64M",
      "67108864", "0"},
@@ -191,6 +192,7 @@ TEST(LgServiceOptions, DefaultsSuitALongRunningServer)
     EXPECT_EQ(options._keptMappings, 100);
     EXPECT_EQ(options._keptMappingDays, 30);
     EXPECT_EQ(options._pendingLimit, 1024U * 1024);
+    EXPECT_FALSE(options._sourceLocation);
     EXPECT_TRUE(options._control);
 }
 
@@ -218,6 +220,7 @@ TEST(LgServiceOptions, EachNameSetsItsOwnField)
     EXPECT_EQ(options._keptMappings, 9);
     EXPECT_EQ(options._keptMappingDays, 365);
     EXPECT_EQ(options._pendingLimit, 128U * 1024);
+    EXPECT_TRUE(options._sourceLocation);
     EXPECT_FALSE(options._control);
 }
 
@@ -395,6 +398,7 @@ TEST(LgServiceOptions, RefusesWhatIsMalformedOrOutOfRangeAndLeavesTheValue)
         {"kept-mapping-days", {"0", "-30", "3651"}, "is out of range"},
         {"pending-limit", notSizes, "is not a size"},
         {"pending-limit", {"0", "65535", "1073741825", "2G"}, "is out of range"},
+        {"source-location", notTruths, "is not a truth value"},
         {"control", notTruths, "is not a truth value"},
     };
     std::map<std::string, int> tested;
@@ -472,6 +476,7 @@ TEST(LgServiceOptions, DisplaysEveryOptionInTheOrderOfTheStruct)
                                     "process-in-names: false (ZU_LOG_SERVICE_PROCESS_IN_NAMES)\n"
                                     "line-form: ticks (ZU_LOG_SERVICE_LINE_FORM)\n"
                                     "raw-text: false (ZU_LOG_SERVICE_RAW_TEXT)\n"
+                                    "source-location: false (ZU_LOG_SERVICE_SOURCE_LOCATION)\n"
                                     "rotate-size: 0 (ZU_LOG_SERVICE_ROTATE_SIZE)\n"
                                     "rotate-time: none (ZU_LOG_SERVICE_ROTATE_TIME)\n"
                                     "kept-files: 10 (ZU_LOG_SERVICE_KEPT_FILES)\n"
@@ -809,7 +814,7 @@ TEST(LgServiceOptions, ThePageShowsReportsAsTheyAre)
         readInto(options, {"ZU_LOG_SERVICE_RAW_TEXT=maybe", "ZU_LOG_SERVICE_ROTATESIZE=1"});
     EXPECT_NE(page.find("\n```\n" + reports + "```\n"), std::string::npos) << reports;
     EXPECT_EQ(readInto(options, {"ZU_LOG_SERVICE_ROTATE_SIZE=256M"}), "");
-    const std::string line = linesOf(displayed(options))[6];
+    const std::string line = linesOf(displayed(options))[7];
     EXPECT_NE(page.find("\n```\n" + line + "\n```\n"), std::string::npos) << line;
 }
 

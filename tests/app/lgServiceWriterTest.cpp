@@ -599,6 +599,37 @@ TEST_F(LgServiceWriterTest, LossesOfThreadsThatLiveOnAddUpWhenTheServiceEnds)
     EXPECT_EQ(lostInFile(), lost);
 }
 
+TEST_F(LgServiceWriterTest, LossesOfQueuesOnTheHeapAddUpAsWell)
+{
+    // The file has no room for a queue.
+    start();
+    LgServiceMap other;
+    _mapInUse = &other;
+    LgServiceWriter writer(other, _waiting);
+    LgQueue& queue = makeQueue();
+    ASSERT_EQ(other.getReportedOnHeap(queue), 0U);
+    flood(queue, 7);
+    while (writer.writeBatch()) continue;
+    EXPECT_EQ(lostInFile(), 7U);
+    EXPECT_EQ(other.getReportedOnHeap(queue), 7U);
+    // No entry has these.
+    ASSERT_TRUE(queue.reserveEntry(LgTypes::Warning));
+    queue.beginInsertion();
+    for (int i = 0; i < 3; ++i) EXPECT_FALSE(queue.reserveEntry(LgTypes::Warning));
+    queue.getStream() << "last" << Zu::ends;
+    queue.endInsertion();
+    while (writer.writeBatch()) continue;
+    EXPECT_EQ(lostInFile(), 7U);
+    EXPECT_EQ(writer.finish(), LgServiceWriter::Rest::None);
+    EXPECT_EQ(lostInFile(), 10U) << "the end reports what no line has reported";
+    EXPECT_EQ(writer.finish(), LgServiceWriter::Rest::None);
+    const LgQueue* const former = &queue;
+    endQueues();
+    while (writer.writeBatch()) continue;
+    EXPECT_EQ(lostInFile(), 10U);
+    EXPECT_EQ(other.getReportedOnHeap(*former), std::nullopt);
+}
+
 TEST_F(LgServiceWriterTest, TheEndLooksAtTheQueuesThatThereAreThen)
 {
     _settings._entries = 64;

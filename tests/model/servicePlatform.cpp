@@ -9,9 +9,11 @@
 
 #include <array>
 #include <memory>
+#include <optional>
 #include <ostream>
 #include <pthread.h>
 #include <streambuf>
+#include <string>
 
 namespace
 {
@@ -138,6 +140,8 @@ bool LgServicePlatform::nap()
 
 void LgServicePlatform::lowerPriority() {}
 
+void LgServicePlatform::nameThread(const std::string&) {}
+
 void LgServicePlatform::onFork(void (*)(), void (*)(), void (*)()) {}
 
 void LgServicePlatform::onQuickExit(void (*)()) {}
@@ -170,6 +174,15 @@ std::uint32_t LgServiceMap::indexOf(const LgQueue&) const
 {
     return LgMap::NONE;
 }
+
+std::optional<std::uint64_t> LgServiceMap::getReportedOnHeap(const LgQueue&)
+{
+    return std::nullopt;
+}
+
+void LgServiceMap::addReportedOnHeap(const LgQueue&, std::uint64_t) {}
+
+void LgServiceMap::forgetOnHeap(const LgQueue&) {}
 
 void LgServiceMap::commit(std::uint64_t, LgMap::State) {}
 

@@ -139,6 +139,12 @@ TEST(ZlFormat, WritesJson)
         "\n"
         R"({"kind":"unreadable","text":"\u001b[2Jtorn","file":"a b.log","line":9})"
         "\n");
+    EXPECT_EQ(formatted("json", tickLine(7, R"(Error: Orders late [a.cpp:17] {r=1, user="A \""})"),
+                        utc()),
+              R"({"kind":"event","ticks":7,"thread":2748,"level":"Error",)"
+              R"("group":"Orders","text":"late [a.cpp:17] {r=1, user=\"A \\\"\"}",)"
+              R"("source":"a.cpp:17","context":{"r":"1","user":"A \""},"file":"a b.log","line":1})"
+              "\n");
     ZlFormatOptions options = utc();
     options._isRaw = true;
     EXPECT_EQ(formatted("json", tickLine(7, "Error: \\xff \\x41"), options),
