@@ -80,12 +80,12 @@ void appendCase(std::string& out, const std::string& program, const ApTestResult
 std::string apSeconds(std::chrono::microseconds time, unsigned decimals)
 {
     constexpr std::size_t MOST_DECIMALS = 6;
-    std::string text = std::to_string(time.count());
-    if (text.size() <= MOST_DECIMALS) text.insert(0, MOST_DECIMALS + 1 - text.size(), '0');
-    text.insert(text.size() - MOST_DECIMALS, ".");
-    text.resize(text.size() - MOST_DECIMALS + std::min<std::size_t>(decimals, MOST_DECIMALS));
-    if (decimals == 0) text.pop_back();
-    return text;
+    std::string digits = std::to_string(time.count());
+    if (digits.size() <= MOST_DECIMALS) digits.insert(0, MOST_DECIMALS + 1 - digits.size(), '0');
+    const std::size_t whole = digits.size() - MOST_DECIMALS;
+    const std::string text = digits.substr(0, whole);
+    if (decimals == 0) return text;
+    return text + '.' + digits.substr(whole, std::min<std::size_t>(decimals, MOST_DECIMALS));
 }
 
 std::string apTestLine(const ApTestResult& result)

@@ -99,8 +99,9 @@ std::string errorOf(const std::function<void()>& body)
 
 [[noreturn]] void onTerminate()
 {
-    const std::string reason = std::current_exception() ? "\n" + apExceptionText() : "";
-    apTestInform("Abnormal termination: Terminate handler called." + reason);
+    std::string text = "Abnormal termination: Terminate handler called.";
+    if (std::current_exception()) text.append("\n").append(apExceptionText());
+    apTestInform(text);
     std::abort();
 }
 
@@ -198,7 +199,7 @@ int TestRun::run(const Groups& groups)
     addOutside();
     const std::chrono::microseconds time = since(start);
     const bool isReported = writeReport(time);
-    print("\n" + apTestSummary(_results, time));
+    print(std::string("\n").append(apTestSummary(_results, time)));
     const bool hasPassed = std::all_of(_results.begin(), _results.end(),
                                        [](const auto& result) { return result.failures() == 0; });
     return isOutputWritten(_program) && hasPassed && isReported ? PASSED : FAILED;
