@@ -42,6 +42,11 @@ template <class T, int N> void RnHaltonMultiRng<T, N>::restart(unsigned int n)
     for (RnVanDerCorputRng<T>& rng : _rngs) rng.restart(n);
 }
 
+template <class T, int N> void RnHaltonMultiRng<T, N>::skip(std::uint64_t n)
+{
+    for (RnVanDerCorputRng<T>& rng : _rngs) rng.skip(n);
+}
+
 template <class T, int N> const char* RnHaltonMultiRng<T, N>::getName() const
 {
     return "Halton";

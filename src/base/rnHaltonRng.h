@@ -9,6 +9,7 @@
 #include "rnVanDerCorputRng.h"
 
 #include <cstddef>
+#include <cstdint>
 
 namespace Zu
 {
@@ -38,6 +39,9 @@ public:
 
     /// The next point is number `n + 1`.
     void restart(unsigned int n);
+
+    /// Leaves out the next `n` points, at no cost.
+    void skip(std::uint64_t n);
 
     /// The N bases.
     void getPrimeNumbers(unsigned int* const primes) const;

@@ -48,6 +48,9 @@ public:
     /// deliberately above 1.
     void restart(unsigned int n);
 
+    /// Leaves out the next `n` points of getSample(), at no cost.
+    void skip(std::uint64_t n);
+
     /// The N - 1 bases.
     void getPrimeNumbers(unsigned int* const primes) const;
 

@@ -20,12 +20,31 @@ constexpr std::int32_t restOf(std::int32_t modulus)
     return static_cast<std::int32_t>((std::int64_t{1} << 31) - modulus);
 }
 
+// A number raised to a power, by squares.
+constexpr std::uint64_t powerOf(std::uint64_t number, std::uint64_t exponent, std::uint64_t modulus)
+{
+    std::uint64_t power = 1;
+    for (; exponent != 0; exponent >>= 1)
+    {
+        if ((exponent & 1) != 0) power = power * number % modulus;
+        number = number * number % modulus;
+    }
+    return power;
+}
+
 // A multiplier raised to the power of the number of lanes.
 constexpr std::int32_t leap(std::uint64_t multiplier, std::uint64_t modulus)
 {
-    std::uint64_t power = 1;
-    for (unsigned int i = 0; i < LANES; ++i) power = power * multiplier % modulus;
-    return static_cast<std::int32_t>(power);
+    return static_cast<std::int32_t>(powerOf(multiplier, LANES, modulus));
+}
+
+// A state, from 0 to the modulus - 1, that many steps further.
+std::int32_t leaptBy(std::uint64_t n, std::int32_t state, std::int32_t multiplier,
+                     std::int32_t modulus)
+{
+    const auto divisor = static_cast<std::uint64_t>(modulus);
+    const std::uint64_t factor = powerOf(static_cast<std::uint64_t>(multiplier), n, divisor);
+    return static_cast<std::int32_t>(static_cast<std::uint64_t>(state) * factor % divisor);
 }
 
 // Reduces numbers below 2^62 to congruent ones modulo 2^31 - REST. Two such steps leave little more
@@ -170,6 +189,15 @@ template <class T> void RnLecuyerUniformRng<T>::restart(unsigned int seed0, unsi
     _seed0 = seed0;
     _seed1 = seed1;
     restart();
+}
+
+template <class T> void RnLecuyerUniformRng<T>::skip(std::uint64_t n)
+{
+    if (n == 0) return;
+    // A plain step brings any seed between 0 and the modulus.
+    eval();
+    _state0 = leaptBy(n - 1, _state0, MULTIPLIER0, MODULUS0);
+    _state1 = leaptBy(n - 1, _state1, MULTIPLIER1, MODULUS1);
 }
 
 template <class T> const char* RnLecuyerUniformRng<T>::getName() const

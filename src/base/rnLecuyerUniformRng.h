@@ -64,6 +64,11 @@ public:
     /// Takes new seeds; the first stream starts at the second one.
     void restart(unsigned int seed0, unsigned int seed1);
 
+    /// Leaves out the next `n` values, in a time that grows with the logarithm of `n`: afterwards
+    /// the generator is where `n` draws would have brought it. For parts of one stream in several
+    /// threads. The streams have periods of 2147483562 and 2147483398, together of 2.3 * 10^18.
+    void skip(std::uint64_t n);
+
     /// The next value, without a virtual call.
     ZU_ALWAYS_INLINE T eval()
     {

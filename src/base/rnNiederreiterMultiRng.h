@@ -39,6 +39,9 @@ public:
     /// Goes to the `n`th point after the first one, at no cost.
     void restart(unsigned int n);
 
+    /// Leaves out the next `n` points, at no cost.
+    void skip(std::uint64_t n);
+
 private:
     void getBlocks(unsigned int n, T** const arrays);
 

@@ -19,6 +19,9 @@ namespace Zu
 /// and others, "Numerical Recipes", 1986, after C. Bays and S. Durham, with the modulus 1771875,
 /// the multiplier 2416 and the increment 374441. The results are in [0, 1), are multiples of
 /// 1/1771875, and may be 0.
+///
+/// Values can't be left out without being computed, as RnLecuyerUniformRng::skip() does: each value
+/// decides which place of the table comes next.
 template <class T> class ZU_BASE_VISIBLE RnNumRecUniformRng : public RnUniformRng<T>
 {
 public:

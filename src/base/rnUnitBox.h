@@ -8,6 +8,7 @@
 #include "rnUniformRng.h"
 
 #include <algorithm>
+#include <cstdint>
 
 namespace Zu
 {
@@ -109,6 +110,12 @@ public:
     void restart() override
     {
         _rng.restart();
+    }
+
+    /// Leaves out the next `n` points.
+    void skip(std::uint64_t n)
+    {
+        _rng.skip(n);
     }
 
     /// The name of `Rng`.

@@ -197,6 +197,12 @@ template <class T> void RnVanDerCorputRng<T>::restart(unsigned int n)
     _index = n;
 }
 
+// Numbers of points have 32 bits, and go on with 0.
+template <class T> void RnVanDerCorputRng<T>::skip(std::uint64_t n)
+{
+    _index += static_cast<std::uint32_t>(n);
+}
+
 template <class T> const char* RnVanDerCorputRng<T>::getName() const
 {
     return "Van der Corput";

@@ -43,6 +43,9 @@ public:
     /// The next point is number `n + 1`.
     void restart(unsigned int n);
 
+    /// Leaves out the next `n` points, at no cost.
+    void skip(std::uint64_t n);
+
     /// Another base, from the next point on; the points' numbers go on.
     void setBase(unsigned int base);
 

@@ -317,6 +317,14 @@ TEST(Examples, SamplesAreDrawnMeasuredAndDrawnAgain)
     EXPECT_EQ(lines[2], "pi is about 3.1448");
 }
 
+TEST(Examples, AMonteCarloRunHasOneResultForAnyNumberOfThreads)
+{
+    const ProgramResult result = support::runProgram("monteCarlo");
+    EXPECT_EQ(result.exitCode, 0);
+    // 502,832 of 640,000, counted by a program in another language.
+    EXPECT_EQ(result.out, "pi is about 3.1427\none thread counts the same\n");
+}
+
 TEST(Examples, TheBeatComesToTenOrMore)
 {
     const ProgramResult result = support::runProgram("beating");

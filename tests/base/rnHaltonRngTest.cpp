@@ -2,6 +2,7 @@
 
 #include "support/radicalInverse.h"
 #include "support/sampleChecks.h"
+#include "support/skipChecks.h"
 
 #include <array>
 #include <cstddef>
@@ -9,6 +10,7 @@
 #include <gtest/gtest.h>
 #include <iterator>
 #include <random>
+#include <utility>
 #include <vector>
 
 namespace
@@ -353,6 +355,24 @@ TYPED_TEST(RnHaltonBiRngTest, WorksThroughTheInterface)
         rng.restart();
     }
     EXPECT_STREQ(rng.getName(), "Halton");
+}
+
+TYPED_TEST(RnHaltonBiRngTest, SkipsLeaveOutPoints)
+{
+    support::expectSkipLeavesOutDraws(Zu::RnHaltonMultiRng<TypeParam, 3>(),
+                                      [](auto& each)
+                                      {
+                                          std::vector<TypeParam> values(3);
+                                          each.getSample(values.data());
+                                          return values;
+                                      });
+    support::expectSkipLeavesOutDraws(RnHaltonBiRng<TypeParam>(3, 5),
+                                      [](auto& each)
+                                      {
+                                          std::pair<TypeParam, TypeParam> values;
+                                          each.getSample(values.first, values.second);
+                                          return values;
+                                      });
 }
 
 } // namespace

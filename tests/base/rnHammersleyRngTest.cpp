@@ -4,6 +4,7 @@
 
 #include "support/radicalInverse.h"
 #include "support/sampleChecks.h"
+#include "support/skipChecks.h"
 
 #include <array>
 #include <cstddef>
@@ -12,6 +13,7 @@
 #include <iterator>
 #include <random>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace
@@ -481,6 +483,36 @@ TYPED_TEST(RnHammersleyBiRngTest, WorksThroughTheInterface)
         rng.restart();
     }
     EXPECT_STREQ(rng.getName(), "Hammersley");
+}
+
+TYPED_TEST(RnHammersleyBiRngTest, SkipsLeaveOutPoints)
+{
+    for (const unsigned int length : {1U, 7U, 1500U, 4294967295U})
+    {
+        Zu::RnHammersleyMultiRng<TypeParam, 3> points(length);
+        support::expectSkipLeavesOutDraws(points,
+                                          [](auto& each)
+                                          {
+                                              std::vector<TypeParam> values(3);
+                                              each.getSample(values.data());
+                                              return values;
+                                          });
+        points.restart(0xffffff00U);
+        support::expectSkipLeavesOutDraws(points,
+                                          [](auto& each)
+                                          {
+                                              std::vector<TypeParam> values(3);
+                                              each.getSample(values.data());
+                                              return values;
+                                          });
+    }
+    support::expectSkipLeavesOutDraws(RnHammersleyBiRng<TypeParam>(50, 3),
+                                      [](auto& each)
+                                      {
+                                          std::pair<TypeParam, TypeParam> values;
+                                          each.getSample(values.first, values.second);
+                                          return values;
+                                      });
 }
 
 } // namespace

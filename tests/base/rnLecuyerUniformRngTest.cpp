@@ -1,6 +1,7 @@
 #include "base/rnLecuyerUniformRng.h"
 
 #include "support/sampleChecks.h"
+#include "support/skipChecks.h"
 
 #include <bit>
 #include <cstdint>
@@ -381,6 +382,48 @@ TYPED_TEST(RnLecuyerUniformRngTest, WorksThroughTheInterface)
 TYPED_TEST(RnLecuyerUniformRngTest, ADerivedObjectEndsThroughThisType)
 {
     support::expectEndsThroughItsType<RnLecuyerUniformRng<TypeParam>>();
+}
+
+TYPED_TEST(RnLecuyerUniformRngTest, SkipsLeaveOutDrawsForEverySeed)
+{
+    for (const unsigned int seed : SEEDS)
+        support::expectSkipLeavesOutDraws(RnLecuyerUniformRng<TypeParam>(1, seed),
+                                          [](auto& rng) { return bitsOf(rng.eval()); });
+}
+
+// The integers behind the values, computed with Python's pow(multiplier, n + 1, modulus) for both
+// streams.
+TYPED_TEST(RnLecuyerUniformRngTest, SkipsOfAnyLengthAreExact)
+{
+    const struct
+    {
+        std::uint64_t _n;
+        std::int32_t _ofSeed99999;
+        std::int32_t _ofSeed1;
+    } rows[] = {
+        {0, 1967037083, 113200674},
+        {1, 1015683168, 2130330151},
+        {std::uint64_t{1} << 31, 1838205247, 2049112032},
+        {(std::uint64_t{1} << 32) - 1, 80415260, 1608591865},
+        {std::uint64_t{1} << 32, 1413413908, 277669967},
+        {1000000000000, 44934397, 1654427554},
+        {std::uint64_t{1} << 63, 1305133749, 483043392},
+        {0xfffffffffffffffe, 691914763, 980614723},
+        {0xffffffffffffffff, 201550267, 927664330},
+    };
+    for (const auto& row : rows)
+    {
+        RnLecuyerUniformRng<TypeParam> rng;
+        rng.skip(row._n);
+        EXPECT_EQ(bitsOf(rng.eval()),
+                  bitsOf(static_cast<TypeParam>(row._ofSeed99999) * scale<TypeParam>()))
+            << row._n;
+        RnLecuyerUniformRng<TypeParam> other(7, 1);
+        other.skip(row._n);
+        EXPECT_EQ(bitsOf(other.eval()),
+                  bitsOf(static_cast<TypeParam>(row._ofSeed1) * scale<TypeParam>()))
+            << row._n;
+    }
 }
 
 } // namespace

@@ -3,12 +3,14 @@
 #include "base/rnNiederreiterTables.h"
 
 #include "support/sampleChecks.h"
+#include "support/skipChecks.h"
 
 #include <array>
 #include <cstddef>
 #include <cstdint>
 #include <gtest/gtest.h>
 #include <random>
+#include <utility>
 #include <vector>
 
 namespace
@@ -516,6 +518,26 @@ TYPED_TEST(RnNiederreiterMultiRngTest, WorksThroughTheInterface)
 TYPED_TEST(RnNiederreiterMultiRngTest, ADerivedObjectEndsThroughThisType)
 {
     support::expectEndsThroughItsType<RnNiederreiterMultiRng<TypeParam>>();
+}
+
+TYPED_TEST(RnNiederreiterMultiRngTest, SkipsLeaveOutPoints)
+{
+    RnNiederreiterMultiRng<TypeParam> rng;
+    support::expectSkipLeavesOutDraws(rng,
+                                      [](auto& each)
+                                      {
+                                          std::vector<TypeParam> values(4);
+                                          each.getSample(values.data());
+                                          return values;
+                                      });
+    rng.restart(0xffffff00U);
+    support::expectSkipLeavesOutDraws(rng,
+                                      [](auto& each)
+                                      {
+                                          std::vector<TypeParam> values(4);
+                                          each.getSample(values.data());
+                                          return values;
+                                      });
 }
 
 } // namespace

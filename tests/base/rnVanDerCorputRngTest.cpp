@@ -2,11 +2,13 @@
 
 #include "support/radicalInverse.h"
 #include "support/sampleChecks.h"
+#include "support/skipChecks.h"
 
 #include <cstddef>
 #include <cstdint>
 #include <gtest/gtest.h>
 #include <random>
+#include <utility>
 #include <vector>
 
 namespace
@@ -348,6 +350,17 @@ TYPED_TEST(RnVanDerCorputRngTest, WorksThroughTheInterface)
 TYPED_TEST(RnVanDerCorputRngTest, ADerivedObjectEndsThroughThisType)
 {
     support::expectEndsThroughItsType<RnVanDerCorputRng<TypeParam>>();
+}
+
+TYPED_TEST(RnVanDerCorputRngTest, SkipsLeaveOutDraws)
+{
+    for (const unsigned int base : {2U, 3U, 10U})
+    {
+        RnVanDerCorputRng<TypeParam> rng(base);
+        support::expectSkipLeavesOutDraws(rng, [](auto& each) { return each(); });
+        rng.restart(0xffffff00U);
+        support::expectSkipLeavesOutDraws(rng, [](auto& each) { return each(); });
+    }
 }
 
 } // namespace
