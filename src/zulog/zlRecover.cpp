@@ -61,10 +61,19 @@ std::string withoutSeparator(const std::string& path)
                : form.parent_path().string();
 }
 
+// Whether ".." may follow a link, and so lead elsewhere than to what stands before it. Windows
+// takes it for the text that it is.
+bool hasParents(const std::filesystem::path& path)
+{
+    return std::filesystem::path::preferred_separator == '/' &&
+           std::find(path.begin(), path.end(), "..") != path.end();
+}
+
 // Without "." and "..", as far as that is possible without looking at any file.
 std::string lexicalOf(const std::string& directory)
 {
-    return withoutSeparator(std::filesystem::path(directory).lexically_normal().string());
+    const std::filesystem::path path(directory);
+    return withoutSeparator(hasParents(path) ? directory : path.lexically_normal().string());
 }
 
 std::string absoluteOf(const std::string& directory)

@@ -345,6 +345,28 @@ TEST_F(ZlRecover, TheLogDirectoryMayBeNamedThroughALink)
     EXPECT_EQ(find().size(), 1U);
 }
 
+// Two dots behind a link are not what stands before it, but on Windows.
+TEST_F(ZlRecover, TheParentOfALinkIsThatOfItsTarget)
+{
+    namespace fs = std::filesystem;
+    fs::create_directories(_dir.file("other/deep"));
+    fs::create_directories(_dir.file("other/logs"));
+    fs::create_directories(_dir.file("logs"));
+    std::error_code error;
+    fs::create_directory_symlink(_dir.file("other/deep"), _dir.file("link"), error);
+    if (error) GTEST_SKIP() << "no symbolic links here: " << error.message();
+    leave("kill", 1, 3, 0, {{"B7Q_TEST_DIR", _dir.file("logs")}});
+    options._logDirectory = _dir.file("link/../logs");
+    const bool isLexical = fs::path::preferred_separator != '/';
+    EXPECT_EQ(find().size(), isLexical ? 1U : 0U);
+    options._logDirectory = _dir.file("other/../logs");
+    EXPECT_EQ(find().size(), 1U);
+    leave("kill", 1, 3, 0, {{"B7Q_TEST_DIR", _dir.file("other/logs")}});
+    options._logDirectory = _dir.file("link/../logs");
+    ASSERT_EQ(find().size(), 1U);
+    EXPECT_EQ(find().front()._logDirectory, _dir.file(isLexical ? "logs" : "other/logs"));
+}
+
 TEST_F(ZlRecover, MapsOfOtherLogDirectoriesAloneAreAFailure)
 {
     leaveLines(1, 3);
