@@ -122,36 +122,6 @@ TEST(ZlFormat, WritesTheLinesOfTheLogService)
     EXPECT_EQ(formatted("iso", formatted("iso", LOG, utc()), utc()), formatted("iso", LOG, utc()));
 }
 
-TEST(ZlFormat, WritesJson)
-{
-    EXPECT_EQ(
-        formatted("json", LOG, utc()),
-        R"({"time":"2026-11-22T10:00:00.000000Z","kind":"start","ticks":0,"host":"alpha",)"
-        R"("process":4711,"text":"===== Message Logger Startup =====","file":"a b.log","line":1})"
-        "\n"
-        R"({"time":"2026-11-22T10:00:00.000007Z","kind":"event","ticks":7,"host":"alpha",)"
-        R"("process":4711,"thread":2748,"level":"Warning","group":"Orders",)"
-        R"("text":"\"a\", b=c\nC:\\\\x1b","file":"a b.log","line":6})"
-        "\n"
-        R"({"time":"2026-11-22T10:00:00.000009Z","kind":"overflow","ticks":9,"host":"alpha",)"
-        R"("process":4711,"thread":2748,"level":"Informational","count":17,)"
-        R"("text":"Event overflow [17]","file":"a b.log","line":8})"
-        "\n"
-        R"({"kind":"unreadable","text":"\u001b[2Jtorn","file":"a b.log","line":9})"
-        "\n");
-    EXPECT_EQ(formatted("json", tickLine(7, R"(Error: Orders late [a.cpp:17] {r=1, user="A \""})"),
-                        utc()),
-              R"({"kind":"event","ticks":7,"thread":2748,"level":"Error",)"
-              R"("group":"Orders","text":"late [a.cpp:17] {r=1, user=\"A \\\"\"}",)"
-              R"("source":"a.cpp:17","context":{"r":"1","user":"A \""},"file":"a b.log","line":1})"
-              "\n");
-    ZlFormatOptions options = utc();
-    options._isRaw = true;
-    EXPECT_EQ(formatted("json", tickLine(7, "Error: \\xff \\x41"), options),
-              "{\"kind\":\"event\",\"ticks\":7,\"thread\":2748,\"level\":\"Error\",\"text\":"
-              "\"\xef\xbf\xbd A\",\"file\":\"a b.log\",\"line\":1}\n");
-}
-
 TEST(ZlFormat, WritesCsv)
 {
     EXPECT_EQ(formatted("csv", LOG, utc()),
@@ -179,21 +149,6 @@ TEST(ZlFormat, EscapesCsvOnATerminal)
     options._isTerminal = true;
     EXPECT_EQ(formatted("csv", line, options),
               head + "\\x1b]0;\\u009b31m \\x7f \\u202e x\\x0d\\xff\nnext\",a b.log,1\r\n");
-}
-
-TEST(ZlFormat, EscapesJsonEverywhere)
-{
-    const std::string line = tickLine(7, "Error: A \\\\x7f " + HOSTILE);
-    const std::string expected =
-        R"({"kind":"event","ticks":7,"thread":2748,"level":"Error","group":"A",)"
-        R"("text":"\\\\x7f \u001b]0;\u009b31m \u007f \u202e x\r)"
-        "\xef\xbf\xbd"
-        R"(","file":"a b.log","line":1})"
-        "\n";
-    ZlFormatOptions options = utc();
-    EXPECT_EQ(formatted("json", line, options), expected);
-    options._isTerminal = true;
-    EXPECT_EQ(formatted("json", line, options), expected);
 }
 
 TEST(ZlFormat, WritesLogfmt)
