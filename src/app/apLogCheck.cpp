@@ -1,6 +1,7 @@
 #include "app/apLogCheck.h"
 
 #include "app/apNearest.h"
+#include "app/apText.h"
 #include "base/lgTypes.h"
 
 #include <algorithm>
@@ -19,13 +20,6 @@ std::vector<std::string> levels()
     for (int level = 0; level < LgTypes::NUM_LEVELS; ++level)
         names.emplace_back(LgTypes::levelToString(static_cast<LgTypes::Level>(level)));
     return names;
-}
-
-std::string joined(const std::vector<std::string>& names)
-{
-    std::string text;
-    for (const std::string& name : names) text += (text.empty() ? "" : ", ") + name;
-    return text;
 }
 
 bool contains(const std::vector<std::string>& names, const std::string& name)
@@ -63,7 +57,7 @@ std::string noLevel(const std::string& variable, const std::string& text)
     const std::vector<std::string> known = levels();
     const std::string meant = apDidYouMean(text, known);
     return variable + ": '" + text + "' is not a level" +
-           (meant.empty() ? "; the levels are " + joined(known) : meant);
+           (meant.empty() ? "; the levels are " + apJoined(known) : meant);
 }
 
 } // namespace
@@ -75,7 +69,7 @@ std::string apGroupsError(std::string_view value)
         if (!pair._name.empty() && pair._hasLevel) continue;
         return "ZU_LOG_GROUPS is '" + std::string(value) + "', where " +
                (pair._name.empty() ? "a group has no name" : "'" + pair._name + "' has no level") +
-               ": expected GROUP=LEVEL,GROUP=LEVEL... with the levels " + joined(levels());
+               ": expected GROUP=LEVEL,GROUP=LEVEL... with the levels " + apJoined(levels());
     }
     return {};
 }
@@ -90,7 +84,7 @@ std::vector<std::string> apGroupsNotes(std::string_view value, const std::vector
         if (contains(used, pair._name)) continue;
         const std::string meant = apDidYouMean(pair._name, used);
         notes.push_back(variable + ": no statement belongs to the group '" + pair._name + "'" +
-                        (meant.empty() ? "; the groups are " + joined(used) : meant));
+                        (meant.empty() ? "; the groups are " + apJoined(used) : meant));
     }
     return notes;
 }

@@ -2,6 +2,7 @@
 
 #include "app/apNearest.h"
 #include "app/apOwnFile.h"
+#include "app/apText.h"
 
 namespace Zu
 {
@@ -19,20 +20,13 @@ std::vector<std::string> handlesOf(const ApSettings& settings)
     return handles;
 }
 
-std::string joined(const std::vector<std::string>& names)
-{
-    std::string text;
-    for (const std::string& name : names) text += (text.empty() ? "" : ", ") + name;
-    return text;
-}
-
 std::string unknownName(const std::string& name, const ApSettings& settings)
 {
     const std::vector<std::string> handles = handlesOf(settings);
     const std::string meant = apDidYouMean(name, handles);
     if (!meant.empty()) return "there is no setting '" + name + "'" + meant;
     return "there is no setting '" + name + "'" +
-           (handles.empty() ? "" : "; the settings are " + joined(handles));
+           (handles.empty() ? "" : "; the settings are " + apJoined(handles));
 }
 
 bool isOfKind(const ApFileValue& value, const ApSetting& setting)

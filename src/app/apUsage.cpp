@@ -1,5 +1,7 @@
 #include "app/apUsage.h"
 
+#include "app/apText.h"
+
 #include <algorithm>
 #include <cctype>
 #include <cstddef>
@@ -143,7 +145,7 @@ std::string apVersion(const DbgBuildText& build)
 
 std::string apProgramName(std::string_view path)
 {
-    path.remove_prefix(path.find_last_of("/\\") + 1);
+    path = apLastPart(path);
     if (path.size() > 4 && path.substr(path.size() - 4) == ".exe") path.remove_suffix(4);
     return std::string(path);
 }

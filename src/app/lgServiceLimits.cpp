@@ -1,5 +1,6 @@
 #include "app/lgServiceLimits.h"
 
+#include "app/apText.h"
 #include "app/lgLimit.h"
 #include "base/lgEvent.h"
 #include "base/lgLog.h"
@@ -8,7 +9,6 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <string_view>
 
 namespace Zu
 {
@@ -32,11 +32,6 @@ LgServiceHealth::Limit partOf(const LgLimit& limit)
     return part;
 }
 
-std::string_view plainName(std::string_view file)
-{
-    return file.substr(file.find_last_of("/\\") + 1);
-}
-
 bool report(LgLimit& limit)
 {
     if (limit.getOwedCount() == 0) return true;
@@ -47,7 +42,7 @@ bool report(LgLimit& limit)
     // Another thread's line may have reported it by now; then nothing remains of this event.
     if (leftOut == 0) return true;
     queue.getStream() << limit.getGroup() << " (" << leftOut << " left out, "
-                      << plainName(limit.getFile()) << ':' << limit.getLine() << ')';
+                      << apLastPart(limit.getFile()) << ':' << limit.getLine() << ')';
     insertion.complete();
     return true;
 }

@@ -1,5 +1,6 @@
 #include "app/lgSuffix.h"
 
+#include "app/apText.h"
 #include "app/threadSlot.h"
 #include "base/lgQueue.h"
 #include "base/lgStream.h"
@@ -68,10 +69,7 @@ Fields* fieldsOfThread()
 void insert(LgStream& stream, const char* file, int line)
 {
     if (arePlacesShown.load(std::memory_order_relaxed))
-    {
-        const std::string_view path(file);
-        stream << " [" << path.substr(path.find_last_of("/\\") + 1) << ':' << line << ']';
-    }
+        stream << " [" << apLastPart(file) << ':' << line << ']';
     const Fields* const fields = fieldsOfThread();
     if (fields && !fields->_shown.empty()) stream << fields->_shown;
 }
