@@ -68,7 +68,7 @@ std::vector<std::string> ApSettingsFile::take(const std::string& path, const std
             std::string error;
             if (!setting)
                 error = unknownName(value._name, settings);
-            else if (_values.count(value._name) > 0)
+            else if (_values.contains(value._name))
                 error = "'" + value._name + "' has a value already";
             else if (value._text.find('\0') != std::string::npos)
                 error = "the text of '" + value._name + "' has a null character";
