@@ -83,7 +83,7 @@ std::string apSeconds(std::chrono::microseconds time, unsigned decimals)
     std::string digits = std::to_string(time.count());
     if (digits.size() <= MOST_DECIMALS) digits.insert(0, MOST_DECIMALS + 1 - digits.size(), '0');
     const std::size_t whole = digits.size() - MOST_DECIMALS;
-    const std::string text = digits.substr(0, whole);
+    std::string text = digits.substr(0, whole);
     if (decimals == 0) return text;
     return text + '.' + digits.substr(whole, std::min<std::size_t>(decimals, MOST_DECIMALS));
 }
