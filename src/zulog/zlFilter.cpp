@@ -20,14 +20,21 @@ bool equalsName(std::string_view one, std::string_view other)
                       [lower](char a, char b) { return lower(a) == lower(b); });
 }
 
+// A level by its name, or by the beginning that no other one has.
 std::optional<LgTypes::Level> levelOf(std::string_view name)
 {
+    std::optional<LgTypes::Level> found;
+    int count = 0;
     for (int i = 0; i < LgTypes::NUM_LEVELS; ++i)
     {
         const auto level = static_cast<LgTypes::Level>(i);
-        if (equalsName(name, LgTypes::levelToString(level))) return level;
+        const std::string_view full = LgTypes::levelToString(level);
+        if (equalsName(name, full)) return level;
+        if (name.empty() || !equalsName(name, full.substr(0, name.size()))) continue;
+        found = level;
+        ++count;
     }
-    return std::nullopt;
+    return count == 1 ? found : std::nullopt;
 }
 
 template <class Value> bool contains(const std::vector<Value>& values, std::optional<Value> value)

@@ -83,7 +83,8 @@ std::string zlFaultOfExpression(const std::string& text);
 /// Whether a name is of the form of a glob.
 bool zlMatchesGlob(std::string_view glob, std::string_view name);
 
-/// The levels that "Warning" stands for, it and the more severe ones; letter case does not matter.
+/// The levels that "Warning" stands for, it and the more severe ones; letter case does not matter,
+/// and a beginning that no other level has stands for the level.
 /// Several names with commas between them stand for these alone, and so does one with "=" in front.
 /// Nothing for a name that is none.
 std::optional<std::uint32_t> zlParseLevels(std::string_view text);

@@ -148,36 +148,88 @@ std::int64_t utcOfLocal(std::int64_t second)
     return second - lgLocalOffset(earlier) * MINUTE;
 }
 
+// In seconds; 0 for what is none.
+std::int64_t unitOf(std::string_view name)
+{
+    struct Unit
+    {
+        std::string_view _name;
+        std::int64_t _seconds;
+    };
+    constexpr Unit UNITS[] = {{"s", 1},   {"m", MINUTE}, {"min", MINUTE}, {"h", 60 * MINUTE},
+                              {"d", DAY}, {"day", DAY},  {"days", DAY},   {"w", 7 * DAY}};
+    for (const Unit& unit : UNITS)
+        if (name == unit._name) return unit._seconds;
+    return 0;
+}
+
+void skipBlanks(std::string_view& text)
+{
+    text.remove_prefix(std::min(text.find_first_not_of(' '), text.size()));
+}
+
+// Takes "90s" or "90 min", and adds its seconds.
+bool takeLength(std::string_view& text, std::int64_t& seconds)
+{
+    constexpr std::int64_t MOST = std::numeric_limits<std::int64_t>::max() / 4 / NANOSECONDS;
+    std::int64_t count = 0;
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), count);
+    if (error != std::errc() || count < 0) return false;
+    text.remove_prefix(static_cast<std::size_t>(end - text.data()));
+    skipBlanks(text);
+    const auto isNoLetter = [](char c) { return c < 'a' || c > 'z'; };
+    const auto* const last = std::find_if(text.begin(), text.end(), isNoLetter);
+    const auto length = static_cast<std::size_t>(last - text.begin());
+    const std::int64_t unit = unitOf(text.substr(0, length));
+    if (unit == 0 || count > MOST / unit) return false;
+    text.remove_prefix(length);
+    seconds += count * unit;
+    return seconds <= MOST;
+}
+
+// "5m ago", "1h30m ago", "2 days 1 h ago".
 std::optional<std::int64_t> parseAgo(std::string_view text, std::int64_t now)
 {
-    constexpr std::string_view AGO = " ago";
-    std::int64_t count = 0;
-    const char* const end = text.data() + text.size();
-    const auto [place, error] = std::from_chars(text.data(), end, count);
-    if (error != std::errc() || count < 0 || place == end) return std::nullopt;
-    const std::string_view rest(place + 1, static_cast<std::size_t>(end - place - 1));
-    if (rest != AGO) return std::nullopt;
-    std::int64_t unit = 0;
-    switch (*place)
+    std::int64_t seconds = 0;
+    do
     {
-    case 's':
-        unit = 1;
-        break;
-    case 'm':
-        unit = MINUTE;
-        break;
-    case 'h':
-        unit = 60 * MINUTE;
-        break;
-    case 'd':
-        unit = DAY;
-        break;
-    default:
-        return std::nullopt;
+        if (!takeLength(text, seconds)) return std::nullopt;
+        const std::size_t before = text.size();
+        skipBlanks(text);
+        if (text == "ago" && text.size() < before) return now - seconds * NANOSECONDS;
+    } while (!text.empty());
+    return std::nullopt;
+}
+
+// The day of this instant, as clocks here show it.
+Civil localDay(std::int64_t second)
+{
+    Civil civil;
+    setDay(civil, second + lgLocalOffset(second) * MINUTE);
+    return civil;
+}
+
+// "today" and "yesterday", which may be followed by a time of the day; otherwise leaves the text.
+bool takeNamedDay(std::string_view& text, std::int64_t now, Civil& civil)
+{
+    const std::int64_t second = floorQuotient(now, NANOSECONDS);
+    for (const std::string_view name : {"today", "yesterday"})
+    {
+        if (!text.starts_with(name)) continue;
+        civil = localDay(second);
+        if (name == "yesterday")
+        {
+            // Days have no fixed length here, but their numbers do.
+            std::int64_t noon = 0;
+            civil._hour = 12;
+            toSecond(civil, noon);
+            civil = {};
+            setDay(civil, noon - DAY);
+        }
+        text.remove_prefix(name.size());
+        return true;
     }
-    if (count > std::numeric_limits<std::int64_t>::max() / 2 / NANOSECONDS / unit)
-        return std::nullopt;
-    return now - count * unit * NANOSECONDS;
+    return false;
 }
 
 void appendFilled(std::string& out, std::uint32_t value, int width)
@@ -195,15 +247,15 @@ std::optional<std::int64_t> zlParseTime(std::string_view text, std::int64_t now)
     if (text == "now") return now;
     if (const auto ago = parseAgo(text, now)) return ago;
     Civil civil;
+    const bool isNamed = takeNamedDay(text, now, civil);
     TimeParser whole(text);
-    bool isRead = whole.takeDate(civil);
+    bool isRead = isNamed || whole.takeDate(civil);
     if (isRead && (whole.take(' ') || whole.take('T'))) isRead = whole.takeTimeOfDay(civil);
     if (!isRead)
     {
+        if (isNamed) return std::nullopt;
         whole = TimeParser(text);
-        civil = {};
-        const std::int64_t second = floorQuotient(now, NANOSECONDS);
-        setDay(civil, second + lgLocalOffset(second) * MINUTE);
+        civil = localDay(floorQuotient(now, NANOSECONDS));
         if (!whole.takeTimeOfDay(civil)) return std::nullopt;
     }
     std::int64_t second = 0;

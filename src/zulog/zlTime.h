@@ -16,8 +16,10 @@ namespace Zu
 ///
 /// - "2026-11-22 23:10:51.5", with "T" in place of the blank, without the fraction, without the
 ///   seconds, or the day alone, which is its beginning; "Z" or "+01:00" may follow
+/// - "today" and "yesterday", which are their beginnings, or with a time: "yesterday 23:10"
 /// - "23:10:51.5", "23:10": today
-/// - "90s ago", "5m ago", "2h ago", "3d ago"; the number may be any whole one
+/// - "90s ago", "5m ago", "2h ago", "3d ago", "2w ago", with any whole number, blanks in between
+///   and sums, such as "1h30m ago"; "min", "day" and "days" are units, too
 /// - "now"
 ///
 /// Returns UTC in nanoseconds since 1970, or nothing for anything else. `now` is the present time.

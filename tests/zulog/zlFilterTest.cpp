@@ -177,10 +177,27 @@ TEST(ZlFilter, ReadsLevels)
         const char* _text;
         std::optional<std::uint32_t> _levels;
     } rows[] = {
-        {"Internal Error", 1},  {"Error", 7},  {"warning", 15},
-        {"PROFILING", 127},     {"=Error", 4}, {"Error,Tracing", 4 + 32},
-        {"=Warning,Error", 12}, {"", {}},      {"Errors", {}},
-        {"Error,", {}},         {"=", {}},     {"Error, Tracing", {}},
+        {"Internal Error", 1},
+        {"Error", 7},
+        {"warning", 15},
+        {"PROFILING", 127},
+        {"=Error", 4},
+        {"Error,Tracing", 4 + 32},
+        {"=Warning,Error", 12},
+        {"", {}},
+        {"Errors", {}},
+        {"Warn", 15},
+        {"t", 63},
+        {"=prof", 64},
+        {"in", {}},
+        {"inf", 31},
+        {"=e,w", 12},
+        {"internal", 1},
+        {"f", 3},
+        {"e,", {}},
+        {"Error,", {}},
+        {"=", {}},
+        {"Error, Tracing", {}},
     };
     for (const auto& row : rows) EXPECT_EQ(Zu::zlParseLevels(row._text), row._levels) << row._text;
 }

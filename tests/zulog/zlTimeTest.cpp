@@ -51,17 +51,56 @@ TEST(ZlTime, ReadsTimesBeforeNow)
     EXPECT_EQ(zlParseTime("5m ago", NOW), NOW - 300 * SECOND);
     EXPECT_EQ(zlParseTime("2h ago", NOW), NOW - 7200 * SECOND);
     EXPECT_EQ(zlParseTime("3d ago", NOW), NOW - 3 * 86400 * SECOND);
+    EXPECT_EQ(zlParseTime("2w ago", NOW), NOW - 14 * 86400 * SECOND);
+    EXPECT_EQ(zlParseTime("1 h ago", NOW), NOW - 3600 * SECOND);
+    EXPECT_EQ(zlParseTime("1h30m ago", NOW), NOW - 5400 * SECOND);
+    EXPECT_EQ(zlParseTime("1 h  30 min  ago", NOW), NOW - 5400 * SECOND);
+    EXPECT_EQ(zlParseTime("2 days 1s ago", NOW), NOW - (2 * 86400 + 1) * SECOND);
+    EXPECT_EQ(zlParseTime("1 day ago", NOW), NOW - 86400 * SECOND);
+}
+
+TEST(ZlTime, ReadsDaysByTheirNames)
+{
+    const std::string today = written(ZlTimeWriter::Form::Local, NOW).substr(0, 10);
+    const std::string yesterday =
+        written(ZlTimeWriter::Form::Local, NOW - 86400 * SECOND).substr(0, 10);
+    const struct
+    {
+        std::string _text;
+        std::string _same;
+    } rows[] = {
+        {"today", today},
+        {"yesterday", yesterday},
+        {"today 00:00", today},
+        {"today 23:10", today + " 23:10"},
+        {"yesterday 23:10:51.5", yesterday + " 23:10:51.5"},
+        {"yesterdayT23:10Z", yesterday + "T23:10Z"},
+    };
+    for (const auto& row : rows)
+    {
+        ASSERT_TRUE(zlParseTime(row._same, NOW)) << row._same;
+        EXPECT_EQ(zlParseTime(row._text, NOW), zlParseTime(row._same, NOW)) << row._text;
+    }
 }
 
 TEST(ZlTime, RefusesWhatIsNoTime)
 {
     for (const char* const text : {"",
-                                   "yesterday",
+                                   "tomorrow",
+                                   "yesterday23:10",
+                                   "today 24:00",
+                                   "today 23:1",
                                    "5m",
-                                   "5 m ago",
+                                   "5mago",
+                                   "5m 3 ago",
+                                   "1h 5m",
+                                   " 5m ago",
+                                   "ago",
+                                   "5 ago",
                                    "m ago",
                                    "-5m ago",
-                                   "5w ago",
+                                   "5y ago",
+                                   "5M ago",
                                    "999999999d ago",
                                    "2026-13-01",
                                    "2026-02-29",
