@@ -170,7 +170,7 @@ ApProgram& ApProgram::require(std::string handle)
     return *this;
 }
 
-ApProgram& ApProgram::words(std::string usage, std::size_t least, std::size_t most)
+ApProgram& ApProgram::arguments(std::string usage, std::size_t least, std::size_t most)
 {
     _state->_wordsUsage = std::move(usage);
     _state->_takesWords = true;
@@ -198,7 +198,7 @@ ApProgram& ApProgram::withoutLog()
     return *this;
 }
 
-const std::vector<std::string>& ApProgram::words() const
+const std::vector<std::string>& ApProgram::arguments() const
 {
     return _state->_words;
 }

@@ -44,9 +44,9 @@ struct ApProgramState;
 /// 4. calls the program, and returns its value. An exception is a line on standard error and the
 ///    value 1, as is one of the shut-down.
 ///
-/// Options may have long names beside their letters, and may stand between and behind the words.
-/// InContextAliasMgrBase::getUnboundArgs() has the program's name and the words, as words() has
-/// without it. A switch, which is a variable of type bool, takes only 0, 1, false and true.
+/// Options may have long names beside their letters, and may stand between and after the arguments.
+/// InContextAliasMgrBase::getUnboundArgs() has the program's name, and behind it what arguments()
+/// has. A switch, which is a variable of type bool, takes only 0, 1, false and true.
 ///
 /// A process has one such object, in `main`.
 ///
@@ -77,10 +77,10 @@ public:
     /// The variable with this handle must be given, by option or environment.
     ApProgram& require(std::string handle);
 
-    /// The program takes words that are no options: how `--help` shows them, such as "FILE...", and
-    /// how many there may be.
-    ApProgram& words(std::string usage, std::size_t least = 0,
-                     std::size_t most = static_cast<std::size_t>(-1));
+    /// The program takes arguments that are no options: how `--help` shows them, such as "FILE...",
+    /// and how many there may be.
+    ApProgram& arguments(std::string usage, std::size_t least = 0,
+                         std::size_t most = static_cast<std::size_t>(-1));
 
     /// How the log service is set up, asked when the packages are up; without it the environment
     /// decides alone.
@@ -114,8 +114,8 @@ public:
                        });
     }
 
-    /// The words that are no options; while the program runs.
-    const std::vector<std::string>& words() const;
+    /// The arguments that are no options; while the program runs.
+    const std::vector<std::string>& arguments() const;
 
     /// The log service; while the program runs, and unless it has none.
     const LgService& log() const;

@@ -69,9 +69,9 @@ Zu::ApProgram* program = nullptr;
 int work()
 {
     std::cout << "port " << port.getValue() << ", verbose " << verboseOption.isValid();
-    for (const std::string& word : program->words()) std::cout << ", " << word;
+    for (const std::string& word : program->arguments()) std::cout << ", " << word;
     std::cout << "\n";
-    const std::string first = program->words().empty() ? "" : program->words()[0];
+    const std::string first = program->arguments().empty() ? "" : program->arguments()[0];
     if (first == "throw") throw std::runtime_error("the program gives up");
     if (first == "unknown") throw 1;
     if (first == "log")
@@ -92,7 +92,8 @@ int main(int argc, char** argv)
     program = &front;
     front.build(BUILD).longName('p', "port").longName('v', "verbose").longName('k', "key");
     front.range("front::port", 0, 65535);
-    if (!isSet("FRONT_WITHOUT_WORDS")) front.words("[WORD]...", isSet("FRONT_REQUIRES") ? 1 : 0, 3);
+    if (!isSet("FRONT_WITHOUT_WORDS"))
+        front.arguments("[WORD]...", isSet("FRONT_REQUIRES") ? 1 : 0, 3);
     if (isSet("FRONT_REQUIRES")) front.require("front::key");
     if (isSet("FRONT_WITHOUT_LOG")) front.withoutLog();
     if (isSet("FRONT_WRONG")) front.range("front::prot", 0, 1);
