@@ -29,8 +29,9 @@ namespace Zu
 /// local variables do. A thread does not inherit the fields of the one that starts it. Statements
 /// of threads without fields are written as if there were none.
 ///
-/// Raises std::bad_alloc, and then there is no field. Costs some allocations when it is made, and
-/// one copy of the fields for each event.
+/// Raises std::bad_alloc, or std::system_error if the system has no room for one more value of each
+/// thread; then there is no field. Costs some allocations when it is made, and one copy of the
+/// fields for each event.
 class LgContext
 {
 public:
@@ -54,7 +55,7 @@ public:
     /// Gives the calling thread a name. It stands before the fields, as in
     /// "{thread=worker, request=4711}", in all lines of the thread from now on. The system gets it,
     /// too, for debuggers and lists of threads; Linux keeps its first 15 bytes. An empty name is
-    /// none, and leaves that of the system. Raises std::bad_alloc.
+    /// none, and leaves that of the system. Raises what the constructor raises.
     ZU_APP_API static void nameThread(std::string_view name);
 
 private:
