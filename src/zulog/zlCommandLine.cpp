@@ -441,7 +441,7 @@ void finishSelection(const Words& words, std::int64_t now, ZlSelection& selectio
     if (!words._since.empty()) selection._since = timeOf("--since", words._since, now);
     if (!words._until.empty()) selection._until = timeOf("--until", words._until, now);
     if (selection._since && selection._until && *selection._since > *selection._until)
-        throw CLI::ValidationError("--since is behind --until");
+        throw CLI::ValidationError("--since is later than --until");
 }
 
 void refuseChange(const std::string& text)
@@ -497,6 +497,9 @@ void finish(const Words& words, const ZlSurroundings& surroundings, ZlCommand& c
         throw CLI::ValidationError("MAP", "which maps are to be removed must be said, or --all");
     finishForm(words, surroundings, command);
     finishSelection(words, surroundings._now, command._show._selection);
+    const auto since = command._show._selection._since;
+    if (since && *since > surroundings._now)
+        command._notes.push_back("--since \"" + words._since + "\" is in the future");
     const ZlTimeWriter::Form times =
         words._isUtc ? ZlTimeWriter::Form::Utc : ZlTimeWriter::Form::Local;
     command._stats._times = times;

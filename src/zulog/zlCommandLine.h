@@ -55,6 +55,8 @@ struct ZlCommand
     ZlShipOptions _ship;
     std::string _text;
     int _exit = 0;
+    /// What is to be reported before the command runs.
+    std::vector<std::string> _notes;
 };
 
 /// What the command line depends on beside its words.

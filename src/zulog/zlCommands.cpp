@@ -170,6 +170,7 @@ int zlRunCommand(const ZlCommand& command)
         return command._exit;
     }
     ZlReports reports(std::cerr);
+    for (const std::string& note : command._notes) reports.note(note);
     runWithOutput(command, reports);
     reports.endReports();
     return reports.hasFailed() ? EXIT_FAILURE : EXIT_SUCCESS;

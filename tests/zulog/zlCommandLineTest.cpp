@@ -46,6 +46,13 @@ TEST(ZlCommandLine, ReadsWhatIsToBeShown)
     EXPECT_TRUE(show._selection._areMarksHidden);
 }
 
+TEST(ZlCommandLine, NotesABeginningInTheFuture)
+{
+    EXPECT_EQ(read({"show", "--since", "2200-01-01", "-"})._notes,
+              Words{"--since \"2200-01-01\" is in the future"});
+    EXPECT_TRUE(read({"show", "--since", "now", "--until", "2200-01-01", "-"})._notes.empty());
+}
+
 TEST(ZlCommandLine, ShowsAllByDefault)
 {
     const ZlCommand command = read({"show", "-"});
@@ -113,7 +120,7 @@ TEST(ZlCommandLine, RefusesWhatItCantUse)
         {{"show", "a", "--process", "x"}, "--process"},
         {{"show", "a", "--since", "soon"}, "--since: \"soon\" can't be used: expected a time"},
         {{"show", "a", "--since", "now", "--until", "5m ago"},
-         "zulog: --since is behind --until\n"},
+         "zulog: --since is later than --until\n"},
         {{"level", "12", "Server=loud"},
          "\"loud\" is no level: expected Internal Error, Fatal Error, Error, Warning, "},
         {{"level", "12", "Server"}, "\"Server\" can't be used: expected a group and a level"},

@@ -65,6 +65,18 @@ TEST_F(ZlCommands, ATextWithAFailureGoesToStandardError)
     EXPECT_EQ(value, 2);
 }
 
+TEST_F(ZlCommands, NotesComeFirstAndAreNoFailures)
+{
+    _command._name = ZlCommand::Name::Stats;
+    _command._notes = {"a note"};
+    testing::internal::CaptureStdout();
+    testing::internal::CaptureStderr();
+    const int value = Zu::zlRunCommand(_command);
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), "zulog: a note\n");
+    EXPECT_NE(testing::internal::GetCapturedStdout(), "");
+    EXPECT_EQ(value, 0);
+}
+
 TEST_F(ZlCommands, ATextWithoutOneGoesToStandardOutput)
 {
     _command._text = "zulog 1.0\n";
