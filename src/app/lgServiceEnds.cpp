@@ -24,8 +24,8 @@ void drain() noexcept
 void endProcess() noexcept
 {
     if (LgServicePlatform::isEnding()) return;
-    lgReportAllLimits(&drain);
-    LgServiceThreads::instance().drain();
+    // Otherwise a wait without success has just ended, and another one would be as long.
+    if (lgReportAllLimits(&drain)) LgServiceThreads::instance().drain();
     LgServiceThreads::instance().leaveNothing();
 }
 

@@ -36,7 +36,9 @@ bool report(LgLimit& limit)
 {
     if (limit.getOwedCount() == 0) return true;
     LgQueue& queue = LgLog::getQueue();
-    if (!queue.canReserve() || !queue.reserveEntry(limit.getLevel())) return false;
+    // Within an operand's insertion, the attempt alone would count as a loss.
+    if (queue.isInserting() || !queue.canReserve()) return false;
+    if (!queue.reserveEntry(limit.getLevel())) return false;
     LgInsertion insertion(queue);
     const std::uint64_t leftOut = limit.takeLeftOut();
     // Another thread's line may have reported it by now; then nothing remains of this event.
@@ -76,17 +78,17 @@ catch (...)
     return 0;
 }
 
-void lgReportAllLimits(void (*drain)()) noexcept
+bool lgReportAllLimits(void (*drain)()) noexcept
 {
-    std::size_t before = 0;
     std::size_t left = lgReportLimits();
-    do
+    while (left > 0)
     {
-        if (left == 0) return;
         drain();
-        before = left;
+        const std::size_t before = left;
         left = lgReportLimits();
-    } while (left < before);
+        if (left >= before) return false;
+    }
+    return true;
 }
 
 } // namespace Zu

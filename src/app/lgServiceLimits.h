@@ -23,9 +23,9 @@ void lgAddLimits(LgServiceHealth& health);
 /// logger is inactive.
 std::size_t lgReportLimits() noexcept;
 
-/// The same for all of them. Where the queue has no room, `drain` makes some; gives up when it
-/// makes none.
-void lgReportAllLimits(void (*drain)()) noexcept;
+/// The same for all of them. Where the queue has no room, `drain` makes some. Returns false, right
+/// after a call of it, when it has made none.
+bool lgReportAllLimits(void (*drain)()) noexcept;
 
 } // namespace Zu
 

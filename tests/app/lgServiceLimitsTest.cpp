@@ -107,6 +107,19 @@ TEST_F(LgServiceLimits, WithoutRoomTheCountStays)
     EXPECT_EQ(_queue.getLostCount(), lost) << "a report that waits is not lost";
 }
 
+TEST_F(LgServiceLimits, WithinAnInsertionTheCountStays)
+{
+    static LgLimit limit(LgLimit::Kind::PerSecond, 1, "inside.cpp", 3, "Inside");
+    leaveOut(limit, 2, Zu::LgTypes::Warning);
+    ASSERT_TRUE(_queue.reserveEntry(Zu::LgTypes::Warning));
+    _queue.beginInsertion();
+    EXPECT_EQ(Zu::lgReportLimits(), 1U);
+    EXPECT_EQ(limit.getOwedCount(), 2U);
+    EXPECT_EQ(_queue.getLostCount(), 0U) << "a report that waits is not lost";
+    _queue.cancelInsertion();
+    EXPECT_EQ(Zu::lgReportLimits(), 0U);
+}
+
 TEST_F(LgServiceLimits, MoreThanAQueueTakesAreReportedInTurns)
 {
     constexpr int COUNT = 40;
@@ -121,7 +134,7 @@ TEST_F(LgServiceLimits, MoreThanAQueueTakesAreReportedInTurns)
     {
         for (int i = 0; i < 3; ++i) texts.push_back(takeOne());
     };
-    Zu::lgReportAllLimits(drain);
+    EXPECT_TRUE(Zu::lgReportAllLimits(drain));
     while (!_queue.isEmpty()) texts.push_back(takeOne());
     EXPECT_EQ(std::count_if(texts.begin(), texts.end(),
                             [](const std::string& text)
@@ -136,7 +149,7 @@ TEST_F(LgServiceLimits, ADrainThatMakesNoRoomIsTheLastOne)
     leaveOut(limit, 2, Zu::LgTypes::Warning);
     fill();
     static int drains = 0;
-    Zu::lgReportAllLimits([] { ++drains; });
+    EXPECT_FALSE(Zu::lgReportAllLimits([] { ++drains; }));
     EXPECT_EQ(drains, 1);
     EXPECT_EQ(limit.getOwedCount(), 2U);
 }
