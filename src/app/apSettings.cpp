@@ -93,7 +93,9 @@ bool isWithin(const ApSetting& setting, const std::string& text)
 std::string placesOf(const ApSetting& setting)
 {
     std::string places;
-    if (setting._letter != 0) places = std::string("option '-") + setting._letter + "'";
+    std::string letters = setting._moreLetters;
+    if (setting._letter != 0) letters.insert(0, 1, setting._letter);
+    if (!letters.empty()) places = std::string("option '-") + letters.front() + "'";
     if (!setting._longName.empty())
         places += (places.empty() ? "option '--" : " or '--") + setting._longName + "'";
     if (!setting._variable.empty())

@@ -255,6 +255,9 @@ TEST(ApSettings, RequiredValuesAreGiven)
     setting._letter = 'p';
     setting._variable = "";
     expectErrors(setting, {{{}, {}, {"option '-p' is needed: port to listen on"}}});
+    setting._letter = 0;
+    setting._moreLetters = "po";
+    expectErrors(setting, {{{}, {}, {"option '-p' is needed: port to listen on"}}});
     setting._default = "7";
     expectErrors(setting, {{{}, {}, {}}});
 }
