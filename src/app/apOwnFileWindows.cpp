@@ -72,39 +72,50 @@ std::string nameOf(PSID who)
     return text;
 }
 
-// Whether the entry gives nobody access to this file.
-bool isHarmless(const ACE_HEADER& header)
+// Those of objects in directories of users have another form, and are on no file.
+ApAccessEntry::Kind kindOf(BYTE type)
 {
-    return (header.AceFlags & INHERIT_ONLY_ACE) != 0 || header.AceType == ACCESS_DENIED_ACE_TYPE ||
-           header.AceType == ACCESS_DENIED_OBJECT_ACE_TYPE ||
-           header.AceType == ACCESS_DENIED_CALLBACK_ACE_TYPE ||
-           header.AceType == ACCESS_DENIED_CALLBACK_OBJECT_ACE_TYPE;
+    switch (type)
+    {
+    case ACCESS_ALLOWED_ACE_TYPE:
+    case ACCESS_ALLOWED_CALLBACK_ACE_TYPE:
+        return ApAccessEntry::Kind::Allows;
+    case ACCESS_DENIED_ACE_TYPE:
+    case ACCESS_DENIED_OBJECT_ACE_TYPE:
+    case ACCESS_DENIED_CALLBACK_ACE_TYPE:
+    case ACCESS_DENIED_CALLBACK_OBJECT_ACE_TYPE:
+        return ApAccessEntry::Kind::Denies;
+    default:
+        return ApAccessEntry::Kind::Unknown;
+    }
 }
 
-// Whether mask and user stand where those of a plain entry are.
-bool hasPlainForm(const ACE_HEADER& header)
+ApAccessEntry entryOf(void* ace)
 {
-    return header.AceType == ACCESS_ALLOWED_ACE_TYPE ||
-           header.AceType == ACCESS_ALLOWED_CALLBACK_ACE_TYPE;
+    const auto* const header = static_cast<ACE_HEADER*>(ace);
+    ApAccessEntry entry;
+    entry._kind = kindOf(header->AceType);
+    entry._isForOthers = (header->AceFlags & INHERIT_ONLY_ACE) != 0;
+    if (entry._kind != ApAccessEntry::Kind::Allows) return entry;
+    auto* const allowed = static_cast<ACCESS_ALLOWED_ACE*>(ace);
+    entry._isForChanges = (allowed->Mask & CHANGES) != 0;
+    entry._isForTrusted = isTrusted(&allowed->SidStart);
+    entry._who = nameOf(&allowed->SidStart);
+    return entry;
 }
 
-// Why the entries of a list do not do; empty if they do.
 std::string refusalOf(ACL* list)
 {
     // Without a list everybody may do everything.
     if (!list) return "everybody can change it";
+    std::vector<ApAccessEntry> entries;
     for (DWORD i = 0; i < list->AceCount; ++i)
     {
-        void* entry = nullptr;
-        if (!GetAce(list, i, &entry)) return textOf(GetLastError());
-        const auto* const header = static_cast<ACE_HEADER*>(entry);
-        if (isHarmless(*header)) continue;
-        if (!hasPlainForm(*header)) return "it has an access rule of an unknown type";
-        auto* const allowed = static_cast<ACCESS_ALLOWED_ACE*>(entry);
-        if ((allowed->Mask & CHANGES) == 0 || isTrusted(&allowed->SidStart)) continue;
-        return "others can change it: " + nameOf(&allowed->SidStart) + " may write";
+        void* ace = nullptr;
+        if (!GetAce(list, i, &ace)) return textOf(GetLastError());
+        entries.push_back(entryOf(ace));
     }
-    return {};
+    return apRefusalOf(entries);
 }
 
 std::string refusalOf(HANDLE file)

@@ -7,6 +7,7 @@
 #include <fstream>
 #include <gtest/gtest.h>
 #include <string>
+#include <vector>
 
 namespace
 {
@@ -72,5 +73,32 @@ TEST_F(ApOwnFileTest, ThatOthersCanChangeIsRefused)
     EXPECT_EQ(read(), "");
 }
 #endif
+
+TEST(ApOwnFile, AnAccessListIsToBeTrustedUnlessOthersMayChangeTheFile)
+{
+    using Kind = Zu::ApAccessEntry::Kind;
+    using Entries = std::vector<Zu::ApAccessEntry>;
+    const std::string unknown = "it has an access rule of an unknown type";
+    const std::string bob = "others can change it: bob may write";
+    const struct
+    {
+        Entries _entries;
+        std::string _refusal;
+    } cases[] = {
+        {{}, ""},
+        {{{Kind::Allows, false, true, true, "me"}}, ""},
+        {{{Kind::Allows, false, false, false, "bob"}}, ""},
+        {{{Kind::Allows, false, true, false, "bob"}}, bob},
+        {{{Kind::Allows, true, true, false, "bob"}}, ""},
+        {{{Kind::Denies, false, true, false, "bob"}}, ""},
+        {{{Kind::Unknown, false, false, false, ""}}, unknown},
+        {{{Kind::Unknown, true, false, false, ""}}, ""},
+        {{{Kind::Denies, false, true, false, "bob"}, {Kind::Allows, false, true, false, "bob"}},
+         bob},
+        {{{Kind::Allows, false, true, true, "me"}, {Kind::Unknown, false, false, false, ""}},
+         unknown},
+    };
+    for (const auto& row : cases) EXPECT_EQ(Zu::apRefusalOf(row._entries), row._refusal);
+}
 
 } // namespace
