@@ -9,7 +9,8 @@ namespace Zu
 void LgContext::nameThread(std::string_view name)
 {
     LgSuffix::nameThread(name);
-    if (!name.empty()) LgServicePlatform::nameThread(std::string(name));
+    const std::string kept = LgSuffix::beginningOf(name, LgServicePlatform::LONGEST_THREAD_NAME);
+    if (!kept.empty()) LgServicePlatform::nameThread(kept);
 }
 
 std::size_t LgContext::push(std::string_view name, std::string_view value)

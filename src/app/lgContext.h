@@ -54,8 +54,9 @@ public:
 
     /// Gives the calling thread a name. It stands before the fields, as in
     /// "{thread=worker, request=4711}", in all lines of the thread from now on. The system gets it,
-    /// too, for debuggers and lists of threads; Linux keeps its first 15 bytes. An empty name is
-    /// none, and leaves that of the system. Raises what the constructor raises.
+    /// too, for debuggers and lists of threads; Linux keeps its first 15 bytes, and shows the name
+    /// of the main thread as that of the process. An empty name is none, and leaves that of the
+    /// system. Raises what the constructor raises.
     ZU_APP_API static void nameThread(std::string_view name);
 
 private:

@@ -4,6 +4,7 @@
 #ifndef ZU_APP_LGSERVICEPLATFORM_H
 #define ZU_APP_LGSERVICEPLATFORM_H
 
+#include <cstddef>
 #include <memory>
 #include <string>
 
@@ -23,8 +24,10 @@ bool nap();
 /// Has the calling thread run only when others leave it a processor, as far as the system allows.
 void lowerPriority();
 
-/// Gives the calling thread this name, in UTF-8 and not empty, as far as the system can: Linux
-/// keeps the first 15 bytes.
+/// How many bytes of a thread's name the system keeps.
+extern const std::size_t LONGEST_THREAD_NAME;
+
+/// Gives the calling thread this name, in UTF-8, not empty and not longer, if the system can.
 void nameThread(const std::string& name);
 
 /// Has `prepare` called before a fork, and `parent` and `child` after it in the two processes. Does

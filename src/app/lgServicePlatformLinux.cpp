@@ -2,7 +2,6 @@
 
 #include "base/compiler.h"
 
-#include <algorithm>
 #include <atomic>
 #include <cerrno>
 #include <csignal>
@@ -202,15 +201,11 @@ void lowerPriority()
     setpriority(PRIO_PROCESS, static_cast<id_t>(syscall(SYS_gettid)), NICE);
 }
 
+const std::size_t LONGEST_THREAD_NAME = 15;
+
 void nameThread(const std::string& name)
 {
-    constexpr std::size_t LONGEST = 15;
-    std::size_t length = std::min(name.size(), LONGEST);
-    // Not within a character.
-    const auto isContinuation = [&](std::size_t at)
-    { return at < name.size() && (static_cast<unsigned char>(name[at]) & 0xc0U) == 0x80; };
-    while (length > 0 && isContinuation(length)) --length;
-    pthread_setname_np(pthread_self(), name.substr(0, length).c_str());
+    pthread_setname_np(pthread_self(), name.c_str());
 }
 
 void onFork(void (*prepare)(), void (*parent)(), void (*child)())

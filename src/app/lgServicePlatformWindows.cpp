@@ -79,6 +79,9 @@ void lowerPriority()
     SetThreadPriority(GetCurrentThread(), THREAD_PRIORITY_LOWEST);
 }
 
+// The system's own limit lies beyond.
+const std::size_t LONGEST_THREAD_NAME = 1000;
+
 void nameThread(const std::string& name)
 {
     // Not in each version of the system.

@@ -127,6 +127,16 @@ void nameThread(std::string_view name)
     fields.show();
 }
 
+std::string beginningOf(std::string_view text, std::size_t most)
+{
+    text = text.substr(0, text.find('\0'));
+    std::size_t length = std::min(text.size(), most);
+    const auto isContinuation = [&](std::size_t at)
+    { return at < text.size() && (static_cast<unsigned char>(text[at]) & 0xc0U) == 0x80; };
+    while (length > 0 && isContinuation(length)) --length;
+    return std::string(text.substr(0, length));
+}
+
 std::string field(std::string_view name, std::string_view value)
 {
     std::string text;

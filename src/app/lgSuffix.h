@@ -26,6 +26,10 @@ void pop(std::size_t before) noexcept;
 /// Has the calling thread's name stand before its fields; an empty one ends that.
 void nameThread(std::string_view name);
 
+/// The beginning of a text in UTF-8, of at most so many bytes, which ends with a whole character. A
+/// NUL ends the text.
+std::string beginningOf(std::string_view text, std::size_t most);
+
 /// A field as it is written: `request=4711`, `user="Ann Lee"`. Names and values stand in quotation
 /// marks if they are empty or have other characters than letters, digits and "_.:/@+-" of ASCII.
 /// In quotation marks, these and backslashes have a backslash before them, and each control

@@ -7,6 +7,7 @@
 #include "support/platform.h"
 #include "support/runningLogger.h"
 #include "support/streamCapture.h"
+#include "threadName.h"
 
 #include <cstdint>
 #include <cstdlib>
@@ -106,6 +107,27 @@ TEST_F(LgContextTest, ThreadsHaveNames)
     }
     EXPECT_EQ(texts(), (Texts{"named {thread=worker}", "at work {thread=worker, job=7}",
                               "nameless {job=7}"}));
+}
+
+TEST_F(LgContextTest, NamesOfThreadsAreThoseOfTheSystem)
+{
+    std::string name;
+    std::string longName;
+    std::string last;
+    std::thread(
+        [&]
+        {
+            LgContext::nameThread("w\xc3\xb6rker 3");
+            name = systemNameOfThread();
+            LgContext::nameThread("a rather long n\xc3\xa4me");
+            longName = systemNameOfThread();
+            LgContext::nameThread("");
+            last = systemNameOfThread();
+        })
+        .join();
+    EXPECT_EQ(name, "w\xc3\xb6rker 3");
+    EXPECT_EQ(longName, support::onWindows ? "a rather long n\xc3\xa4me" : "a rather long n");
+    EXPECT_EQ(last, longName);
 }
 
 TEST_F(LgContextTest, AnOptionShowsWhereStatementsAre)

@@ -45,6 +45,27 @@ TEST(LgSuffix, FieldsAreQuotedWhereTheyNeedIt)
     for (const auto& row : cases) EXPECT_EQ(LgSuffix::field(row._name, row._value), row._field);
 }
 
+TEST(LgSuffix, ABeginningHasWholeCharacters)
+{
+    const struct
+    {
+        std::string _text;
+        std::size_t _most;
+        const char* _beginning;
+    } cases[] = {
+        {"", 3, ""},
+        {"abc", 3, "abc"},
+        {"abcd", 3, "abc"},
+        {"ab\xc3\xa4", 3, "ab"},
+        {"a\xc3\xa4", 3, "a\xc3\xa4"},
+        {"\xf0\x9f\x98\x80", 3, ""},
+        {"abc", 0, ""},
+        {std::string("a\0b", 3), 3, "a"},
+    };
+    for (const auto& row : cases)
+        EXPECT_EQ(LgSuffix::beginningOf(row._text, row._most), row._beginning);
+}
+
 TEST(LgSuffix, FieldsStandInTheirOrderAndEndInReverse)
 {
     EXPECT_EQ(suffix(), "");

@@ -140,6 +140,8 @@ bool LgServicePlatform::nap()
 
 void LgServicePlatform::lowerPriority() {}
 
+const std::size_t LgServicePlatform::LONGEST_THREAD_NAME = 15;
+
 void LgServicePlatform::nameThread(const std::string&) {}
 
 void LgServicePlatform::onFork(void (*)(), void (*)(), void (*)()) {}
