@@ -46,7 +46,7 @@ public:
         if (record._kind == ZlRecord::Kind::Overflow || record._kind == ZlRecord::Kind::NotWritten)
             line["count"] = record._count;
         line["text"] = zlTextOf(record, _isRaw);
-        if (record._kind == ZlRecord::Kind::Event) addSuffix(line, lgUnescaped(record._text));
+        if (record._kind == ZlRecord::Kind::Event) addSuffix(line, record._text);
         line["file"] = *record._file;
         line["line"] = record._line;
         zlAppendJson(out, line.dump(-1, ' ', false, REPLACED));
@@ -56,7 +56,9 @@ public:
 private:
     static void addSuffix(nlohmann::ordered_json& line, std::string_view text)
     {
-        const ZlSuffix suffix = zlSuffixOf(text);
+        // Neither is ever escaped.
+        if (!text.ends_with('}') && !text.ends_with(']')) return;
+        const ZlSuffix suffix = zlSuffixOf(lgUnescaped(text));
         if (!suffix._source.empty()) line["source"] = suffix._source;
         // Of fields with the same name, the innermost.
         for (const auto& [name, value] : suffix._fields) line["context"][name] = value;

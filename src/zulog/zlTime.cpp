@@ -201,31 +201,23 @@ std::optional<std::int64_t> parseAgo(std::string_view text, std::int64_t now)
     return std::nullopt;
 }
 
-// The day of this instant, as clocks here show it.
-Civil localDay(std::int64_t second)
+// The day of this instant, as clocks here show it, or so many days before.
+Civil localDay(std::int64_t second, int daysBefore)
 {
     Civil civil;
-    setDay(civil, second + lgLocalOffset(second) * MINUTE);
+    setDay(civil, second + lgLocalOffset(second) * MINUTE - daysBefore * DAY);
     return civil;
 }
 
 // "today" and "yesterday", which may be followed by a time of the day; otherwise leaves the text.
 bool takeNamedDay(std::string_view& text, std::int64_t now, Civil& civil)
 {
-    const std::int64_t second = floorQuotient(now, NANOSECONDS);
-    for (const std::string_view name : {"today", "yesterday"})
+    constexpr std::string_view NAMES[] = {"today", "yesterday"};
+    for (int daysBefore = 0; daysBefore < 2; ++daysBefore)
     {
+        const std::string_view name = NAMES[daysBefore];
         if (!text.starts_with(name)) continue;
-        civil = localDay(second);
-        if (name == "yesterday")
-        {
-            // Days have no fixed length here, but their numbers do.
-            std::int64_t noon = 0;
-            civil._hour = 12;
-            toSecond(civil, noon);
-            civil = {};
-            setDay(civil, noon - DAY);
-        }
+        civil = localDay(floorQuotient(now, NANOSECONDS), daysBefore);
         text.remove_prefix(name.size());
         return true;
     }
@@ -255,7 +247,7 @@ std::optional<std::int64_t> zlParseTime(std::string_view text, std::int64_t now)
     {
         if (isNamed) return std::nullopt;
         whole = TimeParser(text);
-        civil = localDay(floorQuotient(now, NANOSECONDS));
+        civil = localDay(floorQuotient(now, NANOSECONDS), 0);
         if (!whole.takeTimeOfDay(civil)) return std::nullopt;
     }
     std::int64_t second = 0;

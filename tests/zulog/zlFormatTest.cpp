@@ -1,10 +1,8 @@
 #include "zulog/zlFormat.h"
 
-#include "logTexts.h"
+#include "formatted.h"
 
 #include <gtest/gtest.h>
-#include <memory>
-#include <sstream>
 #include <string>
 
 namespace
@@ -20,21 +18,7 @@ using Times = ZlFormatOptions::Times;
 std::string formatted(const std::string& name, const std::string& log,
                       const ZlFormatOptions& options)
 {
-    std::ostringstream reported;
-    Zu::ZlReports reports(reported);
-    Zu::ZlReader reader("a b.log", std::make_unique<logTexts::TextSource>(log), reports, {});
-    const auto format = Zu::zlMakeFormat(name, options);
-    std::string out;
-    format->begin(out);
-    while (reader.next()) format->append(out, reader.getRecord());
-    return out;
-}
-
-ZlFormatOptions utc()
-{
-    ZlFormatOptions options;
-    options._times = Times::Utc;
-    return options;
+    return formattedBy(*Zu::zlMakeFormat(name, options), log);
 }
 
 const std::string LOG = BANNER + ORIGIN + tickLine(7, "Warning: Orders \"a\", b=c\n\tC:\\\\x1b") +

@@ -1,11 +1,9 @@
 #include "zulog/zlJson.h"
 
-#include "logTexts.h"
+#include "formatted.h"
 
 #include <gtest/gtest.h>
-#include <memory>
 #include <nlohmann/json.hpp>
-#include <sstream>
 #include <string>
 
 namespace
@@ -19,21 +17,7 @@ using Zu::ZlFormatOptions;
 // The records of a log as lines of JSON.
 std::string formatted(const std::string& log, const ZlFormatOptions& options)
 {
-    std::ostringstream reported;
-    Zu::ZlReports reports(reported);
-    Zu::ZlReader reader("a b.log", std::make_unique<logTexts::TextSource>(log), reports, {});
-    const auto format = Zu::zlMakeJsonFormat(options);
-    std::string out;
-    format->begin(out);
-    while (reader.next()) format->append(out, reader.getRecord());
-    return out;
-}
-
-ZlFormatOptions utc()
-{
-    ZlFormatOptions options;
-    options._times = ZlFormatOptions::Times::Utc;
-    return options;
+    return formattedBy(*Zu::zlMakeJsonFormat(options), log);
 }
 
 const std::string LOG = BANNER + ORIGIN + tickLine(7, "Warning: Orders \"a\", b=c\n\tC:\\\\x1b") +
@@ -109,7 +93,10 @@ constexpr Row STRINGS[] = {
     {"\"a\x7f\x7f z\"", R"("a\u007f\u007f z")"},
     {"\"\xc2\x80\xc2\x9b\xc2\x9f\"", R"("\u0080\u009b\u009f")"},
     {"\"\xe2\x80\x8e\xe2\x80\x8f\"", R"("\u200e\u200f")"},
-    {"\"\xe2\x80\xaa\xe2\x80\xae\"", R"("\u202a\u202e")"},
+    {"\"\xe2\x80"
+     "\xaa\xe2\x80"
+     "\xae\"",
+     R"("\u202a\u202e")"},
     {"\"\xe2\x81\xa6\xe2\x81\xa9\"", R"("\u2066\u2069")"},
     {"\"gr\xc3\xb6\xc3\x9f \xe2\x82\xac \xf0\x9f\x98\x80\"",
      "\"gr\xc3\xb6\xc3\x9f \xe2\x82\xac \xf0\x9f\x98\x80\""},

@@ -17,7 +17,7 @@ TEST(ZlSlices, HaveTheCountsOfASlowReference)
     for (int round = 0; round < ROUNDS; ++round)
     {
         ZlSlices slices({10, 100, 600, 6000, 60000}, 50);
-        const auto range = static_cast<std::int64_t>(1U << (random() % 20));
+        const std::int64_t range = std::int64_t{1} << (random() % 20);
         std::vector<std::int64_t> walls;
         for (int i = 0; i < 300; ++i)
         {
