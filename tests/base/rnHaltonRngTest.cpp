@@ -360,19 +360,9 @@ TYPED_TEST(RnHaltonBiRngTest, WorksThroughTheInterface)
 TYPED_TEST(RnHaltonBiRngTest, SkipsLeaveOutPoints)
 {
     support::expectSkipLeavesOutDraws(Zu::RnHaltonMultiRng<TypeParam, 3>(),
-                                      [](auto& each)
-                                      {
-                                          std::vector<TypeParam> values(3);
-                                          each.getSample(values.data());
-                                          return values;
-                                      });
+                                      support::NextPoint<TypeParam, 3>());
     support::expectSkipLeavesOutDraws(RnHaltonBiRng<TypeParam>(3, 5),
-                                      [](auto& each)
-                                      {
-                                          std::pair<TypeParam, TypeParam> values;
-                                          each.getSample(values.first, values.second);
-                                          return values;
-                                      });
+                                      support::NextPair<TypeParam>());
 }
 
 } // namespace

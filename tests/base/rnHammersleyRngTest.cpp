@@ -490,29 +490,12 @@ TYPED_TEST(RnHammersleyBiRngTest, SkipsLeaveOutPoints)
     for (const unsigned int length : {1U, 7U, 1500U, 4294967295U})
     {
         Zu::RnHammersleyMultiRng<TypeParam, 3> points(length);
-        support::expectSkipLeavesOutDraws(points,
-                                          [](auto& each)
-                                          {
-                                              std::vector<TypeParam> values(3);
-                                              each.getSample(values.data());
-                                              return values;
-                                          });
+        support::expectSkipLeavesOutDraws(points, support::NextPoint<TypeParam, 3>());
         points.restart(0xffffff00U);
-        support::expectSkipLeavesOutDraws(points,
-                                          [](auto& each)
-                                          {
-                                              std::vector<TypeParam> values(3);
-                                              each.getSample(values.data());
-                                              return values;
-                                          });
+        support::expectSkipLeavesOutDraws(points, support::NextPoint<TypeParam, 3>());
     }
     support::expectSkipLeavesOutDraws(RnHammersleyBiRng<TypeParam>(50, 3),
-                                      [](auto& each)
-                                      {
-                                          std::pair<TypeParam, TypeParam> values;
-                                          each.getSample(values.first, values.second);
-                                          return values;
-                                      });
+                                      support::NextPair<TypeParam>());
 }
 
 } // namespace

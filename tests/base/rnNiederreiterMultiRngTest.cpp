@@ -523,21 +523,9 @@ TYPED_TEST(RnNiederreiterMultiRngTest, ADerivedObjectEndsThroughThisType)
 TYPED_TEST(RnNiederreiterMultiRngTest, SkipsLeaveOutPoints)
 {
     RnNiederreiterMultiRng<TypeParam> rng;
-    support::expectSkipLeavesOutDraws(rng,
-                                      [](auto& each)
-                                      {
-                                          std::vector<TypeParam> values(4);
-                                          each.getSample(values.data());
-                                          return values;
-                                      });
+    support::expectSkipLeavesOutDraws(rng, support::NextPoint<TypeParam, 4>());
     rng.restart(0xffffff00U);
-    support::expectSkipLeavesOutDraws(rng,
-                                      [](auto& each)
-                                      {
-                                          std::vector<TypeParam> values(4);
-                                          each.getSample(values.data());
-                                          return values;
-                                      });
+    support::expectSkipLeavesOutDraws(rng, support::NextPoint<TypeParam, 4>());
 }
 
 } // namespace

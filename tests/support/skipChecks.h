@@ -3,11 +3,36 @@
 #ifndef ZU_TESTS_SKIPCHECKS_H
 #define ZU_TESTS_SKIPCHECKS_H
 
+#include <array>
+#include <cstddef>
 #include <cstdint>
 #include <gtest/gtest.h>
+#include <utility>
 
 namespace support
 {
+
+// The next point of N coordinates.
+template <class T, std::size_t N> struct NextPoint
+{
+    template <class Rng> std::array<T, N> operator()(Rng& rng) const
+    {
+        std::array<T, N> values{};
+        rng.getSample(values.data());
+        return values;
+    }
+};
+
+// The next pair.
+template <class T> struct NextPair
+{
+    template <class Rng> std::pair<T, T> operator()(Rng& rng) const
+    {
+        std::pair<T, T> values{};
+        rng.getSample(values.first, values.second);
+        return values;
+    }
+};
 
 // `draw` returns the next draw of a copy of `start`, in a form that can be compared.
 template <class Rng, class Draw> void expectSkipLeavesOutDraws(const Rng& start, Draw draw)
