@@ -26,7 +26,7 @@ target_compile_options(
     -Wnon-virtual-dtor
     -Woverloaded-virtual
     # g++ 12 warns at -O3 of copies in std::string that can't happen (its bug 105651).
-    $<$<CXX_COMPILER_ID:GNU>:-Wno-restrict>
+    $<$<AND:$<CXX_COMPILER_ID:GNU>,$<VERSION_LESS:$<CXX_COMPILER_VERSION>,13>>:-Wno-restrict>
     # Warnings that g++ does not give in tests: signs in indices, and intended self-assignments.
     $<$<CXX_COMPILER_ID:Clang>:-Wno-sign-conversion>
     $<$<CXX_COMPILER_ID:Clang>:-Wno-self-assign-overloaded>
