@@ -8,6 +8,7 @@
 #include "support/platform.h"
 #include "support/tempDir.h"
 #include "support/variableGuard.h"
+#include "support/victimLine.h"
 
 #include <algorithm>
 #include <cstddef>
@@ -86,20 +87,16 @@ protected:
             if (line.rfind("===== Recovered: events", 0) == 0) ++found._recoveries;
             if (line.empty() || line.rfind("=====", 0) == 0) continue;
             ++found._lines;
-            int thread = 0;
-            int number = 0;
             int lost = 0;
-            const auto text = line.find("): ") == std::string::npos ? line.find(": ") : 0;
-            const std::string rest = line.substr(text == std::string::npos ? 0 : text);
-            if (std::sscanf(rest.c_str(), ": Victim t%d n%d end", &thread, &number) == 2 &&
-                line.size() >= 4 && line.substr(line.size() - 4) == " end")
+            const std::size_t text = std::min(line.find(": "), line.size());
+            if (const auto event = support::victimEventOf(line))
             {
-                std::vector<int>& numbers = found._numbers[thread];
-                if (numbers.size() <= static_cast<std::size_t>(number))
-                    numbers.resize(static_cast<std::size_t>(number) + 1);
-                ++numbers[static_cast<std::size_t>(number)];
+                std::vector<int>& numbers = found._numbers[event->_thread];
+                const auto number = static_cast<std::size_t>(event->_number);
+                numbers.resize(std::max(numbers.size(), number + 1));
+                ++numbers[number];
             }
-            else if (std::sscanf(rest.c_str(), ": Event overflow [%d]", &lost) == 1)
+            else if (std::sscanf(line.c_str() + text, ": Event overflow [%d]", &lost) == 1)
                 found._lost += lost;
             else
                 ++found._odd;

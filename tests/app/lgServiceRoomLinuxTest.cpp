@@ -11,13 +11,13 @@
 #include "support/platform.h"
 #include "support/streamCapture.h"
 #include "support/tempDir.h"
+#include "support/victimLine.h"
 
 #include <algorithm>
 #include <cerrno>
 #include <csignal>
 #include <cstddef>
 #include <cstdint>
-#include <cstdio>
 #include <cstring>
 #include <filesystem>
 #include <fstream>
@@ -181,15 +181,12 @@ protected:
         std::ifstream file(_logs.file("events.log"), std::ios::binary);
         for (std::string line; std::getline(file, line);)
         {
-            int thread = 0;
-            int number = 0;
-            const std::size_t text = line.find(": Victim t");
-            if (text == std::string::npos) continue;
-            const char* const form = ": Victim t%d n%d end";
-            if (std::sscanf(line.c_str() + text, form, &thread, &number) != 2) continue;
-            std::vector<int>& ofThread = counts[thread];
-            ofThread.resize(std::max(ofThread.size(), static_cast<std::size_t>(number) + 1));
-            ++ofThread[static_cast<std::size_t>(number)];
+            const auto event = support::victimEventOf(line);
+            if (!event) continue;
+            std::vector<int>& ofThread = counts[event->_thread];
+            const auto number = static_cast<std::size_t>(event->_number);
+            ofThread.resize(std::max(ofThread.size(), number + 1));
+            ++ofThread[number];
         }
         return counts;
     }
@@ -354,7 +351,8 @@ TEST_F(LgServiceRoom, AKillLosesOnlyWhatHadNoRoom)
               });
 }
 
-TEST_F(LgServiceRoom, AKillWhileQueuesCantGrowLeavesNothingTornOrTwice)
+// A line that the kill has cut may stay a fragment, if its event had no room in the map.
+TEST_F(LgServiceRoom, AKillWhileQueuesCantGrowLeavesNothingTwice)
 {
     runWithin(_maps.path(), 300,
               [&]

@@ -7,11 +7,11 @@
 #include "support/fileTest.h"
 #include "support/tempDir.h"
 #include "support/variableGuard.h"
+#include "support/victimLine.h"
 
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
-#include <cstdio>
 #include <cstring>
 #include <filesystem>
 #include <functional>
@@ -152,14 +152,8 @@ protected:
         Counts counts;
         std::istringstream lines(text);
         for (std::string line; std::getline(lines, line);)
-        {
-            int thread = 0;
-            int number = 0;
-            const auto place = line.find(": Victim t");
-            if (place == std::string::npos || !line.ends_with(" end")) continue;
-            if (std::sscanf(line.c_str() + place, ": Victim t%d n%d end", &thread, &number) == 2)
-                ++counts[{thread, number}];
-        }
+            if (const auto event = support::victimEventOf(line))
+                ++counts[{event->_thread, event->_number}];
         return counts;
     }
 

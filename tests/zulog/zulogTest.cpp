@@ -222,7 +222,9 @@ TEST_F(Zulog, WritesWhatAKilledProcessLeft)
     const support::TempDir logs;
     const support::Environment environment = {{"B7Q_TEST_DIR", logs.path()},
                                               {"ZU_LOG_SERVICE_MAPPING_DIRECTORY", maps.path()}};
-    runProgram("logVictim", {"kill", _directory.file("numbers"), "1", "5"}, environment);
+    // Nothing is written before the kill: the name of the log file is a directory's until then.
+    runProgram("logVictim", {"blocked kill", _directory.file("numbers"), "1", "5"}, environment);
+    std::filesystem::remove(logs.file("events.log"));
     const std::vector<std::string> where = {"--mappings", maps.path()};
     const auto run = [&](std::vector<std::string> words)
     {
