@@ -1,11 +1,15 @@
 // One event from the level test to its publication: on a bare queue and through the log service,
 // compared with a hand-written floor with the same counter read, and with spdlog. Events come in
-// batches that fit into every ring; between batches, off the clock, everything is written.
+// batches that fit into every ring; between batches, off the clock, everything is written. Where
+// the time goes beside a busy reader is shown by steps: beside a thread that calculates, beside one
+// that writes lines of its own, and a floor with a reader. "Steady" are events at a rate that keeps
+// the reader busy: what they add to the work between them.
 
 #include "app/lgService.h"
 #include "appFormat/lgFormatted.h"
 #include "base/lgEvent.h"
 #include "benchLogger.h"
+#include "floorQueue.h"
 
 #include <algorithm>
 #include <array>
@@ -15,6 +19,7 @@
 #include <chrono>
 #include <cstdint>
 #include <cstring>
+#include <filesystem>
 #include <memory>
 #include <spdlog/async.h>
 #include <spdlog/sinks/basic_file_sink.h>
@@ -52,6 +57,42 @@ void runBatches(benchmark::State& state, Event event, Settle settle)
         state.SetIterationTime(time.count());
         settle();
     }
+    state.counters["perEvent"] =
+        benchmark::Counter(static_cast<double>(state.iterations()) * BATCH,
+                           benchmark::Counter::kIsRate | benchmark::Counter::kInvert);
+}
+
+// What a program does between its events: some 200 ns, each step of which waits for the one before.
+void work()
+{
+    std::uint64_t value = 1;
+    for (int i = 0; i < 150; ++i)
+    {
+        value = value * 3 + 1;
+        benchmark::DoNotOptimize(value);
+    }
+}
+
+// What events add to the work between them. Their reader is busy all the time, as some four million
+// come per second.
+template <class Event> void runSteadily(benchmark::State& state, Event event)
+{
+    using Clock = std::chrono::steady_clock;
+    int number = -12345;
+    const auto timeOf = [&](bool isLogging)
+    {
+        const auto start = Clock::now();
+        for (int i = 0; i < BATCH; ++i)
+        {
+            work();
+            benchmark::DoNotOptimize(number);
+            if (isLogging) event(number);
+        }
+        return std::chrono::duration<double>(Clock::now() - start).count();
+    };
+    double alone = timeOf(false);
+    for (int i = 0; i < 1000; ++i) alone = std::min(alone, timeOf(false));
+    for (auto _ : state) state.SetIterationTime(std::max(timeOf(true) - alone, 1e-9));
     state.counters["perEvent"] =
         benchmark::Counter(static_cast<double>(state.iterations()) * BATCH,
                            benchmark::Counter::kIsRate | benchmark::Counter::kInvert);
@@ -97,10 +138,63 @@ private:
     std::atomic<std::size_t> _published{0};
 };
 
-void floorOf(benchmark::State& state, Shape shape)
+// A second thread that shares nothing with the first one but the machine.
+class Company
+{
+public:
+    enum Kind
+    {
+        NONE,
+        CALCULATES,
+        WRITES
+    };
+
+    explicit Company(Kind kind)
+    {
+        if (kind == CALCULATES) _thread = std::thread([this] { calculate(); });
+        if (kind == WRITES) _thread = std::thread([this] { write(); });
+    }
+    Company(const Company&) = delete;
+    Company& operator=(const Company&) = delete;
+
+    ~Company()
+    {
+        _isOver = true;
+        if (_thread.joinable()) _thread.join();
+    }
+
+private:
+    void calculate()
+    {
+        for (std::uint64_t i = 1; !_isOver; i = i * 3 + 1) benchmark::DoNotOptimize(i);
+    }
+
+    void write()
+    {
+        bench::FloorEntry entry;
+        const auto name = std::filesystem::temp_directory_path() / "zuBenchCompany";
+        while (!_isOver)
+        {
+            bench::FloorFile lines(name.string(), std::size_t{64} * 1024);
+            for (int i = 0; i < 100000 && !_isOver; ++i)
+            {
+                entry.begin(Zu::HwCounter::timeStamp(), 1);
+                entry.put("Bench a text of some words ", 27);
+                lines.put(entry);
+            }
+        }
+        std::filesystem::remove(name);
+    }
+
+    std::atomic<bool> _isOver{false};
+    std::thread _thread;
+};
+
+template <class Runner> void floorWith(Shape shape, Company::Kind kind, Runner run)
 {
     Zu::OsCpuInfo::initialize();
     Zu::HwCounter::init();
+    const Company company(kind);
     const auto ring = std::make_unique<Ring>();
     const auto event = [&](int number)
     {
@@ -116,7 +210,76 @@ void floorOf(benchmark::State& state, Shape shape)
         }
         ring->publish(time);
     };
-    runBatches(state, event, [] {});
+    run(event);
+}
+
+void floorBeside(benchmark::State& state, Shape shape, Company::Kind kind)
+{
+    floorWith(shape, kind, [&](auto event) { runBatches(state, event, [] {}); });
+}
+
+void floorOf(benchmark::State& state, Shape shape)
+{
+    floorBeside(state, shape, Company::NONE);
+}
+
+void floorSteady(benchmark::State& state, Shape shape)
+{
+    floorWith(shape, Company::NONE, [&](auto event) { runSteadily(state, event); });
+}
+
+void floorBesideWork(benchmark::State& state, Shape shape)
+{
+    floorBeside(state, shape, Company::CALCULATES);
+}
+
+void floorBesideLines(benchmark::State& state, Shape shape)
+{
+    floorBeside(state, shape, Company::WRITES);
+}
+
+// With a reader.
+template <class Runner> void readFloor(Shape shape, Runner run)
+{
+    const bench::Logger logger;
+    {
+        bench::FloorQueue queue(logger.file("floor.log"));
+        const auto event = [&](int number)
+        {
+            const std::uint64_t time = Zu::HwCounter::timeStamp();
+            bench::FloorEntry& entry = queue.reserve();
+            entry.begin(time, 1);
+            entry.put("Bench ", 6);
+            entry.put("a text of some words ", 21);
+            if (shape != LITERAL) entry.putNumber(number);
+            if (shape == TEXT_AND_INTEGERS) entry.putNumber(static_cast<unsigned int>(-number));
+            if (shape == TEXT_AND_DOUBLE)
+            {
+                entry.putFixed(number * 0.37);
+                entry.put(WORD, std::strlen(WORD));
+            }
+            queue.publish();
+        };
+        run(event, queue);
+    }
+}
+
+void floorWithReader(benchmark::State& state, Shape shape)
+{
+    readFloor(shape,
+              [&](auto event, bench::FloorQueue& queue)
+              {
+                  const auto settle = [&]
+                  {
+                      while (!queue.isEmpty()) std::this_thread::yield();
+                  };
+                  runBatches(state, event, settle);
+              });
+}
+
+void floorWithReaderSteady(benchmark::State& state, Shape shape)
+{
+    readFloor(shape, [&](auto event, bench::FloorQueue&) { runSteadily(state, event); });
 }
 
 // The statement; its operands are those of the shape.
@@ -142,9 +305,10 @@ void logFormatted(Shape shape, int number)
         ZU_LOGF_WARNING(Bench, "a text of some words {}{:.6f}{}", number, number * 0.37, WORD);
 }
 
-void queue(benchmark::State& state, Shape shape)
+void queueBeside(benchmark::State& state, Shape shape, Company::Kind kind)
 {
     const bench::Logger logger;
+    const Company company(kind);
     static Zu::LgQueue* theQueue = nullptr;
     Zu::LgQueue bare;
     theQueue = &bare;
@@ -162,6 +326,21 @@ void queue(benchmark::State& state, Shape shape)
     Zu::LgLog::setQueueFunction(nullptr);
     ZU_STOP_LOG_GROUP(Bench);
     state.counters["lost"] = static_cast<double>(bare.getLostCount());
+}
+
+void queue(benchmark::State& state, Shape shape)
+{
+    queueBeside(state, shape, Company::NONE);
+}
+
+void queueBesideWork(benchmark::State& state, Shape shape)
+{
+    queueBeside(state, shape, Company::CALCULATES);
+}
+
+void queueBesideLines(benchmark::State& state, Shape shape)
+{
+    queueBeside(state, shape, Company::WRITES);
 }
 
 template <class Event> void serviceWith(benchmark::State& state, Shape shape, Event event)
@@ -185,6 +364,18 @@ template <class Event> void serviceWith(benchmark::State& state, Shape shape, Ev
 void service(benchmark::State& state, Shape shape)
 {
     serviceWith(state, shape, &logEvent);
+}
+
+void serviceSteady(benchmark::State& state, Shape shape)
+{
+    const bench::Logger logger;
+    ZU_START_LOG_GROUP("Bench", Bench);
+    {
+        const Zu::LgService theService;
+        runSteadily(state, [&](int number) { logEvent(shape, number); });
+        state.counters["lost"] = static_cast<double>(theService.getLostCount());
+    }
+    ZU_STOP_LOG_GROUP(Bench);
 }
 
 void serviceFormatted(benchmark::State& state, Shape shape)
@@ -255,9 +446,20 @@ void registerShape(const std::string& name, Shape shape)
     {
         const char* _name;
         void (*_run)(benchmark::State&, Shape);
-    } works[] = {{"floor", floorOf},           {"queue", queue},
-                 {"service", service},         {"serviceFormatted", serviceFormatted},
-                 {"spdlogAsync", spdlogAsync}, {"spdlogSync", spdlogSync}};
+    } works[] = {{"floor", floorOf},
+                 {"floorBesideWork", floorBesideWork},
+                 {"floorBesideLines", floorBesideLines},
+                 {"floorWithReader", floorWithReader},
+                 {"floorSteady", floorSteady},
+                 {"floorWithReaderSteady", floorWithReaderSteady},
+                 {"queue", queue},
+                 {"queueBesideWork", queueBesideWork},
+                 {"queueBesideLines", queueBesideLines},
+                 {"service", service},
+                 {"serviceSteady", serviceSteady},
+                 {"serviceFormatted", serviceFormatted},
+                 {"spdlogAsync", spdlogAsync},
+                 {"spdlogSync", spdlogSync}};
     for (const auto& work : works)
         benchmark::RegisterBenchmark(("event/" + name + "/" + work._name).c_str(), work._run, shape)
             ->UseManualTime();

@@ -302,7 +302,8 @@ void LgServiceWriter::lookAtRegistry()
     queues.erase(std::unique(queues.begin(), queues.end()), queues.end());
     _known.clear();
     for (LgQueue* const queue : queues)
-        _known.push_back({queue, _map.indexOf(*queue), queue->getReadPosition()._entry});
+        _known.push_back(
+            {queue, queue->getThreadId(), _map.indexOf(*queue), queue->getReadPosition()._entry});
     _generation = generation;
 }
 
@@ -328,8 +329,9 @@ bool LgServiceWriter::findQueues()
         if (hasEvents(_known[i]))
         {
             const LgQueue::ReadPosition position = queue->getReadPosition();
+            const std::uint32_t end = queue->getEntriesEnd();
             const std::uint64_t time = queue->getEntryAt(position).getTimeStamp();
-            _cursors.push_back({queue, position, time, i, _known[i]._inMap, LgMap::NONE, 0});
+            _cursors.push_back({queue, position, end, time, i, _known[i]._inMap, LgMap::NONE, 0});
         }
         else if (isEnded)
             _ended.push_back(i);
@@ -357,6 +359,14 @@ void LgServiceWriter::collect()
     _sinceLook += _lines.size();
 }
 
+// The producer's cache line is asked again only when what it has shown is used up: it goes to and
+// fro otherwise, which costs the producer more than the event.
+bool LgServiceWriter::hasNext(Cursor& cursor)
+{
+    if (cursor._end == cursor._position._entry) cursor._end = cursor._queue->getEntriesEnd();
+    return cursor._end != cursor._position._entry;
+}
+
 // Leaves in the heap what the next batch may go on with.
 void LgServiceWriter::collectEvents()
 {
@@ -366,7 +376,7 @@ void LgServiceWriter::collectEvents()
         std::pop_heap(_cursors.begin(), _cursors.end(), isLaterCursor);
         Cursor& cursor = _cursors.back();
         addEvent(cursor);
-        if (cursor._queue->isWaiting(cursor._position))
+        if (hasNext(cursor))
         {
             cursor._time = cursor._queue->getEntryAt(cursor._position).getTimeStamp();
             std::push_heap(_cursors.begin(), _cursors.end(), isLaterCursor);
@@ -380,6 +390,7 @@ void LgServiceWriter::collectEvents()
 void LgServiceWriter::addEvent(Cursor& cursor)
 {
     LgQueue& queue = *cursor._queue;
+    const std::uint32_t thread = _known[cursor._known]._thread;
     if (cursor._inBatch == LgMap::NONE) cursor._inBatch = enter(queue, cursor._inMap);
     const LgQueue::Entry& entry = queue.getEntryAt(cursor._position);
     const std::uint64_t time = entry.getTimeStamp();
@@ -389,8 +400,7 @@ void LgServiceWriter::addEvent(Cursor& cursor)
         cursor._lost += count;
         const std::string text = overflowText(count);
         if (count > 0)
-            addLine(cursor._inBatch, {time, queue.getThreadId(), LgTypes::Informational, text},
-                    count);
+            addLine(cursor._inBatch, {time, thread, LgTypes::Informational, text}, count);
         else
             _lines.push_back({0, 0, cursor._inBatch, LgMap::NONE, 0});
     }
@@ -398,7 +408,7 @@ void LgServiceWriter::addEvent(Cursor& cursor)
     {
         const std::string_view text = queue.getTextAt(cursor._position, _scratch.data());
         ++_counts[static_cast<std::size_t>(entry.getLevel())];
-        addLine(cursor._inBatch, {time, queue.getThreadId(), entry.getLevel(), text}, 0);
+        addLine(cursor._inBatch, {time, thread, entry.getLevel(), text}, 0);
     }
     queue.stepEntry(cursor._position);
 }
@@ -438,7 +448,8 @@ void LgServiceWriter::addRestOfLosses(std::uint32_t known)
         {HwCounter::timeStamp(), queue.getThreadId(), LgTypes::Informational, overflowText(count)},
         count);
     _queues.back()._restLines = 1;
-    _finished.push_back({&queue, queue.getReadPosition(), 0, known, inMap, 0, count});
+    const LgQueue::ReadPosition position = queue.getReadPosition();
+    _finished.push_back({&queue, position, position._entry, 0, known, inMap, 0, count});
 }
 
 // The queue's place in the batch.

@@ -107,6 +107,7 @@ private:
     struct Known
     {
         LgQueue* _queue;
+        std::uint32_t _thread;
         // Its index in the map.
         std::uint32_t _inMap;
         // The entry that was next when this was written down. Only the reader moves on.
@@ -118,6 +119,8 @@ private:
     {
         LgQueue* _queue;
         LgQueue::ReadPosition _position;
+        // The entries before this one are there for certain.
+        std::uint32_t _end;
         std::uint64_t _time;
         // The queue's index among the known ones, in the map, and from its first event on in the
         // batch.
@@ -165,6 +168,7 @@ private:
     void beginBatch();
     void collect();
     void collectEvents();
+    static bool hasNext(Cursor& cursor);
     void addEvent(Cursor& cursor);
     std::optional<std::uint64_t> reportedOf(const LgQueue& queue, std::uint32_t inMap);
     std::uint32_t lossesOf(const Cursor& cursor, const LgQueue::Entry& entry);

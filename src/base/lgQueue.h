@@ -296,10 +296,13 @@ public:
 
     /// @{
     /// For a reader that looks ahead, and removes events when they are written: where the oldest
-    /// entry is; whether there is an entry at a position; that entry; its text. getTextAt() moves
+    /// entry is; whether there is an entry at a position; the position of the entry that is
+    /// published next, so that entries before it are there; an entry; its text. getTextAt() moves
     /// to the end of the text and is not called for an overflow entry, which has none; `scratch`
     /// has room for 32,768 characters and is used where the text wraps. stepEntry() moves to the
-    /// next entry. removeUpTo() removes all entries and texts before a position.
+    /// next entry. removeUpTo() removes all entries and texts before a position. Of all these,
+    /// isWaiting() and getEntriesEnd() alone touch what the producer writes for each event: a
+    /// reader that asks once for many entries does not slow it down.
     ReadPosition getReadPosition() const
     {
         return {_beg.own(), _stream._readPos.own()};
@@ -308,6 +311,11 @@ public:
     bool isWaiting(const ReadPosition& position) const
     {
         return _end.get() != position._entry;
+    }
+
+    std::uint32_t getEntriesEnd() const
+    {
+        return _end.get();
     }
 
     const Entry& getEntryAt(const ReadPosition& position) const

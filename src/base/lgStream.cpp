@@ -458,11 +458,18 @@ unsigned int LgStream::getNextSize() const
     return findNext(next) ? next._length : 0;
 }
 
-bool LgStream::findNextAt(std::uint32_t position, Next& next) const
+bool LgStream::findNext(Next& next) const
 {
     // Pairs with the release in completeString(): the characters up to there are complete.
     const std::uint32_t complete = _lastComplete;
-    if (complete == position) return false;
+    if (complete == _readPos.own()) return false;
+    next = getNextAt(_readPos.own());
+    return true;
+}
+
+LgStream::Next LgStream::getNextAt(std::uint32_t position) const
+{
+    Next next{};
     // The reader is on the terminator of the previous string, except at the very beginning.
     const std::uint32_t size = _readPos.size();
     next._begin = _buffer[position] == '\0' ? (position + 1) & (size - 1) : position;
@@ -471,13 +478,14 @@ bool LgStream::findNextAt(std::uint32_t position, Next& next) const
     const void* const end = std::memchr(begin, '\0', tillWrap);
     next._length = end ? static_cast<std::uint32_t>(static_cast<const char*>(end) - begin)
                        : tillWrap + static_cast<std::uint32_t>(std::strlen(_buffer.get()));
-    return true;
+    return next;
 }
 
+// Whoever knows that the entry of the text is published need not ask the producer's cache line
+// whether the text is complete.
 std::string_view LgStream::peek(std::uint32_t& position, char* scratch) const
 {
-    Next next{};
-    if (!findNextAt(position, next)) return {};
+    const Next next = getNextAt(position);
     position = (next._begin + next._length) & (_readPos.size() - 1);
     const std::uint32_t tillWrap = _readPos.size() - next._begin;
     if (next._length <= tillWrap) return {_buffer.get() + next._begin, next._length};

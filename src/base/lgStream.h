@@ -260,22 +260,22 @@ private:
         std::uint32_t _begin;
         std::uint32_t _length;
     };
-    bool findNext(Next& next) const
-    {
-        return findNextAt(_readPos.own(), next);
-    }
+    bool findNext(Next& next) const;
 
-    bool findNextAt(std::uint32_t position, Next& next) const;
+    // The string behind the one that ends at `position`; it must be complete.
+    Next getNextAt(std::uint32_t position) const;
 
-    // For a reader that looks ahead: the string behind the one that ends at `position`, which moves
-    // to its end. `scratch` has room for the longest string; it is used if the string wraps.
+    // For a reader that looks ahead: the same; `position` moves to the end of the string. `scratch`
+    // has room for the longest string; it is used if the string wraps.
     std::string_view peek(std::uint32_t& position, char* scratch) const;
 
     // The reader is done with everything up to the end of a string.
     void takeUpTo(std::uint32_t position)
     {
         _readPos = position;
-        _overflowed.store(false, std::memory_order_relaxed);
+        // Asked first, since it stands in the writer's cache line.
+        if (_overflowed.load(std::memory_order_relaxed))
+            _overflowed.store(false, std::memory_order_relaxed);
     }
 
     // Prefetches a place that will be written soon.

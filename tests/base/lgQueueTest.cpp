@@ -540,6 +540,31 @@ TEST_F(LgQueueDeathTest, BrokenRulesAreFatal)
 }
 
 // Attempts are events that came out and events that were counted as lost, in any schedule.
+// In rings that go round: the texts and entries up to the end that was asked for, and no later one.
+TEST_F(LgQueueTest, AReaderThatLooksAheadAsksOnceForManyEntries)
+{
+    SmallQueue queue(8, 64);
+    std::array<char, 32768> scratch{};
+    for (int round = 0; round < 20; ++round)
+    {
+        LgQueue::ReadPosition position = queue.getReadPosition();
+        EXPECT_EQ(queue.getEntriesEnd(), position._entry);
+        for (int i = 0; i < 5; ++i) ASSERT_TRUE(add(queue, std::to_string(round * 10 + i)));
+        const std::uint32_t end = queue.getEntriesEnd();
+        ASSERT_TRUE(add(queue, "later"));
+        EXPECT_NE(queue.getEntriesEnd(), end);
+        for (int i = 0; i < 5; ++i)
+        {
+            ASSERT_NE(position._entry, end);
+            EXPECT_EQ(queue.getTextAt(position, scratch.data()), std::to_string(round * 10 + i));
+            queue.stepEntry(position);
+        }
+        EXPECT_EQ(position._entry, end);
+        queue.removeUpTo(position);
+        EXPECT_EQ(take(queue), "later");
+    }
+}
+
 TEST_F(LgQueueTest, RandomOperationsKeepTheAccountAndTheOrder)
 {
     std::mt19937 random(9);
