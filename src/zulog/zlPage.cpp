@@ -137,6 +137,9 @@ void ZlPage::end(std::string& out)
     for (std::size_t kind = 1; kind < KINDS; ++kind)
         appendTotal(out, zlKindName(static_cast<ZlRecord::Kind>(kind)), _recordsByKind[kind]);
     appendTotal(out, "lost events", _lost);
+    appendTotal(out, "processes that started", _runs.getStarted());
+    appendTotal(out, "processes that stopped", _runs.getStopped());
+    appendTotal(out, "processes that ended without a stop mark", _runs.getUnordered());
     out += "</table>\n</body>\n</html>\n";
 }
 
@@ -223,6 +226,7 @@ void ZlPage::appendHead(const ZlRecord& record, std::uint32_t source)
 void ZlPage::count(const ZlRecord& record)
 {
     ++_recordsByKind[static_cast<std::size_t>(record._kind)];
+    _runs.add(record);
     if (record._kind == ZlRecord::Kind::Event)
         ++_eventsByLevel[static_cast<std::size_t>(record._level.value_or(LgTypes::NUM_LEVELS))];
     if (!hasCount(record._kind)) return;

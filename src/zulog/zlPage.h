@@ -5,6 +5,7 @@
 #define ZU_ZULOG_ZLPAGE_H
 
 #include "zlRecord.h"
+#include "zlRuns.h"
 #include "zlTime.h"
 
 #include <array>
@@ -87,6 +88,7 @@ private:
     std::array<std::uint64_t, LgTypes::NUM_LEVELS + 1> _eventsByLevel{};
     std::array<std::uint64_t, KINDS> _recordsByKind{};
     std::uint64_t _lost = 0;
+    ZlRuns _runs;
 };
 
 } // namespace Zu

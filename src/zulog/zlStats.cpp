@@ -26,7 +26,6 @@ constexpr std::int64_t DAY = 24 * HOUR;
 constexpr std::size_t MOST_SLICES = 16384;
 constexpr std::size_t MOST_MINUTES = 100000;
 constexpr std::size_t MOST_SECONDS = 4096;
-constexpr std::size_t MOST_RUNS = 10000;
 // In place of an index: the recovery is not listed.
 constexpr std::size_t NOT_LISTED = ~std::size_t{0};
 
@@ -85,29 +84,9 @@ constexpr std::int64_t ROW_WIDTHS[] = {MILLISECOND,
                                        10000 * DAY,
                                        20000 * DAY};
 
-// The log that a file is of, whether or not it was rotated: without ".1" or ".1.gz".
-std::string_view logOf(std::string_view file)
-{
-    if (file.ends_with(".gz")) file.remove_suffix(3);
-    const std::size_t dot = file.find_last_not_of("0123456789");
-    const bool isNumbered =
-        dot != std::string_view::npos && dot > 0 && file[dot] == '.' && dot + 1 < file.size();
-    return isNumbered ? file.substr(0, dot) : file;
-}
-
 std::optional<std::uint32_t> processOf(const ZlRecord& record)
 {
     return record._process ? record._process : record._owner->_process;
-}
-
-// What identifies the process of a mark; without that, the log.
-std::string idOf(const ZlRecord& record)
-{
-    const ZlOwner& owner = *record._owner;
-    if (!owner._process) return "log " + std::string(logOf(*record._file));
-    std::string id = "process " + std::to_string(*owner._process) + " ";
-    if (owner._processStart) id += std::to_string(*owner._processStart);
-    return id + " " + owner._host;
 }
 
 std::string fixed(double value, int decimals)
@@ -163,7 +142,8 @@ void ZlStats::add(const ZlRecord& record)
     case ZlRecord::Kind::Start:
         return addStart(record);
     case ZlRecord::Kind::Stop:
-        return addStop(record);
+        _runs.add(record);
+        return;
     case ZlRecord::Kind::RecoveryBegin:
         return beginRecovery(record);
     case ZlRecord::Kind::RecoveryEnd:
@@ -184,7 +164,7 @@ void ZlStats::addEvent(const ZlRecord& record)
     else
         ++_undated;
     if (_recovering.empty()) return;
-    const auto place = _recovering.find(logOf(*record._file));
+    const auto place = _recovering.find(zlLogOf(*record._file));
     if (place == _recovering.end()) return;
     ++_recovered;
     if (place->second == NOT_LISTED) return;
@@ -305,125 +285,16 @@ void ZlStats::addLoss(const ZlRecord& record)
             {record._wall, isOverflow, record._count, record._owner->_host, processOf(record)});
 }
 
-ZlStats::Run* ZlStats::findRun(const std::string& id)
-{
-    const auto place = _runs.find(id);
-    return place == _runs.end() ? nullptr : &place->second;
-}
-
-void ZlStats::keepRun(const std::string& id, Life life, const std::string& log)
-{
-    if (_runs.size() >= MOST_RUNS)
-    {
-        // It is forgotten with the life that it has.
-        const std::string oldest = _runOrder.front();
-        _runOrder.pop_front();
-        const auto place = _openOf.find(_runs[oldest]._log);
-        if (place != _openOf.end() && std::erase(place->second, oldest) > 0 &&
-            place->second.empty())
-            _openOf.erase(place);
-        _runs.erase(oldest);
-    }
-    _runs[id] = {life, log};
-    _runOrder.push_back(id);
-    if (life != Life::Open) return;
-    ++_open;
-    _openOf[log].push_back(id);
-}
-
-// Of one that is open, or counts as ended without order.
-void ZlStats::setEnded(const std::string& id, Run& run, Life life)
-{
-    if (run._life == Life::Open)
-    {
-        --_open;
-        const auto place = _openOf.find(run._log);
-        if (place != _openOf.end() && std::erase(place->second, id) > 0 && place->second.empty())
-            _openOf.erase(place);
-    }
-    if (run._life == Life::Overtaken) --_unordered;
-    if (life != Life::Stopped) ++_unordered;
-    run._life = life;
-}
-
-// Those that are open in a log, where another process starts.
-void ZlStats::overtake(const std::string& log)
-{
-    const auto place = _openOf.find(log);
-    if (place == _openOf.end()) return;
-    const std::vector<std::string> ids = place->second;
-    for (const std::string& id : ids) setEnded(id, *findRun(id), Life::Overtaken);
-}
-
-// A process has a mark in each of its files, and in each that was begun by a rotation: they are one
-// start.
 void ZlStats::addStart(const ZlRecord& record)
 {
-    const std::string id = idOf(record);
-    const std::string log(logOf(*record._file));
-    const bool isKnown = record._owner->_process.has_value();
-    Run* const run = findRun(id);
-    if (run && isKnown)
-    {
-        if (run->_life != Life::Overtaken) return;
-        // It lives, beside the other one.
-        --_unordered;
-        ++_open;
-        run->_life = Life::Open;
-        run->_log = log;
-        _openOf[log].push_back(id);
-        return;
-    }
-    overtake(log);
-    ++_startCount;
-    if (_starts.size() < MOST_ENTRIES)
+    if (_runs.add(record) && _starts.size() < MOST_ENTRIES)
         _starts.push_back({record._wall, record._owner->_host, record._owner->_process,
                            *record._file, record._line});
-    if (!run) return keepRun(id, Life::Open, log);
-    ++_open;
-    run->_life = Life::Open;
-    _openOf[log].push_back(id);
-}
-
-void ZlStats::addStop(const ZlRecord& record)
-{
-    const std::string id = idOf(record);
-    Run* const run = findRun(id);
-    const bool isKnown = record._owner->_process.has_value();
-    if (run && isKnown && (run->_life == Life::Stopped || run->_life == Life::Recovered)) return;
-    ++_stopCount;
-    if (!run) return keepRun(id, Life::Stopped, std::string(logOf(*record._file)));
-    if (run->_life == Life::Open || run->_life == Life::Overtaken)
-        setEnded(id, *run, Life::Stopped);
-}
-
-// Whose events had to be recovered did not end in order. Where the mark has no more than the number
-// of the process, it is one that is open in this log.
-void ZlStats::endUnordered(const ZlRecord& record, const std::string& log)
-{
-    const std::optional<std::uint32_t> process = processOf(record);
-    if (!process) return;
-    if (!record._owner->_process)
-    {
-        const auto place = _openOf.find(log);
-        if (place == _openOf.end()) return;
-        const std::string begin = "process " + std::to_string(*process) + " ";
-        const std::vector<std::string> ids = place->second;
-        for (const std::string& id : ids)
-            if (id.starts_with(begin)) setEnded(id, *findRun(id), Life::Recovered);
-        return;
-    }
-    const std::string id = idOf(record);
-    Run* const run = findRun(id);
-    if (!run) return keepRun(id, Life::Recovered, log);
-    if (run->_life == Life::Open || run->_life == Life::Overtaken)
-        setEnded(id, *run, Life::Recovered);
 }
 
 void ZlStats::beginRecovery(const ZlRecord& record)
 {
-    const std::string log(logOf(*record._file));
-    endUnordered(record, log);
+    _runs.add(record);
     ++_recoveryCount;
     std::size_t index = NOT_LISTED;
     if (_recoveries.size() < MOST_ENTRIES)
@@ -433,12 +304,12 @@ void ZlStats::beginRecovery(const ZlRecord& record)
         _recoveries.push_back(
             {record._wall, owner._host, processOf(record), owner._processStart, 0, false});
     }
-    _recovering[log] = index;
+    _recovering[std::string(zlLogOf(*record._file))] = index;
 }
 
 void ZlStats::endRecovery(const ZlRecord& record)
 {
-    const auto place = _recovering.find(logOf(*record._file));
+    const auto place = _recovering.find(zlLogOf(*record._file));
     if (place == _recovering.end()) return;
     if (place->second != NOT_LISTED) _recoveries[place->second]._isComplete = true;
     _recovering.erase(place);
@@ -669,12 +540,12 @@ private:
 
     void appendStarts()
     {
-        if (_stats._startCount == 0 && _stats._stopCount == 0) return;
+        if (_stats._runs.getStarted() == 0 && _stats._runs.getStopped() == 0) return;
         addTitle("Starts");
-        addCount(_stats._startCount, "started");
-        addCount(_stats._stopCount, "stopped in order");
-        addCount(_stats._unordered, "ended without order");
-        addCount(_stats._open, "without an end in the log: running, or ended since");
+        addCount(_stats._runs.getStarted(), "started");
+        addCount(_stats._runs.getStopped(), "stopped in order");
+        addCount(_stats._runs.getUnordered(), "ended without a stop mark");
+        addCount(_stats._runs.getOpen(), "without an end in the log: running, or ended since");
         std::size_t shown = 0;
         for (const Start& start : _stats._starts)
         {
@@ -685,7 +556,7 @@ private:
             zlAppendPrintable(_out, start._file, false);
             _out += ":" + std::to_string(start._line) + "\n";
         }
-        addRest(_stats._startCount - shown);
+        addRest(_stats._runs.getStarted() - shown);
     }
 
     void appendRecoveries()
@@ -896,12 +767,12 @@ private:
                             {"process", numberOf(start._process)},
                             {"file", start._file},
                             {"line", start._line}});
-        return {{"started", _stats._startCount},
-                {"stopped", _stats._stopCount},
-                {"ended_without_order", _stats._unordered},
-                {"without_end", _stats._open},
+        return {{"started", _stats._runs.getStarted()},
+                {"stopped", _stats._runs.getStopped()},
+                {"ended_without_stop_mark", _stats._runs.getUnordered()},
+                {"without_end", _stats._runs.getOpen()},
                 {"list", std::move(list)},
-                {"more", _stats._startCount - _stats._starts.size()}};
+                {"more", _stats._runs.getStarted() - _stats._starts.size()}};
     }
 
     Value recoveries()

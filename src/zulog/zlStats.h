@@ -6,13 +6,13 @@
 
 #include "../base/lgTypes.h"
 #include "zlRecord.h"
+#include "zlRuns.h"
 #include "zlSlices.h"
 #include "zlTime.h"
 
 #include <array>
 #include <cstddef>
 #include <cstdint>
-#include <deque>
 #include <functional>
 #include <map>
 #include <optional>
@@ -121,22 +121,6 @@ private:
         bool _isComplete = false;
     };
 
-    // The life of a process, as its marks show it.
-    enum class Life
-    {
-        Open,
-        // Another one has started in the same log.
-        Overtaken,
-        Recovered,
-        Stopped
-    };
-
-    struct Run
-    {
-        Life _life;
-        std::string _log;
-    };
-
     struct Rate
     {
         std::uint64_t _events;
@@ -151,14 +135,8 @@ private:
     void addSecond(std::int64_t wall);
     void addLoss(const ZlRecord& record);
     void addStart(const ZlRecord& record);
-    void addStop(const ZlRecord& record);
-    void endUnordered(const ZlRecord& record, const std::string& log);
     void beginRecovery(const ZlRecord& record);
     void endRecovery(const ZlRecord& record);
-    Run* findRun(const std::string& id);
-    void keepRun(const std::string& id, Life life, const std::string& log);
-    void setEnded(const std::string& id, Run& run, Life life);
-    void overtake(const std::string& log);
     std::optional<Rate> getBusiest() const;
     std::vector<const Thread*> getThreads() const;
     std::vector<std::pair<std::string, std::uint64_t>> getGroups() const;
@@ -203,16 +181,8 @@ private:
     std::uint64_t _lossCount = 0;
     std::vector<Loss> _losses;
 
-    std::uint64_t _startCount = 0;
-    std::uint64_t _stopCount = 0;
-    std::uint64_t _unordered = 0;
-    std::uint64_t _open = 0;
+    ZlRuns _runs;
     std::vector<Start> _starts;
-    // By what identifies a process, and, without that, by the log.
-    std::unordered_map<std::string, Run> _runs;
-    std::deque<std::string> _runOrder;
-    // Those that are open, by their log.
-    std::map<std::string, std::vector<std::string>> _openOf;
 
     std::uint64_t _recoveryCount = 0;
     std::uint64_t _recovered = 0;

@@ -493,10 +493,24 @@ TEST(ZlPage, EndsWithTheTotals)
     EXPECT_EQ(totalsOf({sample.record(""), sample.record(""), unknown, overflow, notWritten,
                         sample.mark(Kind::Start, "")}),
               "records 6,Warning 2,unknown level 1,overflow 1,start 1,not-written 1,"
-              "lost events 21,");
+              "lost events 21,processes that started 1,");
     notWritten._count = ~std::uint64_t{0};
     EXPECT_EQ(totalsOf({overflow, notWritten}),
               "records 2,overflow 1,not-written 1,lost events 18446744073709551615,");
+}
+
+// A process has a mark in each of its files.
+TEST(ZlPage, CountsAProcessOnce)
+{
+    const Sample sample;
+    Zu::ZlOwner owner;
+    owner._process = 4711;
+    ZlRecord start = sample.mark(Kind::Start, "");
+    start._owner = &owner;
+    ZlRecord stop = sample.mark(Kind::Stop, "");
+    stop._owner = &owner;
+    EXPECT_EQ(totalsOf({start, start, stop, stop}),
+              "records 4,start 2,stop 2,processes that started 1,processes that stopped 1,");
 }
 
 } // namespace

@@ -1040,13 +1040,22 @@
 
     // ---- Controls ----
 
+    // What the table at the end of the page says; the marks that were read until it is there.
+    function totalOf(name, marks) {
+        const totals = element('totals');
+        if (!totals) return marks;
+        const row = [...totals.rows].find(({cells}) => cells[0].textContent === name);
+        return row ? Number(row.cells[1].textContent) : 0;
+    }
+
     function showStatus() {
         const {kinds: kindCounts} = counts;
         const parts = [
             `records: ${shown(counts.records)}, lines: ${shown(starts.length)}, ` +
                 `shown: ${shown(view.length)}`,
             `lost events: ${shown(counts.lost)} (in places: ${shown(counts.losses)})`,
-            `starts: ${shown(kindCounts[START])}, stops: ${shown(kindCounts[STOP])}, ` +
+            `starts: ${shown(totalOf('processes that started', kindCounts[START]))}, ` +
+                `stops: ${shown(totalOf('processes that stopped', kindCounts[STOP]))}, ` +
                 `recoveries: ${shown(kindCounts[RECOVERY_BEGIN])}`,
         ];
         if (kindCounts[UNREADABLE]) parts.push(`not readable: ${shown(kindCounts[UNREADABLE])}`);
