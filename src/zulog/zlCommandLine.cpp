@@ -313,7 +313,8 @@ private:
             ->type_name("FORM")
             ->check(CLI::IsMember({"text", "json"}))
             ->capture_default_str();
-        addMaps("show", "Show the lines that the next log service would write", Name::RecoverShow);
+        addMaps("show", "Show the lines that the next log service would write", Name::RecoverShow)
+            .add_flag("--utc", _words._isUtc, "Show times in UTC, whatever the lines would have");
         addMaps("write", "Write them into the log files, and remove the maps", Name::RecoverWrite);
         addMaps("remove", "Remove maps with all that is in them", Name::RecoverRemove)
             .add_flag("--all", options._isAll, "Remove all of them");

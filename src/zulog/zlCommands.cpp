@@ -30,7 +30,7 @@ std::uint64_t forEachRecord(const ZlShowOptions& options, ZlReports& reports, Fu
     ZlMerge merge = zlOpenMerge(options, reports);
     while (const ZlRecord* const record = merge.next())
         if (filter.accepts(*record)) function(*record);
-    filter.reportUndated();
+    filter.report();
     return merge.getLineCount();
 }
 
@@ -55,12 +55,15 @@ std::uint64_t writePage(const ZlCommand& command, std::FILE* file, ZlReports& re
     ZlOutput output(file);
     ZlPage page(command._pageTitle);
     page.begin(output.text());
+    bool isEmpty = true;
     const auto append = [&](const ZlRecord& record)
     {
+        isEmpty = false;
         page.append(output.text(), record);
         output.writeIfLarge();
     };
     const std::uint64_t lines = forEachRecord(command._show, reports, append);
+    if (isEmpty) reports.note("nothing is selected, and the page is empty");
     page.end(output.text());
     output.write();
     return lines;

@@ -6,15 +6,14 @@
 #include "zulog/zlAsker.h"
 #include "zulog/zlFilter.h"
 #include "zulog/zlFormat.h"
+#include "zulog/zlNames.h"
 
 #include <algorithm>
 #include <bit>
 #include <cstdint>
-#include <filesystem>
 #include <memory>
 #include <nlohmann/json.hpp>
 #include <optional>
-#include <system_error>
 #include <utility>
 
 namespace Zu
@@ -63,8 +62,7 @@ std::vector<Asker> findAll(const ZlControlOptions& options, ZlReports& reports)
 {
     std::vector<Asker> askers;
     const std::string directory = controlDirectory(options);
-    std::error_code ignored;
-    if (!std::filesystem::is_directory(directory, ignored))
+    if (!zlIsDirectory(directory))
     {
         reports.failed("\"" + directory + "\" is not a directory");
         return askers;
@@ -254,12 +252,40 @@ void appendRow(std::string& out, const ZlAsker& asker, const Json& status,
     out += "  " + plain(asker.getProgram()) + "\n";
 }
 
-// With the facts that do not take its answer.
-Json jsonOf(const ZlAsker& asker, Json status)
+// "leftOut" as "left_out": a service names its members in the way of programs, and zulog in that of
+// its other forms. Names of levels have blanks.
+std::string memberName(const std::string& name)
 {
-    status["processStart"] = lgIsoTime(asker.getProcessStart(), 6);
-    status["serviceStart"] = lgIsoTime(asker.getServiceStart(), 6);
-    return status;
+    std::string result;
+    for (const char character : name)
+    {
+        const bool isUpper = character >= 'A' && character <= 'Z';
+        const bool isInside = !result.empty() && result.back() >= 'a' && result.back() <= 'z';
+        if (isUpper && isInside) result += '_';
+        result += isUpper && isInside ? static_cast<char>(character - 'A' + 'a') : character;
+    }
+    return result;
+}
+
+Json withMemberNames(const Json& value)
+{
+    Json result = value;
+    if (value.is_array())
+        for (Json& each : result) each = withMemberNames(each);
+    if (!value.is_object()) return result;
+    result = Json::object();
+    for (const auto& [name, member] : value.items())
+        result[memberName(name)] = withMemberNames(member);
+    return result;
+}
+
+// With the facts that do not take its answer.
+Json jsonOf(const ZlAsker& asker, const Json& status)
+{
+    Json result = withMemberNames(status);
+    result["process_start"] = lgIsoTime(asker.getProcessStart(), 6);
+    result["service_start"] = lgIsoTime(asker.getServiceStart(), 6);
+    return result;
 }
 
 void writeJson(ZlOutput& out, const Json& json)
@@ -320,19 +346,25 @@ std::string requestOf(const ZlControlOptions& options, const ZlAsker& asker, con
     return request;
 }
 
-void changeLevels(ZlAsker& asker, const ZlControlOptions& options, ZlOutput& out,
-                  ZlReports& reports)
+bool isChange(const ZlControlOptions& options)
+{
+    return options._isReset || !options._changes.empty();
+}
+
+void changeLevels(ZlAsker& asker, const ZlControlOptions& options, bool isOneOfSeveral,
+                  ZlOutput& out, ZlReports& reports)
 {
     std::optional<Json> status = askOrReport(asker, STATUS, options, reports);
     if (!status) return;
-    if (options._isReset || !options._changes.empty())
+    if (isChange(options))
     {
         const std::string request = requestOf(options, asker, *status, reports);
         if (request.empty()) return;
         status = askOrReport(asker, request, options, reports);
         if (!status) return;
     }
-    appendGroups(out.text(), *status, "");
+    if (isOneOfSeveral) out.text() += titleOf(asker) + "\n";
+    appendGroups(out.text(), *status, isOneOfSeveral ? "  " : "");
 }
 
 } // namespace
@@ -364,7 +396,7 @@ void zlShowProcesses(const ZlControlOptions& options, ZlOutput& out, ZlReports& 
         {
             std::string text;
             if (options._isJson)
-                list.push_back(jsonOf(*asker, std::move(*status)));
+                list.push_back(jsonOf(*asker, *status));
             else if (isTable)
                 appendRow(text, *asker, *status, options);
             else
@@ -379,16 +411,17 @@ void zlShowProcesses(const ZlControlOptions& options, ZlOutput& out, ZlReports& 
 void zlChangeLevels(const ZlControlOptions& options, ZlOutput& out, ZlReports& reports)
 {
     const std::vector<Asker> askers = find(options, reports);
-    if (askers.size() > 1)
+    const bool areSeveral = askers.size() > 1;
+    if (areSeveral && isChange(options))
     {
         std::string ids;
         for (const Asker& asker : askers)
             ids += (ids.empty() ? "" : ", ") + std::to_string(asker->getProcess());
         return reports.failed("several processes are meant; choose one of " + ids);
     }
-    if (askers.empty()) return;
-    readAnswer(*askers.front(), reports,
-               [&] { changeLevels(*askers.front(), options, out, reports); });
+    for (const Asker& asker : askers)
+        readAnswer(*asker, reports,
+                   [&] { changeLevels(*asker, options, areSeveral, out, reports); });
 }
 
 } // namespace Zu

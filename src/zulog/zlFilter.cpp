@@ -1,6 +1,7 @@
 #include "zulog/zlFilter.h"
 
 #include "zulog/zlFile.h"
+#include "zulog/zlFormat.h"
 
 #include <algorithm>
 #include <boost/regex.hpp>
@@ -80,7 +81,8 @@ ZlFilter::ZlFilter(const ZlSelection& selection, ZlReports& reports)
       _exclusions(std::make_unique<Expressions>(selection._exclusions)),
       _areEventsAlone(selection._areMarksHidden || selection._levels != ZlSelection::ALL_LEVELS ||
                       !selection._groups.empty() || !selection._threads.empty() ||
-                      !_matches->isEmpty() || !_exclusions->isEmpty())
+                      !_matches->isEmpty() || !_exclusions->isEmpty()),
+      _isGroupFound(selection._groups.size())
 {
 }
 
@@ -103,12 +105,7 @@ bool ZlFilter::acceptsEvent(const ZlRecord& record)
         return false;
     if (!_selection._threads.empty() && !contains(_selection._threads, record._thread))
         return false;
-    const auto isOfGlob = [&record](const std::string& glob)
-    { return zlMatchesGlob(glob, record._group); };
-    const std::vector<std::string>& groups = _selection._groups;
-    if (!groups.empty() &&
-        (record._group.empty() || std::none_of(groups.begin(), groups.end(), isOfGlob)))
-        return false;
+    if (!_selection._groups.empty() && !acceptsGroup(record._group)) return false;
     if (_matches->isEmpty() && _exclusions->isEmpty()) return true;
     // The group and the text are neighbours.
     const std::string_view first = record._group.empty() ? record._text : record._group;
@@ -130,6 +127,44 @@ bool ZlFilter::acceptsEvent(const ZlRecord& record)
     }
 }
 
+bool ZlFilter::acceptsGroup(std::string_view group)
+{
+    if (group.empty()) return false;
+    bool isAccepted = false;
+    for (std::size_t i = 0; i < _selection._groups.size(); ++i)
+    {
+        if (isAccepted && _isGroupFound[i]) continue;
+        if (!zlMatchesGlob(_selection._groups[i], group)) continue;
+        isAccepted = true;
+        _isGroupFound[i] = true;
+    }
+    if (!isAccepted) noteGroup(group);
+    return isAccepted;
+}
+
+void ZlFilter::noteGroup(std::string_view group)
+{
+    constexpr std::size_t MOST = 10;
+    constexpr std::size_t LONGEST = 64;
+    if (_otherGroups.size() < MOST && group.size() <= LONGEST && !_otherGroups.contains(group))
+        _otherGroups.emplace(group);
+}
+
+void ZlFilter::reportGroups() const
+{
+    std::string names;
+    for (const std::string& name : _otherGroups)
+    {
+        names += names.empty() ? "" : ", ";
+        zlAppendPrintable(names, name, false);
+    }
+    for (std::size_t i = 0; i < _isGroupFound.size(); ++i)
+        if (!_isGroupFound[i])
+            _reports.note("none of the events that were looked at is of the group \"" +
+                          _selection._groups[i] + "\"" +
+                          (names.empty() ? "" : "; there are " + names));
+}
+
 bool ZlFilter::acceptsTime(const ZlRecord& record)
 {
     if (!_selection._since && !_selection._until) return true;
@@ -142,8 +177,9 @@ bool ZlFilter::acceptsTime(const ZlRecord& record)
            (!_selection._until || *record._wall < *_selection._until);
 }
 
-void ZlFilter::reportUndated() const
+void ZlFilter::report() const
 {
+    reportGroups();
     if (_undated == 0) return;
     _reports.note(std::to_string(_undated) + (_undated == 1
                                                   ? " record without a known time was left out"

@@ -8,8 +8,10 @@
 #include "zlReports.h"
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <optional>
+#include <set>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -60,12 +62,16 @@ public:
         return _undated;
     }
 
-    /// Reports their number, if there are any.
-    void reportUndated() const;
+    /// Reports their number, if there are any; and the groups that are asked for but that none of
+    /// the events was of, with some that they were of.
+    void report() const;
 
 private:
     class Expressions;
     bool acceptsEvent(const ZlRecord& record);
+    bool acceptsGroup(std::string_view group);
+    void noteGroup(std::string_view group);
+    void reportGroups() const;
     bool acceptsTime(const ZlRecord& record);
 
     ZlSelection _selection;
@@ -73,6 +79,9 @@ private:
     std::unique_ptr<Expressions> _matches;
     std::unique_ptr<Expressions> _exclusions;
     bool _areEventsAlone;
+    // Of each glob, whether an event was of it; and some groups of the others.
+    std::vector<bool> _isGroupFound;
+    std::set<std::string, std::less<>> _otherGroups;
     std::uint64_t _undated = 0;
     std::uint64_t _givenUp = 0;
 };

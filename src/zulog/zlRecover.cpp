@@ -14,6 +14,7 @@
 #include "zulog/zlFile.h"
 #include "zulog/zlFormat.h"
 #include "zulog/zlJson.h"
+#include "zulog/zlNames.h"
 
 #include <algorithm>
 #include <charconv>
@@ -153,8 +154,7 @@ std::vector<std::string> pathsOf(const ZlRecoverOptions& options, ZlReports& rep
     for (const std::string& map : options._maps)
         paths.push_back(hasSeparator(map) ? map : directory + map);
     if (!paths.empty()) return paths;
-    std::error_code ignored;
-    if (!std::filesystem::is_directory(directory, ignored))
+    if (!zlIsDirectory(directory))
     {
         reports.failed("\"" + directory + "\" is not a directory");
         return paths;
@@ -378,6 +378,23 @@ void appendLeft(std::string& out, const ZlLeft& left, ZlTimeWriter& times, std::
     out += ": " + left._reason + "\n";
 }
 
+// In one line, since nothing can be done with their maps.
+void appendRunning(std::string& out, const std::vector<ZlLeft>& maps)
+{
+    std::string processes;
+    std::uint64_t count = 0;
+    for (const ZlLeft& left : maps)
+    {
+        if (left._state != ZlLeft::State::Running) continue;
+        ++count;
+        processes += count > 1 ? ", " : "";
+        processes += left._process ? std::to_string(*left._process) : "unknown";
+    }
+    if (count == 0) return;
+    out += "In use: " + countOf(count, "map", "maps") + " of " +
+           (count == 1 ? "process " : "processes ") + processes + "\n";
+}
+
 Json jsonOf(const ZlLeft& left, std::int64_t now)
 {
     Json object = {{"path", left._path}, {"state", stateName(left._state)}};
@@ -428,7 +445,8 @@ void showOne(LgServiceRecovery& recovery, const ZlRecoverOptions& options, ZlOut
     const LgLeftMap& map = recovery.getMap();
     const LgLineOrigin origin = LgServiceRecovery::originOf(map.getHeader());
     const bool isRaw = options._service._rawText && !options._isTerminal;
-    LgLineWriter writer(formOf(options._service), isRaw);
+    const bool isUtc = options._times == ZlTimeWriter::Form::Utc;
+    LgLineWriter writer(isUtc ? LgLineForm::Utc : formOf(options._service), isRaw);
     writer.setOrigin(origin);
     const std::vector<char> isWritten = recovery.findWritten();
     out.text() += LgServiceRecovery::beginLines(origin);
@@ -507,8 +525,7 @@ std::string refusalOf(const ZlRecoverOptions& options, const std::string& direct
     if (!OsFilePath::isAbsolute(directory.c_str()) && !isNamed)
         return "its log directory \"" + directory +
                "\" is relative to a directory that is not known";
-    std::error_code ignored;
-    if (std::filesystem::is_directory(directory, ignored)) return {};
+    if (zlIsDirectory(directory)) return {};
     return "its log directory \"" + directory + "\" is not there";
 }
 
@@ -582,7 +599,9 @@ void zlRecoverList(const ZlRecoverOptions& options, ZlOutput& out, ZlReports& re
     else
     {
         ZlTimeWriter times(options._times);
-        for (const ZlLeft& left : maps) appendLeft(out.text(), left, times, now);
+        for (const ZlLeft& left : maps)
+            if (left._state != ZlLeft::State::Running) appendLeft(out.text(), left, times, now);
+        appendRunning(out.text(), maps);
         if (maps.empty() && !reports.hasFailed())
             out.text() += "Nothing is left in " + mapDirectory(options) + "\n";
     }

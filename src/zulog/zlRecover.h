@@ -36,6 +36,7 @@ struct ZlRecoverOptions
     /// are the names of the files, the form of the lines, and what is about files; its two
     /// directories are not. With the process id in the names, that is the dead process's.
     LgServiceOptions _service;
+    /// Of the list. Lines are shown in UTC if this says so, otherwise in the form of the service.
     ZlTimeWriter::Form _times = ZlTimeWriter::Form::Local;
     /// For the list.
     bool _isJson = false;

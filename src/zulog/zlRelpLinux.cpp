@@ -1,6 +1,8 @@
 #include "zulog/zlFile.h"
 #include "zulog/zlRelp.h"
 
+#include "zulog/zlTcp.h"
+
 #include <cstdarg>
 #include <dlfcn.h>
 #include <sys/socket.h>
@@ -79,6 +81,7 @@ struct Delivery
 {
     ZlRelpAnswers _answers;
     std::string _error;
+    bool _isConnected = false;
 };
 thread_local Delivery* theDelivery = nullptr;
 
@@ -131,6 +134,8 @@ public:
                           " does not report answers, and can't be used");
         const std::size_t taken = delivery._answers.countTaken();
         if (taken == messages.size()) return {taken, ""};
+        std::string cause = delivery._isConnected ? std::string() : causeOfNoConnection();
+        if (!cause.empty()) return {taken, std::move(cause)};
         return {taken, reasonOf(delivery, result)};
     }
 
@@ -147,10 +152,25 @@ private:
         _library._setTimeout(client, TIMEOUT_SECONDS);
         _library._setConnectTimeout(client, CONNECT_SECONDS);
         int result = _library._connect(client, AF_UNSPEC, bytesOf(_port), bytesOf(_host));
+        theDelivery->_isConnected = result == OK;
         for (std::size_t i = 0; i < messages.size() && result == OK; ++i)
             result = _library._send(client, bytesOf(messages[i]), messages[i].size());
         _library._destroyClient(_engine, &client);
         return result;
+    }
+
+    // The library knows no more than that it failed. Empty if it can be connected to by now.
+    std::string causeOfNoConnection() const
+    {
+        try
+        {
+            const ZlSocket socket(_host, _port);
+            return {};
+        }
+        catch (const ZlError& error)
+        {
+            return error.what();
+        }
     }
 
     static std::string reasonOf(const Delivery& delivery, int result)

@@ -99,7 +99,7 @@ void ZlPrinter::addWithContext(const ZlRecord& record)
 
 void ZlPrinter::end()
 {
-    _filter.reportUndated();
+    _filter.report();
 }
 
 ZlReader::Options zlReaderOptions(const ZlShowOptions& options, std::size_t logs)

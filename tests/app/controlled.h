@@ -24,14 +24,16 @@ namespace app
 class Controlled
 {
 public:
-    // With further words behind the file that ends it.
+    // With further words behind the file that ends it; beside a neighbour in its directory.
     explicit Controlled(support::Environment environment = {},
-                        const std::vector<std::string>& words = {})
+                        const std::vector<std::string>& words = {},
+                        const Controlled* neighbour = nullptr)
+        : _directory(neighbour ? neighbour->_directory : _maps.path() + "/")
     {
         std::vector<std::string> all = {_logs.file("end")};
         all.insert(all.end(), words.begin(), words.end());
         environment["B7Q_TEST_DIR"] = _logs.path();
-        environment["ZU_LOG_SERVICE_MAPPING_DIRECTORY"] = _maps.path();
+        environment["ZU_LOG_SERVICE_MAPPING_DIRECTORY"] = _directory;
         _thread =
             std::thread([this, all, environment = std::move(environment)]
                         { _result = support::runProgram("controlVictim", all, environment); });
@@ -48,13 +50,21 @@ public:
     // With a separator at its end.
     std::string directory() const
     {
-        return _maps.path() + "/";
+        return _directory;
     }
 
     // The control files that are there.
     std::vector<std::string> controlFiles() const
     {
         return Zu::lgNamesIn(directory(), Zu::LgControlPeer::prefix());
+    }
+
+    // When it and so many neighbours can be asked.
+    void waitForFiles(std::size_t count) const
+    {
+        for (const auto end = endOfPatience(); std::chrono::steady_clock::now() < end; pause())
+            if (controlFiles().size() == count) return;
+        throw std::runtime_error("there are not as many control files");
     }
 
     // The path of its control file, when it can be asked.
@@ -109,6 +119,7 @@ private:
 
     support::TempDir _logs;
     support::TempDir _maps;
+    const std::string _directory;
     support::ProgramResult _result;
     std::thread _thread;
 };

@@ -246,14 +246,16 @@ class Ship(unittest.TestCase):
 
     def test_a_receiver_that_is_missing_is_reported(self):
         self.write_logs(1)
-        destination = f"tcp://127.0.0.1:{free_port()}"
-        result = subprocess.run(self.command(0, destination, "--once"), check=False,
-                                stderr=subprocess.PIPE, text=True)
-        self.assertEqual(result.returncode, 1)
-        lines = result.stderr.splitlines()
-        self.assertEqual(len(lines), 2, lines)
-        self.assertIn("Connection refused; this is tried again", lines[0])
-        self.assertIn("fails; the rest can be shipped later", lines[1])
+        for kind in ("tcp", "relp"):
+            destination = f"{kind}://127.0.0.1:{free_port()}"
+            result = subprocess.run(self.command(0, destination, "--once"), check=False,
+                                    stderr=subprocess.PIPE, text=True)
+            self.assertEqual(result.returncode, 1)
+            lines = result.stderr.splitlines()
+            self.assertEqual(len(lines), 2, lines)
+            self.assertEqual(f"zulog: {destination}: Connection refused; this is tried again",
+                             lines[0])
+            self.assertIn("fails; the rest can be shipped later", lines[1])
 
 
 if not os.path.exists(RSYSLOG) or not os.path.exists(MODULE):

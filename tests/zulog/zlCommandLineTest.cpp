@@ -167,6 +167,7 @@ TEST(ZlCommandLine, ReadsTheOtherCommands)
     EXPECT_EQ(list._recover._logDirectory, "d");
     EXPECT_EQ(list._recover._maps, Words({"m"}));
     EXPECT_EQ(read({"recover", "show"})._name, ZlCommand::Name::RecoverShow);
+    EXPECT_EQ(read({"recover", "show", "--utc"})._recover._times, Zu::ZlTimeWriter::Form::Utc);
     EXPECT_EQ(read({"recover", "write"})._name, ZlCommand::Name::RecoverWrite);
     const ZlCommand remove = read({"recover", "remove", "--all"});
     EXPECT_EQ(remove._name, ZlCommand::Name::RecoverRemove);

@@ -104,6 +104,17 @@ TEST_F(ZlCommands, CountsWhatIsSelectedAsJson)
     EXPECT_EQ(object.at("events"), 1);
 }
 
+TEST_F(ZlCommands, APageOfNothingIsNoted)
+{
+    _command._pageFile = _page;
+    _command._show._selection._groups = {"NoSuchGroup"};
+    Zu::zlMakePage(_command, _reports);
+    EXPECT_NE(_reported.str().find("zulog: nothing is selected, and the page is empty\n"),
+              std::string::npos)
+        << _reported.str();
+    EXPECT_FALSE(_reports.hasFailed());
+}
+
 TEST_F(ZlCommands, APageReplacesTheOneBefore)
 {
     writeFile(_page, "the page of yesterday");

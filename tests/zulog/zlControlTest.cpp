@@ -130,7 +130,11 @@ TEST(ZlControl, ShowsARunningProcess)
     const Json json = Json::parse(run(process, {"ps", "--format", "json"}).out);
     const Json& status = json.at("processes").at(0);
     EXPECT_EQ(status.at("groups").at(1).at("name"), "Database");
-    EXPECT_EQ(status.at("serviceStart").get<std::string>().size(), 27U);
+    EXPECT_EQ(status.at("service_start").get<std::string>().size(), 27U);
+    // Members are named alike, whatever a service names them; names of levels stay.
+    EXPECT_TRUE(status.at("health").contains("behind_microseconds"));
+    EXPECT_TRUE(status.at("health").at("events").contains("Internal Error"));
+    EXPECT_FALSE(status.at("health").contains("behindMicroseconds"));
     EXPECT_EQ(
         run(process, {"ps", std::to_string(status.at("process").get<int>())}).out.substr(0, 8),
         "Process ");
@@ -170,6 +174,29 @@ TEST(ZlControl, WhatCannotBeDoneIsReportedAndChangesNothing)
     EXPECT_TRUE(contains(word.err, "\"Loud\" is no level: expected Internal Error, "));
     EXPECT_EQ(run(process, {"level", "controlVictim", "UI=Error", "--reset"}).exitCode, 2);
     EXPECT_EQ(run(process, {"level", "controlVictim"}).out, ALL_WARNINGS);
+}
+
+TEST(ZlControl, LevelsOfSeveralProcessesAreShownButNotChanged)
+{
+    const Controlled process;
+    process.waitForFile();
+    const Controlled neighbour({}, {}, &process);
+    process.waitForFiles(2);
+    const ProgramResult shown = run(process, {"level", "controlVictim"});
+    EXPECT_EQ(shown.exitCode, 0) << shown.err;
+    const std::vector<std::string> lines = support::linesOf(shown.out);
+    ASSERT_EQ(lines.size(), 8U) << shown.out;
+    for (const std::size_t first : {0U, 4U})
+    {
+        EXPECT_TRUE(lines[first].starts_with("process ")) << shown.out;
+        EXPECT_EQ(lines[first + 1], "  Base      Warning");
+        EXPECT_EQ(lines[first + 3], "  UI        Warning");
+    }
+    EXPECT_NE(lines[0], lines[4]);
+    const ProgramResult changed = run(process, {"level", "controlVictim", "UI=Error"});
+    EXPECT_EQ(changed.exitCode, 1);
+    EXPECT_TRUE(contains(changed.err, "several processes are meant; choose one of "));
+    EXPECT_EQ(run(process, {"level", "controlVictim"}).out, shown.out);
 }
 
 TEST(ZlControl, RemovesWhatAKilledProcessLeft)

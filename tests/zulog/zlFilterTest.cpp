@@ -33,6 +33,7 @@ struct Chosen
 {
     Texts _texts;
     std::uint64_t _undated;
+    std::string _notes;
 };
 
 Chosen chosen(const ZlSelection& selection, const std::string& log = LOG)
@@ -46,6 +47,9 @@ Chosen chosen(const ZlSelection& selection, const std::string& log = LOG)
         if (filter.accepts(reader.getRecord()))
             result._texts.push_back(std::string(reader.getRecord()._text));
     result._undated = filter.getUndatedCount();
+    reported.str("");
+    filter.report();
+    result._notes = reported.str();
     return result;
 }
 
@@ -98,6 +102,33 @@ TEST(ZlFilter, SelectsByTimeAndCountsWhatHasNone)
     EXPECT_EQ(result._texts, Texts({"one", "two"}));
     // The torn line and the last banner.
     EXPECT_EQ(result._undated, 2U);
+}
+
+TEST(ZlFilter, NotesGroupsThatNoEventIsOf)
+{
+    ZlSelection selection;
+    selection._groups = {"Ord*", "Orders"};
+    EXPECT_EQ(chosen(selection)._notes, "");
+    selection._groups = {"orders", "St*", "No?e"};
+    const std::string none = "zulog: none of the events that were looked at is of the group ";
+    EXPECT_EQ(chosen(selection)._notes,
+              none + "\"orders\"; there are Orders\n" + none + "\"No?e\"; there are Orders\n");
+    selection._groups = {"x"};
+    EXPECT_EQ(chosen(selection)._notes, none + "\"x\"; there are Orders, Stock\n");
+    EXPECT_EQ(chosen(selection, BANNER + ORIGIN)._notes.find("there are"), std::string::npos);
+}
+
+TEST(ZlFilter, OfManyGroupsSomeAreNoted)
+{
+    std::string log = BANNER + ORIGIN;
+    for (int i = 10; i < 90; ++i) log += tickLine(1, "Error: G" + std::to_string(i) + " text");
+    ZlSelection selection;
+    selection._groups = {"x"};
+    EXPECT_NE(chosen(selection, log)
+                  ._notes.find("there are G10, G11, G12, G13, G14, G15, G16, "
+                               "G17, G18, G19\n"),
+              std::string::npos)
+        << chosen(selection, log)._notes;
 }
 
 TEST(ZlFilter, RefusesAnExpressionThatIsNone)

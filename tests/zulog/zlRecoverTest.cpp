@@ -424,6 +424,16 @@ TEST_F(ZlRecover, ALineFormOfTheSetUpIsUsed)
     EXPECT_NE(support::readFile(logPath()).find(middle), std::string::npos);
 }
 
+TEST_F(ZlRecover, LinesAreShownInUtcIfThatIsAskedFor)
+{
+    leave("step", 1, 20, 1);
+    const ZlLeft left = find().front();
+    const std::string middle = "Z " + std::to_string(*left._process) + " (0x";
+    EXPECT_EQ(call(&Zu::zlRecoverShow)._out.find(middle), std::string::npos);
+    options._times = Zu::ZlTimeWriter::Form::Utc;
+    EXPECT_NE(call(&Zu::zlRecoverShow)._out.find(middle), std::string::npos);
+}
+
 TEST_F(ZlRecover, WithProcessesInNamesTheLogIsTheDeadProcesss)
 {
     leaveLines(1, 3);
@@ -632,8 +642,7 @@ TEST_F(ZlRecover, MapsOfLivingProcessesAreNotTouched)
         ASSERT_TRUE(file.extend(0x10000)) << file.getError();
         const ProgramResult list = runVictim("list");
         EXPECT_EQ(list.exitCode, 0);
-        EXPECT_NE(list.out.find("\n  process " + process + "\n  running: "), std::string::npos)
-            << list.out;
+        EXPECT_EQ(list.out, "In use: 1 map of process " + process + "\n");
         for (const char* const command : {"show", "write", "remove"})
         {
             const ProgramResult all = runVictim(command);
