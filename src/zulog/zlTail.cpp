@@ -182,11 +182,25 @@ void ZlTail::release(bool isAll)
     if (_reader) _reader->release(isAll);
 }
 
+// Also where more was written since than there was before: then the bytes in front of the old end
+// are others.
+bool ZlTail::wasEmptied() const
+{
+    if (!_file) return false;
+    const std::uint64_t size = _file->getSize();
+    const std::uint64_t known = _kept->getSize();
+    if (size <= known) return size < known;
+    const std::optional<std::uint64_t> last = _kept->getLast(known);
+    if (!last) return false;
+    _file->seek(known - lastSizeOf(known));
+    return zlHashOf(readUpTo(*_file, lastSizeOf(known))) != *last;
+}
+
 void ZlTail::look()
 {
     if (_reader) _kept->forget(_reader->getOffset());
     if (!_reader || !_isPresent) return;
-    if (_file && _file->getSize() < _kept->getSize())
+    if (wasEmptied())
     {
         _reports.note("\"" + _name + "\" was emptied: lines may be missing");
         _reader.reset();

@@ -43,7 +43,8 @@ public:
         return _name;
     }
 
-    /// Looks whether the file was rotated or emptied. Places from before are not completed any
+    /// Looks whether the file was rotated or emptied, be it that it is longer again than it was,
+    /// which its last bytes show. Places from before are not completed any
     /// more.
     void look();
 
@@ -80,6 +81,7 @@ private:
     Files findFiles() const;
     bool openNext();
     bool choose(const Files& files, std::size_t& index, std::uint64_t& offset);
+    bool wasEmptied() const;
     void reportMissing();
     bool hasPlace(const std::string& file) const;
     std::size_t locate(const Files& files) const;

@@ -154,6 +154,42 @@ TEST_F(ZlTailTest, AFileThatWasEmptiedIsReportedOnce)
 }
 
 // Nothing would be read up to the old place otherwise.
+TEST_F(ZlTailTest, AFileThatWasEmptiedAndHasGrownBeyondItsOldEndIsReadFromItsBeginning)
+{
+    append(ORIGIN + line(1) + line(2));
+    start();
+    EXPECT_EQ(look(), "1 2");
+    append(line(3));
+    EXPECT_EQ(look(), "3");
+    EXPECT_EQ(countMissing(), 0U) << _reported.str();
+    writeFile(_log, ORIGIN + line(4) + line(5) + line(6) + line(7) + line(8));
+    EXPECT_EQ(look(), "4 5 6 7 8");
+    EXPECT_EQ(countMissing(), 1U) << _reported.str();
+    append(line(9));
+    EXPECT_EQ(look(), "9");
+    EXPECT_EQ(countMissing(), 1U) << _reported.str();
+}
+
+// Many times as long as what is compared, in steps of all lengths.
+TEST_F(ZlTailTest, AFileThatGrowsIsNotTakenForAnother)
+{
+    append(ORIGIN);
+    start();
+    for (std::uint32_t count = 1; count < 200; ++count)
+    {
+        std::string expected;
+        std::string more;
+        for (std::uint32_t i = 0; i < count; ++i)
+        {
+            more += line(count);
+            expected += (i > 0 ? " " : "") + std::to_string(count);
+        }
+        append(more);
+        ASSERT_EQ(look(), expected);
+    }
+    EXPECT_EQ(countMissing(), 0U) << _reported.str();
+}
+
 TEST_F(ZlTailTest, AFileThatIsShorterThanThePlaceIsReadFromItsBeginning)
 {
     std::string text = ORIGIN;
