@@ -68,6 +68,33 @@ std::optional<std::uint32_t> parseNumber(std::string_view text)
     throw CLI::ValidationError(option, "\"" + value + "\" can't be used: expected " + expected);
 }
 
+// The same check with a refusal in the form of the others.
+CLI::Validator saying(const CLI::Validator& validator, const std::string& expected)
+{
+    const auto check = [validator, expected](std::string& value) -> std::string
+    {
+        if (validator(value).empty()) return {};
+        return "\"" + value + "\" can't be used: expected " + expected;
+    };
+    CLI::Validator result = validator;
+    return result.operation(check);
+}
+
+CLI::Validator oneOf(const std::vector<std::string>& words)
+{
+    std::string expected;
+    for (std::size_t i = 0; i < words.size(); ++i)
+        expected += (i == 0 ? "" : i + 1 < words.size() ? ", " : " or ") + words[i];
+    return saying(CLI::IsMember(words), expected);
+}
+
+CLI::Validator numberFrom(int least)
+{
+    constexpr int MOST = 1000000;
+    return saying(CLI::Range(least, MOST),
+                  "a whole number from " + std::to_string(least) + " to " + std::to_string(MOST));
+}
+
 std::int64_t timeOf(const std::string& option, const std::string& value, std::int64_t now)
 {
     const auto time = zlParseTime(value, now);
@@ -149,7 +176,7 @@ void addForm(CLI::App& command, Words& words)
 {
     command.add_option("--format", words._format, "The form of the output")
         ->type_name("FORM")
-        ->check(CLI::IsMember({"text", "iso", "json", "csv", "logfmt"}))
+        ->check(oneOf({"text", "iso", "json", "csv", "logfmt"}))
         ->capture_default_str();
     CLI::Option* const utc = command.add_flag("--utc", words._isUtc, "Show times in UTC");
     CLI::Option* const relative = command.add_flag(
@@ -163,7 +190,7 @@ void addForm(CLI::App& command, Words& words)
     command.add_flag("--files", words._hasFiles, "Show file and line in front of each line");
     command.add_option("--color", words._colour, "When levels are coloured")
         ->type_name("WHEN")
-        ->check(CLI::IsMember({"auto", "always", "never"}))
+        ->check(oneOf({"auto", "always", "never"}))
         ->capture_default_str();
 }
 
@@ -202,7 +229,7 @@ void addContext(CLI::App& command, ZlCommand& result)
     command
         .add_option("--context", result._show._context,
                     "So many records in front of and behind each that is selected")
-        ->check(CLI::Range(0, 1000000));
+        ->check(numberFrom(0));
 }
 
 // The commands, and what each of them stands for.
@@ -256,7 +283,7 @@ private:
         addFilters(follow, _words, _result._show._selection);
         addContext(follow, _result);
         follow.add_option("--lines", _result._lines, "So many records of what is there already")
-            ->check(CLI::Range(0, 1000000))
+            ->check(numberFrom(0))
             ->capture_default_str();
     }
 
@@ -267,11 +294,11 @@ private:
         addFilters(stats, _words, _result._show._selection);
         stats.add_option("--format", _words._figures, "The form of the output")
             ->type_name("FORM")
-            ->check(CLI::IsMember({"text", "json"}))
+            ->check(oneOf({"text", "json"}))
             ->capture_default_str();
         stats.add_flag("--utc", _words._isUtc, "Show times in UTC");
         stats.add_option("--rows", _result._stats._most, "The most rows of each list")
-            ->check(CLI::Range(1, 1000000))
+            ->check(numberFrom(1))
             ->capture_default_str();
     }
 
@@ -311,7 +338,7 @@ private:
         list.add_flag("--utc", _words._isUtc, "Show times in UTC");
         list.add_option("--format", _words._list, "The form of the output")
             ->type_name("FORM")
-            ->check(CLI::IsMember({"text", "json"}))
+            ->check(oneOf({"text", "json"}))
             ->capture_default_str();
         addMaps("show", "Show the lines that the next log service would write", Name::RecoverShow)
             .add_flag("--utc", _words._isUtc, "Show times in UTC, whatever the lines would have");
@@ -339,7 +366,7 @@ private:
         addMappings(processes);
         processes.add_option("--format", _words._list, "The form of the output")
             ->type_name("FORM")
-            ->check(CLI::IsMember({"text", "json"}))
+            ->check(oneOf({"text", "json"}))
             ->capture_default_str();
         processes.add_flag("--utc", _words._isUtc, "Show times in UTC");
     }
@@ -391,7 +418,7 @@ private:
                                    "Print a script that completes command lines", Name::Completion);
         completion.add_option("SHELL", _words._shell, "The shell")
             ->type_name("")
-            ->check(CLI::IsMember({"bash"}))
+            ->check(oneOf({"bash"}))
             ->required();
     }
 
@@ -514,6 +541,13 @@ void finish(const Words& words, const ZlSurroundings& surroundings, ZlCommand& c
     command._recover._isTerminal = surroundings._isOutputTerminal;
 }
 
+void refuseUse(ZlCommand& command, const std::string& name, const std::string& reason)
+{
+    command._text = "zulog: " + reason + "\n`" + name + " --help` shows what can be used.\n";
+    command._name = Name::Print;
+    command._exit = WRONG_USE;
+}
+
 } // namespace
 
 ZlCommand zlReadCommandLine(std::vector<std::string> words, const ZlSurroundings& surroundings)
@@ -547,12 +581,13 @@ ZlCommand zlReadCommandLine(std::vector<std::string> words, const ZlSurroundings
     {
         command._text = std::string(version.what()) + "\n";
     }
+    catch (const CLI::ExtrasError&)
+    {
+        refuseUse(command, name, "\"" + app.remaining(true).front() + "\" is not expected here");
+    }
     catch (const CLI::ParseError& error)
     {
-        command._text = std::string("zulog: ") + error.what() + "\n" + "`" + name +
-                        " --help` shows what can be used.\n";
-        command._name = Name::Print;
-        command._exit = WRONG_USE;
+        refuseUse(command, name, error.what());
     }
     return command;
 }
