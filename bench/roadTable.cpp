@@ -499,14 +499,17 @@ void printInterruptions()
     {
         const auto start = bench::Clock::now();
         double last = 0;
-        for (double now = 0; now < SECONDS; last = now)
+        double longest = 0;
+        while (last < SECONDS)
         {
-            now = bench::secondsSince(start);
+            const double now = bench::secondsSince(start);
             const double gap = (now - last) * 1000;
             for (std::size_t i = 0; i < LIMITS.size(); ++i)
                 if (gap > LIMITS[i]) ++counts[thread][i];
-            worst[thread] = std::max(worst[thread], gap);
+            longest = std::max(longest, gap);
+            last = now;
         }
+        worst[thread] = longest;
     };
     std::thread other(watch, 1U);
     watch(0);

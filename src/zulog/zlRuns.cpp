@@ -130,8 +130,9 @@ bool ZlRuns::addStart(const ZlRecord& record)
     return true;
 }
 
-// Whether a mark that does not say whose it is must be of a process that has started in this log.
-bool ZlRuns::endsKnown(const std::string& log)
+// Takes away one of the marks of known processes that have no mark of an end yet. False if this log
+// has none: then a mark that does not say whose it is can be of none of them.
+bool ZlRuns::takeUnended(const std::string& log)
 {
     const auto place = _unendedOf.find(log);
     if (place == _unendedOf.end()) return false;
@@ -145,12 +146,12 @@ void ZlRuns::addStop(const ZlRecord& record)
     const std::string log(zlLogOf(*record._file));
     const bool isKnown = record._owner->_process.has_value();
     const bool isOfItself = !isKnown && find(id);
-    if (!isOfItself && endsKnown(log) && !isKnown)
+    if (!isOfItself && takeUnended(log) && !isKnown)
     {
         // With several in the log, nobody can say which.
-        const auto open = _openOf.find(log);
-        if (open == _openOf.end()) return;
-        id = open->second.front();
+        const auto place = _openOf.find(log);
+        if (place == _openOf.end()) return;
+        id = place->second.front();
     }
     Run* const run = find(id);
     if (run && isKnown && (run->_life == Life::Stopped || run->_life == Life::Recovered)) return;

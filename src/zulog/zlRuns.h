@@ -72,7 +72,7 @@ private:
     bool addStart(const ZlRecord& record);
     void addStop(const ZlRecord& record);
     void addRecovery(const ZlRecord& record);
-    bool endsKnown(const std::string& log);
+    bool takeUnended(const std::string& log);
     Run* find(const std::string& id);
     void keep(const std::string& id, Life life, const std::string& log);
     void open(const std::string& id, Run& run, const std::string& log);

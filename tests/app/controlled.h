@@ -10,6 +10,7 @@
 #include "support/fileTest.h"
 #include "support/tempDir.h"
 
+#include <algorithm>
 #include <chrono>
 #include <stdexcept>
 #include <string>
@@ -63,7 +64,13 @@ public:
     void waitForFiles(std::size_t count) const
     {
         for (const auto end = endOfPatience(); std::chrono::steady_clock::now() < end; pause())
-            if (controlFiles().size() == count) return;
+        {
+            const std::vector<std::string> names = controlFiles();
+            const bool areReady = std::all_of(names.begin(), names.end(),
+                                              [this](const std::string& name)
+                                              { return isReady(directory() + name); });
+            if (names.size() == count && areReady) return;
+        }
         throw std::runtime_error("there are not as many control files");
     }
 
@@ -75,11 +82,7 @@ public:
             const std::vector<std::string> names = controlFiles();
             if (names.empty()) continue;
             const std::string path = directory() + names.front();
-            Zu::LgControlPeer peer;
-            char first = '\0';
-            if (peer.open(path) == Zu::LgControlPeer::Outcome::Opened && peer.read(0, &first, 1) &&
-                first == Zu::LgControl::MAGIC[0])
-                return path;
+            if (isReady(path)) return path;
         }
         throw std::runtime_error("the program has no control file");
     }
@@ -107,6 +110,14 @@ public:
     }
 
 private:
+    static bool isReady(const std::string& path)
+    {
+        Zu::LgControlPeer peer;
+        char first = '\0';
+        return peer.open(path) == Zu::LgControlPeer::Outcome::Opened && peer.read(0, &first, 1) &&
+               first == Zu::LgControl::MAGIC[0];
+    }
+
     static std::chrono::steady_clock::time_point endOfPatience()
     {
         return std::chrono::steady_clock::now() + std::chrono::minutes(2);
